@@ -1,0 +1,43 @@
+// What the program asks the system about files and folders. Paths are MString; '/' and '\' are both understood,
+// and the program composes with PathSeparator. None of these reports anything beyond its result.
+//
+// A look-up that finds nothing under the exact name goes through the folder's entries without regard to case,
+// part by part, since the program's own names rely on a file system that ignores case. Creating uses the name as
+// given.
+#pragma once
+
+#include "foundation/MString.h"
+
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+
+inline constexpr char16_t PathSeparator = static_cast<char16_t>(std::filesystem::path::preferred_separator);
+
+// folder, separator, name; also after an empty folder.
+MString JoinPath(const MString& folder, const MString& name);
+
+// The path in the system's own form, with its own separators.
+std::filesystem::path ToSystemPath(const MString& path);
+MString FromSystemPath(const std::filesystem::path& path);
+
+// The existing file or folder that `path` means, with case ignored where the exact name is not there.
+std::optional<std::filesystem::path> FindExisting(const MString& path);
+
+bool FileExists(const MString& path);   // false for a folder and for an empty path
+bool FolderExists(const MString& path); // one trailing separator doesn't matter
+// Creates a folder with all its parents; true if it is there at the end. False for an empty path. On failure the
+// parents made so far stay. A bare root or drive ("/", "C:", "C:/") is true without a look. Each new folder is
+// told on the debug channel.
+bool CreateFolder(const MString& path);
+// True if the file is gone or `path` is empty. `toRecycleBin` moves it to the user's bin instead of deleting.
+bool DeleteFile(const MString& path, bool clearReadOnly, bool toRecycleBin);
+std::int64_t GetFileSize(const MString& path); // 0 if it can't be opened
+// "1023 bytes", "1 KB", "1 MB", "1 GB": the largest unit of which there is at least one, truncated.
+MString SizeText(std::int64_t bytes);
+
+// The folder of the running program, without a trailing separator; empty if the system doesn't tell.
+MString GetProgramFolder();
+// The user's folder for program data (documents), then the given names, created if missing. Empty on failure.
+MString GetAppDataFolder(const MString& first, const MString& second);
+MString GetDocumentsFolder(const MString& name);
