@@ -1,0 +1,66 @@
+// The program's choices, and the one home of what the document's operations take from the user: the glyph height,
+// the selected characters, the font choice, the padding. A plain record; no value is validated.
+#pragma once
+
+#include "foundation/MString.h"
+#include "imaging/MColour.h"
+#include "platform/Desktop.h"
+
+#include <array>
+#include <cstdint>
+
+// The kinds of file dialog, and with them the entries of MSettings::Paths.
+enum class MPathKind : std::uint8_t {
+    OpenFont,
+    SaveFont,
+    FindPicture, // the picture of a font that is being opened
+    GlyphPicture,
+    SavePicture,
+    SaveHtml,
+    ImportPhotofont,
+    Temporary, // no dialog: where imported pictures are unpacked
+    ImportHtml,
+};
+inline constexpr std::size_t PathKinds = 9;
+
+class MSettings {
+public:
+    MColour BackgroundColour{255, 255, 255};
+    MString FontName = "Arial Black";
+    std::int32_t Weight = 400; // 100 to 900 as fonts have it, 0: unspecified
+    bool Italic = false;
+    MColour Colour{255, 0, 0}; // of plain glyphs
+    std::int32_t GlyphHeight = 100; // pixels, of every glyph of the current font
+    bool ColourFont = false;
+    std::array<std::uint8_t, 256> Selected{}; // by character code, 1: wanted; only 33 to 255 count
+    std::array<MString, PathKinds> Paths;     // a folder, or the file last chosen in its dialog
+    std::uint32_t Char = 35;
+    std::int32_t PaddingTop = 0; // this and the next three in pixels, for glyphs made from pictures
+    std::int32_t PaddingBottom = 0;
+    std::int32_t SpacingBefore = 0;
+    std::int32_t SpacingAfter = 0;
+    bool Trim = true;
+    MString LetterCubesNames;
+    Desktop::Rect WindowRect;
+    std::array<MString, 3> Keys;
+    bool FileRead = false; // a settings file was opened for reading
+
+    // The defaults that need no desktop: Paths and WindowRect are empty, and no folder is touched.
+    MSettings();
+
+    // Fills Paths with the user's folders and creates those that are missing. A folder that can't be made is
+    // passed over; a user folder that the system doesn't tell leaves just the fixed tail of its paths.
+    void UseUserFolders();
+    // A window as high as the screen less 96, 16 by 9 where the screen is wide enough for it.
+    void UseDefaultWindowRect();
+    // Brings WindowRect into the virtual screen, at least 320 by 240.
+    void ClampWindowRect();
+
+    // How many of the codes 33 to 255 are selected.
+    std::int32_t SelectedCount() const;
+
+    MString& Path(MPathKind kind) { return Paths[static_cast<std::size_t>(kind)]; }
+};
+
+// The one object, set before any document exists and cleared last.
+extern MSettings* Settings;

@@ -1,0 +1,65 @@
+// The seam to the desktop: all that the program asks of one. Implemented twice and chosen at link time: headless/
+// answers from a script that the caller sets, qt/ shows real windows. Free functions and plain structs only.
+//
+// Everything is called on the one thread of the program. A null owner is allowed everywhere.
+#pragma once
+
+#include "foundation/MString.h"
+#include "imaging/MColour.h"
+
+#include <cstdint>
+#include <vector>
+
+namespace Desktop {
+
+struct Window; // the desktop's own; never looked into by the program
+using WindowHandle = Window*;
+
+enum class Buttons { Ok, OkCancel, YesNo, YesNoCancel };
+enum class Icon { None, Information, Warning, Error, Question };
+enum class Answer { Ok, Cancel, Yes, No };
+
+// Modal. Closing the box counts as Cancel where that button exists, else as No, else as Ok.
+Answer ShowMessage(WindowHandle owner, const MString& text, const MString& caption, Buttons buttons, Icon icon);
+
+struct FileFilter {
+    MString name;    // "PNG Files (*.PNG)"
+    MString pattern; // "*.PNG", several separated by ';'
+};
+
+struct FileDialog {
+    MString title;
+    MString folder; // where it starts
+    std::vector<FileFilter> filters;
+    std::int32_t filterIndex = 1; // from 1; in and out
+    MString fileName;             // what the name field starts with
+    bool save = false;            // asks before it overwrites; an open dialog accepts existing files only
+};
+
+// Modal. The chosen path, or empty if the user cancelled. `extension`, without dots, is added to a name that has
+// none.
+MString ShowFileDialog(WindowHandle owner, FileDialog& dialog, const MString& extension);
+
+// The one progress window. Opening is false if no window can be shown; the other three do nothing then. It paints
+// itself at once on every change, since the caller does not return to the message loop.
+bool OpenProgress(WindowHandle owner);
+void SetProgressPercent(std::int32_t percent); // 0 to 100
+void SetProgressText(const MString& text);
+void CloseProgress();
+
+struct Rect {
+    std::int32_t left = 0;
+    std::int32_t top = 0;
+    std::int32_t right = 0;  // exclusive
+    std::int32_t bottom = 0; // exclusive
+
+    std::int32_t Width() const { return right - left; }
+    std::int32_t Height() const { return bottom - top; }
+    bool IsEmpty() const { return right <= left || bottom <= top; }
+};
+
+// The primary screen, from (0, 0), and the rectangle around all screens. Both in pixels.
+Rect PrimaryScreen();
+Rect VirtualScreen();
+
+} // namespace Desktop

@@ -1,0 +1,73 @@
+#include "platform/headless/Headless.h"
+
+namespace Headless {
+
+Script script;
+Record record;
+
+void Reset() {
+    script = {};
+    record = {};
+}
+
+namespace {
+
+std::int32_t progressPercent = 0;
+MString progressText;
+
+template<typename T>
+T Take(std::deque<T>& queue, T otherwise) {
+    if (queue.empty()) return otherwise;
+    T first = queue.front();
+    queue.pop_front();
+    return first;
+}
+
+} // namespace
+} // namespace Headless
+
+namespace Desktop {
+
+using Headless::record;
+using Headless::script;
+
+Answer ShowMessage(WindowHandle, const MString& text, const MString& caption, Buttons buttons, Icon icon) {
+    record.messages.push_back({text, caption, buttons, icon});
+    const bool hasYes = buttons == Buttons::YesNo || buttons == Buttons::YesNoCancel;
+    return Headless::Take(script.answers, hasYes ? Answer::Yes : Answer::Ok);
+}
+
+MString ShowFileDialog(WindowHandle, FileDialog& dialog, const MString&) {
+    record.fileDialogs.push_back(dialog);
+    return Headless::Take(script.files, MString());
+}
+
+bool OpenProgress(WindowHandle) {
+    return true;
+}
+
+void SetProgressPercent(std::int32_t percent) {
+    Headless::progressPercent = percent;
+    record.progressPercents.push_back(percent);
+    if (script.onProgress) script.onProgress(percent, Headless::progressText);
+}
+
+void SetProgressText(const MString& text) {
+    Headless::progressText = text;
+    record.progressTexts.push_back(text);
+    if (script.onProgress) script.onProgress(Headless::progressPercent, text);
+}
+
+void CloseProgress() {
+    if (script.onProgress) script.onProgress(-1, Headless::progressText);
+}
+
+Rect PrimaryScreen() {
+    return script.primaryScreen;
+}
+
+Rect VirtualScreen() {
+    return script.virtualScreen;
+}
+
+} // namespace Desktop

@@ -1,0 +1,43 @@
+// The seam without a display. What the desktop would answer is set beforehand; what was asked is recorded.
+#pragma once
+
+#include "platform/Desktop.h"
+
+#include <deque>
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace Headless {
+
+struct Message {
+    MString text;
+    MString caption;
+    Desktop::Buttons buttons;
+    Desktop::Icon icon;
+};
+
+struct Script {
+    std::deque<Desktop::Answer> answers; // taken in order; when they run out: Yes, or Ok where there is no Yes
+    std::deque<MString> files;           // taken in order; when they run out: cancelled
+    Desktop::Rect primaryScreen{0, 0, 1920, 1080};
+    Desktop::Rect virtualScreen{0, 0, 1920, 1080};
+    // Follows the progress window, for whoever shows it in another way: percent and text on each change, and a
+    // percent of -1 when it closes.
+    std::function<void(std::int32_t percent, const MString& text)> onProgress;
+};
+
+struct Record {
+    std::vector<Message> messages;
+    std::vector<Desktop::FileDialog> fileDialogs;
+    std::vector<std::int32_t> progressPercents;
+    std::vector<MString> progressTexts;
+};
+
+extern Script script;
+extern Record record;
+
+// Forgets the script and the record.
+void Reset();
+
+} // namespace Headless
