@@ -1,0 +1,10 @@
+// The steps that read and write files. Where the program itself stays silent about a failure, these look what came
+// of it and give the reason.
+#pragma once
+
+#include "apps/lettrino-cli/Steps.h"
+
+std::optional<StepAction> PrepareFontFile(StepArguments arguments);
+std::optional<StepAction> PrepareOpen(StepArguments arguments);
+std::optional<StepAction> PrepareSave(StepArguments arguments);
+std::optional<StepAction> PrepareSingleFiles(StepArguments arguments);

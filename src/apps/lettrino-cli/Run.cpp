@@ -1,0 +1,17 @@
+#include "apps/lettrino-cli/Run.h"
+
+Run::Run() {
+    Settings = &settings;
+}
+
+Run::~Run() {
+    font.reset();
+    CurrentFont = nullptr;
+    Settings = nullptr;
+}
+
+MColourFont& Run::FontOrNew() {
+    if (!font) font = std::make_unique<MColourFont>(nullptr);
+    CurrentFont = font.get();
+    return *font;
+}

@@ -1,0 +1,21 @@
+// One run of the command line: the settings it starts from, and the one document.
+#pragma once
+
+#include "document/MColourFont.h"
+#include "document/MSettings.h"
+
+#include <memory>
+
+class Run {
+public:
+    MSettings settings;
+    std::unique_ptr<MColourFont> font;
+
+    Run();
+    Run(const Run&) = delete;
+    Run& operator=(const Run&) = delete;
+    ~Run();
+
+    // The document, made when there is none yet.
+    MColourFont& FontOrNew();
+};

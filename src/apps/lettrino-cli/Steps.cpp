@@ -1,0 +1,112 @@
+#include "apps/lettrino-cli/Steps.h"
+
+#include "apps/lettrino-cli/FontFiles.h"
+#include "apps/lettrino-cli/Report.h"
+#include "apps/lettrino-cli/Words.h"
+#include "foundation/MNumbers.h"
+#include "foundation/MUtf8.h"
+
+#include <array>
+
+namespace {
+
+using Prepared = std::optional<StepAction>;
+
+// The limits of the glyph height that the dialogs have too.
+constexpr std::int32_t smallestHeight = 16;
+constexpr std::int32_t largestHeight = 1024;
+
+// A step that does nothing but put a value into a field of the settings.
+template<auto Field, typename Value>
+Prepared Set(const std::optional<Value>& value) {
+    if (!value) return std::nullopt;
+    return [value = *value](Run& run) -> StepResult {
+        run.settings.*Field = value;
+        return {};
+    };
+}
+
+Prepared SetHeight(StepArguments arguments) {
+    auto height = ReadNumber(arguments[0]);
+    if (height) Clamp(*height, smallestHeight, largestHeight);
+    return Set<&MSettings::GlyphHeight>(height);
+}
+
+Prepared Generate(StepArguments) {
+    return [](Run& run) -> StepResult {
+        MColourFont& font = run.FontOrNew();
+        if (!font.GenerateSelectedCharacters()) return StepFailure{{}, "no character is selected"};
+        if (!font.Repack()) return StepFailure{{}, "the glyphs don't fit a picture that memory can hold"};
+        for (std::size_t code = 33; code < run.settings.Selected.size(); ++code) {
+            if (run.settings.Selected[code] && font.GetGlyph(static_cast<char16_t>(code))) return {};
+        }
+        const std::string family = ToSystem(run.settings.FontName);
+        return StepFailure{{}, "the font '" + family + "' gave no glyph for the selection"};
+    };
+}
+
+Prepared Kern(StepArguments) {
+    return OnFont([](Run&, MColourFont& font) -> StepResult {
+        font.GenerateKerning();
+        font.SortKerningByAmount();
+        return {};
+    });
+}
+
+Prepared SetKerning(StepArguments arguments) {
+    const auto parts = SplitList(arguments[0]);
+    if (parts.size() != 3) return std::nullopt;
+    const auto left = ReadCharacter(parts[0]);
+    const auto right = ReadCharacter(parts[1]);
+    const auto amount = ReadNumber(parts[2]);
+    if (!left || !right || !amount) return std::nullopt;
+    return OnFont([left = *left, right = *right, amount = *amount](Run&, MColourFont& font) -> StepResult {
+        if (font.SetKerning(left, right, amount)) return {};
+        return StepFailure{{}, "characters below 33 take no kerning"};
+    });
+}
+
+Prepared Remove(StepArguments arguments) {
+    const auto character = ReadCharacter(arguments[0]);
+    if (!character) return std::nullopt;
+    return OnFont([character = *character](Run&, MColourFont& font) -> StepResult {
+        if (!font.GetGlyph(character)) return StepFailure{{}, "the font has no glyph for this character"};
+        font.RemoveGlyph(character);
+        font.Repack();
+        return {};
+    });
+}
+
+constexpr std::array steps{
+    Step{"--family", "NAME", 1, "the font family to render; a missing one is substituted (Arial Black)",
+         [](StepArguments arguments) {
+             return Set<&MSettings::FontName>(std::optional(FromSystem(arguments[0])));
+         }},
+    Step{"--weight", "N", 1, "its weight, 100 to 900 (400)",
+         [](StepArguments arguments) { return Set<&MSettings::Weight>(ReadNumber(arguments[0])); }},
+    Step{"--italic", "", 0, "its italic face",
+         [](StepArguments) { return Set<&MSettings::Italic>(std::optional(true)); }},
+    Step{"--height", "N", 1, "the glyph height in pixels, limited to 16 to 1024 (100)", SetHeight},
+    Step{"--colour", "RRGGBB", 1, "the colour of plain glyphs (FF0000)",
+         [](StepArguments arguments) { return Set<&MSettings::Colour>(ReadColour(arguments[0])); }},
+    Step{"--background", "RRGGBB", 1, "the background colour (FFFFFF)",
+         [](StepArguments arguments) { return Set<&MSettings::BackgroundColour>(ReadColour(arguments[0])); }},
+    Step{"--select", "SET", 1, "the characters: A-Z,a-z,48-57,U+00E9 or all (33 to 255) or none (A-Z)",
+         [](StepArguments arguments) { return Set<&MSettings::Selected>(ReadSelection(arguments[0])); }},
+    Step{"--font-file", "FILE", 1, "makes the faces of a font file available, as if installed", PrepareFontFile},
+    Step{"--generate", "", 0, "renders the selected characters into the font, then repacks", Generate},
+    Step{"--open", "FILE", 1, "opens a font file (.sm), then repacks", PrepareOpen},
+    Step{"--kern", "", 0, "generates and sorts the kerning", Kern},
+    Step{"--set-kerning", "L,R,N", 1, "sets the kerning of a pair in pixels", SetKerning},
+    Step{"--remove", "CHAR", 1, "removes a glyph and its kerning", Remove},
+    Step{"--save", "FILE.sm", 1, "writes the font as a texture font, FILE.sm and FILE.png", PrepareSave},
+    Step{"--single-files", "FOLDER", 1, "writes each glyph as a PNG into a folder", PrepareSingleFiles},
+    Step{"--info", "", 0, "prints the font's numbers as JSON", PrepareInfo},
+    Step{"--list-fonts", "", 0, "prints the installed faces as JSON", PrepareFontList},
+};
+
+} // namespace
+
+std::span<const Step> AllSteps() {
+    return steps;
+}

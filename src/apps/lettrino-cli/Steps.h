@@ -1,0 +1,39 @@
+// Everything the command line can do, one record a step.
+#pragma once
+
+#include "apps/lettrino-cli/Run.h"
+
+#include <functional>
+#include <optional>
+#include <span>
+#include <string>
+
+// Why a step couldn't do its work. `file` is empty where none is involved.
+struct StepFailure {
+    std::string file;
+    std::string reason;
+};
+using StepResult = std::optional<StepFailure>; // nothing: it is done
+
+using StepAction = std::function<StepResult(Run&)>;
+using StepArguments = std::span<const std::string>;
+
+struct Step {
+    const char* name;      // "--save"
+    const char* arguments; // as the help shows them, separated by blanks; empty for none
+    int argumentCount;
+    const char* help;
+    // Understands the arguments, before any step is done. Nothing if they mean nothing.
+    std::optional<StepAction> (*prepare)(StepArguments arguments);
+};
+
+std::span<const Step> AllSteps();
+
+// The action of a step that needs a document, which fails without one.
+template<typename Work>
+StepAction OnFont(Work work) {
+    return [work](Run& run) -> StepResult {
+        if (!run.font) return StepFailure{{}, "there is no font yet: nothing was generated or opened before"};
+        return work(run, *run.font);
+    };
+}

@@ -1,0 +1,50 @@
+#include "document/ChooseFile.h"
+
+#include <optional>
+
+namespace {
+
+struct DialogKind {
+    const char* title;
+    bool save;
+    Desktop::FileFilter filter;
+    const char* extension; // forced on what a save dialog gives; added to a bare name in an open dialog
+};
+
+std::optional<DialogKind> DialogOf(MPathKind kind) {
+    const Desktop::FileFilter fonts{"Showmarquee colour fonts (*.SM)", "*.SM"};
+    // The picture filter is every form that can be read.
+    const Desktop::FileFilter pictures{"Picture files", "*.*"};
+    switch (kind) {
+    case MPathKind::OpenFont: return DialogKind{"Open Font", false, fonts, "sm"};
+    case MPathKind::SaveFont: return DialogKind{"Save Font", true, fonts, "sm"};
+    case MPathKind::FindPicture:
+    case MPathKind::GlyphPicture: return DialogKind{"Load Picture", false, pictures, ""};
+    case MPathKind::SavePicture: return DialogKind{"Save Picture", true, {"PNG Files (*.PNG)", "*.PNG"}, "png"};
+    case MPathKind::SaveHtml: return DialogKind{"Save HTML", true, {"HTML Files (*.HTML)", "*.HTML"}, "html"};
+    case MPathKind::ImportPhotofont:
+        return DialogKind{"Import Photofont", false, {"PHF Files (*.PHF)", "*.PHF"}, "phf"};
+    case MPathKind::ImportHtml: return DialogKind{"Import HTML", false, {"Javascript Files (*.JS)", "*.JS"}, "js"};
+    case MPathKind::Temporary: break;
+    }
+    return std::nullopt;
+}
+
+} // namespace
+
+MString ChooseFile(Desktop::WindowHandle owner, MPathKind kind) {
+    const auto dialogKind = DialogOf(kind);
+    if (!owner || !dialogKind) return {};
+    MString& remembered = Settings->Path(kind);
+    Desktop::FileDialog dialog;
+    dialog.title = dialogKind->title;
+    // A dot anywhere is taken for that of a file name, so a folder with a dot in it loses its last part.
+    dialog.folder = remembered.Contains(u'.') ? remembered.GetFolder() : remembered;
+    dialog.filters = {dialogKind->filter};
+    dialog.save = dialogKind->save;
+    MString chosen = Desktop::ShowFileDialog(owner, dialog, dialogKind->extension);
+    if (chosen.IsEmpty()) return {};
+    if (dialogKind->save) chosen.SetExtension(dialogKind->extension);
+    remembered = chosen;
+    return chosen;
+}

@@ -1,0 +1,270 @@
+#include "formats/MTextFile.h"
+
+#include "foundation/MUtf8.h"
+
+#include <algorithm>
+#include <array>
+#include <span>
+#include <utility>
+
+namespace {
+
+constexpr std::size_t chunkBytes = 64 * 1024;
+
+// A line longer than this loses the rest, as if memory were exhausted for it.
+std::size_t LongestLine() {
+    return std::min(MemoryLimit() / 4, std::size_t{1} << 30);
+}
+
+constexpr std::u16string_view blanks = u"\t\n\r ";
+
+std::span<const std::uint8_t> MarkOf(MTextEncoding encoding) {
+    static constexpr std::array<std::uint8_t, 2> utf16Le{0xFF, 0xFE};
+    static constexpr std::array<std::uint8_t, 2> utf16Be{0xFE, 0xFF};
+    static constexpr std::array<std::uint8_t, 3> utf8{0xEF, 0xBB, 0xBF};
+    switch (encoding) {
+    case MTextEncoding::Utf16Le: return utf16Le;
+    case MTextEncoding::Utf16Be: return utf16Be;
+    case MTextEncoding::Utf8: return utf8;
+    case MTextEncoding::Ansi: break;
+    }
+    return {};
+}
+
+// The encoding that the start of a file tells.
+MTextEncoding EncodingOf(std::span<const std::uint8_t> start) {
+    for (const auto encoding : {MTextEncoding::Utf16Le, MTextEncoding::Utf16Be, MTextEncoding::Utf8}) {
+        const auto mark = MarkOf(encoding);
+        if (start.size() >= mark.size() && std::ranges::equal(mark, start.first(mark.size()))) return encoding;
+    }
+    return MTextEncoding::Ansi;
+}
+
+std::string ToBytes(std::u16string_view units, MTextEncoding encoding) {
+    if (encoding == MTextEncoding::Utf8) return EncodeUtf8(units, MLoneSurrogates::Replace);
+    std::string bytes;
+    bytes.reserve(2 * units.size());
+    for (const char16_t unit : units) {
+        const auto low = static_cast<char>(unit & 0xFF);
+        const auto high = static_cast<char>(unit >> 8);
+        if (encoding == MTextEncoding::Utf16Be) bytes.push_back(high);
+        bytes.push_back(low);
+        if (encoding == MTextEncoding::Utf16Le) bytes.push_back(high);
+    }
+    return bytes;
+}
+
+std::u16string FromBytes(std::string_view bytes, MTextEncoding encoding) {
+    if (encoding == MTextEncoding::Utf8) return DecodeUtf8(bytes, MLoneSurrogates::Replace);
+    const auto byteAt = [&](std::size_t i) { return static_cast<unsigned char>(bytes[i]); };
+    std::u16string units;
+    if (encoding == MTextEncoding::Ansi) {
+        for (std::size_t i = 0; i < bytes.size(); ++i) units.push_back(byteAt(i));
+        return units;
+    }
+    const std::size_t low = encoding == MTextEncoding::Utf16Le ? 0 : 1;
+    for (std::size_t i = 0; i + 1 < bytes.size(); i += 2) {
+        units.push_back(static_cast<char16_t>(byteAt(i + low) | byteAt(i + 1 - low) << 8));
+    }
+    return units;
+}
+
+void Unescape(MString& text, bool literalBackslashN) {
+    text.ReplaceAll("<NEW LINE>", "\r\n");
+    text.ReplaceAll("<QUOTE>", "\"");
+    text.ReplaceAll("<br />", "\r\n");
+    text.ReplaceAll("&#34;", "\"");
+    if (literalBackslashN) text.ReplaceAll("\\n", "\r\n");
+}
+
+} // namespace
+
+MTextFile::MTextFile(const MString& filePath, bool forWriting, bool preload, MTextEncoding fileEncoding)
+    : path(filePath), file(filePath, forWriting, preload), writing(forWriting), encoding(fileEncoding) {
+    ok = file.ok != 0;
+    if (!ok) return;
+    if (writing) {
+        OpenForWriting();
+    } else {
+        OpenForReading();
+    }
+}
+
+void MTextFile::OpenForWriting() {
+    if (encoding < MTextEncoding::Ansi || encoding > MTextEncoding::Utf8) {
+        ok = false;
+        return;
+    }
+    const auto mark = MarkOf(encoding);
+    markLength = static_cast<int>(mark.size());
+    if (!mark.empty()) ok = file.Write(mark.data(), mark.size());
+}
+
+void MTextFile::OpenForReading() {
+    chunk.resize(chunkBytes);
+    chunk.resize(file.ReadSome(chunk.data(), chunkBytes));
+    encoding = EncodingOf(chunk);
+    markLength = static_cast<int>(MarkOf(encoding).size());
+    chunkPosition = static_cast<std::size_t>(markLength);
+}
+
+bool MTextFile::NextByte(std::uint8_t& byte) {
+    if (chunkPosition == chunk.size()) {
+        // One unit of the old chunk stays in front, so that it can be given back.
+        const std::size_t kept = std::min<std::size_t>(chunk.size(), 2);
+        std::copy(chunk.end() - static_cast<std::ptrdiff_t>(kept), chunk.end(), chunk.begin());
+        chunk.resize(kept + chunkBytes);
+        chunk.resize(kept + file.ReadSome(chunk.data() + kept, chunkBytes));
+        chunkPosition = kept;
+        if (chunk.size() == kept) return false;
+    }
+    byte = chunk[chunkPosition++];
+    return true;
+}
+
+bool MTextFile::NextUnit(char16_t& unit) {
+    std::uint8_t first = 0;
+    std::uint8_t second = 0;
+    if (!NextByte(first)) return false;
+    unit = first;
+    if (encoding != MTextEncoding::Utf16Le && encoding != MTextEncoding::Utf16Be) return true;
+    if (!NextByte(second)) return false;
+    unit = static_cast<char16_t>(encoding == MTextEncoding::Utf16Le ? first | second << 8 : first << 8 | second);
+    return true;
+}
+
+void MTextFile::GiveBackUnit() {
+    const bool twoBytes = encoding == MTextEncoding::Utf16Le || encoding == MTextEncoding::Utf16Be;
+    chunkPosition -= twoBytes ? 2 : 1;
+}
+
+bool MTextFile::NextLine() {
+    if (!ok || writing) return false;
+    char16_t unit = 0;
+    if (!NextUnit(unit)) return false;
+    const std::size_t longest = LongestLine();
+    std::u16string units;
+    do {
+        if (unit == u'\n') break;
+        if (unit == u'\r') {
+            if (NextUnit(unit) && unit != u'\n') GiveBackUnit();
+            break;
+        }
+        if (units.size() < longest) units.push_back(unit);
+    } while (NextUnit(unit));
+    if (encoding == MTextEncoding::Utf8) {
+        const std::string bytes(units.begin(), units.end());
+        units = DecodeUtf8(bytes, MLoneSurrogates::Replace);
+    }
+    line = std::move(units);
+    // A line is text up to the first zero, as everywhere in the program.
+    line.resize(std::min(line.size(), line.find(u'\0')));
+    Tokenise();
+    return true;
+}
+
+void MTextFile::Tokenise() {
+    tokens.clear();
+    std::u16string_view rest = line;
+    for (;;) {
+        rest.remove_prefix(std::min(rest.size(), rest.find_first_not_of(blanks)));
+        if (rest.empty()) return;
+        const bool quoted = rest.front() == u'"';
+        if (quoted) rest.remove_prefix(1);
+        if (rest.empty()) return;
+        const std::size_t end = std::min(rest.size(), quoted ? rest.find(u'"') : rest.find_first_of(blanks));
+        tokens.push_back(rest.substr(0, end));
+        rest.remove_prefix(std::min(rest.size(), quoted ? end + 1 : end));
+    }
+}
+
+MString MTextFile::GetString(int index, bool literalBackslashN, bool unescape) const {
+    if (index < 0 || index >= TokenCount()) return {};
+    MString token(tokens[static_cast<std::size_t>(index)]);
+    if (unescape) Unescape(token, literalBackslashN);
+    return token;
+}
+
+std::int32_t MTextFile::GetInt(int index) const {
+    return ParseInt(GetString(index, false, false).Chars());
+}
+
+bool MTextFile::GetBool(int index) const {
+    return GetString(index, false, false).Equals(u"Y");
+}
+
+MString MTextFile::GetLine(bool literalBackslashN) const {
+    MString text{std::u16string_view(line)};
+    Unescape(text, literalBackslashN);
+    return text;
+}
+
+void MTextFile::Separate() {
+    if (!pending.IsEmpty()) pending += '\t';
+}
+
+void MTextFile::WriteInt(std::int32_t value) {
+    if (!writing) return;
+    Separate();
+    pending += MString(value);
+}
+
+void MTextFile::WriteBool(bool value) {
+    if (!writing) return;
+    Separate();
+    pending += value ? 'Y' : 'N';
+}
+
+void MTextFile::WriteString(MString value) {
+    if (!writing) return;
+    value.NormaliseLineEnds("<br />");
+    value.ReplaceAll("\"", "&#34;");
+    if (value.IsEmpty()) {
+        // With its tab also at the start of a line: the reader skips it, so the empty first field still counts.
+        pending += "\t\"\"";
+        return;
+    }
+    if (value.Equals(u"\t")) {
+        pending += '\t'; // an empty column, which the reader doesn't see
+        return;
+    }
+    Separate();
+    const bool quote = value.Contains(u' ') || value.Contains(u'\t');
+    if (quote) pending += '"';
+    pending += value;
+    if (quote) pending += '"';
+}
+
+void MTextFile::EndLine(const MString& text) {
+    if (!writing) return;
+    if (!text.IsEmpty()) pending = text;
+    pending += "\r\n";
+    WriteUnits(pending.View());
+    pending.Truncate(0);
+}
+
+void MTextFile::WriteUnits(std::u16string_view units) {
+    if (!ok) return;
+    const std::string bytes = ToBytes(units, encoding);
+    file.Write(bytes.data(), bytes.size()); // a full disk is not told, as nothing here is
+}
+
+MString MTextFile::ReadWholeFile(const MString& path) {
+    if (path.IsEmpty()) return {};
+    MTextFile text(path, false, false, MTextEncoding::Ansi);
+    if (!text.ok) return {};
+    const std::int64_t length = text.file.GetSize() - text.markLength;
+    if (length < 1 || length > static_cast<std::int64_t>(LongestLine())) return {};
+    std::string bytes(static_cast<std::size_t>(length), '\0');
+    if (!text.file.Seek(text.markLength)) return {};
+    if (!text.file.Read(bytes.data(), static_cast<std::uint32_t>(length))) return {};
+    return MString(std::u16string_view(FromBytes(bytes, text.encoding)));
+}
+
+bool MTextFile::WriteWholeFile(const MString& text, const MString& path, MTextEncoding encoding) {
+    if (text.IsEmpty()) return true;
+    MTextFile out(path, true, false, encoding);
+    if (!out.ok) return false;
+    out.WriteUnits(text.View());
+    return true;
+}

@@ -1,0 +1,160 @@
+// The texture font: the program's own form, and the one that the titling product Showmarquee reads. A text file of
+// tab-separated records (UTF-16LE with its mark, CR LF) beside a PNG of the same name:
+//
+//   Showmarquee TextureFont 1.0
+//   FSZ  glyph height, baseline, cap height
+//   TEX  path of the PNG as saved, its width, its height
+//   CHA  character, x, y, width, height, spacing before, spacing after    one for each glyph, in slot order
+//   SPA  width of the space
+//   KER  left character, right character, amount                          one for each pair but those of amount 0
+
+#include "document/ChooseFile.h"
+#include "document/MColourFont.h"
+#include "document/MKerningTable.h"
+#include "document/MSettings.h"
+#include "formats/MGlyphCutter.h"
+#include "formats/MTextFile.h"
+#include "foundation/MFolders.h"
+
+namespace {
+
+MString WithExtension(MString path, const char* extension) {
+    path.SetExtension(extension);
+    return path;
+}
+
+void WriteCharacter(MTextFile& file, std::uint32_t character) {
+    const char16_t text[] = {static_cast<char16_t>(character), u'\0'};
+    file.WriteString(MString(text));
+}
+
+void WriteRecord(MTextFile& file, const char* tag, std::initializer_list<std::int32_t> numbers) {
+    file.WriteString(tag);
+    for (const std::int32_t number : numbers) file.WriteInt(number);
+    file.EndLine();
+}
+
+void WriteGlyph(MTextFile& file, const MGlyph& glyph) {
+    file.WriteString("CHA");
+    WriteCharacter(file, glyph.Character);
+    for (const std::int32_t number :
+         {glyph.X, glyph.Y, glyph.Width, glyph.Height, glyph.SpacingBefore, glyph.SpacingAfter}) {
+        file.WriteInt(number);
+    }
+    file.EndLine();
+}
+
+void WriteKerning(MTextFile& file, const MKerningPair& pair) {
+    if (pair.Amount == 0) return;
+    file.WriteString("KER");
+    WriteCharacter(file, pair.Left);
+    WriteCharacter(file, pair.Right);
+    file.WriteInt(pair.Amount);
+    file.EndLine();
+}
+
+// Beside the file, in the folder Textures above its folder, or where the user says. Empty if cancelled. The path in
+// the TEX record plays no part: it may name a place that no longer exists.
+MString FindPicture(const MString& path, Desktop::WindowHandle owner) {
+    const MString beside = WithExtension(path, "png");
+    if (FileExists(beside)) return beside;
+    const MString above = path.GetFolder().GetFolder();
+    const MString inTextures = JoinPath(JoinPath(above, "Textures"), beside.GetFileName());
+    if (FileExists(inTextures)) return inTextures;
+    return ChooseFile(owner, MPathKind::FindPicture);
+}
+
+class RecordReader {
+public:
+    RecordReader(MColourFont& target, const MPicture& picture)
+        : font(target), cutter(picture), pictureWidth(picture.Width), pictureHeight(picture.Height),
+          kerning(target) {}
+
+    void Read(MTextFile& file) {
+        while (file.NextLine()) {
+            const MString tag = file.GetString(0);
+            if (tag.Equals(u"FSZ")) ReadMetrics(file);
+            if (tag.Equals(u"TEX")) ReadScale(file);
+            if (tag.Equals(u"CHA")) ReadGlyph(file);
+            if (tag.Equals(u"SPA")) font.SpaceWidth = file.GetInt(1);
+            if (tag.Equals(u"KER")) ReadKerning(file);
+        }
+        kerning.Store(font);
+    }
+
+private:
+    MColourFont& font;
+    MGlyphCutter cutter;
+    std::uint32_t pictureWidth;
+    std::uint32_t pictureHeight;
+    MKerningTable kerning;
+
+    void ReadMetrics(const MTextFile& file) {
+        Settings->GlyphHeight = file.GetInt(1);
+        font.Baseline = file.GetInt(2);
+        font.CapHeight = file.GetInt(3);
+    }
+
+    // The picture may have been scaled since the file was written, and the records that follow go with it. The
+    // metrics and the kerning don't.
+    void ReadScale(const MTextFile& file) {
+        cutter.horizontalScale = static_cast<float>(pictureWidth) / static_cast<float>(file.GetInt(2));
+        cutter.verticalScale = static_cast<float>(pictureHeight) / static_cast<float>(file.GetInt(3));
+    }
+
+    // An empty text reads as "?".
+    static char16_t Character(const MTextFile& file, int index) { return file.GetString(index).GetChar(0); }
+
+    void ReadGlyph(const MTextFile& file) {
+        cutter.Cut(font, {Character(file, 1), file.GetInt(2), file.GetInt(3), file.GetInt(4), file.GetInt(5),
+                          file.GetInt(6), file.GetInt(7)});
+    }
+
+    void ReadKerning(const MTextFile& file) {
+        kerning.Set(Character(file, 1), Character(file, 2), file.GetInt(3));
+    }
+};
+
+bool ReadRecords(MColourFont& font, const MString& path, const MPicture& picture) {
+    MTextFile file(path, false, false, MTextEncoding::Ansi);
+    if (!file.ok || !file.NextLine()) return false;
+    if (!file.GetString(0).Equals(u"Showmarquee") || !file.GetString(1).Equals(u"TextureFont")) return false;
+    RecordReader(font, picture).Read(file);
+    return true;
+}
+
+} // namespace
+
+bool MColourFont::Save(const MString& path) {
+    if (!Picture.IsValid()) return false;
+    const MString picturePath = WithExtension(path, "png");
+    Picture.Save(picturePath);
+
+    // Neither result is looked at: the user is told of success even where nothing could be written.
+    MTextFile file(WithExtension(path, "sm"), true, false, MTextEncoding::Utf16Le);
+    file.EndLine("Showmarquee TextureFont 1.0");
+    WriteRecord(file, "FSZ", {Settings->GlyphHeight, Baseline, CapHeight});
+    file.WriteString("TEX");
+    file.WriteString(picturePath);
+    file.WriteInt(PictureWidth);
+    file.WriteInt(PictureHeight);
+    file.EndLine();
+    for (const auto& slot : Glyphs) {
+        if (slot) WriteGlyph(file, *slot);
+    }
+    WriteRecord(file, "SPA", {SpaceWidth});
+    for (const MKerningPair& pair : Kerning) WriteKerning(file, pair);
+    return true;
+}
+
+bool MColourFont::Load(const MString& path) {
+    if (!FileExists(path)) return false;
+    const MString picturePath = FindPicture(path, Owner);
+    if (picturePath.IsEmpty()) return false;
+    MPicture picture(picturePath);
+    if (!picture.IsValid()) return false;
+    const bool loaded = ReadRecords(*this, path, picture);
+    picture.Free();
+    if (loaded) SortKerningByAmount();
+    return loaded;
+}

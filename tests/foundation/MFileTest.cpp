@@ -1,0 +1,141 @@
+#include "foundation/MFile.h"
+
+#include "TemporaryFolder.h"
+#include "Text.h"
+#include "foundation/MFolders.h"
+
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+class FileTest : public testing::TestWithParam<bool> {};
+
+TEST_P(FileTest, ReadsInEitherMode) {
+    const bool preload = GetParam();
+    const TemporaryFolder folder;
+    MFile file(folder.Write("a.bin", "0123456789"), false, preload);
+    ASSERT_EQ(file.ok, 1);
+    EXPECT_EQ(file.inMemory, preload);
+    EXPECT_EQ(file.GetSize(), 10);
+    char text[4] = {};
+    EXPECT_TRUE(file.Read(text, 3));
+    EXPECT_STREQ(text, "012");
+    EXPECT_EQ(file.GetPosition(), 3);
+    EXPECT_TRUE(file.Seek(8));
+    EXPECT_FALSE(file.Read(text, 3));
+    EXPECT_EQ(file.Seek(10), !preload); // a file in memory has no place at its end
+    EXPECT_TRUE(file.Seek(9));
+    EXPECT_TRUE(file.Read(text, 1));
+    EXPECT_EQ(text[0], '9');
+    EXPECT_FALSE(file.Seek(-1));
+    EXPECT_FALSE(file.Read(nullptr, 1));
+    EXPECT_FALSE(file.Read(text, 0));
+}
+
+INSTANTIATE_TEST_SUITE_P(Modes, FileTest, testing::Bool());
+
+TEST(File, AReadPastTheEndOfAPreloadedFileDoesNotMove) {
+    const TemporaryFolder folder;
+    MFile file(folder.Write("a.bin", "0123"), false, true);
+    ASSERT_TRUE(file.Seek(2));
+    char text[4] = {};
+    EXPECT_FALSE(file.Read(text, 3));
+    EXPECT_EQ(file.GetPosition(), 2);
+}
+
+TEST(File, WritingStartsEmptyAndIsNotBuffered) {
+    const TemporaryFolder folder;
+    const MString path = folder.Write("a.bin", "an old and longer text");
+    MFile file(path, true, false);
+    ASSERT_EQ(file.ok, 1);
+    EXPECT_TRUE(file.Write("new", 3));
+    EXPECT_EQ(folder.Read("a.bin"), "new");
+    EXPECT_FALSE(file.Write("new", 0));
+    EXPECT_FALSE(file.Write("new", std::uint64_t{1} << 32));
+    EXPECT_EQ(file.GetSize(), 3);
+}
+
+TEST(File, WhatCannotBeOpened) {
+    const TemporaryFolder folder;
+    for (const MString& path : {folder.File("missing"), FromSystemPath(folder.path), MString()}) {
+        MFile file(path, false, false);
+        char byte = 0;
+        EXPECT_EQ(file.ok, 0);
+        EXPECT_FALSE(file.Read(&byte, 1));
+        EXPECT_EQ(file.GetSize(), 0);
+    }
+    EXPECT_EQ(MFile(folder.File("no/such/folder.bin"), true, false).ok, 0);
+    EXPECT_EQ(GetFileSize(folder.File("missing")), 0);
+}
+
+TEST(File, AnEmptyFileIsPreloaded) {
+    const TemporaryFolder folder;
+    MFile file(folder.Write("empty", ""), false, true);
+    EXPECT_TRUE(file.inMemory);
+    EXPECT_EQ(file.GetSize(), 0);
+}
+
+TEST(Folders, NamesAreFoundInAnyCase) {
+    const TemporaryFolder folder;
+    folder.Write("Media/Fonts/Demo.SM", "x");
+    folder.Write("\xC3\x89t\xC3\xA9.png", "x");
+    EXPECT_TRUE(FileExists(folder.File("media\\FONTS/demo.sm")));
+    EXPECT_TRUE(FileExists(folder.File("\xC3\xA9T\xC3\x89.PNG")));
+    EXPECT_TRUE(FolderExists(folder.File("MEDIA/")));
+    EXPECT_FALSE(FileExists(folder.File("media")));
+    EXPECT_FALSE(FolderExists(folder.File("media/fonts/demo.sm")));
+    EXPECT_FALSE(FileExists(folder.File("media/fonts/demo.smx")));
+    EXPECT_EQ(GetFileSize(folder.File("media/fonts/DEMO.sm")), 1);
+    EXPECT_FALSE(FileExists(MString()));
+    EXPECT_FALSE(FolderExists(MString()));
+    EXPECT_TRUE(FolderExists("/"));
+}
+
+TEST(Folders, TheExactNameGoesFirst) {
+    const TemporaryFolder folder;
+    folder.Write("a.txt", "lower");
+    folder.Write("A.TXT", "UPPER!");
+    EXPECT_EQ(GetFileSize(folder.File("a.txt")), 5);
+    EXPECT_EQ(GetFileSize(folder.File("A.TXT")), 6);
+}
+
+TEST(Folders, ANameThatIsNoUtf8IsFoundByItsText) {
+    const TemporaryFolder folder;
+    folder.Write("caf\xE9.sm", "x");
+    EXPECT_TRUE(FileExists(FromSystem((folder.path / "caf\xE9.sm").string())));
+}
+
+TEST(Folders, CreatesWithAllParents) {
+    const TemporaryFolder folder;
+    EXPECT_TRUE(CreateFolder(folder.File("one\\two/three/")));
+    EXPECT_TRUE(std::filesystem::is_directory(folder.path / "one/two/three"));
+    EXPECT_TRUE(CreateFolder(folder.File("one")));
+    folder.Write("file", "x");
+    EXPECT_FALSE(CreateFolder(folder.File("file/below")));
+    for (const char* root : {"C:", "C:/", "/"}) EXPECT_TRUE(CreateFolder(root)) << root;
+    EXPECT_FALSE(std::filesystem::exists("C:"));
+    EXPECT_FALSE(CreateFolder(MString()));
+}
+
+TEST(Folders, DeletesFilesOnly) {
+    const TemporaryFolder folder;
+    const MString file = folder.Write("a", "x");
+    EXPECT_TRUE(DeleteFile(file, true, false));
+    EXPECT_FALSE(DeleteFile(file, false, false));
+    EXPECT_TRUE(DeleteFile(MString(), false, false));
+    CreateFolder(folder.File("empty"));
+    EXPECT_FALSE(DeleteFile(folder.File("empty"), false, false));
+}
+
+TEST(Folders, SizesAsText) {
+    const std::pair<std::int64_t, const char*> cases[] = {
+        {0, "0 bytes"},       {1023, "1023 bytes"},       {1024, "1 KB"},          {1048575, "1023 KB"},
+        {1048576, "1 MB"},    {(1LL << 30) - 1, "1023 MB"}, {1LL << 30, "1 GB"}, {5LL << 40, "5120 GB"},
+    };
+    for (const auto& [bytes, text] : cases) EXPECT_EQ(Narrow(SizeText(bytes)), text);
+}
+
+} // namespace

@@ -1,0 +1,129 @@
+#include "foundation/MVector.h"
+
+#include "foundation/MDebug.h"
+#include "foundation/MString.h"
+
+#include <new>
+#include <string>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+std::u16string debugText;
+
+// Makes the array allocator fail and catches what is said of it.
+class ExhaustedMemory {
+public:
+    ExhaustedMemory() : sink(SetDebugSink([](std::u16string_view text) { debugText += text; })) {
+        debugText.clear();
+        failing = true;
+    }
+    ~ExhaustedMemory() {
+        failing = false;
+        SetDebugSink(sink);
+    }
+
+    static inline bool failing = false;
+
+private:
+    MDebugSink sink;
+};
+
+} // namespace
+
+void* operator new[](std::size_t size) {
+    if (ExhaustedMemory::failing) throw std::bad_alloc();
+    return ::operator new(size);
+}
+
+void operator delete[](void* block) noexcept {
+    ::operator delete(block);
+}
+
+void operator delete[](void* block, std::size_t) noexcept {
+    ::operator delete(block);
+}
+
+namespace {
+
+void FillUp(MVector<int>& vector, std::int32_t count) {
+    ASSERT_TRUE(vector.Resize(count, false));
+    for (std::int32_t i = 0; i < count; ++i) vector.data[i] = i;
+}
+
+TEST(Vector, KeepsWhatItIsTold) {
+    MVector<int> vector;
+    EXPECT_TRUE(vector.Resize(0, true));
+    EXPECT_EQ(vector.data, nullptr);
+    FillUp(vector, 5);
+    EXPECT_TRUE(vector.Resize(5, false)); // an equal count changes nothing
+    EXPECT_EQ(vector.data[4], 4);
+    EXPECT_TRUE(vector.Resize(7, true));
+    EXPECT_EQ(vector.data[4], 4);
+    EXPECT_TRUE(vector.Resize(3, true));
+    EXPECT_EQ(vector.count, 3);
+    EXPECT_EQ(vector.data[2], 2);
+    EXPECT_TRUE(vector.Resize(-1, true));
+    EXPECT_EQ(vector.data, nullptr);
+
+    MVector<MString> texts;
+    ASSERT_TRUE(texts.Resize(2, false));
+    texts.data[0] = "a";
+    ASSERT_TRUE(texts.Resize(3, true));
+    EXPECT_TRUE(texts.data[0].Equals(u"a"));
+    EXPECT_EQ(texts.data[2].chars, nullptr);
+    ASSERT_TRUE(texts.Resize(1, false));
+    EXPECT_EQ(texts.data[0].chars, nullptr);
+}
+
+TEST(Vector, SurvivesExhaustedMemoryEmpty) {
+    for (const bool keep : {true, false}) {
+        MVector<int> vector;
+        FillUp(vector, 5);
+        const ExhaustedMemory exhausted;
+        EXPECT_FALSE(vector.Resize(6, keep));
+        EXPECT_EQ(vector.count, 0);
+        EXPECT_EQ(vector.data, nullptr);
+        EXPECT_EQ(debugText, u"MVector: out of memory exception\n");
+    }
+}
+
+TEST(Vector, RefusesMoreThanTheMachineShouldGive) {
+    SetMemoryLimit(1000);
+    MVector<std::uint8_t> bytes;
+    EXPECT_TRUE(bytes.Resize(1000, false));
+    EXPECT_FALSE(bytes.Resize(1001, false));
+    EXPECT_EQ(MGetMemory(1001), nullptr);
+    SetMemoryLimit(0);
+    struct Large {
+        char bytes[1 << 20];
+    };
+    MVector<Large> absurd;
+    EXPECT_FALSE(absurd.Resize(std::numeric_limits<std::int32_t>::max(), false));
+}
+
+TEST(Memory, SurvivesExhaustedMemory) {
+    const ExhaustedMemory exhausted;
+    EXPECT_EQ(MGetMemory(0), nullptr);
+    EXPECT_EQ(debugText, u"");
+    EXPECT_EQ(MGetMemory(1), nullptr);
+    EXPECT_EQ(debugText, u"MGetMemory: out of memory exception\n");
+}
+
+TEST(Memory, NothingElseCatchesExhaustion) {
+    MString text("a text that will need room");
+    const ExhaustedMemory exhausted;
+    EXPECT_THROW(MString copy(text), std::bad_alloc);
+}
+
+TEST(Memory, CopiesToleratingNull) {
+    char block[] = "abc";
+    MCopyMemory(block, "xyz", 2);
+    EXPECT_STREQ(block, "xyc");
+    MCopyMemory(nullptr, "xyz", 2);
+    MCopyMemory(block, nullptr, 2);
+    EXPECT_STREQ(block, "xyc");
+}
+
+} // namespace
