@@ -1,0 +1,103 @@
+#include "platform/text/MOpenFace.h"
+
+#include <ft2build.h>
+
+#include <charconv>
+#include <cstdlib>
+#include <ranges>
+#include <vector>
+#include FT_FREETYPE_H
+#include FT_MULTIPLE_MASTERS_H
+#include FT_TRUETYPE_TABLES_H
+
+namespace {
+
+// fontconfig's mark for a variable face as a whole, in the bits of the named instance.
+constexpr std::int32_t wholeVariableFace = 0x8000;
+
+FT_Long FreeTypeIndex(std::int32_t index) {
+    const std::int32_t instance = (index >> 16) & 0xFFFF;
+    return instance == wholeVariableFace ? index & 0xFFFF : index & 0x7FFFFFFF;
+}
+
+bool IsTag(std::string_view name, FT_ULong tag) {
+    return name.size() == 4 &&
+           FT_MAKE_TAG(static_cast<unsigned char>(name[0]), static_cast<unsigned char>(name[1]),
+                       static_cast<unsigned char>(name[2]), static_cast<unsigned char>(name[3])) == tag;
+}
+
+} // namespace
+
+FT_LibraryRec_* FreeTypeLibrary() {
+    static const FT_Library library = [] {
+        FT_Library fresh = nullptr;
+        return FT_Init_FreeType(&fresh) == 0 ? fresh : nullptr;
+    }();
+    return library;
+}
+
+MOpenFace::MOpenFace(const MFontMatch& fontMatch) : match(fontMatch) {
+    FT_Library const library = FreeTypeLibrary();
+    if (!library || FT_New_Face(library, match.file.c_str(), FreeTypeIndex(match.index), &face) != 0) {
+        face = nullptr;
+        return;
+    }
+    ApplyVariations();
+    ReadCell();
+}
+
+MOpenFace::~MOpenFace() {
+    if (face) FT_Done_Face(face);
+}
+
+// Axes that are not named keep the coordinates that they have, those of the named instance included.
+void MOpenFace::ApplyVariations() {
+    if (match.variations.empty()) return;
+    FT_MM_Var* axes = nullptr;
+    if (FT_Get_MM_Var(face, &axes) != 0) return;
+    std::vector<FT_Fixed> coordinates(axes->num_axis);
+    FT_Get_Var_Design_Coordinates(face, axes->num_axis, coordinates.data());
+    for (const auto part : std::views::split(std::string_view(match.variations), ',')) {
+        const std::string_view setting(part.begin(), part.end());
+        const std::size_t equals = setting.find('=');
+        if (equals == std::string_view::npos) continue;
+        const std::string_view text = setting.substr(equals + 1);
+        double value = 0;
+        if (std::from_chars(text.data(), text.data() + text.size(), value).ec != std::errc()) continue;
+        for (FT_UInt axis = 0; axis < axes->num_axis; ++axis) {
+            if (IsTag(setting.substr(0, equals), axes->axis[axis].tag))
+                coordinates[axis] = static_cast<FT_Fixed>(value * 65536);
+        }
+    }
+    FT_Set_Var_Design_Coordinates(face, axes->num_axis, coordinates.data());
+    FT_Done_MM_Var(face->glyph->library, axes);
+}
+
+void MOpenFace::ReadCell() {
+    unitsPerEm = face->units_per_EM > 0 ? face->units_per_EM : 1000;
+    if (const auto* const os2 = static_cast<const TT_OS2*>(FT_Get_Sfnt_Table(face, FT_SFNT_OS2))) {
+        cellAscent = os2->usWinAscent;
+        cellDescent = os2->usWinDescent;
+    }
+    if (cellAscent + cellDescent <= 0) {
+        cellAscent = face->ascender;
+        cellDescent = -face->descender;
+    }
+    if (cellAscent + cellDescent <= 0) {
+        cellAscent = static_cast<std::int32_t>(face->bbox.yMax);
+        cellDescent = static_cast<std::int32_t>(-face->bbox.yMin);
+    }
+    if (cellAscent + cellDescent <= 0) {
+        cellAscent = unitsPerEm;
+        cellDescent = 0;
+    }
+}
+
+std::uint32_t MOpenFace::GlyphIndex(char32_t character) const {
+    if (!face || !face->charmap) {
+        if (!face || FT_Select_Charmap(face, FT_ENCODING_MS_SYMBOL) != 0) return 0;
+    }
+    const std::uint32_t index = FT_Get_Char_Index(face, character);
+    if (index != 0 || face->charmap->encoding != FT_ENCODING_MS_SYMBOL || character > 0xFF) return index;
+    return FT_Get_Char_Index(face, 0xF000 + character);
+}

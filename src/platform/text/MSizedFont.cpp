@@ -1,0 +1,139 @@
+#include "platform/text/MSizedFont.h"
+
+#include "platform/text/MOpenFace.h"
+
+#include <ft2build.h>
+
+#include <algorithm>
+#include <array>
+#include FT_FREETYPE_H
+#include FT_BBOX_H
+#include FT_OUTLINE_H
+
+namespace {
+
+// FreeType's rasteriser counts pixels in 15 bits, and a font in 16 bits the pixels of its em.
+constexpr std::int64_t maximumPixels = 32767;
+
+constexpr std::int64_t maximumAdvance = 1 << 30;
+
+constexpr std::int64_t Floor(std::int64_t position) {
+    return position >> 6;
+}
+
+constexpr std::int64_t Ceil(std::int64_t position) {
+    return (position + 63) >> 6;
+}
+
+FT_Fixed ToFixed(double value) {
+    return static_cast<FT_Fixed>(value * 65536.0);
+}
+
+} // namespace
+
+MPixelRect Intersect(const MPixelRect& first, const MPixelRect& second) {
+    return {std::max(first.left, second.left), std::max(first.top, second.top),
+            std::min(first.right, second.right), std::min(first.bottom, second.bottom)};
+}
+
+MSizedFont::MSizedFont(const MString& family, std::int32_t weight, bool italic) {
+    if (const auto match = MatchFont(family, weight, italic)) face = std::make_unique<MOpenFace>(*match);
+}
+
+MSizedFont::~MSizedFont() = default;
+
+bool MSizedFont::SetHeight(std::int32_t cellHeight) {
+    valid = false;
+    loaded = -1;
+    ascent = 0;
+    if (!face || !face->face || !FT_IS_SCALABLE(face->face) || cellHeight < 1) return false;
+    const std::int64_t cell = std::int64_t{face->cellAscent} + face->cellDescent;
+    const std::int64_t em = (std::int64_t{cellHeight} * 64 * face->unitsPerEm + cell / 2) / cell; // 26.6
+    if (em < 1 || em > maximumPixels * 64) return false;
+    if (FT_Set_Char_Size(face->face, 0, em, 72, 72) != 0) return false;
+    ascent = static_cast<std::int32_t>((std::int64_t{cellHeight} * face->cellAscent * 2 + cell) / (cell * 2));
+    valid = true;
+    return true;
+}
+
+// What the mapper asks where the family lacks a bold or an italic face.
+bool MSizedFont::Synthesise(std::int64_t& advance) {
+    FT_GlyphSlot const slot = face->face->glyph;
+    if (face->match.embolden) {
+        const FT_Pos strength = FT_MulFix(face->unitsPerEm, face->face->size->metrics.y_scale) / 24;
+        if (FT_Outline_Embolden(&slot->outline, strength) != 0) return false;
+        advance += strength;
+    }
+    if (const auto& [xx, xy, yx, yy] = face->match.matrix;
+        face->match.matrix != std::array<double, 4>{1, 0, 0, 1}) {
+        const FT_Matrix matrix{ToFixed(xx), ToFixed(xy), ToFixed(yx), ToFixed(yy)};
+        FT_Outline_Transform(&slot->outline, &matrix);
+        advance = FT_MulFix(advance, matrix.xx);
+    }
+    return true;
+}
+
+bool MSizedFont::Load(char16_t character) {
+    if (!valid) return false;
+    if (loaded == character) return true;
+    loaded = -1;
+    FT_GlyphSlot const slot = face->face->glyph;
+    const FT_Int32 flags = FT_LOAD_NO_HINTING | FT_LOAD_NO_AUTOHINT | FT_LOAD_NO_BITMAP;
+    if (FT_Load_Glyph(face->face, face->GlyphIndex(character), flags) != 0) return false;
+    if (slot->format != FT_GLYPH_FORMAT_OUTLINE) return false;
+    std::int64_t advance = (slot->linearHoriAdvance + 512) >> 10; // 16.16 to 26.6
+    if (!Synthesise(advance)) return false;
+
+    MInk ink;
+    if (FT_BBox box{}; slot->outline.n_points > 0 && FT_Outline_Get_BBox(&slot->outline, &box) == 0 &&
+                       box.xMin < box.xMax && box.yMin < box.yMax) {
+        for (const FT_Pos edge : {box.xMin, box.yMin, box.xMax, box.yMax})
+            if (edge > maximumPixels * 64 || edge < -maximumPixels * 64) return false;
+        ink.a = static_cast<std::int32_t>(Floor(box.xMin));
+        ink.b = static_cast<std::int32_t>(Ceil(box.xMax)) - ink.a;
+        ink.above = static_cast<std::int32_t>(Ceil(box.yMax));
+        ink.below = static_cast<std::int32_t>(-Floor(box.yMin));
+        if (ink.b > maximumPixels) return false;
+    }
+    const std::int64_t wholeAdvance = std::clamp((advance + 32) >> 6, -maximumAdvance, maximumAdvance);
+    ink.c = static_cast<std::int32_t>(wholeAdvance - ink.a - ink.b);
+    loadedInk = ink;
+    loaded = character;
+    return true;
+}
+
+bool MSizedFont::GetInk(char16_t character, MInk& ink) {
+    if (!Load(character)) return false;
+    ink = loadedInk;
+    return true;
+}
+
+std::span<const std::uint8_t> MSizedFont::Draw(char16_t character, std::int64_t x, std::int64_t y,
+                                               const MPixelRect& region) {
+    if (region.IsEmpty() || !Load(character) || loadedInk.b == 0) return {};
+    const auto width = static_cast<std::size_t>(region.right - region.left);
+    const auto height = static_cast<std::size_t>(region.bottom - region.top);
+    pixels.assign(width * height, 0);
+
+    const MPixelRect ink{x + loadedInk.a, y - loadedInk.above, x + loadedInk.a + loadedInk.b,
+                         y + loadedInk.below};
+    const MPixelRect visible = Intersect(ink, region);
+    if (visible.IsEmpty()) return pixels;
+
+    FT_Bitmap bitmap{};
+    bitmap.width = static_cast<unsigned>(visible.right - visible.left);
+    bitmap.rows = static_cast<unsigned>(visible.bottom - visible.top);
+    bitmap.pitch = static_cast<int>(width);
+    bitmap.buffer = pixels.data() + static_cast<std::size_t>(visible.top - region.top) * width +
+                    static_cast<std::size_t>(visible.left - region.left);
+    bitmap.num_grays = 256;
+    bitmap.pixel_mode = FT_PIXEL_MODE_GRAY;
+    // The bitmap's lower left corner is the origin; y grows upwards.
+    FT_Outline* const outline = &face->face->glyph->outline;
+    const FT_Pos shiftX = (x - visible.left) * 64;
+    const FT_Pos shiftY = (visible.bottom - y) * 64;
+    FT_Outline_Translate(outline, shiftX, shiftY);
+    FT_Outline_Get_Bitmap(FreeTypeLibrary(), outline, &bitmap);
+    FT_Outline_Translate(outline, -shiftX, -shiftY);
+    return pixels;
+}
