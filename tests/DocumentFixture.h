@@ -1,0 +1,44 @@
+// Settings for a test, and small fonts made by hand.
+#pragma once
+
+#include "document/MColourFont.h"
+#include "document/MSettings.h"
+#include "platform/headless/Headless.h"
+
+#include <cstdint>
+#include <memory>
+#include <random>
+
+#include <gtest/gtest.h>
+
+class DocumentTest : public testing::Test {
+protected:
+    MSettings settings;
+
+    DocumentTest() {
+        Settings = &settings;
+        Headless::Reset();
+    }
+    ~DocumentTest() override { Settings = nullptr; }
+
+    // A window for those who only pass it on.
+    static Desktop::WindowHandle AnyWindow() {
+        static char window;
+        return reinterpret_cast<Desktop::WindowHandle>(&window);
+    }
+};
+
+inline MGlyph& AddGlyph(MColourFont& font, char16_t character, std::int32_t width, std::int32_t height) {
+    const auto slot = static_cast<std::size_t>(font.ClaimSlot(character));
+    font.Glyphs[slot] = std::make_unique<MGlyph>(character, width, height, 1, 2, false);
+    return *font.Glyphs[slot];
+}
+
+// Every pixel its own colour, some of them transparent.
+inline void FillWithNoise(MPicture& picture, unsigned seed) {
+    std::mt19937 random(seed);
+    for (std::size_t i = 0; i < std::size_t{picture.Stride} * picture.Height; ++i) {
+        const auto value = random();
+        picture.Pixels[i] = static_cast<std::uint8_t>(value % 3 == 0 ? 0 : value >> 8);
+    }
+}

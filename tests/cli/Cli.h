@@ -1,0 +1,38 @@
+// Runs lettrino-cli as a user would, in a folder of its own.
+#pragma once
+
+#include "TemporaryFolder.h"
+
+#include <cstdlib>
+#include <string>
+
+#include <nlohmann/json.hpp>
+
+#include <sys/wait.h>
+
+class Cli {
+public:
+    TemporaryFolder folder;
+    int status = -1;
+    std::string out;
+    std::string error;
+
+    // Arguments as typed in a shell. Returns the status.
+    int Run(const std::string& arguments) {
+        const std::string command = "cd '" + folder.path.string() + "' && HOME='" + folder.path.string() + "/home' '" +
+                                    LETTRINO_CLI + "' " + arguments + " >stdout.txt 2>stderr.txt";
+        const int result = std::system(command.c_str());
+        status = WIFEXITED(result) ? WEXITSTATUS(result) : -1;
+        out = folder.Read("stdout.txt");
+        error = folder.Read("stderr.txt");
+        return status;
+    }
+
+    // What --info prints after these steps.
+    nlohmann::json Info(const std::string& arguments) {
+        Run(arguments + " --info");
+        return nlohmann::json::parse(out, nullptr, false);
+    }
+
+    bool Has(const char* file) const { return std::filesystem::exists(folder.path / file); }
+};

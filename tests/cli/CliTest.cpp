@@ -1,0 +1,205 @@
+#include "Cli.h"
+
+#include "imaging/MPicture.h"
+
+#include <cstring>
+#include <regex>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace {
+
+using testing::HasSubstr;
+using testing::MatchesRegex;
+
+bool SamePixels(const MString& a, const MString& b) {
+    MPicture first(a);
+    MPicture second(b);
+    const bool same = first.IsValid() && second.IsValid() && first.Width == second.Width &&
+                      first.Height == second.Height &&
+                      std::memcmp(first.Pixels, second.Pixels, std::size_t{first.Stride} * first.Height) == 0;
+    first.Free();
+    second.Free();
+    return same;
+}
+
+TEST(Cli, TheMainJob) {
+    Cli cli;
+    ASSERT_EQ(cli.Run("--family 'DejaVu Sans' --height 64 --select A-Z,a-z,0-9 --generate --kern --save demo.sm"), 0)
+        << cli.error;
+    EXPECT_EQ(cli.out + cli.error, "");
+    const auto saved = cli.Info("--open demo.sm --save again.sm");
+    ASSERT_EQ(saved["glyphs"].size(), 62U);
+    EXPECT_EQ(saved, cli.Info("--open again.sm"));
+    EXPECT_TRUE(SamePixels(cli.folder.File("demo.png"), cli.folder.File("again.png")));
+    EXPECT_FALSE(cli.Has("home")); // the user's folders play no part
+}
+
+// Every kind of face and every size comes back as it was written.
+TEST(Cli, RoundTrips) {
+    const char* const faces[] = {
+        "--family 'DejaVu Sans' --weight 200", // an extra light face
+        "--family 'Liberation Serif' --weight 700 --italic",
+        "--family 'Liberation Mono' --italic",
+        "--family 'No Such Family'",
+        "", // Arial Black, or what stands in for it
+    };
+    for (const int height : {16, 100}) {
+        for (const char* face : faces) {
+            Cli cli;
+            const std::string choice = std::string(face) + " --height " + std::to_string(height) + " --select all";
+            const auto made = cli.Info(choice + " --generate --kern --save f.sm");
+            ASSERT_EQ(cli.status, 0) << choice << cli.error;
+            EXPECT_GT(made["glyphs"].size(), 180U) << choice;
+            for (const auto& glyph : made["glyphs"]) ASSERT_EQ(glyph["height"], height);
+            EXPECT_GT(made["capHeight"], height / 3);
+            EXPECT_EQ(cli.Info("--open f.sm --save g.sm"), made) << choice;
+            EXPECT_TRUE(SamePixels(cli.folder.File("f.png"), cli.folder.File("g.png")));
+        }
+    }
+}
+
+TEST(Cli, TheLargestHeight) {
+    Cli cli;
+    const auto made = cli.Info("--family 'DejaVu Sans' --height 1024 --select all --generate --save f.sm");
+    ASSERT_EQ(cli.status, 0) << cli.error;
+    EXPECT_EQ(cli.Info("--open f.sm"), made);
+}
+
+TEST(Cli, EditsTheFont) {
+    Cli cli;
+    const auto info = cli.Info("--family 'DejaVu Sans' --select A,V,x --generate --kern --set-kerning A,V,-9 --set-kerning x,U+20AC,3 --remove x");
+    ASSERT_EQ(cli.status, 0) << cli.error;
+    EXPECT_EQ(info["glyphs"].size(), 2U);
+    bool found = false;
+    for (const auto& pair : info["kerning"]) {
+        EXPECT_NE(pair["left"], 'x');
+        EXPECT_NE(pair["right"], 'x');
+        if (pair["left"] == 'A' && pair["right"] == 'V') found = pair["amount"] == -9;
+    }
+    EXPECT_TRUE(found);
+    std::filesystem::create_directory(cli.folder.path / "out");
+    EXPECT_EQ(cli.Run("--family 'DejaVu Sans' --select A,48-57 --generate --single-files out"), 0);
+    EXPECT_TRUE(cli.Has("out/C65.png"));
+    EXPECT_TRUE(cli.Has("out/C57.png"));
+    EXPECT_EQ(cli.Info("--select A --generate --select B --generate")["glyphs"].size(), 2U);
+}
+
+TEST(Cli, PlainGlyphsCarryTheirColour) {
+    Cli cli;
+    ASSERT_EQ(cli.Run("--family 'DejaVu Sans' --height 40 --colour 2060C0 --select H --generate --single-files ."), 0);
+    MPicture glyph(cli.folder.File("C72.png"));
+    ASSERT_TRUE(glyph.IsValid());
+    EXPECT_EQ(glyph.GetPixel(static_cast<std::int32_t>(glyph.Width) / 2, 0), MColour(0x20, 0x60, 0xC0, 0));
+    glyph.Free();
+}
+
+// Status 1 and one line that names the step, the file and the reason; nothing half-made stays.
+TEST(Cli, FailuresNameStepFileAndReason) {
+    Cli cli;
+    ASSERT_EQ(cli.Run("--family 'DejaVu Sans' --select A --generate --save good.sm"), 0);
+    const std::string text = cli.folder.Read("good.sm");
+    const std::string png = cli.folder.Read("good.png");
+    cli.folder.Write("alone.sm", text);
+    cli.folder.Write("cut.sm", text);
+    cli.folder.Write("cut.png", png.substr(0, png.size() / 2));
+    cli.folder.Write("other.sm", "Another TextureFont 1.0\r\n");
+    cli.folder.Write("other.png", png);
+    cli.folder.Write("empty.sm", "");
+    cli.folder.Write("empty.png", "");
+    cli.folder.Write("noise.sm", png);
+    cli.folder.Write("noise.png", png);
+    std::filesystem::create_directory(cli.folder.path / "folder.sm");
+    const struct {
+        const char* arguments;
+        const char* names;
+        const char* reason;
+    } cases[] = {
+        {"--open missing.sm", "--open: missing.sm: ", "no such file"},
+        {"--open folder.sm", "--open: folder.sm: ", "folder"},
+        {"--open alone.sm", "--open: alone.sm: ", "picture"},
+        {"--open cut.sm", "--open: cut.sm: ", "cut.png can't be read"},
+        {"--open other.sm", "--open: other.sm: ", "header"},
+        {"--open empty.sm", "--open: empty.sm: ", "header"},
+        {"--open noise.sm", "--open: noise.sm: ", "header"},
+        {"--open good.png", "--open: good.png: ", ".sm"},
+        {"--open good.sm --save no/f.sm", "--save: no/f.sm: ", "no folder"},
+        {"--open good.sm --save /proc/f.sm", "--save: /proc/f.sm: ", "could not be written"},
+        {"--open good.sm --single-files no", "--single-files: no: ", "no such folder"},
+        {"--open good.sm --remove Z", "--remove: ", "no glyph"},
+        {"--open good.sm --set-kerning 32,A,1", "--set-kerning: ", "below 33"},
+        {"--select none --generate", "--generate: ", "no character is selected"},
+        {"--family 'DejaVu Sans' --select U+00A0 --generate", "--generate: ", "no glyph"},
+        {"--save f.sm", "--save: ", "no font yet"},
+        {"--font-file good.sm", "--font-file: good.sm: ", "no font"},
+        {"--font-file missing.ttf", "--font-file: missing.ttf: ", "no such file"},
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(cli.Run(c.arguments), 1) << c.arguments;
+        EXPECT_EQ(cli.out, "");
+        EXPECT_THAT(cli.error, testing::StartsWith("lettrino-cli: " + std::string(c.names))) << c.arguments;
+        EXPECT_THAT(cli.error, HasSubstr(c.reason)) << c.arguments;
+        EXPECT_EQ(std::count(cli.error.begin(), cli.error.end(), '\n'), 1) << cli.error;
+    }
+    EXPECT_FALSE(cli.Has("f.sm"));
+}
+
+TEST(Cli, WrongUsageDoesNothing) {
+    Cli cli;
+    for (const char* arguments :
+         {"", "--nonsense", "--height", "--height tall", "--colour red", "--colour 12345G", "--select A-", "--select Z-A",
+          "--select U+20AC", "--select A,,B", "--set-kerning A,B", "--remove AB", "--generate=no", "stray", "--weight 9999999999"}) {
+        EXPECT_EQ(cli.Run("--family 'DejaVu Sans' --select A --generate --save made.sm " + std::string(arguments)), arguments[0] ? 2 : 0) << arguments;
+        if (arguments[0]) {
+            EXPECT_FALSE(cli.Has("made.sm")) << arguments;
+            EXPECT_EQ(std::count(cli.error.begin(), cli.error.end(), '\n'), 1) << cli.error;
+        }
+        std::filesystem::remove(cli.folder.path / "made.sm");
+    }
+    EXPECT_EQ(cli.Run(""), 2);
+}
+
+TEST(Cli, UnderstandsSelections) {
+    const struct {
+        const char* set;
+        std::vector<int> codes;
+    } cases[] = {
+        {"A-C,x", {65, 66, 67, 120}},      {"48-50,5", {48, 49, 50, 53}}, {"U+00E9,\xC3\xA8", {232, 233}},
+        {"U+0041-U+0043", {65, 66, 67}},   {"20-34", {33, 34}},           {"-", {45}},
+        {"+--", {43, 44, 45}},             {"'", {39}},
+    };
+    for (const auto& c : cases) {
+        Cli cli;
+        const auto info = cli.Info(std::string("--family 'DejaVu Sans' --select \"") + c.set + "\" --generate");
+        std::vector<int> codes;
+        for (const auto& glyph : info["glyphs"]) codes.push_back(glyph["code"]);
+        std::sort(codes.begin(), codes.end());
+        EXPECT_EQ(codes, c.codes) << c.set << cli.error;
+    }
+}
+
+TEST(Cli, HeightsAreLimitedAsInTheDialogs) {
+    Cli cli;
+    for (const auto& [asked, given] : {std::pair(5, 16), std::pair(5000, 1024), std::pair(-3, 16), std::pair(101, 101)}) {
+        EXPECT_EQ(cli.Info("--height " + std::to_string(asked) + " --select A --generate")["glyphHeight"], given);
+    }
+}
+
+TEST(Cli, HelpVersionAndFonts) {
+    Cli cli;
+    EXPECT_EQ(cli.Run("--help"), 0);
+    EXPECT_THAT(cli.out, HasSubstr("--single-files FOLDER"));
+    EXPECT_EQ(cli.Run("--version"), 0);
+    EXPECT_EQ(cli.out, "Lettrino 4.0.0.8\n");
+    EXPECT_EQ(cli.Run("--list-fonts"), 0);
+    const auto fonts = nlohmann::json::parse(cli.out);
+    const auto isLiberationBold = [](const auto& face) {
+        return face["family"] == "Liberation Sans" && face["weight"] == 700 && face["italic"] == false &&
+               face["style"] == "Bold";
+    };
+    EXPECT_EQ(std::count_if(fonts.begin(), fonts.end(), isLiberationBold), 1);
+}
+
+} // namespace

@@ -1,0 +1,81 @@
+#include "DocumentFixture.h"
+
+#include <algorithm>
+#include <string_view>
+#include <vector>
+
+namespace {
+
+std::vector<MKerningPair> PlainKerning(const MColourFont& font) {
+    std::vector<MKerningPair> pairs;
+    for (const auto& l : font.Glyphs) {
+        for (const auto& r : font.Glyphs) {
+            if (!l || !r || l->Height != r->Height || l->Height <= 0) continue;
+            std::int32_t smallest = 100000;
+            for (std::int32_t y = 0; y < l->Height; ++y) {
+                std::int32_t gapL = -1;
+                for (std::int32_t x = l->Width - 1; x >= 0 && gapL < 0; --x) {
+                    if (l->GetPixel(x, y).a != 0) gapL = l->Width - x - 1;
+                }
+                std::int32_t gapR = -1;
+                for (std::int32_t x = 0; x < r->Width && gapR < 0; ++x) {
+                    if (r->GetPixel(x, y).a != 0) gapR = x;
+                }
+                if (gapL >= 0 && gapR >= 0) smallest = std::min(smallest, gapL + gapR);
+            }
+            if (smallest == 0 || smallest >= 100000 || l->Character < 33 || r->Character < 33) continue;
+            pairs.push_back({l->Character, r->Character, -smallest});
+        }
+    }
+    return pairs;
+}
+
+class GenerateKerningTest : public DocumentTest {
+protected:
+    MColourFont font{nullptr};
+
+    // A glyph from rows of text; anything but a blank is ink.
+    void Draw(char16_t character, const std::vector<std::string_view>& rows) {
+        MGlyph& glyph = AddGlyph(font, character, static_cast<std::int32_t>(rows[0].size()),
+                                 static_cast<std::int32_t>(rows.size()));
+        for (std::int32_t y = 0; y < glyph.Height; ++y) {
+            for (std::int32_t x = 0; x < glyph.Width; ++x) {
+                if (rows[static_cast<std::size_t>(y)][static_cast<std::size_t>(x)] != ' ') glyph.SetPixel(x, y, {0, 0, 0, 1});
+            }
+        }
+    }
+
+    std::vector<MKerningPair> Generate() {
+        font.GenerateKerning();
+        return {font.Kerning.begin(), font.Kerning.end()};
+    }
+};
+
+TEST_F(GenerateKerningTest, MeasuresTheClosestSharedRow) {
+    Draw(u'L', {"x   ", "xxx "});
+    Draw(u'T', {" x  ", "    "});
+    Draw(u'_', {"    ", "xxxx"});  // touches
+    Draw(u' ', {"  x ", "  x "});  // takes no kerning
+    Draw(u'i', {" x "});           // of another height
+    Draw(u'0', {"    ", "    "});  // no ink
+    font.SetKerning('a', 'b', 5);  // lost
+    EXPECT_EQ(Generate(), (std::vector<MKerningPair>{{'L', 'L', -1}, {'L', 'T', -4}, {'L', '_', -1},
+                                                     {'T', 'L', -2}, {'T', 'T', -3}, {'i', 'i', -2}}));
+}
+
+TEST_F(GenerateKerningTest, AnyFontAsTheRowScan) {
+    std::mt19937 random(11);
+    for (int round = 0; round < 30; ++round) {
+        font.Clear();
+        for (char16_t c = 30; c < 45; ++c) {
+            MGlyph& glyph = AddGlyph(font, c, static_cast<std::int32_t>(random() % 20), static_cast<std::int32_t>(8 + random() % 2));
+            for (auto dots = random() % 12; dots > 0 && glyph.Picture.IsValid(); --dots) {
+                glyph.SetPixel(static_cast<std::int32_t>(random() % 20), static_cast<std::int32_t>(random() % 8), {0, 0, 0, 1});
+            }
+            if (random() % 5 == 0) glyph.Width += 3; // differs from its picture
+        }
+        ASSERT_EQ(Generate(), PlainKerning(font));
+    }
+}
+
+} // namespace

@@ -1,0 +1,125 @@
+#include "document/MColourFont.h"
+
+#include "DocumentFixture.h"
+#include "document/MKerningTable.h"
+
+#include <random>
+#include <string>
+#include <vector>
+
+namespace {
+
+class ColourFontTest : public DocumentTest {
+protected:
+    MColourFont font{nullptr};
+
+    // The codes in slot order, "." for a hole, up to the last glyph.
+    std::string Slots() const {
+        std::string text;
+        for (const auto& slot : font.Glyphs) text += slot ? static_cast<char>(slot->Character) : '.';
+        return text.substr(0, text.find_last_not_of('.') + 1);
+    }
+
+    std::vector<MKerningPair> Pairs() const { return {font.Kerning.begin(), font.Kerning.end()}; }
+};
+
+TEST_F(ColourFontTest, StartsEmptyWithHalfTheHeightAsSpace) {
+    EXPECT_EQ(font.SpaceWidth, 50);
+    EXPECT_EQ(font.Baseline, 0);
+    EXPECT_EQ(font.CapHeight, 0);
+    settings.GlyphHeight = 101;
+    EXPECT_EQ(MColourFont(nullptr).SpaceWidth, 50);
+    font.SetGlyphHeight(-3);
+    EXPECT_EQ(settings.GlyphHeight, -3);
+    EXPECT_EQ(font.SpaceWidth, -1);
+}
+
+TEST_F(ColourFontTest, SlotsArePlacesAndNotCharacters) {
+    for (const char16_t c : std::u16string_view(u"CAB")) AddGlyph(font, c, 1, 1);
+    EXPECT_EQ(Slots(), "CAB");
+    AddGlyph(font, u'A', 5, 1); // keeps its slot
+    EXPECT_EQ(Slots(), "CAB");
+    EXPECT_EQ(font.GetGlyph(u'A')->Width, 5);
+    font.RemoveGlyph(u'A');
+    EXPECT_EQ(Slots(), "C.B");
+    EXPECT_EQ(font.GetGlyphByIndex(1)->Character, u'B');
+    EXPECT_EQ(font.GetGlyphByIndex(2), nullptr);
+    EXPECT_EQ(font.GetGlyphIndex(u'B'), 1);
+    EXPECT_EQ(font.GetGlyphIndex(u'A'), -1);
+    AddGlyph(font, u'Z', 1, 1); // into the hole
+    EXPECT_EQ(Slots(), "CZB");
+    font.RemoveGlyph(u'Z');
+    font.SortGlyphs();
+    EXPECT_EQ(Slots(), "BC");
+    EXPECT_EQ(font.GlyphCount(), 2);
+}
+
+TEST_F(ColourFontTest, HasRoomFor223Glyphs) {
+    for (char16_t c = 33; c <= 255; ++c) AddGlyph(font, c, c, 300 - c);
+    EXPECT_EQ(font.ClaimSlot(u'\u20AC'), -1);
+    EXPECT_EQ(font.ClaimSlot(u'!'), 0);
+    EXPECT_EQ(font.MaxGlyphWidth(), 255);
+    EXPECT_EQ(font.MaxGlyphHeight(), 266); // "!" is gone
+}
+
+TEST_F(ColourFontTest, ClearKeepsTheNumbers) {
+    AddGlyph(font, u'A', 10, 10);
+    font.SetKerning('A', 'V', -1);
+    font.Baseline = 3;
+    ASSERT_TRUE(font.Repack());
+    font.Clear();
+    EXPECT_EQ(font.GlyphCount() + font.KerningCount(), 0);
+    EXPECT_FALSE(font.Picture.IsValid());
+    EXPECT_EQ(font.PictureWidth, 128);
+    EXPECT_EQ(font.Baseline, 3);
+}
+
+TEST_F(ColourFontTest, KerningPairs) {
+    EXPECT_FALSE(font.SetKerning(32, 'A', 1));
+    EXPECT_FALSE(font.SetKerning('A', 32, 1));
+    EXPECT_FALSE(font.SetKerning(-40, 'A', 1));
+    EXPECT_TRUE(font.SetKerning('A', 'V', -3));
+    EXPECT_TRUE(font.SetKerning('V', 'A', 0));
+    EXPECT_TRUE(font.SetKerning('A', 'V', -4));
+    EXPECT_EQ(Pairs(), (std::vector<MKerningPair>{{'A', 'V', -4}, {'V', 'A', 0}}));
+    font.ChangeKerning(u'V', 'A', 9);
+    font.ChangeKerning(u'X', 'Y', 9);
+    EXPECT_EQ(font.FindKerning(u'V', 'A')->Amount, 9);
+    EXPECT_EQ(font.FindKerningIndex(u'V', 'A'), 1);
+    EXPECT_EQ(font.FindKerningIndex(u'X', 'Y'), -1);
+    EXPECT_EQ(font.KerningCount(), 2);
+}
+
+TEST_F(ColourFontTest, RemovingAGlyphFillsItsPairsFromTheEnd) {
+    for (const auto& pair : std::vector<MKerningPair>{
+             {'A', 'B', 1}, {'C', 'D', 2}, {'E', 'A', 3}, {'D', 'E', 4}, {'A', 'A', 5}}) {
+        font.SetKerning(static_cast<std::int32_t>(pair.Left), pair.Right, pair.Amount);
+    }
+    font.RemoveGlyph(u'A');
+    EXPECT_EQ(Pairs(), (std::vector<MKerningPair>{{'D', 'E', 4}, {'C', 'D', 2}}));
+}
+
+TEST_F(ColourFontTest, SortingByAmountKeepsEqualPairsInOrder) {
+    for (const int right : {'a', 'b', 'c', 'd', 'e'}) font.SetKerning('A', static_cast<std::uint32_t>(right), right % 2);
+    font.SortKerningByAmount();
+    EXPECT_EQ(Pairs(), (std::vector<MKerningPair>{
+                           {'A', 'b', 0}, {'A', 'd', 0}, {'A', 'a', 1}, {'A', 'c', 1}, {'A', 'e', 1}}));
+}
+
+TEST_F(ColourFontTest, AKerningTableIsAsManyCallsOfSetKerning) {
+    font.SetKerning('A', 'B', 1);
+    MColourFont plain(nullptr);
+    plain.SetKerning('A', 'B', 1);
+    MKerningTable table(font);
+    std::mt19937 random(3);
+    for (int i = 0; i < 3000; ++i) {
+        const bool wide = random() % 4 == 0; // beyond 16 bits it is stored, but never found again
+        const auto left = static_cast<std::int32_t>(20 + random() % 40 + (wide ? 0x10000 : 0));
+        const auto right = static_cast<std::uint32_t>(20 + random() % 40);
+        ASSERT_EQ(table.Set(left, right, i), plain.SetKerning(left, right, i));
+    }
+    ASSERT_TRUE(table.Store(font));
+    EXPECT_TRUE(std::ranges::equal(font.Kerning, plain.Kerning));
+}
+
+} // namespace

@@ -1,0 +1,73 @@
+#include "DocumentFixture.h"
+#include "TemporaryFolder.h"
+#include "Text.h"
+#include "document/ChooseFile.h"
+
+#include <cstdlib>
+
+namespace {
+
+class SettingsTest : public DocumentTest {};
+
+TEST_F(SettingsTest, DefaultsTouchNoFolder) {
+    EXPECT_EQ(settings.SelectedCount(), 26);
+    EXPECT_EQ(Narrow(settings.FontName), "Arial Black");
+    EXPECT_EQ(settings.Colour, MColour(255, 0, 0));
+    for (const MString& path : settings.Paths) EXPECT_TRUE(path.IsEmpty());
+    settings.Selected[32] = 1; // has no meaning
+    settings.Selected[255] = 1;
+    EXPECT_EQ(settings.SelectedCount(), 27);
+}
+
+TEST_F(SettingsTest, TheWindowFitsTheScreen) {
+    const struct {
+        Desktop::Rect screen;
+        std::int32_t right, bottom;
+    } defaults[] = {{{0, 0, 1920, 1080}, 1781, 1016}, {{0, 0, 1024, 768}, 992, 704}};
+    for (const auto& c : defaults) {
+        Headless::script.primaryScreen = Headless::script.virtualScreen = c.screen;
+        settings.UseDefaultWindowRect();
+        EXPECT_EQ(settings.WindowRect.left, 32);
+        EXPECT_EQ(settings.WindowRect.right, c.right);
+        EXPECT_EQ(settings.WindowRect.bottom, c.bottom);
+    }
+    Headless::script.virtualScreen = {-1000, 0, 1000, 800};
+    const struct {
+        Desktop::Rect given, clamped;
+    } cases[] = {
+        {{-32000, -32000, -31840, -31972}, {-1000, 0, -680, 240}}, // as a minimised window has it
+        {{900, 700, 1300, 1000}, {600, 500, 1000, 800}},
+        {{1000, 800, 1400, 1100}, {-1000, 0, -600, 300}},
+        {{0, 0, 5000, 5000}, {-1000, 0, 1000, 800}},
+        {{-2147483647, 0, 2147483647, 10}, {-1000, 0, 1000, 240}},
+    };
+    for (const auto& c : cases) {
+        settings.WindowRect = c.given;
+        settings.ClampWindowRect();
+        EXPECT_EQ(settings.WindowRect.left, c.clamped.left);
+        EXPECT_EQ(settings.WindowRect.top, c.clamped.top);
+        EXPECT_EQ(settings.WindowRect.right, c.clamped.right);
+        EXPECT_EQ(settings.WindowRect.bottom, c.clamped.bottom);
+    }
+}
+
+TEST_F(SettingsTest, ChosenFilesAreRemembered) {
+    MString& remembered = settings.Path(MPathKind::SavePicture);
+    remembered = "/pictures";
+    EXPECT_TRUE(ChooseFile(AnyWindow(), MPathKind::SavePicture).IsEmpty()); // cancelled
+    EXPECT_EQ(Narrow(remembered), "/pictures");
+    Headless::script.files = {"/out.d/a.jpg", "/fonts/x.sm"};
+    EXPECT_EQ(Narrow(ChooseFile(AnyWindow(), MPathKind::SavePicture)), "/out.d/a.png");
+    EXPECT_EQ(Narrow(ChooseFile(AnyWindow(), MPathKind::OpenFont)), "/fonts/x.sm");
+    EXPECT_EQ(Narrow(remembered), "/out.d/a.png");
+    ChooseFile(AnyWindow(), MPathKind::SavePicture);
+    EXPECT_EQ(Narrow(Headless::record.fileDialogs.back().folder), "/out.d");
+    EXPECT_EQ(Narrow(Headless::record.fileDialogs.back().title), "Save Picture");
+    EXPECT_TRUE(Headless::record.fileDialogs.back().save);
+    const std::size_t asked = Headless::record.fileDialogs.size();
+    EXPECT_TRUE(ChooseFile(nullptr, MPathKind::OpenFont).IsEmpty());
+    EXPECT_TRUE(ChooseFile(AnyWindow(), MPathKind::Temporary).IsEmpty());
+    EXPECT_EQ(Headless::record.fileDialogs.size(), asked);
+}
+
+} // namespace

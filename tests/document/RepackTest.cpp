@@ -1,0 +1,154 @@
+#include "DocumentFixture.h"
+
+#include <string>
+#include <tuple>
+#include <vector>
+
+namespace {
+
+using Sizes = std::vector<std::pair<std::int32_t, std::int32_t>>;
+
+// The packing as it is defined, step by step and pixel by pixel, with no other thought.
+struct PlainPacking {
+    std::int32_t width = 128;
+    std::int32_t height = 128;
+    MPicture picture;
+    std::vector<std::pair<std::int32_t, std::int32_t>> places;
+
+    explicit PlainPacking(const MColourFont& font) {
+        while (!Walk(font, false)) {
+            if (width * 2 <= height * 2) {
+                width *= 2;
+            } else {
+                const std::int32_t oldHeight = height;
+                height *= 2;
+                width = oldHeight;
+            }
+        }
+        picture = MPicture(static_cast<std::uint32_t>(width), static_cast<std::uint32_t>(height), FormatRGBA8);
+        picture.Fill(MColour(0, 0, 0, 0));
+        Walk(font, true);
+    }
+    PlainPacking(const PlainPacking&) = delete;
+    ~PlainPacking() { picture.Free(); }
+
+    bool Walk(const MColourFont& font, bool place) {
+        std::int32_t x = 16;
+        std::int32_t y = 16;
+        for (const auto& glyph : font.Glyphs) {
+            if (!glyph || glyph->Width < 1 || glyph->Height < 1) continue;
+            if (!(x + 16 + glyph->Width < width)) {
+                y += 16 + glyph->Height;
+                x = 16;
+            }
+            if (!(y + 16 + glyph->Height < height)) return false;
+            if (place) {
+                places.emplace_back(x, y);
+                for (std::int32_t c = 0; c < glyph->Width; ++c) {
+                    for (std::int32_t r = 0; r < glyph->Height; ++r) {
+                        picture.SetPixel(x + c, y + r, glyph->GetPixel(c, r));
+                    }
+                }
+            }
+            x += 16 + glyph->Width;
+        }
+        return true;
+    }
+};
+
+class RepackTest : public DocumentTest {
+protected:
+    MColourFont font{nullptr};
+
+    void Fill(const Sizes& sizes) {
+        char16_t character = 33;
+        for (const auto& [width, height] : sizes) FillWithNoise(AddGlyph(font, character++, width, height).Picture, character);
+    }
+
+    void ExpectPlainResult() {
+        ASSERT_TRUE(font.Repack());
+        const PlainPacking plain(font);
+        ASSERT_EQ(font.PictureWidth, plain.width);
+        ASSERT_EQ(font.PictureHeight, plain.height);
+        std::size_t placed = 0;
+        for (const auto& glyph : font.Glyphs) {
+            if (!glyph || glyph->Width < 1 || glyph->Height < 1) continue;
+            ASSERT_EQ(std::pair(glyph->X, glyph->Y), plain.places[placed++]);
+        }
+        ASSERT_EQ(std::memcmp(font.Picture.Pixels, plain.picture.Pixels,
+                              std::size_t{plain.picture.Stride} * plain.picture.Height), 0);
+    }
+};
+
+TEST_F(RepackTest, KnownSizes) {
+    const struct {
+        Sizes sizes;
+        std::int32_t width, height, lastX, lastY;
+    } cases[] = {
+        {{{100, 100}}, 128, 256, 16, 132},
+        {{{95, 10}}, 128, 128, 16, 16},
+        {{{96, 10}}, 128, 128, 16, 42}, // its right edge 16 from the border breaks even an empty row
+        {{{300, 10}}, 128, 128, 16, 42},
+        {Sizes(26, {80, 100}), 1024, 512, 784, 132},
+        {{{10, 95}}, 128, 128, 16, 16},
+        {{{10, 96}}, 256, 256, 16, 16},
+    };
+    for (const auto& c : cases) {
+        font.Clear();
+        Fill(c.sizes);
+        ASSERT_TRUE(font.Repack());
+        const MGlyph& last = *font.GetGlyphByIndex(static_cast<std::uint32_t>(c.sizes.size() - 1));
+        EXPECT_EQ(std::tuple(font.PictureWidth, font.PictureHeight, last.X, last.Y),
+                  std::tuple(c.width, c.height, c.lastX, c.lastY));
+    }
+}
+
+TEST_F(RepackTest, AnyListOfSizesAsThePlainWay) {
+    std::mt19937 random(5);
+    for (int round = 0; round < 150; ++round) {
+        font.Clear();
+        Sizes sizes;
+        const auto pick = [&](unsigned most) { return static_cast<std::int32_t>(random() % most); };
+        const bool sameHeight = random() % 2 == 0;
+        const std::int32_t height = 1 + pick(60);
+        // Wide glyphs wrap around, some more than once; some have no area; heights that differ overlap.
+        for (std::int32_t n = pick(30); n > 0; --n) {
+            sizes.emplace_back(pick(8) == 0 ? pick(900) : pick(60), sameHeight ? height : pick(60));
+        }
+        Fill(sizes);
+        ExpectPlainResult();
+    }
+}
+
+TEST_F(RepackTest, AGlyphThatDiffersFromItsPictureGivesWhatGetPixelGives) {
+    Fill({{20, 20}, {30, 30}, {10, 10}});
+    font.GetGlyph(33)->Width = 50; // as after a failed resize
+    font.GetGlyph(34)->Height = 7;
+    font.GetGlyph(35)->Picture.Free();
+    ExpectPlainResult();
+}
+
+TEST_F(RepackTest, AnEmptyFontHasAnEmptyPicture) {
+    AddGlyph(font, u'A', 0, 5).X = 77;
+    ASSERT_TRUE(font.Repack());
+    EXPECT_EQ(font.PictureWidth, 128);
+    EXPECT_EQ(font.PictureHeight, 128);
+    EXPECT_TRUE(std::all_of(font.Picture.Pixels, font.Picture.Pixels + 128 * 128 * 4, [](auto byte) { return byte == 0; }));
+    EXPECT_EQ(font.GetGlyph(u'A')->X, 77); // takes no room and keeps its place
+}
+
+TEST_F(RepackTest, SizesBeyond32BitsAreAFailedAllocation) {
+    Fill({{10, 10}});
+    ASSERT_TRUE(font.Repack());
+    MGlyph& glyph = *font.GetGlyph(33);
+    glyph.Height = 2'000'000'000;
+    EXPECT_FALSE(font.Repack());
+    EXPECT_FALSE(font.Picture.IsValid());
+    EXPECT_EQ(glyph.Y, 16); // the place of the last repack
+    glyph.Height = 10;
+    glyph.Width = 2'000'000'000; // wraps around, two thousand million columns
+    EXPECT_TRUE(font.Repack());
+    EXPECT_EQ(font.PictureWidth, 128);
+}
+
+} // namespace

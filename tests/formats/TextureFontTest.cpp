@@ -1,0 +1,245 @@
+#include "DocumentFixture.h"
+#include "TemporaryFolder.h"
+#include "Text.h"
+#include "formats/MTextFile.h"
+#include "foundation/MMemory.h"
+
+#include <cstring>
+#include <string>
+#include <vector>
+
+namespace {
+
+// Bytes of a text as the font file has them.
+std::string Utf16(std::string_view text) {
+    std::string bytes;
+    for (const char c : text) bytes += {c, '\0'};
+    return bytes;
+}
+
+class TextureFontTest : public DocumentTest {
+protected:
+    TemporaryFolder folder;
+    MColourFont font{AnyWindow()};
+
+    void MakeFont(char16_t first, char16_t last) {
+        font.Clear();
+        for (char16_t c = first; c <= last; ++c) {
+            MGlyph& glyph = AddGlyph(font, c, 1 + c % 23, 20);
+            FillWithNoise(glyph.Picture, c);
+            glyph.SpacingBefore = c % 7 - 3;
+            glyph.SpacingAfter = c % 5 - 2;
+        }
+        settings.GlyphHeight = 20;
+        font.Baseline = 4;
+        font.CapHeight = 13;
+        font.SpaceWidth = 9;
+        ASSERT_TRUE(font.Repack());
+    }
+
+    bool Reload(MColourFont& loaded, const char* name) {
+        settings.GlyphHeight = 0;
+        return loaded.Load(folder.File(name));
+    }
+
+    static void ExpectSameGlyphs(const MColourFont& a, const MColourFont& b) {
+        ASSERT_EQ(a.GlyphCount(), b.GlyphCount());
+        for (std::uint32_t i = 0; i < static_cast<std::uint32_t>(a.GlyphCount()); ++i) {
+            const MGlyph& x = *a.GetGlyphByIndex(i);
+            const MGlyph& y = *b.GetGlyphByIndex(i);
+            ASSERT_EQ(x.Character, y.Character);
+            ASSERT_EQ(std::tuple(x.Width, x.Height, x.SpacingBefore, x.SpacingAfter),
+                      std::tuple(y.Width, y.Height, y.SpacingBefore, y.SpacingAfter));
+            for (std::int32_t row = 0; row < x.Height; ++row) {
+                for (std::int32_t column = 0; column < x.Width; ++column) {
+                    const MColour p = x.GetPixel(column, row);
+                    const MColour q = y.GetPixel(column, row);
+                    // Saving gives invisible pixels the colour of their neighbours.
+                    ASSERT_EQ(p.a, q.a);
+                    if (p.a != 0) ASSERT_EQ(p, q);
+                }
+            }
+        }
+    }
+
+    // A texture font of these records over a picture of 4 x 4 pixels, whose red is x and green y.
+    MString WriteFont(std::string_view records, const char* header = "Showmarquee TextureFont 1.0\r\n") {
+        MPicture picture(4, 4, FormatRGBA8);
+        for (std::int32_t y = 0; y < 4; ++y) {
+            for (std::int32_t x = 0; x < 4; ++x) picture.SetPixel(x, y, {static_cast<std::uint8_t>(x), static_cast<std::uint8_t>(y), 0});
+        }
+        EXPECT_TRUE(picture.Save(folder.File("f.png")));
+        picture.Free();
+        return folder.Write("f.sm", header + std::string(records));
+    }
+};
+
+TEST_F(TextureFontTest, EveryByte) {
+    MakeFont(u'A', u'A');
+    AddGlyph(font, u'"', 3, 20);
+    AddGlyph(font, u'\u20AC', 0, 5);
+    font.GetGlyph(u'\u20AC')->X = font.GetGlyph(u'\u20AC')->Y = 0;
+    ASSERT_TRUE(font.Repack());
+    font.SetKerning('A', 'A', -2);
+    font.SetKerning('A', '"', 0);
+    font.SetKerning('"', 0x20AC, 7);
+    const MString path = folder.File("two words.dat");
+    ASSERT_TRUE(font.Save(path));
+    EXPECT_FALSE(FileExists(path));
+    const std::string picture = Narrow(folder.File("two words.png"));
+    std::string expected = Utf16("Showmarquee TextureFont 1.0\r\n"
+                                 "FSZ\t20\t4\t13\r\n"
+                                 "TEX\t\"" + picture + "\"\t128\t128\r\n"
+                                 "CHA\tA\t16\t16\t20\t20\t-1\t-2\r\n"
+                                 "CHA\t&#34;\t52\t16\t3\t20\t1\t2\r\n"
+                                 "CHA\t@\t0\t0\t0\t5\t1\t2\r\n"
+                                 "SPA\t9\r\n"
+                                 "KER\tA\tA\t-2\r\n"
+                                 "KER\t&#34;\t@\t7\r\n");
+    for (std::size_t at = 0; (at = expected.find(std::string("@\0", 2), at)) != std::string::npos;) expected.replace(at, 2, "\xAC\x20");
+    EXPECT_EQ(folder.Read("two words.sm"), "\xFF\xFE" + expected);
+}
+
+TEST_F(TextureFontTest, EveryCharacterComesBack) {
+    MakeFont(33, 255);
+    font.RemoveGlyph(u'#');
+    for (const char16_t c : {u'\u0100', u'\uD800', u'\uFFFF'}) font.SetKerning('<', c, -5);
+    font.SetKerning('"', '<', -4);
+    FillWithNoise(AddGlyph(font, u'\u20AC', 5, 20).Picture, 5);
+    ASSERT_TRUE(font.Repack());
+    ASSERT_TRUE(font.Save(folder.File("f.sm")));
+    MColourFont loaded(nullptr);
+    ASSERT_TRUE(Reload(loaded, "f.sm"));
+    ExpectSameGlyphs(font, loaded);
+    EXPECT_EQ(settings.GlyphHeight, 20);
+    EXPECT_EQ(std::tuple(loaded.Baseline, loaded.CapHeight, loaded.SpaceWidth), std::tuple(4, 13, 9));
+    font.SortKerningByAmount();
+    EXPECT_TRUE(std::ranges::equal(font.Kerning, loaded.Kerning));
+    ASSERT_TRUE(loaded.Repack());
+    ASSERT_TRUE(loaded.Save(folder.File("again.sm")));
+    const auto withoutName = [](std::string bytes) { return bytes.erase(bytes.find(Utf16("TEX")), bytes.find(Utf16("CHA")) - bytes.find(Utf16("TEX"))); };
+    EXPECT_EQ(withoutName(folder.Read("f.sm")), withoutName(folder.Read("again.sm")));
+    EXPECT_EQ(folder.Read("f.png"), folder.Read("again.png"));
+}
+
+TEST_F(TextureFontTest, SaveIsTrueEvenWhereNothingCanBeWritten) {
+    EXPECT_FALSE(font.Save(folder.File("f.sm"))); // no picture
+    EXPECT_TRUE(std::filesystem::is_empty(folder.path));
+    MakeFont(u'A', u'B');
+    EXPECT_TRUE(font.Save(folder.File("no/f.sm")));
+}
+
+TEST_F(TextureFontTest, ThePictureIsSoughtInThreePlaces) {
+    MakeFont(u'A', u'B');
+    std::filesystem::create_directories(folder.path / "Fonts");
+    std::filesystem::create_directories(folder.path / "Textures");
+    ASSERT_TRUE(font.Save(folder.File("Fonts/f.sm")));
+    const auto load = [&] {
+        MColourFont loaded(AnyWindow());
+        return loaded.Load(folder.File("Fonts/f.sm")) && loaded.GlyphCount() == 2;
+    };
+    EXPECT_TRUE(load());
+    std::filesystem::rename(folder.path / "Fonts/f.png", folder.path / "Textures/F.PNG");
+    EXPECT_TRUE(load());
+    std::filesystem::rename(folder.path / "Textures/F.PNG", folder.path / "other.png");
+    EXPECT_FALSE(load()); // asked, and cancelled
+    Headless::script.files = {folder.File("other.png")};
+    EXPECT_TRUE(load());
+    EXPECT_EQ(Headless::record.fileDialogs.size(), 2U);
+    Headless::script.files = {folder.File("Fonts/f.sm")}; // no picture at all
+    EXPECT_FALSE(load());
+    EXPECT_FALSE(font.Load(folder.File("missing.sm")));
+    EXPECT_FALSE(font.Load(MString()));
+}
+
+TEST_F(TextureFontTest, APictureOfAnotherSizeScalesGlyphsAlone) {
+    const MString path = WriteFont("FSZ\t9\t7\t5\r\nTEX\tx\t8\t2\r\n"
+                                   "CHA\tA\t3\t1\t5\t1\t-3\t3\r\nSPA\t9\r\nKER\tA\tA\t-9\r\n");
+    ASSERT_TRUE(font.Load(path));
+    const MGlyph& glyph = *font.GetGlyph(u'A');
+    EXPECT_EQ(std::tuple(glyph.Width, glyph.Height, glyph.SpacingBefore, glyph.SpacingAfter), std::tuple(2, 2, -1, 1));
+    EXPECT_EQ(glyph.GetPixel(0, 0), MColour(1, 2, 0));
+    EXPECT_EQ(std::tuple(settings.GlyphHeight, font.Baseline, font.CapHeight, font.SpaceWidth), std::tuple(9, 7, 5, 9));
+    EXPECT_EQ(font.FindKerning(u'A', 'A')->Amount, -9);
+}
+
+TEST_F(TextureFontTest, LenientWithRecords) {
+    const MString path = WriteFont("cha\tX\t0\t0\t1\t1\t0\t0\r\n\r\nNEW\tY\r\n"
+                                   "CHA\tA\t-1\t2\t6\t3\t0\t0\r\n" // wraps around on every side
+                                   "CHA\tB\r\n"
+                                   "CHA\tC\t0\t0\t2\t2\t0\t0\r\n"
+                                   "CHA\tC\t3\t3\t1\t1\t4\t5\r\n"
+                                   "CHA\t\"\"\t0\t0\t1\t1\t0\t0\r\n"
+                                   "KER\t\"\"\tA\t3\r\nKER\t\" \"\tA\t3\r\nKER\tA\r\nKER\tA\tC\t1\r\nKER\tA\tC\t-1\r\n",
+                                   "Showmarquee \t TextureFont\n");
+    ASSERT_TRUE(font.Load(path));
+    EXPECT_EQ(font.GlyphCount(), 4);
+    for (std::int32_t y = 0; y < 3; ++y) {
+        for (std::int32_t x = 0; x < 6; ++x) {
+            EXPECT_EQ(font.GetGlyph(u'A')->GetPixel(x, y), MColour(static_cast<std::uint8_t>((x + 3) % 4), static_cast<std::uint8_t>((y + 2) % 4), 0));
+        }
+    }
+    EXPECT_FALSE(font.GetGlyph(u'B')->Picture.IsValid());
+    EXPECT_EQ(font.GetGlyph(u'C')->SpacingAfter, 5);
+    EXPECT_NE(font.GetGlyph(u'?'), nullptr); // what an empty character reads as
+    const std::vector<MKerningPair> pairs{{'A', 'C', -1}, {'A', '?', 0}, {'?', 'A', 3}};
+    EXPECT_TRUE(std::ranges::equal(font.Kerning, pairs));
+}
+
+TEST_F(TextureFontTest, HeadersThatAreWrong) {
+    for (const char* header : {"", "Showmarquee\r\n", "showmarquee TextureFont\r\n", "Showmarquee Texturefont 1.0\r\n", "\r\nShowmarquee TextureFont 1.0\r\n"}) {
+        EXPECT_FALSE(font.Load(WriteFont("CHA\tA\t0\t0\t1\t1\t0\t0\r\n", header))) << header;
+    }
+    EXPECT_TRUE(font.Load(WriteFont("")));
+    EXPECT_EQ(font.GlyphCount(), 0);
+}
+
+TEST_F(TextureFontTest, HostileNumbers) {
+    SetMemoryLimit(1 << 20);
+    const MString path = WriteFont("TEX\tx\t0\t0\r\nCHA\tA\t1\t1\t1\t1\t1\t1\r\n" // infinite factors
+                                   "TEX\tx\t4\t4\r\n"
+                                   "CHA\tB\t-2147483648\t2147483647\t3\t3\t-2147483648\t2147483647\r\n"
+                                   "CHA\tC\t0\t0\t2147483647\t2147483647\t0\t0\r\n"
+                                   "CHA\tD\t0\t0\t-5\t9\t0\t0\r\n"
+                                   "CHA\tE\t0\t0\t1000\t100\t0\t0\r\n"   // 400 kB of the half megabyte for all
+                                   "CHA\tF\t0\t0\t1000\t100\t0\t0\r\n"); // no longer affordable
+    ASSERT_TRUE(font.Load(path));
+    EXPECT_FALSE(font.GetGlyph(u'A')->Picture.IsValid());
+    EXPECT_EQ(font.GetGlyph(u'B')->GetPixel(0, 0), MColour(0, 3, 0));
+    EXPECT_FALSE(font.GetGlyph(u'C')->Picture.IsValid());
+    EXPECT_EQ(font.GetGlyph(u'C')->Width, 2147483647);
+    EXPECT_TRUE(font.GetGlyph(u'E')->Picture.IsValid());
+    EXPECT_FALSE(font.GetGlyph(u'F')->Picture.IsValid());
+    EXPECT_FALSE(font.Repack());
+    SetMemoryLimit(0);
+}
+
+TEST_F(TextureFontTest, MoreCharactersThanSlots) {
+    std::string records;
+    for (int code = 0; code < 300; ++code) {
+        const auto unit = static_cast<char16_t>(0x100 + code);
+        records += "CHA\t" + EncodeUtf8({&unit, 1}, MLoneSurrogates::Replace) + "\t0\t0\t1\t1\t0\t0\r\n";
+    }
+    ASSERT_TRUE(font.Load(WriteFont(records, "\xEF\xBB\xBFShowmarquee TextureFont 1.0\r\n")));
+    EXPECT_EQ(font.GlyphCount(), 223);
+    EXPECT_EQ(font.GetGlyph(u'\u01DF'), nullptr);
+}
+
+TEST_F(TextureFontTest, SingleFiles) {
+    EXPECT_FALSE(font.ExportSingleFiles(folder.File("any.png")));
+    MakeFont(u'A', u'B');
+    AddGlyph(font, u'\u20AC', 2, 2);
+    AddGlyph(font, u'z', 0, 2);
+    EXPECT_FALSE(font.ExportSingleFiles(MString()));
+    EXPECT_TRUE(font.ExportSingleFiles(folder.File("any.png")));
+    MPicture picture(folder.File("C65.png"));
+    EXPECT_EQ(picture.Width, 20U);
+    EXPECT_EQ(picture.Format, FormatRGBA8);
+    picture.Free();
+    EXPECT_TRUE(FileExists(folder.File("C8364.png")));
+    EXPECT_FALSE(FileExists(folder.File("C122.png")));
+    EXPECT_FALSE(FileExists(folder.File("any.png")));
+    EXPECT_FALSE(font.ExportSingleFiles(folder.File("no/any.png")));
+}
+
+} // namespace
