@@ -1,23 +1,25 @@
 // Colour values and the nine pixel formats.
 #pragma once
 
-#include <cstdint>
+#include "foundation/MNumbers.h"
 
 #include <Imath/half.h>
+
+#include <cstdint>
 
 // 0 is no format at all. The numbers are stored nowhere but are the ones the program speaks of.
 using MPixelFormat = std::int32_t;
 
 inline constexpr MPixelFormat FormatNone = 0;
-inline constexpr MPixelFormat FormatR8 = 1;        // one byte
-inline constexpr MPixelFormat FormatR16 = 2;       // one 16-bit value
-inline constexpr MPixelFormat FormatRHalf = 3;     // one binary16 value
-inline constexpr MPixelFormat FormatRGB8 = 4;      // blue, green, red
-inline constexpr MPixelFormat FormatRGB16 = 5;     // red, green, blue, 16 bits each
-inline constexpr MPixelFormat FormatRGBHalf = 6;   // red, green, blue, binary16 each
-inline constexpr MPixelFormat FormatRGBA8 = 7;     // blue, green, red, alpha: the working format of all glyphs
-inline constexpr MPixelFormat FormatRGBA16 = 8;    // red, green, blue, alpha, 16 bits each
-inline constexpr MPixelFormat FormatRGBAHalf = 9;  // red, green, blue, alpha, binary16 each
+inline constexpr MPixelFormat FormatR8 = 1;       // one byte
+inline constexpr MPixelFormat FormatR16 = 2;      // one 16-bit value
+inline constexpr MPixelFormat FormatRHalf = 3;    // one binary16 value
+inline constexpr MPixelFormat FormatRGB8 = 4;     // blue, green, red
+inline constexpr MPixelFormat FormatRGB16 = 5;    // red, green, blue, 16 bits each
+inline constexpr MPixelFormat FormatRGBHalf = 6;  // red, green, blue, binary16 each
+inline constexpr MPixelFormat FormatRGBA8 = 7;    // blue, green, red, alpha: the working format of all glyphs
+inline constexpr MPixelFormat FormatRGBA16 = 8;   // red, green, blue, alpha, 16 bits each
+inline constexpr MPixelFormat FormatRGBAHalf = 9; // red, green, blue, alpha, binary16 each
 
 // "LDR 32 bpp RGBA int" and the like; "Unknown format" for any number outside 1 to 9.
 const char* FormatName(MPixelFormat format);
@@ -39,7 +41,7 @@ struct MColour {
         : b(blue), g(green), r(red), a(alpha) {}
     friend constexpr bool operator==(const MColour&, const MColour&) = default;
 
-    // Each channel second * t + first * (1 - t) in floats, truncated; equal channels stay.
+    // Each channel second * t + first * (1 - t) in floats, truncated; equal channels stay. `t` from 0 to 1.
     static MColour Lerp(MColour first, MColour second, float t);
 };
 static_assert(sizeof(MColour) == 4);
@@ -59,6 +61,10 @@ struct MColourHalf {
     Imath::half g = 0.0F;
     Imath::half b = 0.0F;
     Imath::half a = 255.0F;
+
+    MColourHalf() = default;
+    MColourHalf(float red, float green, float blue, float alpha) : r(red), g(green), b(blue), a(alpha) {}
+    friend bool operator==(const MColourHalf&, const MColourHalf&) = default;
 };
 
 // One value in the channel class of `format`; only the member of that class is live.
@@ -76,13 +82,27 @@ struct MPixel {
     MPixel(const std::uint8_t* memory, MPixelFormat valueFormat);
 
     // Fills the member of the new format's class from the live one. Within a class, and from format 0, only
-    // `format` changes.
+    // `format` changes. Integers become floats on the scale of bytes, unscaled: 255 is 255.0. Floats become
+    // integers through ToByte and ToWord, so 1.0 is 255 and 65535.
     void SetFormat(MPixelFormat newFormat);
 };
 
 // value * 255 (65535), truncated toward zero and clamped; 0 for what is not a number.
-std::uint8_t ToByte(Imath::half value);
-std::uint16_t ToWord(Imath::half value);
+inline std::uint8_t ToByte(Imath::half value) {
+    const float scaled = static_cast<float>(value) * 255.0F;
+    return static_cast<std::uint8_t>(scaled > 0.0F ? ToInteger(std::min(scaled, 255.0F)) : 0);
+}
 
-// (1 - t) * first + t * second, truncated; equal numbers stay.
+inline std::uint16_t ToWord(Imath::half value) {
+    const float scaled = static_cast<float>(value) * 65535.0F;
+    return static_cast<std::uint16_t>(scaled > 0.0F ? ToInteger(std::min(scaled, 65535.0F)) : 0);
+}
+
+// (1 - t) * first + t * second, truncated; equal numbers stay. What falls below 0 or above the largest number
+// gives that bound.
 std::uint32_t Lerp(std::uint32_t first, std::uint32_t second, float t);
+
+// A tint of the colour of buttons and dialogs that stands out on light and dark themes alike: red, green and
+// blue move away from the middle by 1 - factor, up to 128 toward 255 and above toward 0. Opaque. 1.0 changes
+// nothing.
+MColour BackgroundTint(MColour buttonFace, float factor);

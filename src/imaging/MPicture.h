@@ -18,7 +18,7 @@ public:
     std::uint32_t Width = 0;  // pixels
     std::uint32_t Height = 0; // rows
     MPixelFormat Format = FormatNone;
-    std::uint32_t Stride = 0;       // bytes per row: Width * BytesPerPixel(Format), unless it views a foreign buffer
+    std::uint32_t Stride = 0; // bytes per row: Width * BytesPerPixel(Format), unless it views a foreign buffer
     std::uint8_t* Pixels = nullptr; // rows one after another
     bool TopDown = true;            // the first row in memory is the top row
     std::int32_t FrameCount = 1;    // frames in the file the picture came from
@@ -34,15 +34,16 @@ public:
     // Allocates but does not clear the pixels. `Pixels` is null when memory is exhausted or the size overflows.
     MPicture(std::uint32_t width, std::uint32_t height, MPixelFormat format);
     // Loads a file in its own depth. `frame` counts from 0; a frame that is not there fails the load. A
-    // `maxWidth` and `maxHeight` both above 0 ask for a load scaled to fit that box. After a failure the picture
-    // is invalid, with Width, Height and Format 0.
+    // `maxWidth` and `maxHeight` both above 0 ask for a load scaled to fit that box. After a failure the
+    // picture is invalid, with Width, Height and Format 0.
     explicit MPicture(const MString& path, std::int32_t frame = 0, std::int32_t maxWidth = -1,
                       std::int32_t maxHeight = -1);
     // A new picture from an old one, in the asked size and format. `smooth` scales with a box filter; otherwise
-    // the source stays at the top left, cropped or padded with transparency. `keepAspect` fits the size into the
-    // asked box. An unchanged size is a CopyPixels, with its limits. Invalid if `source` is, or without memory.
-    MPicture(const MPicture& source, std::uint32_t width, std::uint32_t height, MPixelFormat format, bool smooth,
-             bool keepAspect);
+    // the source stays at the top left, cropped or padded with transparency. `keepAspect` fits the size into
+    // the asked box. An unchanged size is a CopyPixels, with its limits. Invalid if `source` is, or without
+    // memory.
+    MPicture(const MPicture& source, std::uint32_t width, std::uint32_t height, MPixelFormat format,
+             bool smooth, bool keepAspect);
 
     bool IsValid() const;
     // Frees the block and nulls `Pixels`; the other fields stay.
@@ -59,10 +60,11 @@ public:
     // Brings `pixel` into the picture's format, then stores it everywhere.
     void Fill(MPixel& pixel);
     void Fill(const MColour& colour);
-    // Copies between two pictures of one size. False only if one is invalid or the sizes differ; pairs of formats
-    // that are not convertible leave this picture as it was, and are true.
+    // Copies between two pictures of one size. False only if one is invalid or the sizes differ; pairs of
+    // formats that are not convertible leave this picture as it was, and are true.
     bool CopyPixels(const MPicture& source);
-    // The empty rows and columns on each side, where no alpha is above 0. All 0 for a picture that is all empty.
+    // The empty rows and columns on each side, where no alpha is above 0. All 0 for a picture that is all
+    // empty.
     void GetMargins(std::uint32_t& top, std::uint32_t& right, std::uint32_t& bottom, std::uint32_t& left) const;
 
     // Swaps the rows and inverts `TopDown`. False for an invalid picture and without memory for one row.
@@ -76,8 +78,8 @@ public:
     void BleedColours();
 
     // Writes the picture in the form that the extension names. `format` 0 means the picture's own; it is the
-    // format written, as near as the form can hold it. An alpha format bleeds the picture's colours first, which
-    // changes the picture itself. True only if the whole file was written; `report` then tells path, size,
-    // resolution and format in four lines, and is empty otherwise.
+    // format written, as near as the form can hold it. An alpha format bleeds the picture's colours first,
+    // which changes the picture itself. True only if the whole file was written; `report` then tells path,
+    // size, resolution and format in four lines, and is empty otherwise.
     bool Save(const MString& path, MPixelFormat format = FormatNone, MString* report = nullptr);
 };

@@ -1,0 +1,95 @@
+#include "imaging/MColour.h"
+
+#include "imaging/MPixelLayout.h"
+
+#include <array>
+#include <limits>
+
+const char* FormatName(MPixelFormat format) {
+    static constexpr std::array names = {
+        "LDR 8 bpp R int",     "HDR 16 bpp R int",    "HDR 16 bpp R float",
+        "LDR 24 bpp RGB int",  "HDR 48 bpp RGB int",  "HDR 48 bpp RGB float",
+        "LDR 32 bpp RGBA int", "HDR 64 bpp RGBA int", "HDR 64 bpp RGBA float",
+    };
+    const bool known = format >= FormatR8 && format <= FormatRGBAHalf;
+    return known ? names[static_cast<std::size_t>(format - FormatR8)] : "Unknown format";
+}
+
+std::uint32_t BytesPerPixel(MPixelFormat format) {
+    return pixels::WithFormat(format, std::uint32_t{0}, [](auto constant) {
+        return static_cast<std::uint32_t>(pixels::bytesPerPixel<constant()>);
+    });
+}
+
+int ChannelClass(MPixelFormat format) {
+    return pixels::WithFormat(format, 0, [](auto constant) { return pixels::channelClass<constant()>; });
+}
+
+bool HasAlpha(MPixelFormat format) {
+    return format >= FormatRGBA8 && format <= FormatRGBAHalf;
+}
+
+MPixel::MPixel(const std::uint8_t* memory, MPixelFormat valueFormat) : format(valueFormat) {
+    if (!memory) return;
+    pixels::WithFormat(format, [&](auto constant) {
+        constexpr MPixelFormat own = constant();
+        const auto value = pixels::Load<pixels::ColourOf<own>, own>(memory);
+        if constexpr (pixels::channelClass<own> == 1) colour = value;
+        if constexpr (pixels::channelClass<own> == 2) colour16 = value;
+        if constexpr (pixels::channelClass<own> == 3) colourHalf = value;
+    });
+}
+
+namespace {
+
+template<typename Target, typename Source>
+void ConvertColour(const Source& source, Target& target) {
+    using Value = decltype(Target::r);
+    target.r = pixels::ConvertChannel(source.r, Value{});
+    target.g = pixels::ConvertChannel(source.g, Value{});
+    target.b = pixels::ConvertChannel(source.b, Value{});
+    target.a = pixels::ConvertChannel(source.a, Value{});
+}
+
+} // namespace
+
+void MPixel::SetFormat(MPixelFormat newFormat) {
+    const int from = ChannelClass(format);
+    const int to = ChannelClass(newFormat);
+    format = newFormat;
+    if (from == 1 && to == 2) ConvertColour(colour, colour16);
+    if (from == 1 && to == 3) ConvertColour(colour, colourHalf);
+    if (from == 2 && to == 1) ConvertColour(colour16, colour);
+    if (from == 2 && to == 3) ConvertColour(colour16, colourHalf);
+    if (from == 3 && to == 1) ConvertColour(colourHalf, colour);
+    if (from == 3 && to == 2) ConvertColour(colourHalf, colour16);
+}
+
+MColour MColour::Lerp(MColour first, MColour second, float t) {
+    const auto channel = [t](std::uint8_t from, std::uint8_t to) {
+        if (from == to) return from;
+        const float value = static_cast<float>(to) * t + static_cast<float>(from) * (1.0F - t);
+        return static_cast<std::uint8_t>(std::clamp(ToInteger(value), 0, 255));
+    };
+    return {channel(first.r, second.r), channel(first.g, second.g), channel(first.b, second.b),
+            channel(first.a, second.a)};
+}
+
+std::uint32_t Lerp(std::uint32_t first, std::uint32_t second, float t) {
+    if (first == second) return first;
+    const float value = (1.0F - t) * static_cast<float>(first) + t * static_cast<float>(second);
+    constexpr float middle = 2147483648.0F;
+    if (!(value > 0.0F)) return 0;
+    if (value < middle) return static_cast<std::uint32_t>(ToInteger(value));
+    if (value >= 2.0F * middle) return std::numeric_limits<std::uint32_t>::max();
+    return static_cast<std::uint32_t>(ToInteger(value - middle)) + 0x80000000U;
+}
+
+MColour BackgroundTint(MColour buttonFace, float factor) {
+    const auto tint = [factor](std::uint8_t channel) {
+        if (factor == 1.0F) return channel;
+        const std::uint32_t away = channel <= 128 ? 255 : 0;
+        return static_cast<std::uint8_t>(std::min(Lerp(channel, away, 1.0F - factor), 255U));
+    };
+    return {tint(buttonFace.r), tint(buttonFace.g), tint(buttonFace.b)};
+}

@@ -1,0 +1,118 @@
+// Pictures to and from files. The forms themselves are in codecs/.
+#include "foundation/MFile.h"
+#include "foundation/MFolders.h"
+#include "imaging/MPicture.h"
+#include "imaging/codecs/MCodec.h"
+
+#include <memory>
+
+namespace {
+
+struct FileBytes {
+    std::unique_ptr<std::uint8_t[]> block;
+    std::size_t size = 0;
+
+    std::span<const std::uint8_t> All() const { return {block.get(), size}; }
+};
+
+bool ReadAll(MFile& file, FileBytes& bytes) {
+    const std::int64_t size = file.GetSize();
+    if (size <= 0) return false;
+    bytes.size = static_cast<std::size_t>(size);
+    bytes.block.reset(MGetMemory(bytes.size));
+    if (!bytes.block || !file.Seek(0)) return false;
+    constexpr std::size_t piece = std::size_t{1} << 30;
+    for (std::size_t done = 0; done < bytes.size;) {
+        const auto count = static_cast<std::uint32_t>(std::min(piece, bytes.size - done));
+        if (!file.Read(bytes.block.get() + done, count)) return false;
+        done += count;
+    }
+    return true;
+}
+
+// Only forms that can't be told by their content go by the extension: a mislabelled PNG is still a PNG.
+const MCodec* CodecForFile(MFile& file, const MString& extension) {
+    const MCodec* const named = CodecForExtension(extension);
+    if (named && !named->sniff) return named;
+    std::uint8_t start[SniffLength];
+    const std::uint32_t count = file.ReadSome(start, sizeof start);
+    return CodecForContent({start, count});
+}
+
+bool Load(const MString& path, std::int32_t frame, MPicture& picture) {
+    MFile file(path, false, false);
+    if (!file.ok) return false;
+    const MCodec* const codec = CodecForFile(file, path.GetExtension());
+    FileBytes bytes;
+    return codec && ReadAll(file, bytes) && codec->decode(bytes.All(), frame, picture) && picture.IsValid();
+}
+
+// The size of a picture fitted into the box, as floats and truncated; a small picture grows.
+bool ScaleToFit(MPicture& picture, std::int32_t maxWidth, std::int32_t maxHeight) {
+    const auto width = static_cast<float>(picture.Width);
+    const auto height = static_cast<float>(picture.Height);
+    const float scale = std::min(static_cast<float>(maxWidth) / width, static_cast<float>(maxHeight) / height);
+    const auto scaled = [scale](float size) {
+        return static_cast<std::uint32_t>(std::max(ToInteger(size * scale), 0));
+    };
+    MPicture fitted(picture, scaled(width), scaled(height), picture.Format, true, false);
+    fitted.FrameCount = picture.FrameCount;
+    fitted.FrameDelay = picture.FrameDelay;
+    fitted.FrameDisposal = picture.FrameDisposal;
+    fitted.FrameLeft = picture.FrameLeft;
+    fitted.FrameTop = picture.FrameTop;
+    fitted.FrameWidth = picture.FrameWidth;
+    fitted.FrameHeight = picture.FrameHeight;
+    picture.Free();
+    picture = fitted;
+    return picture.IsValid();
+}
+
+bool EncodeAs(const MPicture& picture, MPixelFormat format, const MCodec& codec, MByteSink& sink) {
+    if (format == picture.Format && picture.TopDown) return codec.encode(picture, sink);
+    // The pixels go through CopyPixels, with its limits: a pair that it doesn't convert leaves an empty
+    // picture.
+    MPicture converted(picture.Width, picture.Height, format);
+    if (!converted.IsValid()) return false;
+    std::fill_n(converted.Pixels, std::size_t{converted.Stride} * converted.Height, std::uint8_t{0});
+    const bool written = converted.CopyPixels(picture) && codec.encode(converted, sink);
+    converted.Free();
+    return written;
+}
+
+MString ReportText(const MPicture& picture, const MString& path, MPixelFormat format) {
+    MString text = "Path\t\t" + path + "\n";
+    text += "Size\t\t" + SizeText(GetFileSize(path)) + "\n";
+    text += "Resolution\t" + MString(static_cast<std::int32_t>(picture.Width)) + " x " +
+            MString(static_cast<std::int32_t>(picture.Height)) + "\n";
+    text += "Format\t\t" + MString(FormatName(format)) + "\n";
+    return text;
+}
+
+} // namespace
+
+MPicture::MPicture(const MString& path, std::int32_t frame, std::int32_t maxWidth, std::int32_t maxHeight)
+    : MPicture() {
+    const bool loaded =
+        Load(path, frame, *this) && (maxWidth < 1 || maxHeight < 1 || ScaleToFit(*this, maxWidth, maxHeight));
+    if (loaded) return;
+    Free();
+    *this = MPicture();
+}
+
+bool MPicture::Save(const MString& path, MPixelFormat format, MString* report) {
+    if (report) *report = MString();
+    if (path.IsEmpty()) return false;
+    if (format == FormatNone) format = Format;
+    if (HasAlpha(format)) BleedColours();
+    if (BytesPerPixel(format) == 0) format = FormatR8;
+    const MCodec* const codec = CodecForExtension(path.GetExtension());
+    MByteSink sink;
+    if (!IsValid() || !codec || !codec->encode || !EncodeAs(*this, format, *codec, sink)) return false;
+    {
+        MFile file(path, true, false);
+        if (!file.ok || !file.Write(sink.Bytes().data(), sink.Bytes().size())) return false;
+    }
+    if (report) *report = ReportText(*this, path, format);
+    return true;
+}

@@ -1,0 +1,118 @@
+#include "imaging/MColour.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+
+TEST(Colour, FormatTable) {
+    struct Row {
+        MPixelFormat format;
+        const char* name;
+        std::uint32_t bytes;
+        int channelClass;
+        bool alpha;
+    };
+    constexpr Row rows[] = {
+        {1, "LDR 8 bpp R int", 1, 1, false},      {2, "HDR 16 bpp R int", 2, 2, false},
+        {3, "HDR 16 bpp R float", 2, 3, false},   {4, "LDR 24 bpp RGB int", 3, 1, false},
+        {5, "HDR 48 bpp RGB int", 6, 2, false},   {6, "HDR 48 bpp RGB float", 6, 3, false},
+        {7, "LDR 32 bpp RGBA int", 4, 1, true},   {8, "HDR 64 bpp RGBA int", 8, 2, true},
+        {9, "HDR 64 bpp RGBA float", 8, 3, true}, {0, "Unknown format", 0, 0, false},
+        {10, "Unknown format", 0, 0, false},      {-1, "Unknown format", 0, 0, false},
+    };
+    for (const Row& row : rows) {
+        EXPECT_STREQ(FormatName(row.format), row.name);
+        EXPECT_EQ(BytesPerPixel(row.format), row.bytes) << row.format;
+        EXPECT_EQ(ChannelClass(row.format), row.channelClass) << row.format;
+        EXPECT_EQ(HasAlpha(row.format), row.alpha) << row.format;
+    }
+}
+
+TEST(Colour, ByteAndWordOfEveryHalf) {
+    for (std::uint32_t bits = 0; bits <= 0xFFFF; ++bits) {
+        const Imath::half value(Imath::half::FromBits, static_cast<std::uint16_t>(bits));
+        const auto scaled = [&](double top) {
+            const double exact = static_cast<double>(static_cast<float>(value)) * top;
+            return std::isnan(exact) ? 0.0 : std::floor(std::min(std::max(exact, 0.0), top));
+        };
+        // An 11-bit fraction times 255 is exact in a float; times 65535 it may round up to the next number.
+        ASSERT_EQ(ToByte(value), scaled(255)) << bits;
+        const double word = ToWord(value);
+        ASSERT_TRUE(word == scaled(65535) || word == static_cast<double>(static_cast<float>(value) * 65535.0F))
+            << bits;
+    }
+    EXPECT_EQ(ToByte(1.0F), 255);
+    EXPECT_EQ(ToByte(0.5F), 127);
+    EXPECT_EQ(ToWord(65504.0F), 65535);
+    EXPECT_EQ(ToWord(std::numeric_limits<float>::infinity()), 65535);
+}
+
+TEST(Pixel, ChangesClassChannelByChannel) {
+    const MColour bytes(255, 16, 1, 128);
+    const MColour16 words{0xFFFF, 0x10FF, 0x0100, 0x8000};
+    const MColourHalf halves(1.0F, 0.5F, 300.0F, -2.0F);
+
+    MPixel pixel(bytes, FormatRGBA8);
+    pixel.SetFormat(FormatRGBA16);
+    EXPECT_EQ(pixel.colour16, (MColour16{0xFF00, 0x1000, 0x0100, 0x8000}));
+
+    pixel = MPixel(bytes, FormatRGBA8);
+    pixel.SetFormat(FormatRHalf);
+    EXPECT_EQ(pixel.colourHalf, MColourHalf(255, 16, 1, 128));
+
+    pixel = MPixel(words, FormatRGB16);
+    pixel.SetFormat(FormatRGB8);
+    EXPECT_EQ(pixel.colour, MColour(255, 16, 1, 128));
+
+    pixel = MPixel(words, FormatRGB16);
+    pixel.SetFormat(FormatRGBHalf);
+    EXPECT_EQ(pixel.colourHalf, MColourHalf(256, 17, 1, 128)); // 65535 / 256 and 4351 / 256 round up in 11 bits
+
+    pixel = MPixel(halves, FormatRGBAHalf);
+    pixel.SetFormat(FormatRGBA8);
+    EXPECT_EQ(pixel.colour, MColour(255, 127, 255, 0));
+
+    pixel = MPixel(halves, FormatRGBAHalf);
+    pixel.SetFormat(FormatR16);
+    EXPECT_EQ(pixel.colour16, (MColour16{65535, 32767, 65535, 0}));
+}
+
+TEST(Pixel, KeepsItsValueWithinAClassAndFromNoFormat) {
+    MPixel pixel(MColour(1, 2, 3, 4), FormatRGBA8);
+    pixel.SetFormat(FormatR8);
+    EXPECT_EQ(pixel.format, FormatR8);
+    EXPECT_EQ(pixel.colour, MColour(1, 2, 3, 4));
+
+    MPixel none;
+    none.SetFormat(FormatRGBA16);
+    EXPECT_EQ(none.format, FormatRGBA16);
+    EXPECT_EQ(none.colour16, MColour16());
+}
+
+TEST(Colour, Defaults) {
+    EXPECT_EQ(MColour(), MColour(0, 0, 0, 255));
+    EXPECT_EQ(MColour16(), (MColour16{0, 0, 0, 65535}));
+    EXPECT_EQ(MColourHalf(), MColourHalf(0, 0, 0, 255));
+}
+
+TEST(Colour, Lerp) {
+    const MColour first(10, 200, 77, 0);
+    const MColour second(20, 100, 77, 255);
+    EXPECT_EQ(MColour::Lerp(first, second, 0.0F), first);
+    EXPECT_EQ(MColour::Lerp(first, second, 1.0F), second);
+    EXPECT_EQ(MColour::Lerp(first, second, 0.5F), MColour(15, 150, 77, 127));
+
+    EXPECT_EQ(Lerp(7, 7, 0.3F), 7U);
+    EXPECT_EQ(Lerp(0, 255, 0.5F), 127U);
+    EXPECT_EQ(Lerp(4'000'000'000U, 3'000'000'000U, 0.5F), 3'500'000'000U);
+    EXPECT_EQ(Lerp(0, 100, -1.0F), 0U);
+    EXPECT_EQ(Lerp(0, 4'294'967'295U, 2.0F), 4'294'967'295U);
+}
+
+TEST(Colour, BackgroundTintStandsOutOnBothSides) {
+    EXPECT_EQ(BackgroundTint(MColour(240, 12, 128, 9), 1.0F), MColour(240, 12, 128, 255));
+    EXPECT_EQ(BackgroundTint(MColour(240, 240, 240), 0.8F), MColour(192, 192, 192));
+    EXPECT_EQ(BackgroundTint(MColour(0, 128, 129), 0.5F), MColour(127, 191, 64));
+    EXPECT_EQ(BackgroundTint(MColour(240, 10, 0), 1.5F), MColour(255, 0, 0)); // clamped, never wrapped
+}

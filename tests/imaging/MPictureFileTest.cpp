@@ -1,0 +1,170 @@
+// Loading and saving by path, whatever the form.
+#include "foundation/MMemory.h"
+#include "imaging/Pictures.h"
+#include "imaging/TemporaryFolder.h"
+#include "imaging/codecs/MCodec.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+constexpr std::pair<std::uint32_t, std::uint32_t> awkwardSizes[] = {{1, 1}, {7, 1}, {1, 9}, {301, 301}};
+
+} // namespace
+
+TEST(PictureFile, PngKeepsEveryIntegerFormat) {
+    const TemporaryFolder folder;
+    for (const MPixelFormat format : {1, 2, 4, 5, 7, 8}) {
+        for (const auto& [width, height] : awkwardSizes) {
+            OwnedPicture picture = RandomPicture(width, height, format, 13);
+            ASSERT_TRUE(picture.Save(folder.Path("picture.png")));
+            const OwnedPicture loaded(MPicture(folder.Path("picture.png")));
+            EXPECT_TRUE(SamePicture(loaded, picture)) << format << ", " << width << " x " << height;
+        }
+    }
+}
+
+TEST(PictureFile, PngHoldsFloatsAsSixteenBits) {
+    const TemporaryFolder folder;
+    for (const MPixelFormat format : {3, 6, 9}) {
+        OwnedPicture picture = RandomPicture(7, 5, format, 14);
+        ASSERT_TRUE(picture.Save(folder.Path("picture.png")));
+        const OwnedPicture loaded(MPicture(folder.Path("picture.png")));
+        ASSERT_EQ(loaded.Format, format - 1);
+        for (std::int32_t i = 0; i < 35; ++i) {
+            MColour16 expected = picture.GetPixel16(i % 7, i / 7);
+            if (format == 3) expected.a = 65535;
+            EXPECT_EQ(loaded.GetPixel16(i % 7, i / 7), expected);
+        }
+    }
+}
+
+TEST(PictureFile, SavingInAnotherFormatGoesByCopyPixels) {
+    const TemporaryFolder folder;
+    OwnedPicture picture = RandomPicture(5, 4, FormatRGBA8, 15, 1.0);
+    ASSERT_TRUE(picture.Save(folder.Path("a.png"), FormatRGB8));
+    const OwnedPicture opaque(MPicture(folder.Path("a.png")));
+    EXPECT_EQ(opaque.Format, FormatRGB8);
+    EXPECT_EQ(opaque.GetPixel(4, 3).g, picture.GetPixel(4, 3).g);
+
+    ASSERT_TRUE(picture.Save(folder.Path("b.png"), FormatR16));
+    const OwnedPicture grey(MPicture(folder.Path("b.png")));
+    EXPECT_TRUE(SamePicture(grey, BlankPicture(5, 4, FormatR16))) << "a pair that doesn't convert";
+
+    OwnedPicture turned = DeepCopy(picture);
+    turned.FlipVertically();
+    ASSERT_TRUE(turned.Save(folder.Path("c.png")));
+    EXPECT_TRUE(SamePicture(OwnedPicture(MPicture(folder.Path("c.png"))), picture));
+}
+
+TEST(PictureFile, SavingBleedsThePictureItself) {
+    const TemporaryFolder folder;
+    OwnedPicture picture = RandomPicture(40, 40, FormatRGBA8, 16, 0.1);
+    OwnedPicture bled = DeepCopy(picture);
+    bled.BleedColours();
+    ASSERT_TRUE(picture.Save(folder.Path("first.png")));
+    EXPECT_TRUE(SamePicture(picture, bled));
+    ASSERT_TRUE(picture.Save(folder.Path("second.png")));
+    EXPECT_EQ(folder.Read("first.png"), folder.Read("second.png"));
+}
+
+TEST(PictureFile, ReportTellsWhatWasWritten) {
+    const TemporaryFolder folder;
+    const MString path = folder.Path("report.png");
+    OwnedPicture picture = BlankPicture(30, 20, FormatRGB8);
+    MString report("before");
+    ASSERT_TRUE(picture.Save(path, FormatNone, &report));
+    const MString size = SizeText(GetFileSize(path));
+    EXPECT_TRUE(report.Equals("Path\t\t" + path + "\nSize\t\t" + size +
+                              "\nResolution\t30 x 20\nFormat\t\tLDR 24 bpp RGB int\n"));
+    EXPECT_FALSE(picture.Save(folder.Path("report.webp"), FormatNone, &report));
+    EXPECT_TRUE(report.IsEmpty());
+}
+
+TEST(PictureFile, WhatCanNotBeWrittenMakesNoFile) {
+    const TemporaryFolder folder;
+    OwnedPicture picture = BlankPicture(3, 3, FormatRGBA8);
+    EXPECT_FALSE(picture.Save(MString()));
+    EXPECT_FALSE(picture.Save(folder.Path("nowhere/a.png")));
+    for (const char* name : {"a.webp", "a.tga", "a", "a.pn"}) {
+        EXPECT_FALSE(picture.Save(folder.Path(name))) << name;
+        EXPECT_FALSE(FileExists(folder.Path(name))) << name;
+    }
+    EXPECT_FALSE(MPicture().Save(folder.Path("invalid.png")));
+    EXPECT_FALSE(FileExists(folder.Path("invalid.png")));
+    SetMemoryLimit(30000);
+    EXPECT_FALSE(picture.Save(folder.Path("memory.png")));
+    SetMemoryLimit(0);
+    EXPECT_FALSE(FileExists(folder.Path("memory.png")));
+}
+
+TEST(PictureFile, ContentDecidesNotTheName) {
+    const TemporaryFolder folder;
+    OwnedPicture picture = RandomPicture(4, 4, FormatRGBA8, 17);
+    ASSERT_TRUE(picture.Save(folder.Path("Real.png")));
+    const auto bytes = folder.Read("Real.png");
+    EXPECT_TRUE(SamePicture(OwnedPicture(MPicture(folder.Write("a.jpg", bytes))), picture));
+    EXPECT_TRUE(SamePicture(OwnedPicture(MPicture(folder.Write("noextension", bytes))), picture));
+    EXPECT_TRUE(SamePicture(OwnedPicture(MPicture(folder.Path("REAL.PNG"))), picture)) << "case is ignored";
+}
+
+TEST(PictureFile, FailedLoadsLeaveNothing) {
+    const TemporaryFolder folder;
+    OwnedPicture picture = RandomPicture(4, 4, FormatRGBA8, 18);
+    ASSERT_TRUE(picture.Save(folder.Path("a.png")));
+    const std::vector<std::uint8_t> text = {'t', 'e', 'x', 't'};
+    for (const MPicture& failed : {MPicture(folder.Path("missing.png")), MPicture(folder.Path("")),
+                                   MPicture(MString()), MPicture(folder.Write("text.png", text)),
+                                   MPicture(folder.Path("a.png"), 1), MPicture(folder.Path("a.png"), -1)}) {
+        EXPECT_FALSE(failed.IsValid());
+        EXPECT_EQ(failed.Width, 0U);
+        EXPECT_EQ(failed.Height, 0U);
+        EXPECT_EQ(failed.Format, FormatNone);
+        EXPECT_EQ(failed.Pixels, nullptr);
+    }
+}
+
+TEST(PictureFile, ScaledLoadFitsTheBox) {
+    const TemporaryFolder folder;
+    OwnedPicture picture = BlankPicture(40, 30, FormatRGB8);
+    picture.Fill(MColour(9, 8, 7));
+    ASSERT_TRUE(picture.Save(folder.Path("a.png")));
+    struct Row {
+        std::int32_t maxWidth, maxHeight;
+        std::uint32_t width, height;
+    };
+    for (const Row& row : {Row{20, 20, 20, 15}, Row{13, 100, 13, 9}, Row{80, 80, 80, 60}, Row{0, 20, 40, 30},
+                           Row{20, -1, 40, 30}}) {
+        const OwnedPicture loaded(MPicture(folder.Path("a.png"), 0, row.maxWidth, row.maxHeight));
+        EXPECT_EQ(loaded.Width, row.width);
+        EXPECT_EQ(loaded.Height, row.height);
+        EXPECT_EQ(loaded.GetPixel(3, 3), MColour(9, 8, 7));
+    }
+    OwnedPicture line = BlankPicture(100, 1, FormatRGB8);
+    ASSERT_TRUE(line.Save(folder.Path("line.png")));
+    EXPECT_FALSE(MPicture(folder.Path("line.png"), 0, 10, 10).IsValid()) << "its height would be 0";
+}
+
+// Every damage to a file gives an invalid picture or a picture; never a crash, and never memory that it can't
+// need.
+TEST(PictureFile, DamagedFiles) {
+    const TemporaryFolder folder;
+    for (const MCodec& codec : Codecs()) {
+        if (!codec.encode) continue;
+        const std::string extension(codec.extensions.substr(0, codec.extensions.find(',')));
+        OwnedPicture picture = RandomPicture(31, 17, FormatRGBA8, 19);
+        ASSERT_TRUE(picture.Save(folder.Path("whole" + extension)));
+        const auto whole = folder.Read("whole" + extension);
+        for (std::size_t length = 0; length < whole.size(); length += 1 + whole.size() / 97) {
+            const std::span cut(whole.data(), length);
+            EXPECT_FALSE(MPicture(folder.Write("cut" + extension, cut)).IsValid())
+                << codec.name << " cut to " << length;
+        }
+        Random random(20);
+        for (int round = 0; round < 300; ++round) {
+            auto flipped = whole;
+            flipped[random() % flipped.size()] ^= static_cast<std::uint8_t>(1U << random() % 8);
+            MPicture(folder.Write("flipped" + extension, flipped)).Free();
+        }
+    }
+}

@@ -1,0 +1,201 @@
+// Scaling, flipping, lines and bleeding.
+#include "foundation/MMemory.h"
+#include "imaging/MPicture.h"
+#include "imaging/Pictures.h"
+#include "imaging/PlainForms.h"
+
+#include <gtest/gtest.h>
+
+#include <set>
+
+namespace {
+
+using Pixels = std::set<std::pair<int, int>>;
+
+Pixels Drawn(const MPicture& picture) {
+    Pixels drawn;
+    for (std::int32_t y = 0; y < static_cast<std::int32_t>(picture.Height); ++y) {
+        for (std::int32_t x = 0; x < static_cast<std::int32_t>(picture.Width); ++x) {
+            if (picture.GetPixel(x, y).a != 0) drawn.emplace(x, y);
+        }
+    }
+    return drawn;
+}
+
+Pixels Line(std::int32_t x0, std::int32_t y0, std::int32_t x1, std::int32_t y1) {
+    OwnedPicture picture = BlankPicture(8, 8, FormatRGBA8);
+    picture.DrawLine(x0, y0, x1, y1, MColour(1, 1, 1));
+    return Drawn(picture);
+}
+
+OwnedPicture Scaled(const MPicture& source, std::uint32_t width, std::uint32_t height, MPixelFormat format) {
+    return {MPicture(source, width, height, format, true, false)};
+}
+
+} // namespace
+
+TEST(Resample, MatchesThePlainFormForEveryPairOfFormats) {
+    struct Sizes {
+        std::uint32_t width, height, newWidth, newHeight;
+    };
+    const Sizes sizes[] = {{40, 30, 20, 15}, {40, 30, 13, 29}, {10, 10, 20, 20}, {10, 7, 23, 9},
+                           {90, 70, 2, 3},   {17, 5, 1, 4},    {17, 5, 6, 1},    {50, 40, 1, 1},
+                           {1, 1, 3, 3},     {200, 3, 5, 5}};
+    for (MPixelFormat from = 1; from <= 9; ++from) {
+        for (MPixelFormat to = 1; to <= 9; ++to) {
+            for (const Sizes& size : sizes) {
+                const OwnedPicture source = RandomPicture(size.width, size.height, from, 6, 0.4);
+                OwnedPicture expected = BlankPicture(size.newWidth, size.newHeight, to);
+                plain::Resample(source, expected);
+                ASSERT_TRUE(SamePicture(Scaled(source, size.newWidth, size.newHeight, to), expected))
+                    << from << " into " << to << ", " << size.width << " x " << size.height << " into "
+                    << size.newWidth << " x " << size.newHeight;
+            }
+        }
+    }
+}
+
+TEST(Resample, MatchesThePlainFormForManySizesOfFormat7) {
+    Random random(7);
+    for (int round = 0; round < 150; ++round) {
+        const auto size = [&](std::uint32_t most) { return 1 + random() % most; };
+        const double visible = round % 4 == 0 ? 0.05 : round % 4 == 1 ? 1.0 : 0.5;
+        const OwnedPicture source = RandomPicture(size(150), size(150), FormatRGBA8, random(), visible);
+        OwnedPicture expected = BlankPicture(size(90), size(90), round % 5 == 0 ? FormatRGB8 : FormatRGBA8);
+        plain::Resample(source, expected);
+        if (source.Width == expected.Width && source.Height == expected.Height) continue;
+        ASSERT_TRUE(SamePicture(Scaled(source, expected.Width, expected.Height, expected.Format), expected))
+            << round;
+    }
+}
+
+TEST(Resample, WorstSumsOfTheLargestSquareAreExact) {
+    OwnedPicture source = BlankPicture(64, 64, FormatRGBA8);
+    source.Fill(MColour(255, 255, 255, 255));
+    for (int hidden = 0; hidden < 1024; hidden += 31) {
+        source.SetPixel(hidden % 32, hidden / 32, MColour(255, 255, 255, 0));
+        OwnedPicture expected = BlankPicture(2, 2, FormatRGBA8);
+        plain::Resample(source, expected);
+        ASSERT_TRUE(SamePicture(Scaled(source, 2, 2, FormatRGBA8), expected)) << hidden;
+    }
+}
+
+TEST(Resample, TransparentPixelsDoNotDarken) {
+    OwnedPicture source = BlankPicture(2, 2, FormatRGBA8);
+    source.SetPixel(0, 0, MColour(255, 0, 0));
+    source.SetPixel(1, 1, MColour(255, 0, 0));
+    // A single row would read row 0 only, so the picture grows to show the whole square.
+    source = OwnedPicture(MPicture(source, 4, 4, FormatRGBA8, false, false));
+    const OwnedPicture small = Scaled(source, 2, 2, FormatRGBA8);
+    EXPECT_EQ(small.GetPixel(0, 0), MColour(255, 0, 0, 127));
+    EXPECT_EQ(small.GetPixel(1, 0), MColour(0, 0, 0, 0));
+}
+
+TEST(Resample, KeepsTheAspect) {
+    const OwnedPicture source = BlankPicture(200, 100, FormatRGBA8);
+    const auto fitted = [](const MPicture& picture, std::uint32_t width, std::uint32_t height) {
+        const OwnedPicture result(MPicture(picture, width, height, FormatRGBA8, true, true));
+        return std::pair(result.Width, result.Height);
+    };
+    EXPECT_EQ(fitted(source, 100, 100), std::pair(100U, 50U));
+    EXPECT_EQ(fitted(source, 1000, 100), std::pair(200U, 100U));
+    const OwnedPicture odd = BlankPicture(3, 2, FormatRGBA8);
+    EXPECT_EQ(fitted(odd, 300, 1), std::pair(2U, 1U)) << "1.5 rounds away from zero";
+    EXPECT_FALSE(MPicture(source, 0, 0, FormatRGBA8, true, true).IsValid());
+}
+
+TEST(Resample, CropsAndPadsAtTheTopLeft) {
+    const OwnedPicture source = RandomPicture(5, 4, FormatRGBA16, 8, 1.0);
+    const OwnedPicture padded(MPicture(source, 7, 3, FormatRGBA8, false, false));
+    for (std::int32_t y = 0; y < 3; ++y) {
+        for (std::int32_t x = 0; x < 7; ++x) {
+            EXPECT_EQ(padded.GetPixel(x, y), x < 5 ? source.GetPixel(x, y) : MColour(0, 0, 0, 0))
+                << x << ", " << y;
+        }
+    }
+}
+
+TEST(Resample, UnchangedSizeIsACopyWithItsLimits) {
+    const OwnedPicture halves = RandomPicture(4, 4, FormatRGBAHalf, 9);
+    const OwnedPicture words(MPicture(halves, 4, 4, FormatRGBA16, true, false));
+    EXPECT_EQ(std::memcmp(words.Pixels, halves.Pixels, 4 * 4 * 8), 0);
+}
+
+TEST(Resample, OfNothingOrWithoutMemoryIsInvalid) {
+    const MPicture nothing(MPicture(), 4, 4, FormatRGBA8, true, false);
+    EXPECT_FALSE(nothing.IsValid());
+    EXPECT_EQ(nothing.Width, 0U);
+    const OwnedPicture source = BlankPicture(400, 4, FormatRGBA8);
+    SetMemoryLimit(1000);
+    EXPECT_FALSE(MPicture(source, 8, 8, FormatRGBA8, true, false).IsValid());
+    EXPECT_FALSE(MPicture(source, 80, 8, FormatRGBA8, true, false).IsValid());
+    SetMemoryLimit(0);
+}
+
+TEST(FlipVertically, SwapsRowsAndTurnsTheFlag) {
+    for (const std::uint32_t height : {1U, 4U, 5U}) {
+        OwnedPicture picture = RandomPicture(3, height, FormatRGB8, 10);
+        const OwnedPicture before = DeepCopy(picture);
+        EXPECT_TRUE(picture.FlipVertically());
+        EXPECT_FALSE(picture.TopDown);
+        for (std::int32_t y = 0; y < static_cast<std::int32_t>(height); ++y) {
+            EXPECT_EQ(picture.GetPixel(1, y), before.GetPixel(1, static_cast<std::int32_t>(height) - 1 - y));
+        }
+    }
+}
+
+TEST(DrawLine, PlotsTheseExactPixels) {
+    EXPECT_EQ(Line(0, 0, 3, 1), (Pixels{{0, 0}, {1, 0}, {2, 1}, {3, 1}}));
+    EXPECT_EQ(Line(3, 1, 0, 0), Line(0, 0, 3, 1));
+    EXPECT_EQ(Line(0, 0, 1, 3), (Pixels{{0, 0}, {0, 1}, {1, 2}, {1, 3}}));
+    EXPECT_EQ(Line(5, 0, 0, 2), (Pixels{{5, 0}, {4, 0}, {3, 1}, {2, 1}, {1, 2}, {0, 2}}));
+    EXPECT_EQ(Line(2, 2, 4, 4), (Pixels{{2, 2}, {3, 3}, {4, 4}}));
+    EXPECT_EQ(Line(4, 1, 2, 1), (Pixels{{2, 1}, {3, 1}, {4, 1}}));
+    EXPECT_EQ(Line(1, 6, 1, 4), (Pixels{{1, 4}, {1, 5}, {1, 6}}));
+    EXPECT_EQ(Line(3, 3, 3, 3), (Pixels{{3, 3}}));
+    EXPECT_EQ(Line(-1, 0, 0, 0), (Pixels{{7, 0}, {0, 0}})) << "coordinates wrap";
+}
+
+TEST(BleedColours, MatchesThePlainForm) {
+    Random random(11);
+    for (int round = 0; round < 240; ++round) {
+        const auto format = static_cast<MPixelFormat>(7 + round % 3);
+        const bool large = round % 40 == 0;
+        const std::uint32_t width = 1 + random() % (large ? 300 : 140);
+        const std::uint32_t height = 1 + random() % (large ? 300 : 60);
+        constexpr double shares[] = {0.0, 0.0005, 0.01, 0.3, 0.9, 1.0};
+        OwnedPicture picture =
+            RandomPicture(width, height, format, random(), shares[random() % std::size(shares)]);
+        if (round % 6 == 0 && format == FormatRGBA16) {
+            picture.SetPixel(0, 0,
+                             MPixel(MColour16{1, 2, 3, 200}, format)); // below one byte's step: transparent
+        }
+        OwnedPicture expected = DeepCopy(picture);
+        plain::BleedColours(expected);
+        picture.BleedColours();
+        ASSERT_TRUE(SamePicture(picture, expected)) << "round " << round << ": " << width << " x " << height;
+    }
+}
+
+TEST(BleedColours, StopsAfterItsRings) {
+    OwnedPicture picture = BlankPicture(100, 100, FormatRGBA8);
+    picture.SetPixel(10, 50, MColour(1, 2, 3, 4));
+    picture.BleedColours();
+    EXPECT_EQ(picture.GetPixel(10, 50), MColour(1, 2, 3, 4));
+    EXPECT_EQ(picture.GetPixel(43, 83), MColour(1, 2, 3, 0));
+    EXPECT_EQ(picture.GetPixel(44, 50), MColour(0, 0, 0, 0));
+
+    const OwnedPicture once = DeepCopy(picture);
+    picture.BleedColours();
+    EXPECT_TRUE(SamePicture(OwnedPicture(MPicture(once, 44, 84, FormatRGBA8, false, false)),
+                            OwnedPicture(MPicture(picture, 44, 84, FormatRGBA8, false, false))));
+}
+
+TEST(BleedColours, WithoutMemoryLeavesThePictureAlone) {
+    OwnedPicture picture = RandomPicture(64, 64, FormatRGBA8, 12);
+    const OwnedPicture before = DeepCopy(picture);
+    SetMemoryLimit(100);
+    picture.BleedColours();
+    SetMemoryLimit(0);
+    EXPECT_TRUE(SamePicture(picture, before));
+}

@@ -1,0 +1,271 @@
+#include "imaging/MPicture.h"
+
+#include "foundation/MMemory.h"
+#include "imaging/Pictures.h"
+#include "imaging/PlainForms.h"
+
+#include <gtest/gtest.h>
+
+#include <vector>
+
+namespace {
+
+std::uint16_t Bits(float value) {
+    return Imath::half(value).bits();
+}
+
+template<typename Value>
+std::vector<std::uint8_t> Memory(std::initializer_list<Value> values) {
+    std::vector<std::uint8_t> bytes(values.size() * sizeof(Value));
+    std::memcpy(bytes.data(), std::data(values), bytes.size());
+    return bytes;
+}
+
+using Bytes = std::vector<std::uint8_t>;
+
+Bytes ByteMemory(std::initializer_list<int> values) {
+    Bytes bytes;
+    for (const int value : values)
+        bytes.push_back(static_cast<std::uint8_t>(value));
+    return bytes;
+}
+
+Bytes WordMemory(std::initializer_list<int> values) {
+    Bytes bytes;
+    for (const int value : values) {
+        bytes.push_back(static_cast<std::uint8_t>(value & 255));
+        bytes.push_back(static_cast<std::uint8_t>(value >> 8));
+    }
+    return bytes;
+}
+
+Bytes HalfMemory(std::initializer_list<float> values) {
+    Bytes bytes;
+    for (const float value : values) {
+        bytes.push_back(static_cast<std::uint8_t>(Bits(value) & 255));
+        bytes.push_back(static_cast<std::uint8_t>(Bits(value) >> 8));
+    }
+    return bytes;
+}
+
+} // namespace
+
+TEST(Picture, ReadsEveryFormatAsEveryColour) {
+    struct Row {
+        MPixelFormat format;
+        Bytes memory;
+        MColour colour;
+        MColour16 colour16;
+        MColourHalf colourHalf;
+    };
+    const Row rows[] = {
+        {1, ByteMemory({9}), {9, 9, 9, 255}, {0x900, 0x900, 0x900, 65535}, {9, 9, 9, 255}},
+        {2,
+         WordMemory({0x1280}),
+         {0x12, 0x12, 0x12, 255},
+         {0x1280, 0x1280, 0x1280, 65535},
+         {18.5F, 18.5F, 18.5F, 255}},
+        {3, HalfMemory({0.5F}), {127, 127, 127, 255}, {32767, 32767, 32767, 255}, {0.5F, 0.5F, 0.5F, 255}},
+        {4, ByteMemory({1, 2, 3}), {3, 2, 1, 255}, {0x300, 0x200, 0x100, 65535}, {3, 2, 1, 255}},
+        {5,
+         WordMemory({0x100, 0x2FF, 0x340}),
+         {1, 2, 3, 255},
+         {0x100, 0x2FF, 0x340, 65535},
+         {1, 2.99609375F, 3.25F, 255}},
+        {6, HalfMemory({1, 0.25F, -1}), {255, 63, 0, 255}, {65535, 16383, 0, 65535}, {1, 0.25F, -1, 255}},
+        {7, ByteMemory({1, 2, 3, 4}), {3, 2, 1, 4}, {0x300, 0x200, 0x100, 0x400}, {3, 2, 1, 4}},
+        {8,
+         WordMemory({0x100, 0x200, 0x300, 0x480}),
+         {1, 2, 3, 4},
+         {0x100, 0x200, 0x300, 0x480},
+         {1, 2, 3, 4.5F}},
+        {9, HalfMemory({1, 0, 2, 0.5F}), {255, 0, 255, 127}, {65535, 0, 65535, 32767}, {1, 0, 2, 0.5F}},
+    };
+    for (const Row& row : rows) {
+        OwnedPicture picture = BlankPicture(1, 1, row.format);
+        ASSERT_EQ(row.memory.size(), picture.Stride);
+        std::ranges::copy(row.memory, picture.Pixels);
+        EXPECT_EQ(picture.GetPixel(0, 0), row.colour) << row.format;
+        EXPECT_EQ(picture.GetPixel16(0, 0), row.colour16) << row.format;
+        EXPECT_EQ(picture.GetPixelHalf(0, 0), row.colourHalf) << row.format;
+        const MPixel pixel(picture.Pixels, row.format);
+        EXPECT_EQ(pixel.format, row.format);
+        if (ChannelClass(row.format) == 1) {
+            EXPECT_EQ(pixel.colour, row.colour);
+        }
+        if (ChannelClass(row.format) == 2) {
+            EXPECT_EQ(pixel.colour16, row.colour16);
+        }
+        if (ChannelClass(row.format) == 3) {
+            EXPECT_EQ(pixel.colourHalf, row.colourHalf);
+        }
+    }
+}
+
+TEST(Picture, StoresEveryColourInEveryFormat) {
+    const MColour colour(10, 20, 30, 40);
+    const MColour16 colour16{0x0A80, 0x1400, 0x1E00, 0x2800};
+    const MColourHalf colourHalf(0.5F, 1.0F, 2.0F, 0.25F);
+    const float t = 1.0F / 256.0F;
+    struct Row {
+        MPixelFormat format;
+        Bytes fromBytes, fromWords, fromHalves;
+    };
+    const Row rows[] = {
+        {1, ByteMemory({10}), ByteMemory({10}), ByteMemory({127})},
+        {2, WordMemory({0x0AFF}), WordMemory({0x0A80}), WordMemory({32767})},
+        {3, HalfMemory({10 * t}), HalfMemory({10.5F}), HalfMemory({0.5F})},
+        {4, ByteMemory({30, 20, 10}), ByteMemory({30, 20, 10}), ByteMemory({255, 255, 127})},
+        {5, WordMemory({0x0AFF, 0x14FF, 0x1EFF}), WordMemory({0x0A80, 0x1400, 0x1E00}),
+         WordMemory({32767, 65535, 65535})},
+        {6, HalfMemory({10 * t, 20 * t, 30 * t}), HalfMemory({10.5F, 20, 30}), HalfMemory({0.5F, 1, 2})},
+        {7, ByteMemory({30, 20, 10, 40}), ByteMemory({30, 20, 10, 40}), ByteMemory({255, 255, 127, 63})},
+        {8, WordMemory({0x0AFF, 0x14FF, 0x1EFF, 0x28FF}), WordMemory({0x0A80, 0x1400, 0x1E00, 0x2800}),
+         WordMemory({32767, 65535, 65535, 16383})},
+        {9, HalfMemory({10 * t, 20 * t, 30 * t, 40 * t}), HalfMemory({10.5F, 20, 30, 40}),
+         HalfMemory({0.5F, 1, 2, 0.25F})},
+    };
+    for (const Row& row : rows) {
+        OwnedPicture picture = BlankPicture(1, 1, row.format);
+        const auto memory = [&] { return Bytes(picture.Pixels, picture.Pixels + picture.Stride); };
+        picture.SetPixel(0, 0, colour);
+        EXPECT_EQ(memory(), row.fromBytes) << row.format;
+        picture.SetPixel(0, 0, MPixel(colour16, FormatR16));
+        EXPECT_EQ(memory(), row.fromWords) << row.format;
+        picture.SetPixel(0, 0, MPixel(colourHalf, FormatRGBAHalf));
+        EXPECT_EQ(memory(), row.fromHalves) << row.format;
+        picture.SetPixel(0, 0, MPixel());
+        EXPECT_EQ(memory(), row.fromHalves) << "a pixel of no format stores nothing";
+    }
+}
+
+TEST(Picture, CoordinatesWrap) {
+    OwnedPicture picture = BlankPicture(5, 3, FormatRGBA8);
+    picture.SetPixel(4, 2, MColour(1, 2, 3, 4));
+    EXPECT_EQ(picture.GetPixel(-1, -1), MColour(1, 2, 3, 4));
+    picture.SetPixel(5, 0, MColour(5, 6, 7, 8));
+    EXPECT_EQ(picture.GetPixel(0, 0), MColour(5, 6, 7, 8));
+    EXPECT_EQ(picture.PixelAddress(2'000'000'001, -2'000'000'000), picture.PixelAddress(1, 1));
+}
+
+TEST(Picture, InvalidOnesReadAsDefaultsAndIgnoreWrites) {
+    MPicture picture;
+    EXPECT_FALSE(picture.IsValid());
+    EXPECT_TRUE(picture.TopDown);
+    EXPECT_EQ(picture.FrameCount, 1);
+    EXPECT_EQ(picture.PixelAddress(0, 0), nullptr);
+    EXPECT_EQ(picture.GetPixel(0, 0), MColour(0, 0, 0, 255));
+    EXPECT_EQ(picture.GetPixel16(0, 0), MColour16());
+    EXPECT_EQ(picture.GetPixelHalf(0, 0), MColourHalf());
+    picture.SetPixel(0, 0, MColour(1, 1, 1));
+    picture.Fill(MColour(1, 1, 1));
+    picture.DrawLine(0, 0, 5, 5, MColour());
+    picture.BleedColours();
+    EXPECT_FALSE(picture.FlipVertically());
+    EXPECT_FALSE(picture.HasTransparency());
+    std::uint32_t top = 1, right = 1, bottom = 1, left = 1;
+    picture.GetMargins(top, right, bottom, left);
+    EXPECT_EQ(top + right + bottom + left, 0U);
+
+    std::uint8_t byte = 0;
+    MPicture narrow;
+    narrow.Width = narrow.Height = 1;
+    narrow.Format = FormatRGBA8;
+    narrow.Stride = 3;
+    narrow.Pixels = &byte;
+    EXPECT_FALSE(narrow.IsValid()) << "rows shorter than the pixels in them";
+}
+
+TEST(Picture, RefusesSizesThatDoNotFit) {
+    const std::pair<std::uint32_t, std::uint32_t> sizes[] = {
+        {0xFFFFFFFF, 0xFFFFFFFF}, {0x40000000, 1}, {0x3FFFFFFF, 0xFFFFFFFF}, {0, 5}, {5, 0}};
+    for (const auto& [width, height] : sizes) {
+        const MPicture picture(width, height, FormatRGBA8);
+        EXPECT_EQ(picture.Pixels, nullptr) << width << " x " << height;
+        EXPECT_FALSE(picture.IsValid());
+    }
+    SetMemoryLimit(1000);
+    EXPECT_FALSE(MPicture(16, 16, FormatRGBA8).IsValid());
+    SetMemoryLimit(0);
+}
+
+TEST(Picture, CopiesShareThePixels) {
+    OwnedPicture picture = BlankPicture(2, 2, FormatRGBA8);
+    MPicture copy = picture;
+    copy.SetPixel(1, 1, MColour(9, 8, 7, 6));
+    EXPECT_EQ(picture.GetPixel(1, 1), MColour(9, 8, 7, 6));
+    picture.Free();
+    EXPECT_EQ(picture.Pixels, nullptr);
+    EXPECT_EQ(picture.Width, 2U);
+}
+
+TEST(Picture, FillBringsThePixelIntoItsFormat) {
+    for (MPixelFormat format = 1; format <= 9; ++format) {
+        for (const std::uint32_t width : {1U, 2U, 7U, 64U}) {
+            OwnedPicture filled = BlankPicture(width, 3, format);
+            OwnedPicture single = BlankPicture(width, 3, format);
+            MPixel pixel(MColour(1, 2, 3, 4), FormatRGBA8);
+            filled.Fill(pixel);
+            EXPECT_EQ(pixel.format, format);
+            for (std::int32_t i = 0; i < static_cast<std::int32_t>(width * 3); ++i) {
+                single.SetPixel(i % static_cast<std::int32_t>(width), i / static_cast<std::int32_t>(width),
+                                pixel);
+            }
+            EXPECT_TRUE(SamePicture(filled, single)) << format << ", " << width;
+        }
+    }
+}
+
+TEST(Picture, FillLeavesTheGapsOfAView) {
+    std::vector<std::uint8_t> buffer(3 * 16, 0xEE);
+    MPicture view;
+    view.Width = 2;
+    view.Height = 3;
+    view.Format = FormatRGBA8;
+    view.Stride = 16;
+    view.Pixels = buffer.data();
+    view.Fill(MColour(1, 1, 1, 1));
+    for (std::size_t i = 0; i < buffer.size(); ++i)
+        EXPECT_EQ(buffer[i], i % 16 < 8 ? 1 : 0xEE) << i;
+}
+
+TEST(Picture, MarginsMatchTheWalkOverSinglePixels) {
+    Random random(1);
+    for (int round = 0; round < 200; ++round) {
+        const MPixelFormat format = round % 10 == 0 ? FormatRGB8 : static_cast<MPixelFormat>(7 + round % 3);
+        const std::uint32_t width = 1 + random() % 150;
+        const std::uint32_t height = 1 + random() % 20;
+        OwnedPicture picture = BlankPicture(width, height, format);
+        for (unsigned dots = random() % 4; dots > 0; --dots) {
+            // In 16 bits an alpha below 256 reads as 0 and is no ink.
+            const std::uint16_t alpha = random() % 3 == 0 ? 255 : 256;
+            picture.SetPixel(static_cast<std::int32_t>(random() % width),
+                             static_cast<std::int32_t>(random() % height),
+                             MPixel(MColour16{1, 1, 1, alpha}, FormatRGBA16));
+        }
+        std::array<std::uint32_t, 4> expected{};
+        plain::GetMargins(picture, expected);
+        std::array<std::uint32_t, 4> margins{9, 9, 9, 9};
+        picture.GetMargins(margins[0], margins[1], margins[2], margins[3]);
+        ASSERT_EQ(margins, expected) << "round " << round;
+    }
+    OwnedPicture picture = BlankPicture(10, 8, FormatRGBA8);
+    picture.SetPixel(3, 2, MColour(0, 0, 0, 1));
+    std::array<std::uint32_t, 4> margins{};
+    picture.GetMargins(margins[0], margins[1], margins[2], margins[3]);
+    EXPECT_EQ(margins, (std::array<std::uint32_t, 4>{2, 6, 5, 3}));
+}
+
+TEST(Picture, TransparencyIsAnyAlphaBelow255) {
+    for (MPixelFormat format = 1; format <= 9; ++format) {
+        OwnedPicture picture = BlankPicture(100, 2, format);
+        picture.Fill(MColour(0, 0, 0, 255));
+        if (format == FormatRGBAHalf) {
+            MPixel opaque(MColourHalf(0, 0, 0, 1.0F), FormatRGBAHalf);
+            picture.Fill(opaque);
+        }
+        EXPECT_FALSE(picture.HasTransparency()) << format;
+        picture.SetPixel(99, 1, MColour(0, 0, 0, 254));
+        EXPECT_EQ(picture.HasTransparency(), HasAlpha(format)) << format;
+    }
+}
