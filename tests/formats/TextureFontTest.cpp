@@ -56,7 +56,9 @@ protected:
                     const MColour q = y.GetPixel(column, row);
                     // Saving gives invisible pixels the colour of their neighbours.
                     ASSERT_EQ(p.a, q.a);
-                    if (p.a != 0) ASSERT_EQ(p, q);
+                    if (p.a != 0) {
+                        ASSERT_EQ(p, q);
+                    }
                 }
             }
         }
@@ -103,7 +105,7 @@ TEST_F(TextureFontTest, EveryByte) {
 TEST_F(TextureFontTest, EveryCharacterComesBack) {
     MakeFont(33, 255);
     font.RemoveGlyph(u'#');
-    for (const char16_t c : {u'\u0100', u'\uD800', u'\uFFFF'}) font.SetKerning('<', c, -5);
+    for (const char16_t c : {u'\u0100', char16_t{0xD800}, u'\uFFFF'}) font.SetKerning('<', c, -5);
     font.SetKerning('"', '<', -4);
     FillWithNoise(AddGlyph(font, u'\u20AC', 5, 20).Picture, 5);
     ASSERT_TRUE(font.Repack());

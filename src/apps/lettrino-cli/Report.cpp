@@ -51,7 +51,7 @@ StepResult PrintFonts(Run&) {
         faces.push_back({{"family", ToSystem(face.family)},
                          {"weight", face.weight},
                          {"italic", face.italic != 0},
-                         {"style", ToSystem(MFontList::FaceStyleName(face))}});
+                         {"style", ToSystem(FaceStyleName(face))}});
     }
     Print(faces);
     return {};
