@@ -40,10 +40,11 @@ MTextEncoding EncodingOf(std::span<const std::uint8_t> start) {
     return MTextEncoding::Ansi;
 }
 
-std::string ToBytes(std::u16string_view units, MTextEncoding encoding) {
-    if (encoding == MTextEncoding::Utf8) return EncodeUtf8(units, MLoneSurrogates::Replace);
-    std::string bytes;
-    bytes.reserve(2 * units.size());
+void AppendBytes(std::string& bytes, std::u16string_view units, MTextEncoding encoding) {
+    if (encoding == MTextEncoding::Utf8) {
+        bytes += EncodeUtf8(units, MLoneSurrogates::Replace);
+        return;
+    }
     for (const char16_t unit : units) {
         const auto low = static_cast<char>(unit & 0xFF);
         const auto high = static_cast<char>(unit >> 8);
@@ -51,7 +52,6 @@ std::string ToBytes(std::u16string_view units, MTextEncoding encoding) {
         bytes.push_back(low);
         if (encoding == MTextEncoding::Utf16Le) bytes.push_back(high);
     }
-    return bytes;
 }
 
 std::u16string FromBytes(std::string_view bytes, MTextEncoding encoding) {
@@ -245,8 +245,14 @@ void MTextFile::EndLine(const MString& text) {
 
 void MTextFile::WriteUnits(std::u16string_view units) {
     if (!ok) return;
-    const std::string bytes = ToBytes(units, encoding);
-    file.Write(bytes.data(), bytes.size()); // a full disk is not told, as nothing here is
+    AppendBytes(unwritten, units, encoding);
+    if (unwritten.size() >= chunkBytes) Flush();
+}
+
+// A full disk is not told, as nothing here is.
+void MTextFile::Flush() {
+    file.Write(unwritten.data(), unwritten.size());
+    unwritten.clear();
 }
 
 MString MTextFile::ReadWholeFile(const MString& path) {

@@ -34,6 +34,10 @@ public:
     // `encoding` is for writing; on reading the file's mark tells it, and a file without one is Ansi. `preload`
     // reads the file at once and closes it.
     MTextFile(const MString& path, bool writing, bool preload, MTextEncoding encoding);
+    MTextFile(const MTextFile&) = delete;
+    MTextFile& operator=(const MTextFile&) = delete;
+    // What was written is in the file from here on.
+    ~MTextFile() { Flush(); }
 
     // Reads and takes apart one line, ended by CR, LF, CR LF or the end of the file. False at the end; the tokens
     // stay then.
@@ -61,6 +65,7 @@ public:
 private:
     std::vector<std::uint8_t> chunk; // read ahead from the file
     std::size_t chunkPosition = 0;
+    std::string unwritten;                // bytes that are not in the file yet
     std::u16string line;                  // the current line without CR and LF
     std::vector<std::u16string_view> tokens; // into `line`
 
@@ -72,4 +77,5 @@ private:
     void Tokenise();
     void Separate();
     void WriteUnits(std::u16string_view units);
+    void Flush();
 };

@@ -99,7 +99,7 @@ int main(int argc, char** argv) {
             option = app.add_flag(step.name, step.help)->disable_flag_override();
         } else {
             option = app.add_option(step.name, step.help)
-                         ->type_name(step.arguments)
+                         ->option_text(step.arguments)
                          ->type_size(step.argumentCount)
                          ->expected(1, CLI::detail::expected_max_vector_size)
                          ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
