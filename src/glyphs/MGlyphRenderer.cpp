@@ -3,7 +3,6 @@
 #include "document/MSettings.h"
 #include "foundation/MMemory.h"
 #include "foundation/MNumbers.h"
-#include "glyphs/BoxDown.h"
 #include "platform/text/MSystemFonts.h"
 
 #include <algorithm>
@@ -34,10 +33,6 @@ std::int32_t CeilScaled(std::int32_t pixels, std::int32_t scale) {
 std::int32_t Saturate(std::int64_t value) {
     return static_cast<std::int32_t>(std::clamp<std::int64_t>(value, std::numeric_limits<std::int32_t>::min(),
                                                               std::numeric_limits<std::int32_t>::max()));
-}
-
-bool HasInk(const std::uint8_t* row, std::size_t width) {
-    return std::any_of(row, row + width, [](std::uint8_t coverage) { return coverage > 0; });
 }
 
 } // namespace
@@ -98,26 +93,15 @@ MGlyphRenderer::Rows MGlyphRenderer::MeasureFont(MSizedFont& sized) const {
     for (const char16_t character : measureText) {
         MInk ink;
         if (!sized.GetInk(character, ink)) continue;
-        const MPixelRect region = Intersect({pen + ink.a, std::int64_t{sized.ascent} - ink.above,
-                                             pen + ink.a + ink.b, std::int64_t{sized.ascent} + ink.below},
-                                            measured);
-        const auto coverage = sized.Draw(character, pen, sized.ascent, region);
-        pen += ink.a + ink.b + ink.c;
-        if (coverage.empty()) continue;
-        const auto width = static_cast<std::size_t>(region.right - region.left);
-        std::int64_t first = region.top;
-        std::int64_t last = region.bottom - 1;
-        const auto isEmpty = [&](std::int64_t row) {
-            return !HasInk(coverage.data() + static_cast<std::size_t>(row - region.top) * width, width);
-        };
-        while (first <= last && isEmpty(first))
-            ++first;
-        while (last >= first && isEmpty(last))
-            --last;
-        if (first > last) continue;
-        rows.top = rows.top < 0 ? static_cast<std::int32_t>(first)
-                                : std::min(rows.top, static_cast<std::int32_t>(first));
-        rows.bottom = std::max(rows.bottom, static_cast<std::int32_t>(last));
+        sized.Draw(
+            character, pen, sized.ascent, measured,
+            [](std::int32_t row, std::span<const MSpan>, void* context) {
+                auto& found = *static_cast<Rows*>(context);
+                found.top = found.top < 0 ? row : std::min(found.top, row);
+                found.bottom = std::max(found.bottom, row);
+            },
+            &rows);
+        pen += std::int64_t{ink.a} + ink.b + ink.c;
     }
     return rows;
 }
@@ -128,8 +112,13 @@ std::unique_ptr<MGlyph> MGlyphRenderer::RenderGlyph(char16_t character) {
     const std::int32_t width = CeilScaled(ink.b, scale);
     // Ink of two canvas pixels or less is no glyph, whatever character it is.
     if (width <= 1) return nullptr;
-    auto glyph = std::make_unique<MGlyph>(character, width, Settings->GlyphHeight, CeilScaled(ink.a, scale),
+    // Every pixel is written below, so the glyph's picture is not cleared first.
+    auto glyph = std::make_unique<MGlyph>(character, 0, Settings->GlyphHeight, CeilScaled(ink.a, scale),
                                           CeilScaled(ink.c, scale), false);
+    glyph->Width = width;
+    if (glyph->Height > 0)
+        glyph->Picture =
+            MPicture(static_cast<std::uint32_t>(width), static_cast<std::uint32_t>(glyph->Height), FormatRGBA8);
     DrawPlain(character, ink, *glyph);
     return glyph;
 }
@@ -142,15 +131,12 @@ void MGlyphRenderer::DrawPlain(char16_t character, const MInk& ink, MGlyph& glyp
     // ink.
     const MPixelRect ownPart{0, 0, std::min(std::int64_t{glyph.Width} * scale, std::int64_t{canvasWidth}),
                              std::min(std::int64_t{glyph.Height} * scale, std::int64_t{canvasHeight})};
-    MPixelRect region = Intersect(ownPart, {0, (baseline - ink.above) & ~std::int64_t{1}, ownPart.right,
-                                            (baseline + ink.below + 1) & ~std::int64_t{1}});
-    if (region.IsEmpty()) region = {};
-    const auto coverage = font->Draw(character, -std::int64_t{ink.a}, baseline, region);
-    if (coverage.empty()) region = {};
-    BoxDown({.data = coverage.data(),
-             .width = static_cast<std::size_t>(region.right),
-             .rows = static_cast<std::size_t>(region.bottom - region.top)},
-            static_cast<std::size_t>(region.top / scale), Settings->Colour, glyph.Picture);
+    const MPixelRect region = Intersect(ownPart, {0, (baseline - ink.above) & ~std::int64_t{1}, ownPart.right,
+                                                  (baseline + ink.below + 1) & ~std::int64_t{1}});
+    sums.Clear(static_cast<std::size_t>(std::max<std::int64_t>(region.right, 0) / scale),
+               static_cast<std::size_t>(std::max<std::int64_t>(region.bottom - region.top, 0) / scale));
+    font->Draw(character, -std::int64_t{ink.a}, baseline, region, MBoxSums::Add, &sums);
+    sums.Store(static_cast<std::size_t>(region.top / scale), Settings->Colour, glyph.Picture);
     RepeatCanvas(glyph.Picture, static_cast<std::size_t>(canvasWidth / scale),
                  static_cast<std::size_t>(canvasHeight / scale));
 }

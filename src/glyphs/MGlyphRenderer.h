@@ -12,6 +12,7 @@
 #pragma once
 
 #include "document/MGlyph.h"
+#include "glyphs/MBoxSums.h"
 #include "platform/Desktop.h"
 #include "platform/text/MSizedFont.h"
 
@@ -45,6 +46,8 @@ private:
 
         std::int32_t Extent() const { return bottom - top + 1; }
     };
+
+    MBoxSums sums; // kept for its memory
 
     bool Measure();
     Rows MeasureReference() const;

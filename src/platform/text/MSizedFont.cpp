@@ -29,6 +29,29 @@ FT_Fixed ToFixed(double value) {
     return static_cast<FT_Fixed>(value * 65536.0);
 }
 
+struct Call {
+    std::int32_t lastRow;
+    MSpanSink sink;
+    void* context;
+};
+
+// FreeType also tells spans of no length at the clip's edge and cells whose coverage rounds to nothing.
+void TellSpans(int y, int count, const FT_Span* spans, void* user) {
+    const auto& call = *static_cast<const Call*>(user);
+    std::array<MSpan, 32> inked;
+    std::size_t kept = 0;
+    const auto tell = [&] {
+        if (kept > 0) call.sink(call.lastRow - y, std::span(inked).first(kept), call.context);
+        kept = 0;
+    };
+    for (const FT_Span& span : std::span(spans, static_cast<std::size_t>(count))) {
+        if (span.len == 0 || span.coverage == 0) continue;
+        if (kept == inked.size()) tell();
+        inked[kept++] = {span.x, span.len, span.coverage};
+    }
+    tell();
+}
+
 } // namespace
 
 MPixelRect Intersect(const MPixelRect& first, const MPixelRect& second) {
@@ -108,32 +131,26 @@ bool MSizedFont::GetInk(char16_t character, MInk& ink) {
     return true;
 }
 
-std::span<const std::uint8_t> MSizedFont::Draw(char16_t character, std::int64_t x, std::int64_t y,
-                                               const MPixelRect& region) {
-    if (region.IsEmpty() || !Load(character) || loadedInk.b == 0) return {};
-    const auto width = static_cast<std::size_t>(region.right - region.left);
-    const auto height = static_cast<std::size_t>(region.bottom - region.top);
-    pixels.assign(width * height, 0);
-
+void MSizedFont::Draw(char16_t character, std::int64_t x, std::int64_t y, const MPixelRect& region,
+                      MSpanSink sink, void* context) {
+    if (!Load(character) || loadedInk.b == 0) return;
     const MPixelRect ink{x + loadedInk.a, y - loadedInk.above, x + loadedInk.a + loadedInk.b,
                          y + loadedInk.below};
     const MPixelRect visible = Intersect(ink, region);
-    if (visible.IsEmpty()) return pixels;
+    if (visible.IsEmpty()) return;
 
-    FT_Bitmap bitmap{};
-    bitmap.width = static_cast<unsigned>(visible.right - visible.left);
-    bitmap.rows = static_cast<unsigned>(visible.bottom - visible.top);
-    bitmap.pitch = static_cast<int>(width);
-    bitmap.buffer = pixels.data() + static_cast<std::size_t>(visible.top - region.top) * width +
-                    static_cast<std::size_t>(visible.left - region.left);
-    bitmap.num_grays = 256;
-    bitmap.pixel_mode = FT_PIXEL_MODE_GRAY;
-    // The bitmap's lower left corner is the origin; y grows upwards.
+    // The region's left edge and the last visible row are the origin, and y grows upwards.
+    Call call{static_cast<std::int32_t>(visible.bottom - region.top) - 1, sink, context};
     FT_Outline* const outline = &face->face->glyph->outline;
-    const FT_Pos shiftX = (x - visible.left) * 64;
+    const FT_Pos shiftX = (x - region.left) * 64;
     const FT_Pos shiftY = (visible.bottom - y) * 64;
+    FT_Raster_Params params{};
+    params.flags = FT_RASTER_FLAG_AA | FT_RASTER_FLAG_DIRECT | FT_RASTER_FLAG_CLIP;
+    params.gray_spans = TellSpans;
+    params.user = &call;
+    params.clip_box = {visible.left - region.left, 0, visible.right - region.left,
+                       visible.bottom - visible.top};
     FT_Outline_Translate(outline, shiftX, shiftY);
-    FT_Outline_Get_Bitmap(FreeTypeLibrary(), outline, &bitmap);
+    FT_Outline_Render(FreeTypeLibrary(), outline, &params);
     FT_Outline_Translate(outline, -shiftX, -shiftY);
-    return pixels;
 }

@@ -8,7 +8,6 @@
 #include <cstdint>
 #include <memory>
 #include <span>
-#include <vector>
 
 class MOpenFace;
 
@@ -32,6 +31,15 @@ struct MPixelRect {
 
 MPixelRect Intersect(const MPixelRect& first, const MPixelRect& second);
 
+// Pixels of one row that share a coverage.
+struct MSpan {
+    std::int16_t x; // from the left edge of the region
+    std::uint16_t length;
+    std::uint8_t coverage; // 1 to 255
+};
+// `row` counts from the top of the region.
+using MSpanSink = void (*)(std::int32_t row, std::span<const MSpan> spans, void* context);
+
 class MSizedFont {
 public:
     bool valid = false;      // has outlines and a size; otherwise every operation fails
@@ -51,17 +59,16 @@ public:
     // reaches further than 32767 pixels.
     bool GetInk(char16_t character, MInk& ink);
 
-    // The character's coverage, 0 to 255, of each pixel of `region`, row after row, with the pen at `x` on the
-    // baseline `y`. Ink outside the region is left out at no cost. Valid until the next call; empty if there is
-    // no ink to measure or the region is.
-    std::span<const std::uint8_t> Draw(char16_t character, std::int64_t x, std::int64_t y,
-                                       const MPixelRect& region);
+    // Tells the sink the character's coverage of the pixels of `region`, with the pen at `x` on the baseline
+    // `y`. Runs without ink are not told, and no pixel is told twice; the order is open. Ink outside the region
+    // costs nothing. The region is at most 32768 pixels wide and high where the ink meets it.
+    void Draw(char16_t character, std::int64_t x, std::int64_t y, const MPixelRect& region, MSpanSink sink,
+              void* context);
 
 private:
     std::unique_ptr<MOpenFace> face;
     std::int32_t loaded = -1; // the character in the face's slot
     MInk loadedInk;
-    std::vector<std::uint8_t> pixels;
 
     bool Load(char16_t character);
     bool Synthesise(std::int64_t& advance);

@@ -1,0 +1,291 @@
+#include "glyphs/MGlyphRenderer.h"
+
+#include "document/MColourFont.h"
+#include "document/MSettings.h"
+#include "foundation/MMemory.h"
+#include "glyphs/PlainRenderer.h"
+#include "platform/headless/Headless.h"
+#include "platform_text/FontFixture.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+namespace {
+
+class GlyphRenderer : public testing::Test {
+protected:
+    MSettings settings;
+
+    GlyphRenderer() {
+        Settings = &settings;
+        settings.FontName = "Liberation Sans";
+        settings.Colour = MColour(10, 20, 30);
+        Headless::Reset();
+    }
+    ~GlyphRenderer() override { Settings = nullptr; }
+    GlyphRenderer(const GlyphRenderer&) = delete;
+    GlyphRenderer& operator=(const GlyphRenderer&) = delete;
+
+    void SelectAll() { std::fill(settings.Selected.begin(), settings.Selected.end(), std::uint8_t{1}); }
+};
+
+// Rows of the reference ink at a glyph height, where the reference family is not installed.
+int ReferenceTop(int h) {
+    return static_cast<int>(std::floor(h * 2254 / 2888.0 + 0.5) - std::ceil(h * 1466 / 2888.0));
+}
+int ReferenceBottom(int h) {
+    return static_cast<int>(std::floor(h * 2254 / 2888.0 + 0.5) + std::ceil(h * 431 / 2888.0)) - 1;
+}
+
+void ExpectSame(const MGlyph* actual, const PlainGlyph& expected) {
+    if (expected.pixels.empty()) {
+        EXPECT_EQ(actual, nullptr);
+        return;
+    }
+    ASSERT_NE(actual, nullptr);
+    ASSERT_EQ(actual->Width, expected.width);
+    EXPECT_EQ(actual->SpacingBefore, expected.before);
+    EXPECT_EQ(actual->SpacingAfter, expected.after);
+    ASSERT_TRUE(actual->RowsMatchPicture());
+    ASSERT_EQ(expected.pixels.size(), std::size_t{actual->Picture.Width} * actual->Picture.Height);
+    const auto* const pixels = reinterpret_cast<const MColour*>(actual->Picture.Pixels);
+    const auto [at, other] = std::mismatch(expected.pixels.begin(), expected.pixels.end(), pixels);
+    EXPECT_EQ(at, expected.pixels.end()) << "pixel " << at - expected.pixels.begin() << ": alpha "
+                                         << int{other->a} << " instead of " << int{at->a};
+}
+
+int VisibleRows(const MGlyph& glyph) {
+    std::uint32_t top = 0;
+    std::uint32_t bottom = 0;
+    glyph.GetVerticalMargins(top, bottom);
+    return static_cast<int>(glyph.Picture.Height - top - bottom);
+}
+
+} // namespace
+
+TEST_F(GlyphRenderer, CanvasIsThreeHeightsWideInSteps) {
+    struct Case {
+        std::int32_t height;
+        std::int32_t width;
+        std::int32_t canvasHeight;
+    };
+    for (const Case& c : {Case{100, 300, 450}, Case{101, 304, 456}, Case{16, 48, 72}, Case{1024, 3072, 4608}}) {
+        settings.GlyphHeight = c.height;
+        const MGlyphRenderer renderer(nullptr);
+        EXPECT_TRUE(renderer.ready);
+        EXPECT_EQ(renderer.canvasWidth, c.width);
+        EXPECT_EQ(renderer.canvasHeight, c.canvasHeight);
+    }
+    for (const std::int32_t height : {0, -1, INT32_MIN, INT32_MAX, 1'000'000}) {
+        settings.GlyphHeight = height;
+        EXPECT_FALSE(MGlyphRenderer(nullptr).ready) << height;
+    }
+}
+
+TEST_F(GlyphRenderer, GlyphsAreThoseOfTheWholeCanvas) {
+    struct Case {
+        const char* family;
+        std::int32_t weight;
+        bool italic;
+        const char* file;
+        int height;
+        int step;
+    };
+    for (const Case& c : {Case{"Liberation Sans", 400, false, "LiberationSans-Regular", 100, 1},
+                          Case{"Liberation Serif", 400, true, "LiberationSerif-Italic", 101, 1},
+                          Case{"DejaVu Sans", 700, false, "DejaVuSans-Bold", 16, 1},
+                          Case{"DejaVu Sans Mono", 400, false, "DejaVuSansMono", 1024, 40}}) {
+        settings.FontName = c.family;
+        settings.Weight = c.weight;
+        settings.Italic = c.italic;
+        settings.GlyphHeight = c.height;
+        MGlyphRenderer renderer(nullptr);
+        ASSERT_TRUE(renderer.ready);
+        PlainRenderer plain(FontPath(c.file), c.height, ReferenceTop(c.height), ReferenceBottom(c.height));
+        EXPECT_EQ(renderer.fontHeight, plain.fontHeight) << c.file;
+        EXPECT_EQ(renderer.verticalOffset, plain.verticalOffset) << c.file;
+        for (int code = 33; code < 256; code += c.step) {
+            SCOPED_TRACE(testing::Message() << c.file << " " << c.height << " code " << code);
+            const auto character = static_cast<char16_t>(code);
+            const auto glyph = renderer.RenderGlyph(character);
+            ExpectSame(glyph.get(), plain.Render(character));
+            if (glyph) {
+                EXPECT_EQ(glyph->Character, character);
+                EXPECT_EQ(glyph->Height, c.height);
+                EXPECT_FALSE(glyph->FromPicture);
+            }
+        }
+    }
+}
+
+TEST_F(GlyphRenderer, AllFamiliesComeOutEquallyTall) {
+    settings.GlyphHeight = 300;
+    for (const char* family :
+         {"Liberation Sans", "Liberation Serif", "Liberation Mono", "Liberation Sans Narrow", "DejaVu Sans",
+          "DejaVu Serif", "DejaVu Sans Mono", "DejaVu Sans Condensed", "Arial Black", "No Such Family"}) {
+        settings.FontName = family;
+        MGlyphRenderer renderer(nullptr);
+        ASSERT_TRUE(renderer.ready) << family;
+        const auto capital = renderer.RenderGlyph(u'I');
+        const auto small = renderer.RenderGlyph(u'j');
+        ASSERT_TRUE(capital && small) << family;
+        std::uint32_t capitalTop = 0;
+        std::uint32_t smallTop = 0;
+        std::uint32_t bottom = 0;
+        capital->GetVerticalMargins(capitalTop, bottom);
+        small->GetVerticalMargins(smallTop, bottom);
+        const auto top = static_cast<int>(std::min(capitalTop, smallTop));
+        EXPECT_NEAR(top, ReferenceTop(300), 1) << family;
+        EXPECT_NEAR(299 - static_cast<int>(bottom), ReferenceBottom(300), 1) << family;
+    }
+}
+
+TEST_F(GlyphRenderer, TheReferenceFamilyIsItsOwnMeasure) {
+    const AddedFonts added;
+    ASSERT_TRUE(added.Add("black.ttf", Renamed(FontPath("DejaVuSans-Bold"), "DejaVu Sans", "Arial Black")));
+    settings.FontName = "Arial Black";
+    settings.ColourFont = true;
+    MGlyphRenderer reference(nullptr);
+    ASSERT_TRUE(reference.ready);
+    EXPECT_EQ(reference.fontHeight, 100);
+    EXPECT_EQ(reference.verticalOffset, 0);
+    EXPECT_EQ(reference.colourSizeFactor, 1.0F);
+
+    // Any other family is measured against it: the same outlines under their own name come out the same size.
+    settings.ColourFont = false;
+    settings.FontName = "DejaVu Sans";
+    settings.Weight = 700;
+    const MGlyphRenderer same(nullptr);
+    EXPECT_EQ(same.fontHeight, 100);
+    EXPECT_EQ(same.verticalOffset, 0);
+    settings.FontName = "arial black";
+    EXPECT_EQ(MGlyphRenderer(nullptr).fontHeight, 100) << "measured, by the same face";
+}
+
+TEST_F(GlyphRenderer, SpacingsRoundUpAndThinInkIsNoGlyph) {
+    settings.FontName = "Liberation Serif";
+    settings.Italic = true;
+    MGlyphRenderer renderer(nullptr);
+    MInk ink;
+    ASSERT_TRUE(renderer.font->GetInk(u'j', ink));
+    ASSERT_LT(ink.a, 0);
+    const auto glyph = renderer.RenderGlyph(u'j');
+    ASSERT_TRUE(glyph);
+    EXPECT_EQ(glyph->SpacingBefore, -(-ink.a / 2)) << "toward zero for what is negative";
+    EXPECT_EQ(glyph->Width, (ink.b + 1) / 2);
+    bool firstColumn = false;
+    for (std::int32_t y = 0; y < glyph->Height; ++y)
+        firstColumn = firstColumn || glyph->GetPixel(0, y).a > 0;
+    EXPECT_TRUE(firstColumn) << "ink that hangs out to the left still begins at column 0";
+
+    EXPECT_EQ(renderer.RenderGlyph(u' '), nullptr);
+    settings.GlyphHeight = 16;
+    settings.FontName = "DejaVu Sans";
+    settings.Italic = false;
+    settings.Weight = 200;
+    MGlyphRenderer thin(nullptr);
+    ASSERT_TRUE(thin.font->GetInk(u'|', ink));
+    ASSERT_GT(ink.b, 0);
+    ASSERT_LE(ink.b, 2);
+    EXPECT_EQ(thin.RenderGlyph(u'|'), nullptr);
+}
+
+TEST_F(GlyphRenderer, SettingsAreReadAtEveryUse) {
+    MGlyphRenderer renderer(nullptr);
+    settings.Colour = MColour(1, 2, 3, 77);
+    const auto glyph = renderer.RenderGlyph(u'H');
+    ASSERT_TRUE(glyph);
+    EXPECT_EQ(glyph->GetPixel(0, 0), MColour(1, 2, 3, 0)) << "the colour also where nothing is seen";
+    EXPECT_EQ(glyph->GetPixel(2, 60), MColour(1, 2, 3, 255));
+}
+
+// Without ink to measure, the size grows by the whole reference extent: glyphs reach beyond the canvas, and
+// wrap.
+TEST_F(GlyphRenderer, AFamilyWithoutTheMeasureTextIsHugeAndHarmless) {
+    const std::string file = FontPath("LiberationSans-Regular");
+    const PlainFace face(file);
+    const std::string bytes =
+        WithoutInk(Renamed(file, "Liberation Sans", "Laboratory Sans"),
+                   {FT_Get_Char_Index(face.face, u'I'), FT_Get_Char_Index(face.face, u'j')});
+    const AddedFonts added;
+    const MString path = added.Write("blank.ttf", bytes);
+    ASSERT_TRUE(AddFontFile(path));
+    settings.FontName = "Laboratory Sans";
+    for (const std::int32_t height : {16, 50}) {
+        settings.GlyphHeight = height;
+        MGlyphRenderer renderer(nullptr);
+        ASSERT_TRUE(renderer.ready);
+        EXPECT_EQ(renderer.fontHeight, height * (ReferenceBottom(height) - ReferenceTop(height) + 1));
+        PlainRenderer plain(ToSystem(path), height, ReferenceTop(height), ReferenceBottom(height));
+        for (const char16_t character : {u'A', u'-', u'\'', u'I', u'g'}) {
+            SCOPED_TRACE(testing::Message() << height << " " << int{character});
+            const auto glyph = renderer.RenderGlyph(character);
+            ExpectSame(glyph.get(), plain.Render(character));
+            if (character == u'A') {
+                EXPECT_GT(glyph->Width * 2, renderer.canvasWidth);
+            }
+        }
+    }
+    settings.GlyphHeight = 1024;
+    MGlyphRenderer renderer(nullptr);
+    EXPECT_TRUE(renderer.ready);
+    EXPECT_EQ(renderer.RenderGlyph(u'A'), nullptr) << "no font has this size";
+}
+
+TEST_F(GlyphRenderer, RunFillsSlotsAndTakesMetricsFromA) {
+    MColourFont font(nullptr);
+    settings.Selected.fill(0);
+    settings.Selected[32] = 1;
+    EXPECT_FALSE(font.GenerateSelectedCharacters()) << "the space is no character to render";
+
+    SelectAll();
+    EXPECT_TRUE(font.GenerateSelectedCharacters());
+    // All but the no-break space and, where the font draws nothing for it, the soft hyphen.
+    EXPECT_GE(font.GlyphCount(), 188);
+    EXPECT_EQ(font.GetGlyph(0xA0), nullptr);
+    ASSERT_TRUE(font.GetGlyph(u'A'));
+    std::uint32_t top = 0;
+    std::uint32_t bottom = 0;
+    font.GetGlyph(u'A')->GetVerticalMargins(top, bottom);
+    EXPECT_EQ(font.Baseline, static_cast<std::int32_t>(bottom));
+    EXPECT_EQ(font.CapHeight, VisibleRows(*font.GetGlyph(u'A')));
+    EXPECT_GT(font.CapHeight, 40);
+    EXPECT_TRUE(Headless::record.progressTexts.back().Equals(u"Creating characters..."));
+    EXPECT_EQ(Headless::record.progressPercents.back(), 100);
+
+    // Metrics that are known stay; unknown ones are measured again.
+    settings.GlyphHeight = 50;
+    settings.Selected.fill(0);
+    settings.Selected['A'] = 1;
+    const std::int32_t capHeight = font.CapHeight;
+    font.GenerateSelectedCharacters();
+    EXPECT_EQ(font.GetGlyph(u'A')->Height, 50);
+    EXPECT_EQ(font.CapHeight, capHeight);
+    font.Baseline = 0;
+    font.GenerateSelectedCharacters();
+    EXPECT_LT(font.CapHeight, capHeight);
+}
+
+TEST_F(GlyphRenderer, ACharacterThatHasNoInkLosesItsOldGlyph) {
+    MColourFont font(nullptr);
+    settings.Selected.fill(0);
+    settings.Selected[0xA0] = 1;
+    font.Glyphs[4] = std::make_unique<MGlyph>(0xA0, 5, 5, 0, 0, true);
+    EXPECT_TRUE(font.GenerateSelectedCharacters());
+    EXPECT_EQ(font.GlyphCount(), 0);
+}
+
+TEST_F(GlyphRenderer, FullTableAndUnreadyRendererChangeNothing) {
+    MColourFont font(nullptr);
+    for (std::size_t i = 0; i < MColourFont::SlotCount; ++i)
+        font.Glyphs[i] = std::make_unique<MGlyph>(static_cast<std::uint32_t>(1000 + i), 1, 1, 0, 0, false);
+    EXPECT_TRUE(font.GenerateSelectedCharacters());
+    EXPECT_EQ(font.GetGlyph(u'A'), nullptr);
+    EXPECT_EQ(font.CapHeight, 0);
+
+    settings.GlyphHeight = 0;
+    Headless::Reset();
+    EXPECT_TRUE(font.GenerateSelectedCharacters());
+    EXPECT_TRUE(Headless::record.progressTexts.empty());
+}

@@ -1,0 +1,266 @@
+#include "platform/text/MSizedFont.h"
+
+#include "platform_text/FontFixture.h"
+
+#include <ft2build.h>
+
+#include <algorithm>
+#include <cmath>
+#include <numeric>
+#include FT_FREETYPE_H
+#include FT_OUTLINE_H
+#include FT_TRUETYPE_TABLES_H
+#include <gtest/gtest.h>
+
+namespace {
+
+// The extent of an outline in font units, with the extremes of its curves solved for.
+struct Extent {
+    double low[2] = {1e9, 1e9};
+    double high[2] = {-1e9, -1e9};
+    double pen[2] = {};
+
+    void Add(double x, double y) {
+        low[0] = std::min(low[0], x);
+        low[1] = std::min(low[1], y);
+        high[0] = std::max(high[0], x);
+        high[1] = std::max(high[1], y);
+    }
+    void To(const FT_Vector* to) {
+        pen[0] = static_cast<double>(to->x);
+        pen[1] = static_cast<double>(to->y);
+        Add(pen[0], pen[1]);
+    }
+    void Curve(const FT_Vector* control, const FT_Vector* to) {
+        const double c[2] = {static_cast<double>(control->x), static_cast<double>(control->y)};
+        const double e[2] = {static_cast<double>(to->x), static_cast<double>(to->y)};
+        for (const int axis : {0, 1}) {
+            const double t = (pen[axis] - c[axis]) / (pen[axis] - 2 * c[axis] + e[axis]);
+            if (!(t > 0 && t < 1)) continue;
+            const double at = (1 - t) * (1 - t) * pen[axis] + 2 * t * (1 - t) * c[axis] + t * t * e[axis];
+            low[axis] = std::min(low[axis], at);
+            high[axis] = std::max(high[axis], at);
+        }
+        To(to);
+    }
+};
+
+class RawFace {
+public:
+    FT_Library library = nullptr;
+    FT_Face face = nullptr;
+
+    explicit RawFace(const std::string& file) {
+        FT_Init_FreeType(&library);
+        EXPECT_EQ(FT_New_Face(library, file.c_str(), 0, &face), 0) << file;
+    }
+    RawFace(const RawFace&) = delete;
+    RawFace& operator=(const RawFace&) = delete;
+    ~RawFace() { FT_Done_FreeType(library); }
+
+    double Cell() const {
+        const auto* const os2 = static_cast<const TT_OS2*>(FT_Get_Sfnt_Table(face, FT_SFNT_OS2));
+        return os2->usWinAscent + os2->usWinDescent;
+    }
+    Extent Measure(char16_t character) const {
+        EXPECT_EQ(FT_Load_Glyph(face, FT_Get_Char_Index(face, character), FT_LOAD_NO_SCALE), 0);
+        FT_Outline_Funcs walk{};
+        walk.move_to = [](const FT_Vector* to, void* extent) {
+            return static_cast<Extent*>(extent)->To(to), 0;
+        };
+        walk.line_to = walk.move_to;
+        walk.conic_to = [](const FT_Vector* control, const FT_Vector* to, void* extent) {
+            return static_cast<Extent*>(extent)->Curve(control, to), 0;
+        };
+        Extent extent;
+        FT_Outline_Decompose(&face->glyph->outline, &walk, &extent);
+        return extent;
+    }
+};
+
+// The rounding of FreeType's outlines to a 64th of a pixel may carry an edge over a pixel border that it almost
+// touches.
+void ExpectWhole(std::int32_t actual, double exact, double (*round)(double), const char* what) {
+    EXPECT_GE(actual, round(exact - 1.0 / 32)) << what;
+    EXPECT_LE(actual, round(exact + 1.0 / 32)) << what;
+}
+
+double Floor(double x) {
+    return std::floor(x);
+}
+double Ceil(double x) {
+    return std::ceil(x);
+}
+double Round(double x) {
+    return std::floor(x + 0.5);
+}
+
+int Sum(std::span<const std::uint8_t> coverage) {
+    return std::accumulate(coverage.begin(), coverage.end(), 0);
+}
+
+// The coverage of a region, row after row.
+std::vector<std::uint8_t> Draw(MSizedFont& font, char16_t character, std::int64_t x, std::int64_t y,
+                               const MPixelRect& region) {
+    struct Canvas {
+        std::size_t width;
+        std::vector<std::uint8_t> pixels;
+    };
+    if (region.IsEmpty()) return {};
+    Canvas canvas{static_cast<std::size_t>(region.right - region.left), {}};
+    canvas.pixels.resize(canvas.width * static_cast<std::size_t>(region.bottom - region.top));
+    font.Draw(
+        character, x, y, region,
+        [](std::int32_t row, std::span<const MSpan> spans, void* context) {
+            auto& to = *static_cast<Canvas*>(context);
+            for (const MSpan& span : spans) {
+                EXPECT_GT(span.coverage, 0);
+                for (int i = 0; i < span.length; ++i) {
+                    std::uint8_t& pixel = to.pixels.at(static_cast<std::size_t>(row) * to.width +
+                                                       static_cast<std::size_t>(span.x + i));
+                    EXPECT_EQ(pixel, 0) << "told twice";
+                    pixel = span.coverage;
+                }
+            }
+        },
+        &canvas);
+    return canvas.pixels;
+}
+
+// The whole ink of a character.
+std::vector<std::uint8_t> DrawAll(MSizedFont& font, char16_t character, MInk& ink) {
+    EXPECT_TRUE(font.GetInk(character, ink));
+    return Draw(font, character, 0, 0, {ink.a, -ink.above, ink.a + ink.b, ink.below});
+}
+
+} // namespace
+
+TEST(SizedFont, WidthsAreThoseOfTheOutline) {
+    struct Case {
+        const char* family;
+        std::int32_t weight;
+        bool italic;
+        const char* file;
+    };
+    for (const Case& wish : {Case{"Liberation Sans", 400, false, "LiberationSans-Regular"},
+                             Case{"Liberation Serif", 700, true, "LiberationSerif-BoldItalic"},
+                             Case{"DejaVu Sans Mono", 400, false, "DejaVuSansMono"}}) {
+        const RawFace raw(FontPath(wish.file));
+        MSizedFont font(wish.family, wish.weight, wish.italic);
+        for (const std::int32_t height : {9, 32, 101, 2048}) {
+            ASSERT_TRUE(font.SetHeight(height));
+            const double scale = height / raw.Cell();
+            for (char16_t code = 33; code < 256; ++code) {
+                const Extent extent = raw.Measure(code);
+                if (extent.high[0] < extent.low[0]) continue;
+                SCOPED_TRACE(testing::Message() << wish.file << " " << height << " code " << int{code});
+                MInk ink;
+                ASSERT_TRUE(font.GetInk(code, ink));
+                ExpectWhole(ink.a, extent.low[0] * scale, Floor, "a");
+                ExpectWhole(ink.a + ink.b, extent.high[0] * scale, Ceil, "b");
+                ExpectWhole(ink.above, extent.high[1] * scale, Ceil, "above");
+                ExpectWhole(-ink.below, extent.low[1] * scale, Floor, "below");
+                ExpectWhole(ink.a + ink.b + ink.c,
+                            static_cast<double>(raw.face->glyph->metrics.horiAdvance) * scale, Round,
+                            "advance");
+            }
+        }
+    }
+}
+
+TEST(SizedFont, CellIsAsHighAsAsked) {
+    // usWinAscent 1854 and usWinDescent 434 of 2048 units.
+    MSizedFont font("Liberation Sans", 400, false);
+    ASSERT_TRUE(font.SetHeight(2288));
+    EXPECT_EQ(font.ascent, 1854);
+    MInk ink;
+    ASSERT_TRUE(font.GetInk(u'H', ink));
+    EXPECT_EQ(ink.above, 1409);
+    EXPECT_EQ(ink.below, 0);
+    EXPECT_EQ(ink.a + ink.b + ink.c, 1479);
+    ASSERT_TRUE(font.SetHeight(100));
+    EXPECT_EQ(font.ascent, 81);
+}
+
+TEST(SizedFont, NoInkHasAnAdvanceOnly) {
+    MSizedFont font("Liberation Sans", 400, false);
+    ASSERT_TRUE(font.SetHeight(2288));
+    MInk ink;
+    ASSERT_TRUE(font.GetInk(u' ', ink));
+    EXPECT_EQ(ink.a, 0);
+    EXPECT_EQ(ink.b, 0);
+    EXPECT_EQ(ink.c, 569);
+    EXPECT_EQ(Sum(Draw(font, u' ', 0, 0, {0, 0, 10, 10})), 0);
+}
+
+TEST(SizedFont, WhatTheFaceLacksIsItsOwnBox) {
+    MSizedFont font("Liberation Sans", 400, false);
+    ASSERT_TRUE(font.SetHeight(200));
+    // An ideograph, a private code and half a surrogate pair, none of which this face has.
+    MInk box;
+    const auto drawn = DrawAll(font, u'\u4E00', box);
+    EXPECT_GT(Sum(drawn), 0);
+    for (const char16_t code : {char16_t{0xE000}, char16_t{0xD800}, char16_t{1}}) {
+        MInk ink;
+        EXPECT_EQ(DrawAll(font, code, ink), drawn) << int{code};
+    }
+}
+
+TEST(SizedFont, RegionsAreCutsOfOneDrawing) {
+    MSizedFont font("Liberation Serif", 400, true);
+    ASSERT_TRUE(font.SetHeight(150));
+    MInk ink;
+    const auto whole = DrawAll(font, u'j', ink);
+    EXPECT_LT(ink.a, 0);
+    const auto width = static_cast<std::size_t>(ink.b);
+    for (const auto& row : {std::size_t{0}, whole.size() / width - 1})
+        EXPECT_GT(Sum(std::span(whole).subspan(row * width, width)), 0) << "an outermost row is inked";
+
+    // One column and row inside on the left and top, two and three beyond on the right and bottom.
+    const MPixelRect region{101, 203, 100 + ink.b + 2, 200 + ink.above + ink.below + 3};
+    const auto cut = Draw(font, u'j', 100 - ink.a, 200 + ink.above, region);
+    ASSERT_EQ(cut.size(), (width + 1) * static_cast<std::size_t>(region.bottom - region.top));
+    for (std::size_t i = 0; i < cut.size(); ++i) {
+        const std::size_t x = i % (width + 1) + 1;
+        const std::size_t y = i / (width + 1) + 3;
+        const int expected = x < width && y * width < whole.size() ? whole[y * width + x] : 0;
+        ASSERT_EQ(int{cut[i]}, expected) << x << ", " << y;
+    }
+    EXPECT_EQ(Sum(Draw(font, u'j', 1'000'000'000'000, 0, {0, 0, 8, 8})), 0);
+    EXPECT_EQ(Sum(Draw(font, u'j', 0, 0, {8, 8, 0, 0})), 0);
+}
+
+TEST(SizedFont, MadeBoldIsHeavierAndMadeItalicLeans) {
+    const auto draw = [](std::int32_t weight, bool italic, char16_t code, MInk& ink) {
+        MSizedFont font("DejaVu Math TeX Gyre", weight, italic);
+        EXPECT_TRUE(font.SetHeight(300));
+        return DrawAll(font, code, ink);
+    };
+    MInk regular;
+    MInk bold;
+    MInk italic;
+    const int regularSum = Sum(draw(400, false, u'I', regular));
+    EXPECT_GT(Sum(draw(700, false, u'I', bold)), regularSum * 11 / 10);
+    EXPECT_GT(bold.a + bold.b + bold.c, regular.a + regular.b + regular.c);
+    const int italicSum = Sum(draw(400, true, u'I', italic));
+    EXPECT_NEAR(italicSum, regularSum, regularSum / 100.0);
+    // A shear of 0.2 over the height of the letter.
+    EXPECT_NEAR(italic.b, regular.b + 0.2 * regular.above, 2);
+    EXPECT_EQ(italic.a + italic.b + italic.c, regular.a + regular.b + regular.c);
+}
+
+TEST(SizedFont, SizesThatNoFontHas) {
+    MSizedFont font("Liberation Sans", 400, false);
+    MInk ink;
+    EXPECT_FALSE(font.GetInk(u'A', ink)) << "no size yet";
+    for (const std::int32_t height : {0, -5, INT32_MIN, 40'000, 1'400'000, INT32_MAX}) {
+        EXPECT_FALSE(font.SetHeight(height)) << height;
+        EXPECT_FALSE(font.GetInk(u'A', ink)) << height;
+        EXPECT_EQ(Sum(Draw(font, u'A', 0, 0, {0, 0, 10, 10})), 0) << height;
+    }
+    EXPECT_TRUE(font.SetHeight(30'000));
+    ASSERT_TRUE(font.GetInk(u'I', ink));
+    EXPECT_GT(ink.above, 10'000);
+    EXPECT_EQ(Sum(Draw(font, u'I', -ink.a - ink.b / 2, ink.above / 2, {0, 0, 64, 64})), 64 * 64 * 255)
+        << "inside the stem";
+}

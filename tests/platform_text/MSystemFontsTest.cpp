@@ -1,0 +1,101 @@
+#include "platform/text/MSystemFonts.h"
+
+#include "platform_text/FontFixture.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+using testing::EndsWith;
+
+constexpr std::array<double, 4> noMatrix{1, 0, 0, 1};
+
+bool Has(const std::vector<MSystemFace>& faces, const char* family, std::int32_t weight, bool italic,
+         const char* style) {
+    return std::ranges::any_of(faces, [&](const MSystemFace& face) {
+        return face.family.Equals(MString(family)) && face.weight == weight && face.italic == italic &&
+               face.style.Equals(MString(style));
+    });
+}
+
+} // namespace
+
+TEST(SystemFonts, ListsEveryFaceUnderEachOfItsNames) {
+    const auto faces = ListSystemFaces();
+    EXPECT_TRUE(Has(faces, "Liberation Sans", 400, false, "Regular"));
+    EXPECT_TRUE(Has(faces, "Liberation Serif", 700, true, "Bold Italic"));
+    EXPECT_TRUE(Has(faces, "DejaVu Sans", 700, true, "Bold Oblique"));
+    EXPECT_TRUE(Has(faces, "DejaVu Sans", 200, false, "ExtraLight"));
+    EXPECT_TRUE(Has(faces, "DejaVu Sans Light", 200, false, "ExtraLight"));
+    EXPECT_TRUE(Has(faces, "DejaVu Sans Condensed", 400, false, "Condensed"));
+}
+
+TEST(SystemFonts, MapperGivesTheFaceOfTheFamily) {
+    struct Case {
+        const char* family;
+        std::int32_t weight;
+        bool italic;
+        const char* file;
+    };
+    for (const Case& wish : {Case{"Liberation Sans", 400, false, "/LiberationSans-Regular.ttf"},
+                             Case{"Liberation Sans", 0, false, "/LiberationSans-Regular.ttf"},
+                             Case{"liberation SANS", 700, false, "/LiberationSans-Bold.ttf"},
+                             Case{"Liberation Sans", 900, true, "/LiberationSans-BoldItalic.ttf"},
+                             Case{"DejaVu Sans", 400, true, "/DejaVuSans-Oblique.ttf"},
+                             Case{"DejaVu Sans", 100, false, "/DejaVuSans-ExtraLight.ttf"},
+                             Case{"DejaVu Sans", 400, false, "/DejaVuSans.ttf"},
+                             Case{"DejaVu Sans Condensed", 700, false, "/DejaVuSansCondensed-Bold.ttf"},
+                             Case{"Arial", 700, false, "/LiberationSans-Bold.ttf"},
+                             Case{"Arial Black", 100, false, "/DejaVuSans-Bold.ttf"}}) {
+        const auto match = MatchFont(wish.family, wish.weight, wish.italic);
+        ASSERT_TRUE(match);
+        EXPECT_THAT(match->file, EndsWith(wish.file)) << wish.family << " " << wish.weight;
+        EXPECT_FALSE(match->embolden);
+        EXPECT_EQ(match->matrix, noMatrix);
+    }
+}
+
+TEST(SystemFonts, MissingBoldAndItalicAreMade) {
+    const auto bold = MatchFont("DejaVu Math TeX Gyre", 700, false);
+    ASSERT_TRUE(bold);
+    EXPECT_THAT(bold->file, EndsWith("/DejaVuMathTeXGyre.ttf"));
+    EXPECT_TRUE(bold->embolden);
+    EXPECT_EQ(bold->matrix, noMatrix);
+
+    const auto italic = MatchFont("DejaVu Math TeX Gyre", 400, true);
+    ASSERT_TRUE(italic);
+    EXPECT_THAT(italic->file, EndsWith("/DejaVuMathTeXGyre.ttf"));
+    EXPECT_FALSE(italic->embolden);
+    EXPECT_GT(italic->matrix[1], 0.1);
+}
+
+TEST(SystemFonts, AnUnknownFamilyGivesSomeFont) {
+    for (const char* family : {"No Such Family", "", "\xFF\xFE"}) {
+        EXPECT_FALSE(IsFamilyInstalled(family));
+        EXPECT_TRUE(MatchFont(family, 400, false)) << family;
+    }
+    EXPECT_TRUE(MatchFont("Liberation Sans", 2'000'000'000, false));
+    EXPECT_TRUE(MatchFont("Liberation Sans", -2'000'000'000, false));
+}
+
+TEST(SystemFonts, AFontFileIsAFontOfThisRun) {
+    const AddedFonts added;
+    EXPECT_FALSE(IsFamilyInstalled("Laboratory Sans"));
+    EXPECT_TRUE(added.Add("lab.ttf",
+                          Renamed(FontPath("LiberationSans-Regular"), "Liberation Sans", "Laboratory Sans")));
+    EXPECT_TRUE(IsFamilyInstalled("Laboratory Sans"));
+    EXPECT_TRUE(Has(ListSystemFaces(), "Laboratory Sans", 400, false, "Regular"));
+    const auto match = MatchFont("Laboratory Sans", 400, false);
+    ASSERT_TRUE(match);
+    EXPECT_THAT(match->file, EndsWith("/lab.ttf"));
+
+    EXPECT_FALSE(added.Add("text.ttf", "this is no font"));
+    EXPECT_FALSE(added.Add("empty.ttf", ""));
+    EXPECT_FALSE(AddFontFile("/no/such/file.ttf"));
+    EXPECT_FALSE(AddFontFile("/usr/share/fonts"));
+    EXPECT_FALSE(AddFontFile(""));
+}
