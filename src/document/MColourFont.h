@@ -92,6 +92,13 @@ public:
     // Into a document that was cleared. The PNG is sought beside the file, then in ../Textures, then by asking.
     // False if there is no such file or picture, or the header is wrong; what was read until then stays.
     bool Load(const MString& path);
+    // A web page beside its script, picture and run-time script. A `minimal` page shows one line; the other lets
+    // its reader try the font. False without a packed picture, if the user shrinks from its size, or if the page
+    // or the script can't be written.
+    bool ExportHtml(const MString& path, bool minimal);
+    // A script that ExportHtml wrote, into a document that was cleared. The PNG is sought beside it, then by
+    // asking. False if there is no such file or picture; true even for another first line, after a message.
+    bool ImportJavascript(const MString& path);
     // One PNG for each glyph, named C and its code, into the folder of `path`. True if at least one was written.
     bool ExportSingleFiles(const MString& path);
 };

@@ -1,13 +1,17 @@
 #include "apps/lettrino-cli/FontFiles.h"
 
+#include "document/SetText.h"
 #include "formats/MTextFile.h"
+#include "formats/WebFont.h"
 #include "foundation/MFile.h"
 #include "foundation/MFolders.h"
 #include "foundation/MUtf8.h"
+#include "platform/headless/Headless.h"
 #include "platform/text/MSystemFonts.h"
 
 #include <algorithm>
 #include <array>
+#include <cstdio>
 #include <filesystem>
 #include <string_view>
 
@@ -19,19 +23,6 @@ MString Absolute(const std::string& file) {
     std::error_code error;
     const fs::path absolute = fs::absolute(file, error);
     return FromSystemPath(error ? fs::path(file) : absolute);
-}
-
-std::string WhyNotOpened(const MString& path) {
-    if (!FileExists(path)) return FolderExists(path) ? "it is a folder" : "no such file";
-    MTextFile text(path, false, false, MTextEncoding::Ansi);
-    if (!text.ok) return "it can't be opened";
-    const bool headerStands = text.NextLine() && text.GetString(0).Equals(u"Showmarquee") &&
-                              text.GetString(1).Equals(u"TextureFont");
-    if (!headerStands) return "it is no texture font: its first line is not the header";
-    MString picture = path;
-    picture.SetExtension("png");
-    return FileExists(picture) ? "its picture " + ToSystem(picture) + " can't be read"
-                               : "its picture is neither beside it nor in ../Textures";
 }
 
 // A PNG that was written to its end closes with the chunk IEND (PNG, third edition, 11.2.5).
@@ -64,12 +55,44 @@ StepResult AddFaces(const std::string& file) {
     return {};
 }
 
+struct FontForm {
+    const char16_t* extension; // as MString::GetExtension gives it
+    bool (*load)(MColourFont& font, const MString& path);
+    bool (*hasHeader)(MTextFile& file);
+};
+
+constexpr FontForm forms[] = {
+    {u"SM", [](MColourFont& font, const MString& path) { return font.Load(path); },
+     [](MTextFile& file) {
+         return file.NextLine() && file.GetString(0).Equals(u"Showmarquee") &&
+                file.GetString(1).Equals(u"TextureFont");
+     }},
+    {u"JS", [](MColourFont& font, const MString& path) { return font.ImportJavascript(path); },
+     [](MTextFile& file) { return file.NextLine() && file.GetLine().Equals(ScriptHeader()); }},
+};
+
+std::string WhyNotOpened(const MString& path, const FontForm& form) {
+    if (!FileExists(path)) return FolderExists(path) ? "it is a folder" : "no such file";
+    MTextFile text(path, false, false, MTextEncoding::Ansi);
+    if (!text.ok) return "it can't be opened";
+    if (!form.hasHeader(text)) return "it is no font of this form: its first line is not the header";
+    MString picture = path;
+    picture.SetExtension("png");
+    return FileExists(picture) ? "its picture " + ToSystem(picture) + " can't be read" : "its picture is not there";
+}
+
 StepResult Open(Run& run, const std::string& file) {
     const MString path = FromSystem(file);
-    if (!path.GetExtension().Equals(u"SM")) return StepFailure{file, "fonts are opened from .sm files"};
+    const auto form = std::ranges::find_if(
+        forms, [extension = path.GetExtension()](const FontForm& f) { return extension.Equals(f.extension); });
+    if (form == std::end(forms)) return StepFailure{file, "fonts are opened from .sm and .js files"};
     MColourFont& font = run.FontOrNew();
     font.Clear();
-    if (!font.Load(path)) return StepFailure{file, WhyNotOpened(path)};
+    // The import is a success for the program even where the header is wrong.
+    const std::size_t told = Headless::record.messages.size();
+    if (!form->load(font, path) || Headless::record.messages.size() != told) {
+        return StepFailure{file, WhyNotOpened(path, *form)};
+    }
     if (!font.Repack()) return StepFailure{file, "its glyphs don't fit a picture that memory can hold"};
     return {};
 }
@@ -98,6 +121,56 @@ StepResult SaveGlyphs(MColourFont& font, const std::string& file) {
     return StepFailure{file, font.GlyphCount() == 0 ? "the font has no glyphs" : "no file could be written"};
 }
 
+bool EndsAsWritten(const MString& script) {
+    return MTextFile::ReadWholeFile(script).View().ends_with(u"});\r\n");
+}
+
+void WarnOfName(const std::string& step, const MString& name) {
+    const auto isLetter = [](char16_t unit) {
+        const char16_t lower = ToLowerUnit(unit);
+        return (lower >= u'a' && lower <= u'z') || unit == u'_' || unit == u'$' || unit > 127;
+    };
+    const auto isDigit = [](char16_t unit) { return unit >= u'0' && unit <= u'9'; };
+    const bool valid = isLetter(name.GetChar(0)) &&
+                       std::ranges::all_of(name.View(), [&](char16_t unit) { return isLetter(unit) || isDigit(unit); });
+    if (valid) return;
+    std::fprintf(stderr, "lettrino-cli: %s: warning: '%s' is no name that a script can use; the page will not work\n",
+                 step.c_str(), ToSystem(name).c_str());
+}
+
+StepResult ExportPage(MColourFont& font, const std::string& file, bool minimal) {
+    if (file.find(' ') != std::string::npos) return StepFailure{file, "a font for the web takes no blanks in its path"};
+    const MString path = Absolute(file);
+    const fs::path folder = ToSystemPath(path).parent_path();
+    if (!IsFolder(folder)) return StepFailure{file, "there is no folder " + folder.string()};
+    WarnOfName(minimal ? "--minimal-html" : "--html", WebFontName(path));
+    const bool exported = font.ExportHtml(path, minimal);
+
+    // Failed copies, and a picture that can't be written, are not told by the export.
+    const auto sibling = [&](const char* extension) {
+        MString other = path;
+        other.SetExtension(extension);
+        return other;
+    };
+    const bool whole = exported && IsWholePng(sibling("png")) && EndsAsWritten(sibling("js")) &&
+                       FileExists(sibling("html"));
+    if (!whole) return StepFailure{file, "the page, its script and its picture could not all be written"};
+    if (!FileExists(JoinPath(FromSystemPath(folder), "lettrino-1.0.js"))) {
+        return StepFailure{file, "the run-time script is missing beside the program, in Media/www"};
+    }
+    return {};
+}
+
+StepResult DrawText(Run& run, MColourFont& font, const std::string& text, const std::string& file) {
+    const MString path = Absolute(file);
+    MPicture picture = SetText(font, FromSystem(text), run.settings.BackgroundColour);
+    if (!picture.IsValid()) return StepFailure{file, "the text is empty in this font"};
+    const bool saved = picture.Save(path);
+    picture.Free();
+    if (saved) return {};
+    return StepFailure{file, "the picture could not be written"};
+}
+
 } // namespace
 
 std::optional<StepAction> PrepareFontFile(StepArguments arguments) {
@@ -114,4 +187,18 @@ std::optional<StepAction> PrepareSave(StepArguments arguments) {
 
 std::optional<StepAction> PrepareSingleFiles(StepArguments arguments) {
     return OnFont([file = arguments[0]](Run&, MColourFont& font) { return SaveGlyphs(font, file); });
+}
+
+std::optional<StepAction> PrepareHtml(StepArguments arguments) {
+    return OnFont([file = arguments[0]](Run&, MColourFont& font) { return ExportPage(font, file, false); });
+}
+
+std::optional<StepAction> PrepareMinimalHtml(StepArguments arguments) {
+    return OnFont([file = arguments[0]](Run&, MColourFont& font) { return ExportPage(font, file, true); });
+}
+
+std::optional<StepAction> PrepareText(StepArguments arguments) {
+    return OnFont([text = arguments[0], file = arguments[1]](Run& run, MColourFont& font) {
+        return DrawText(run, font, text, file);
+    });
 }

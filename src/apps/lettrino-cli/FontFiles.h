@@ -8,3 +8,6 @@ std::optional<StepAction> PrepareFontFile(StepArguments arguments);
 std::optional<StepAction> PrepareOpen(StepArguments arguments);
 std::optional<StepAction> PrepareSave(StepArguments arguments);
 std::optional<StepAction> PrepareSingleFiles(StepArguments arguments);
+std::optional<StepAction> PrepareHtml(StepArguments arguments);
+std::optional<StepAction> PrepareMinimalHtml(StepArguments arguments);
+std::optional<StepAction> PrepareText(StepArguments arguments); // TEXT FILE.png
