@@ -79,11 +79,28 @@ public:
 
     // Renders the characters selected in the settings. False only if none is selected. The caller repacks.
     bool GenerateSelectedCharacters();
+    // Makes a glyph from a picture, scaled with the padding of the settings to their glyph height, keeping its
+    // proportions; `trim` removes empty columns. For "A" it measures the metrics anew. False if the file is no
+    // picture, a padding is negative, or the slots are full; an earlier glyph of the character may be gone then.
+    bool AddPictureGlyph(char16_t character, const MString& path, std::int32_t spacingBefore,
+                         std::int32_t spacingAfter, bool trim);
+    // The same from a picture in memory, of any format, which stays the caller's.
+    bool AddPictureGlyph(char16_t character, const MPicture& picture, std::int32_t spacingBefore,
+                         std::int32_t spacingAfter, bool trim);
     // Writes the settings' glyph height and makes SpaceWidth half of it.
     void SetGlyphHeight(std::int32_t height);
     // Finds the size of the packed picture, places every glyph and copies it there. False without memory for it:
     // the places stay as they were, and there is no picture.
     bool Repack();
+
+    // Multiplies the metrics, the glyphs with their spacings, and the kerning, each as a 32-bit float truncated toward
+    // zero. The settings' glyph height is the caller's to set.
+    void Scale(float factor);
+    // Removes the rows that are empty in all glyphs, at the top and at the bottom. Glyph height and baseline go down
+    // with them; a font without glyphs loses 10000 rows on either side.
+    void TrimVertically();
+    // RemoveGlyph for every character from 128 on.
+    void RemoveNonAscii();
 
     // A texture font: a text file with the extension sm beside a PNG of the same name; whatever extension `path`
     // has is replaced. False only if there is no packed picture: the caller must look itself whether the files

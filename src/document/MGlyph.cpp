@@ -1,6 +1,7 @@
 #include "document/MGlyph.h"
 
 #include "foundation/MDebug.h"
+#include "foundation/MNumbers.h"
 
 #include <cstring>
 
@@ -82,6 +83,21 @@ void MGlyph::TrimRows(std::uint32_t top, std::uint32_t bottom) {
                 std::size_t{trimmed.Stride} * trimmed.Height);
     ReplacePicture(trimmed);
     Height = static_cast<std::int32_t>(newHeight);
+}
+
+void MGlyph::Scale(float factor) {
+    const auto scaled = [factor](std::int32_t value) { return ToInteger(static_cast<float>(value) * factor); };
+    const std::int32_t newWidth = scaled(Width);
+    const std::int32_t newHeight = scaled(Height);
+    if (newWidth > 0 && newHeight > 0) {
+        const MPicture resized(Picture, static_cast<std::uint32_t>(newWidth), static_cast<std::uint32_t>(newHeight),
+                               FormatRGBA8, true, false);
+        if (resized.IsValid()) ReplacePicture(resized);
+    }
+    Width = newWidth;
+    Height = newHeight;
+    SpacingBefore = scaled(SpacingBefore);
+    SpacingAfter = scaled(SpacingAfter);
 }
 
 bool MGlyph::SavePicture(const MString& path) {

@@ -47,6 +47,9 @@ public:
     void Trim();
     // Removes rows from both ends; nothing happens if none would be left.
     void TrimRows(std::uint32_t top, std::uint32_t bottom);
+    // Resizes the picture and multiplies the spacings, truncated toward zero. If the new picture can't be made the
+    // old one stays, but the numbers change all the same.
+    void Scale(float factor);
     // Writes the glyph's own picture; false without one.
     bool SavePicture(const MString& path);
 

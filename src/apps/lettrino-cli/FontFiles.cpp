@@ -1,5 +1,6 @@
 #include "apps/lettrino-cli/FontFiles.h"
 
+#include "apps/lettrino-cli/Paths.h"
 #include "document/SetText.h"
 #include "formats/MTextFile.h"
 #include "formats/WebFont.h"
@@ -18,12 +19,6 @@
 namespace {
 
 namespace fs = std::filesystem;
-
-MString Absolute(const std::string& file) {
-    std::error_code error;
-    const fs::path absolute = fs::absolute(file, error);
-    return FromSystemPath(error ? fs::path(file) : absolute);
-}
 
 // A PNG that was written to its end closes with the chunk IEND (PNG, third edition, 11.2.5).
 bool IsWholePng(const MString& path) {
@@ -98,7 +93,7 @@ StepResult Open(Run& run, const std::string& file) {
 }
 
 StepResult Save(MColourFont& font, const std::string& file) {
-    const MString path = Absolute(file); // the font file records its picture's full path
+    const MString path = AbsolutePath(file); // the font file records its picture's full path
     const fs::path folder = ToSystemPath(path).parent_path();
     if (!IsFolder(folder)) return StepFailure{file, "there is no folder " + folder.string()};
     if (!font.Save(path)) return StepFailure{file, "the font has no picture: there was no memory for it"};
@@ -115,7 +110,7 @@ StepResult Save(MColourFont& font, const std::string& file) {
 }
 
 StepResult SaveGlyphs(MColourFont& font, const std::string& file) {
-    const MString folder = Absolute(file);
+    const MString folder = AbsolutePath(file);
     if (!IsFolder(ToSystemPath(folder))) return StepFailure{file, "there is no such folder"};
     if (font.ExportSingleFiles(JoinPath(folder, "glyph"))) return {};
     return StepFailure{file, font.GlyphCount() == 0 ? "the font has no glyphs" : "no file could be written"};
@@ -140,7 +135,7 @@ void WarnOfName(const std::string& step, const MString& name) {
 
 StepResult ExportPage(MColourFont& font, const std::string& file, bool minimal) {
     if (file.find(' ') != std::string::npos) return StepFailure{file, "a font for the web takes no blanks in its path"};
-    const MString path = Absolute(file);
+    const MString path = AbsolutePath(file);
     const fs::path folder = ToSystemPath(path).parent_path();
     if (!IsFolder(folder)) return StepFailure{file, "there is no folder " + folder.string()};
     WarnOfName(minimal ? "--minimal-html" : "--html", WebFontName(path));
@@ -162,7 +157,7 @@ StepResult ExportPage(MColourFont& font, const std::string& file, bool minimal) 
 }
 
 StepResult DrawText(Run& run, MColourFont& font, const std::string& text, const std::string& file) {
-    const MString path = Absolute(file);
+    const MString path = AbsolutePath(file);
     MPicture picture = SetText(font, FromSystem(text), run.settings.BackgroundColour);
     if (!picture.IsValid()) return StepFailure{file, "the text is empty in this font"};
     const bool saved = picture.Save(path);

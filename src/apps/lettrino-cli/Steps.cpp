@@ -1,6 +1,7 @@
 #include "apps/lettrino-cli/Steps.h"
 
 #include "apps/lettrino-cli/FontFiles.h"
+#include "apps/lettrino-cli/PictureSteps.h"
 #include "apps/lettrino-cli/Report.h"
 #include "apps/lettrino-cli/Words.h"
 #include "foundation/MNumbers.h"
@@ -32,11 +33,16 @@ Prepared SetHeight(StepArguments arguments) {
     return Set<&MSettings::GlyphHeight>(height);
 }
 
+StepResult RepackResult(MColourFont& font) {
+    if (font.Repack()) return {};
+    return StepFailure{{}, "the glyphs don't fit a picture that memory can hold"};
+}
+
 Prepared Generate(StepArguments) {
     return [](Run& run) -> StepResult {
         MColourFont& font = run.FontOrNew();
         if (!font.GenerateSelectedCharacters()) return StepFailure{{}, "no character is selected"};
-        if (!font.Repack()) return StepFailure{{}, "the glyphs don't fit a picture that memory can hold"};
+        if (const StepResult failure = RepackResult(font)) return failure;
         for (std::size_t code = 33; code < run.settings.Selected.size(); ++code) {
             if (run.settings.Selected[code] && font.GetGlyph(static_cast<char16_t>(code))) return {};
         }
@@ -72,8 +78,36 @@ Prepared Remove(StepArguments arguments) {
     return OnFont([character = *character](Run&, MColourFont& font) -> StepResult {
         if (!font.GetGlyph(character)) return StepFailure{{}, "the font has no glyph for this character"};
         font.RemoveGlyph(character);
-        font.Repack();
+        return RepackResult(font);
+    });
+}
+
+// TOP,BOTTOM and the like: two numbers into two fields.
+template<auto First, auto Second>
+Prepared SetPair(StepArguments arguments) {
+    const auto parts = SplitList(arguments[0]);
+    if (parts.size() != 2) return std::nullopt;
+    const auto first = ReadNumber(parts[0]);
+    const auto second = ReadNumber(parts[1]);
+    if (!first || !second) return std::nullopt;
+    return [first = *first, second = *second](Run& run) -> StepResult {
+        run.settings.*First = first;
+        run.settings.*Second = second;
         return {};
+    };
+}
+
+Prepared SetTrim(StepArguments arguments) {
+    if (arguments[0] != "yes" && arguments[0] != "no") return std::nullopt;
+    return Set<&MSettings::Trim>(std::optional(arguments[0] == "yes"));
+}
+
+// An edit of the whole font that can't fail, then a repack.
+template<void (MColourFont::*Edit)()>
+Prepared EditAll(StepArguments) {
+    return OnFont([](Run&, MColourFont& font) -> StepResult {
+        (font.*Edit)();
+        return RepackResult(font);
     });
 }
 
@@ -96,9 +130,19 @@ constexpr std::array steps{
     Step{"--font-file", "FILE", 1, "makes the faces of a font file available, as if installed", PrepareFontFile},
     Step{"--generate", "", 0, "renders the selected characters into the font, then repacks", Generate},
     Step{"--open", "FILE", 1, "opens a font file (.sm, or .js of a web page), then repacks", PrepareOpen},
+    Step{"--padding", "TOP,BOTTOM", 1, "pixels above and below the pictures that follow (0,0)",
+         SetPair<&MSettings::PaddingTop, &MSettings::PaddingBottom>},
+    Step{"--spacing", "BEFORE,AFTER", 1, "spacings of the pictures that follow (0,0)",
+         SetPair<&MSettings::SpacingBefore, &MSettings::SpacingAfter>},
+    Step{"--trim", "yes|no", 1, "whether their empty columns are removed (yes)", SetTrim},
+    Step{"--picture", "CHAR=FILE", 1, "a picture as a glyph; the first one of a new font sets its height", PreparePicture},
+    Step{"--pictures", "CHAR=FILE", 1, "the same with all pictures that follow it: A.png, B.png or x65.png, x66.png",
+         PreparePictures},
     Step{"--kern", "", 0, "generates and sorts the kerning", Kern},
     Step{"--set-kerning", "L,R,N", 1, "sets the kerning of a pair in pixels", SetKerning},
     Step{"--remove", "CHAR", 1, "removes a glyph and its kerning", Remove},
+    Step{"--ascii-only", "", 0, "removes the glyphs from code 128 on", EditAll<&MColourFont::RemoveNonAscii>},
+    Step{"--trim-rows", "", 0, "removes the rows that are empty in all glyphs", EditAll<&MColourFont::TrimVertically>},
     Step{"--save", "FILE.sm", 1, "writes the font as a texture font, FILE.sm and FILE.png", PrepareSave},
     Step{"--single-files", "FOLDER", 1, "writes each glyph as a PNG into a folder", PrepareSingleFiles},
     Step{"--html", "FILE.html", 1, "writes a web page on which the font can be tried, and all it needs", PrepareHtml},

@@ -1,0 +1,59 @@
+#include "apps/lettrino-cli/PictureSteps.h"
+
+#include "apps/lettrino-cli/Paths.h"
+#include "apps/lettrino-cli/Words.h"
+#include "foundation/MFolders.h"
+#include "glyphs/PictureSeries.h"
+
+namespace {
+
+struct CharacterFile {
+    char16_t character;
+    std::string file;
+};
+
+// CHAR=FILE; the character may itself be "=".
+std::optional<CharacterFile> ReadCharacterFile(const std::string& text) {
+    const std::size_t sign = text.find('=', 1);
+    if (sign == std::string::npos || sign + 1 == text.size()) return std::nullopt;
+    const auto character = ReadCharacter(std::string_view(text).substr(0, sign));
+    if (!character) return std::nullopt;
+    return CharacterFile{*character, text.substr(sign + 1)};
+}
+
+StepResult AddPictures(Run& run, const CharacterFile& wanted, bool series) {
+    const MString path = AbsolutePath(wanted.file); // a series is walked in the file's folder
+    if (!FileExists(path)) return StepFailure{wanted.file, "no such file"};
+    const bool isNew = !run.font;
+    MColourFont& font = run.FontOrNew();
+    MPicture picture(path);
+    if (!picture.IsValid()) return StepFailure{wanted.file, "it is no picture that can be read"};
+    if (isNew) run.settings.GlyphHeight = static_cast<std::int32_t>(picture.Height);
+    const bool added = font.AddPictureGlyph(wanted.character, picture, run.settings.SpacingBefore,
+                                            run.settings.SpacingAfter, run.settings.Trim);
+    picture.Free();
+    if (!added) {
+        const bool full = font.ClaimSlot(wanted.character) < 0;
+        return StepFailure{wanted.file, full ? "the font has 223 glyphs already" : "a padding is negative"};
+    }
+    if (series) AddSuccessivePictures(font, path, wanted.character);
+    font.SortGlyphs();
+    if (font.Repack()) return {};
+    return StepFailure{wanted.file, "the glyphs don't fit a picture that memory can hold"};
+}
+
+std::optional<StepAction> Prepare(StepArguments arguments, bool series) {
+    const auto wanted = ReadCharacterFile(arguments[0]);
+    if (!wanted) return std::nullopt;
+    return [wanted = *wanted, series](Run& run) { return AddPictures(run, wanted, series); };
+}
+
+} // namespace
+
+std::optional<StepAction> PreparePicture(StepArguments arguments) {
+    return Prepare(arguments, false);
+}
+
+std::optional<StepAction> PreparePictures(StepArguments arguments) {
+    return Prepare(arguments, true);
+}

@@ -1,0 +1,94 @@
+#include "DocumentFixture.h"
+#include "foundation/MDebug.h"
+
+#include <algorithm>
+#include <limits>
+#include <tuple>
+#include <vector>
+
+namespace {
+
+class WholeFontEditsTest : public DocumentTest {
+protected:
+    MColourFont font{nullptr};
+
+    void AddInk(char16_t character, std::int32_t firstRow, std::int32_t lastRow) {
+        MGlyph& glyph = AddGlyph(font, character, 10, 30);
+        for (std::int32_t y = firstRow; y <= lastRow; ++y) glyph.SetPixel(4, y, {1, 2, 3, 255});
+    }
+};
+
+TEST_F(WholeFontEditsTest, ScaleTruncatesFloats) {
+    const struct {
+        float factor;
+        std::int32_t width, height, before, after, amount, baseline;
+        std::int32_t newWidth, newHeight, newBefore, newAfter, newAmount, newBaseline;
+    } cases[] = {
+        {0.5F, 33, 20, -1, -3, -3, 7, 16, 10, 0, -1, -1, 3},
+        {27.0F / 19.0F, 19, 19, 19, 0, -1, 19, 26, 26, 26, 0, -1, 26}, // just below 27
+        {2.0F, 3, 4, 5, -6, 7, 8, 6, 8, 10, -12, 14, 16},
+    };
+    for (const auto& c : cases) {
+        font.Clear();
+        MGlyph& glyph = AddGlyph(font, u'A', c.width, c.height);
+        glyph.SpacingBefore = c.before;
+        glyph.SpacingAfter = c.after;
+        font.SetKerning('A', 'A', c.amount);
+        font.Baseline = font.CapHeight = font.SpaceWidth = c.baseline;
+        font.Scale(c.factor);
+        EXPECT_EQ(std::tuple(glyph.Width, glyph.Height, glyph.SpacingBefore, glyph.SpacingAfter),
+                  std::tuple(c.newWidth, c.newHeight, c.newBefore, c.newAfter));
+        EXPECT_EQ(glyph.Picture.Width, static_cast<std::uint32_t>(c.newWidth));
+        EXPECT_EQ(std::tuple(font.Baseline, font.CapHeight, font.SpaceWidth), std::tuple(c.newBaseline, c.newBaseline, c.newBaseline));
+        EXPECT_EQ(font.Kerning.data[0].Amount, c.newAmount); // stays, also with amount 0
+    }
+    EXPECT_EQ(settings.GlyphHeight, 100); // the caller's to set
+}
+
+TEST_F(WholeFontEditsTest, AFailedResizeKeepsThePictureButNotTheNumbers) {
+    MGlyph& glyph = AddGlyph(font, u'A', 10, 10);
+    font.Scale(0.05F);
+    EXPECT_EQ(std::pair(glyph.Width, glyph.Height), std::pair(0, 0));
+    EXPECT_EQ(glyph.Picture.Width, 10U);
+    font.Scale(std::numeric_limits<float>::infinity());
+    EXPECT_TRUE(glyph.Picture.IsValid());
+}
+
+TEST_F(WholeFontEditsTest, TrimVertically) {
+    AddInk(u'A', 5, 20);
+    AddInk(u'g', 8, 26);
+    settings.GlyphHeight = 30;
+    font.Baseline = 9;
+    font.CapHeight = 15;
+    font.TrimVertically();
+    EXPECT_EQ(std::tuple(settings.GlyphHeight, font.Baseline, font.CapHeight), std::tuple(22, 6, 15));
+    EXPECT_EQ(font.GetGlyph(u'A')->Height, 22);
+    EXPECT_NE(font.GetGlyph(u'A')->GetPixel(4, 0).a, 0);
+    font.TrimVertically();
+    EXPECT_EQ(settings.GlyphHeight, 22);
+    AddGlyph(font, u'B', 3, 22); // transparent: margins of 0 stop all trimming
+    font.TrimVertically();
+    EXPECT_EQ(settings.GlyphHeight, 22);
+}
+
+TEST_F(WholeFontEditsTest, TrimmingAnEmptyFontTakes10000OnEitherSide) {
+    font.TrimVertically();
+    EXPECT_EQ(settings.GlyphHeight, -19900);
+    EXPECT_EQ(font.Baseline, -10000);
+    settings.GlyphHeight = font.Baseline = std::numeric_limits<std::int32_t>::min();
+    font.TrimVertically();
+    EXPECT_EQ(settings.GlyphHeight, std::numeric_limits<std::int32_t>::min());
+}
+
+TEST_F(WholeFontEditsTest, RemoveNonAscii) {
+    for (const char16_t c : {u'A', char16_t{127}, char16_t{128}, u'\u20AC'}) AddGlyph(font, c, 1, 1);
+    font.SetKerning('A', 127, 1);
+    font.SetKerning('A', 0x20AC, 2);
+    font.SetKerning('A', 0x3042, 3); // names no glyph
+    font.RemoveNonAscii();
+    EXPECT_EQ(font.GlyphCount(), 2);
+    EXPECT_EQ(font.Glyphs[2], nullptr); // a hole
+    EXPECT_EQ(font.KerningCount(), 2);
+}
+
+} // namespace
