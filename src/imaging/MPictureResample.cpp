@@ -1,17 +1,13 @@
 // The constructor that makes a picture of another size or format from an old one. Smooth scaling is a box
 // filter over a square of n by n source pixels, in which transparent pixels lower the alpha but do not darken
 // the colour: that keeps the smooth edges of glyphs clean.
-#include "foundation/MMemory.h"
-#include "imaging/MPicture.h"
+#include "imaging/MPictureResample.h"
+
 #include "imaging/MPixelLayout.h"
 
-#include <array>
 #include <cmath>
-#include <memory>
 
 namespace {
-
-constexpr std::uint32_t mostSamples = 32; // along one side of the square
 
 float Ratio(std::uint32_t dividend, std::uint32_t divisor) {
     return static_cast<float>(dividend) / static_cast<float>(divisor);
@@ -30,21 +26,6 @@ void FitInto(const MPicture& source, std::uint32_t& width, std::uint32_t& height
     };
     width = scaled(source.Width);
     height = scaled(source.Height);
-}
-
-// The samples along one axis for one new coordinate: `count` source coordinates from `first` on, `step` apart.
-struct Span {
-    std::size_t first;
-    std::size_t count;
-    std::size_t step;
-};
-
-// A single new row or column reads the first one only, as often as the square is wide.
-Span SpanOf(std::uint32_t coordinate, std::uint32_t sourceSize, std::uint32_t targetSize,
-            std::uint32_t samples) {
-    if (targetSize == 1) return {0, samples, 0};
-    const std::uint64_t first = std::uint64_t{coordinate} * sourceSize / targetSize;
-    return {first, std::min<std::uint64_t>(samples, sourceSize - first), 1};
 }
 
 template<typename Colour>
@@ -70,7 +51,8 @@ Imath::half FromMean(float mean, Imath::half) {
 // The mean of one square, for any source format; false if nothing in it is visible. The sums are floats and
 // depend on the order in which they are made: row by row, left to right.
 template<MPixelFormat From, bool ToAlpha>
-bool MeanOf(const MPicture& source, const Span& columns, const Span& rows, pixels::ColourOf<From>& mean) {
+bool MeanOf(const MPicture& source, const SampleSpan& columns, const SampleSpan& rows,
+            pixels::ColourOf<From>& mean) {
     using Colour = pixels::ColourOf<From>;
     using Value = decltype(Colour::r);
     float r = 0, g = 0, b = 0, a = 0;
@@ -107,7 +89,7 @@ void ScaleAny(const MPicture& source, MPicture& target, std::uint32_t samples) {
     const auto storeBlank = Storer<MColour>(target.Format);
     const std::size_t pixelBytes = BytesPerPixel(target.Format);
     for (std::uint32_t y = 0; y < target.Height; ++y) {
-        const Span rows = SpanOf(y, source.Height, target.Height, samples);
+        const SampleSpan rows = SpanOf(y, source.Height, target.Height, samples);
         std::uint8_t* pixel = target.Pixels + std::size_t{y} * target.Stride;
         for (std::uint32_t x = 0; x < target.Width; ++x, pixel += pixelBytes) {
             Colour mean;
@@ -120,99 +102,13 @@ void ScaleAny(const MPicture& source, MPicture& target, std::uint32_t samples) {
     }
 }
 
-// Format 7, the format of all glyphs, in integers: every sum fits a float exactly, so the means are the same.
-// Rows of the square are added up once for each source column, columns then for each new pixel.
-template<bool ToAlpha>
-class ByteScaler {
-public:
-    ByteScaler(const MPicture& scaled, MPicture& result, std::uint32_t samplesPerSide)
-        : source(scaled), target(result), samples(samplesPerSide) {
-        for (std::size_t count = 1; count < reciprocals.size(); ++count) {
-            reciprocals[count] = (std::uint64_t{1} << 32) / count + 1;
-        }
-    }
-
-    void Run() {
-        constexpr std::u16string_view exhausted = u"MPicture: out of memory exception\n";
-        const std::unique_ptr<Sums[]> block(AllocateArray<Sums>(source.Width, exhausted));
-        if (!block) return target.Free();
-        sums = block.get();
-        const auto store = Storer<MColour>(target.Format);
-        const std::size_t pixelBytes = BytesPerPixel(target.Format);
-        Span summed{0, 0, 0};
-        for (std::uint32_t y = 0; y < target.Height; ++y) {
-            const Span rows = SpanOf(y, source.Height, target.Height, samples);
-            if (rows.first != summed.first || rows.count != summed.count) AddUpRows(rows);
-            summed = rows;
-            std::uint8_t* pixel = target.Pixels + std::size_t{y} * target.Stride;
-            for (std::uint32_t x = 0; x < target.Width; ++x, pixel += pixelBytes) {
-                store(pixel, Mean(SpanOf(x, source.Width, target.Width, samples), rows.count));
-            }
-        }
-    }
-
-private:
-    // Of one source column; two channels share a word. 32 bytes never reach the upper half.
-    struct Sums {
-        std::uint32_t blueRed;
-        std::uint32_t greenAlpha;
-        std::uint32_t visible;
-    };
-
-    const MPicture& source;
-    MPicture& target;
-    const std::uint32_t samples;
-    Sums* sums = nullptr;
-    std::array<std::uint64_t, mostSamples * mostSamples + 1> reciprocals{};
-
-    void AddUpRows(const Span& rows) {
-        for (std::size_t x = 0; x < source.Width; ++x)
-            sums[x] = {};
-        for (std::size_t j = 0; j < rows.count; ++j) {
-            const std::uint8_t* const row = source.Pixels + (rows.first + j * rows.step) * source.Stride;
-            for (std::size_t x = 0; x < source.Width; ++x) {
-                std::uint32_t pixel;
-                std::memcpy(&pixel, row + x * sizeof pixel, sizeof pixel);
-                const std::uint32_t visible = ToAlpha && pixel >> 24 == 0 ? 0 : 1;
-                pixel &= 0U - visible;
-                sums[x].blueRed += pixel & 0xFF00FFU;
-                sums[x].greenAlpha += pixel >> 8 & 0xFF00FFU;
-                sums[x].visible += visible;
-            }
-        }
-    }
-
-    MColour Mean(const Span& columns, std::size_t rowCount) const {
-        std::uint32_t b = 0, g = 0, r = 0, a = 0, visible = 0;
-        const Sums* column = sums + columns.first;
-        for (std::size_t i = 0; i < columns.count; ++i, column += columns.step) {
-            b += column->blueRed & 0xFFFFU;
-            r += column->blueRed >> 16;
-            g += column->greenAlpha & 0xFFFFU;
-            a += column->greenAlpha >> 16;
-            visible += column->visible;
-        }
-        if (visible == 0) return {0, 0, 0, 0};
-        const std::uint64_t perColour = reciprocals[visible];
-        const std::uint64_t perSample = reciprocals[columns.count * rowCount];
-        return {Quotient(r, perColour), Quotient(g, perColour), Quotient(b, perColour),
-                ToAlpha ? Quotient(a, perSample) : std::uint8_t{255}};
-    }
-
-    // Exact, since sum * count stays below 2^32 for sums of at most 1024 bytes.
-    static std::uint8_t Quotient(std::uint32_t sum, std::uint64_t reciprocal) {
-        return static_cast<std::uint8_t>(sum * reciprocal >> 32);
-    }
-};
-
 void Scale(const MPicture& source, MPicture& target) {
     const std::uint32_t samples = SamplesPerSide(source, target);
     const bool toAlpha = HasAlpha(target.Format);
     pixels::WithFormat(source.Format, [&](auto constant) {
         constexpr MPixelFormat from = constant();
         if constexpr (from == FormatRGBA8) {
-            toAlpha ? ByteScaler<true>(source, target, samples).Run()
-                    : ByteScaler<false>(source, target, samples).Run();
+            ScaleBytes(source, target, samples);
         } else {
             toAlpha ? ScaleAny<from, true>(source, target, samples)
                     : ScaleAny<from, false>(source, target, samples);

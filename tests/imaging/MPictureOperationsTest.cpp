@@ -177,6 +177,16 @@ TEST(BleedColours, MatchesThePlainForm) {
     }
 }
 
+TEST(BleedColours, MatchesThePlainFormOverManyRings) {
+    for (const auto& [width, height] : {std::pair(9000U, 150U), std::pair(90U, 9000U)}) {
+        OwnedPicture picture = RandomPicture(width, height, FormatRGBA8, width, 0.0001);
+        OwnedPicture expected = DeepCopy(picture);
+        plain::BleedColours(expected);
+        picture.BleedColours();
+        EXPECT_TRUE(SamePicture(picture, expected));
+    }
+}
+
 TEST(BleedColours, StopsAfterItsRings) {
     OwnedPicture picture = BlankPicture(100, 100, FormatRGBA8);
     picture.SetPixel(10, 50, MColour(1, 2, 3, 4));
