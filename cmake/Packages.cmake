@@ -1,6 +1,7 @@
 # What the program stands on. Found here once, so that every folder sees the same targets.
 find_package(PkgConfig REQUIRED)
 find_package(PNG REQUIRED)
+find_package(JPEG REQUIRED)
 find_package(Freetype REQUIRED)
 find_package(Imath REQUIRED)
 pkg_check_modules(glib REQUIRED IMPORTED_TARGET gio-2.0)

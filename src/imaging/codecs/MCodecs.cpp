@@ -9,6 +9,9 @@ namespace {
 
 constexpr std::array table = {
     MCodec{"PNG", ".png", SniffPng, DecodePng, EncodePng},
+    MCodec{"JPEG", ".jpg,.jpeg,.jpe,.jfif", SniffJpeg, DecodeJpeg, EncodeJpeg},
+    MCodec{"BMP", ".bmp", SniffBmp, DecodeBmp, EncodeBmp},
+    MCodec{"TGA", ".tga", nullptr, DecodeTga, nullptr},
 };
 
 bool HasExtension(const MCodec& codec, const MString& upperExtension) {
