@@ -2,6 +2,8 @@
 find_package(PkgConfig REQUIRED)
 find_package(PNG REQUIRED)
 find_package(JPEG REQUIRED)
+find_package(TIFF REQUIRED)
+find_package(GIF 5.2 REQUIRED)
 find_package(Freetype REQUIRED)
 find_package(Imath REQUIRED)
 pkg_check_modules(glib REQUIRED IMPORTED_TARGET gio-2.0)

@@ -38,7 +38,12 @@ std::span<const std::uint8_t> MByteSource::All() {
 }
 
 bool MByteSink::WriteAt(std::uint64_t offset, const void* bytes, std::size_t count) {
-    if (failed || offset > end) return Fail();
+    if (failed) return false;
+    constexpr std::uint8_t zeros[16] = {};
+    while (end < offset) {
+        if (!Write(zeros, static_cast<std::size_t>(std::min<std::uint64_t>(offset - end, sizeof zeros))))
+            return false;
+    }
     if (count == 0) return true;
     if (offset < blockStart) {
         const auto inFile = static_cast<std::size_t>(std::min<std::uint64_t>(count, blockStart - offset));

@@ -39,7 +39,8 @@ public:
     explicit MByteSink(const MString& filePath) : path(filePath) {}
 
     bool Write(const void* bytes, std::size_t count) { return WriteAt(end, bytes, count); }
-    // Overwrites, or continues exactly at the end: for forms that go back to a header. False beyond the end.
+    // Overwrites, or continues at the end, after zeros if the offset lies beyond it: for forms that align their
+    // parts and go back to a header.
     bool WriteAt(std::uint64_t offset, const void* bytes, std::size_t count);
     std::uint64_t Size() const { return end; }
     // True if all that was written is in the file, or in memory. Once anything failed it stays false.

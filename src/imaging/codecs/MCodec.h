@@ -39,6 +39,13 @@ bool StartsWith(std::span<const std::uint8_t> bytes, std::string_view signature)
 // sizes of 0.
 bool AllocatePicture(MPicture& picture, std::uint64_t width, std::uint64_t height, MPixelFormat format);
 
+// Marks the picture as one of several frames, without any times or places of its own: a frame that tells no
+// delay has 100 ms. One frame leaves the picture as it is.
+void SetFrames(MPicture& picture, std::uint32_t frameCount);
+
+// The straight colour of a premultiplied one, rounded to nearest.
+MColour Straight(const MColour& premultiplied);
+
 bool SniffPng(std::span<const std::uint8_t> start);
 bool DecodePng(MByteSource& file, std::int32_t frame, MPicture& picture);
 bool EncodePng(const MPicture& picture, MByteSink& sink);
@@ -46,6 +53,14 @@ bool EncodePng(const MPicture& picture, MByteSink& sink);
 bool SniffJpeg(std::span<const std::uint8_t> start);
 bool DecodeJpeg(MByteSource& file, std::int32_t frame, MPicture& picture);
 bool EncodeJpeg(const MPicture& picture, MByteSink& sink);
+
+bool SniffTiff(std::span<const std::uint8_t> start);
+bool DecodeTiff(MByteSource& file, std::int32_t frame, MPicture& picture);
+bool EncodeTiff(const MPicture& picture, MByteSink& sink);
+
+bool SniffGif(std::span<const std::uint8_t> start);
+bool DecodeGif(MByteSource& file, std::int32_t frame, MPicture& picture);
+bool EncodeGif(const MPicture& picture, MByteSink& sink);
 
 bool SniffBmp(std::span<const std::uint8_t> start);
 bool DecodeBmp(MByteSource& file, std::int32_t frame, MPicture& picture);

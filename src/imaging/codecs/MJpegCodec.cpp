@@ -3,13 +3,16 @@
 #include "imaging/codecs/MByteRows.h"
 #include "imaging/codecs/MCodec.h"
 
-#include <jerror.h>
-#include <jpeglib.h>
-
 #include <array>
 #include <csetjmp>
 #include <cstdio>
 #include <cstring>
+
+// The second of these needs the first.
+// clang-format off
+#include <jpeglib.h>
+#include <jerror.h>
+// clang-format on
 
 namespace {
 
