@@ -62,8 +62,15 @@ bool SniffGif(std::span<const std::uint8_t> start);
 bool DecodeGif(MByteSource& file, std::int32_t frame, MPicture& picture);
 bool EncodeGif(const MPicture& picture, MByteSink& sink);
 
+bool SniffHeif(std::span<const std::uint8_t> start);
+bool DecodeHeif(MByteSource& file, std::int32_t frame, MPicture& picture);
+bool EncodeHeif(const MPicture& picture, MByteSink& sink);
+
 bool SniffBmp(std::span<const std::uint8_t> start);
 bool DecodeBmp(MByteSource& file, std::int32_t frame, MPicture& picture);
 bool EncodeBmp(const MPicture& picture, MByteSink& sink);
 
 bool DecodeTga(MByteSource& file, std::int32_t frame, MPicture& picture);
+
+bool DecodeDds(MByteSource& file, std::int32_t frame, MPicture& picture);
+bool EncodeDds(const MPicture& picture, MByteSink& sink);

@@ -12,7 +12,9 @@ constexpr std::array table = {
     MCodec{"JPEG", ".jpg,.jpeg,.jpe,.jfif", SniffJpeg, DecodeJpeg, EncodeJpeg},
     MCodec{"TIFF", ".tif,.tiff", SniffTiff, DecodeTiff, EncodeTiff},
     MCodec{"GIF", ".gif", SniffGif, DecodeGif, EncodeGif},
+    MCodec{"HEIF", ".heic,.heif", SniffHeif, DecodeHeif, EncodeHeif},
     MCodec{"BMP", ".bmp", SniffBmp, DecodeBmp, EncodeBmp},
+    MCodec{"DDS", ".dds", nullptr, DecodeDds, EncodeDds},
     MCodec{"TGA", ".tga", nullptr, DecodeTga, nullptr},
 };
 
