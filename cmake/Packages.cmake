@@ -1,6 +1,16 @@
 # What the program stands on. Found here once, so that every folder sees the same targets.
 find_package(PkgConfig REQUIRED)
 find_package(PNG REQUIRED)
+find_package(JPEG REQUIRED)
+find_package(TIFF REQUIRED)
+find_package(GIF 5.2 REQUIRED)
+pkg_check_modules(heif REQUIRED IMPORTED_TARGET libheif)
+# Its pkg-config file names folders that are not there.
+find_library(SQUISH_LIBRARY squish REQUIRED)
+find_path(SQUISH_INCLUDE_DIR squish.h REQUIRED)
+add_library(squish INTERFACE IMPORTED)
+target_link_libraries(squish INTERFACE ${SQUISH_LIBRARY})
+target_include_directories(squish INTERFACE ${SQUISH_INCLUDE_DIR})
 find_package(Freetype REQUIRED)
 find_package(Imath REQUIRED)
 pkg_check_modules(glib REQUIRED IMPORTED_TARGET gio-2.0)

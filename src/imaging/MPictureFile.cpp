@@ -8,43 +8,20 @@
 
 namespace {
 
-struct FileBytes {
-    std::unique_ptr<std::uint8_t[]> block;
-    std::size_t size = 0;
-
-    std::span<const std::uint8_t> All() const { return {block.get(), size}; }
-};
-
-bool ReadAll(MFile& file, FileBytes& bytes) {
-    const std::int64_t size = file.GetSize();
-    if (size <= 0) return false;
-    bytes.size = static_cast<std::size_t>(size);
-    bytes.block.reset(MGetMemory(bytes.size));
-    if (!bytes.block || !file.Seek(0)) return false;
-    constexpr std::size_t piece = std::size_t{1} << 30;
-    for (std::size_t done = 0; done < bytes.size;) {
-        const auto count = static_cast<std::uint32_t>(std::min(piece, bytes.size - done));
-        if (!file.Read(bytes.block.get() + done, count)) return false;
-        done += count;
-    }
-    return true;
-}
-
 // Only forms that can't be told by their content go by the extension: a mislabelled PNG is still a PNG.
-const MCodec* CodecForFile(MFile& file, const MString& extension) {
+const MCodec* CodecForFile(MByteSource& file, const MString& extension) {
     const MCodec* const named = CodecForExtension(extension);
     if (named && !named->sniff) return named;
     std::uint8_t start[SniffLength];
-    const std::uint32_t count = file.ReadSome(start, sizeof start);
-    return CodecForContent({start, count});
+    return CodecForContent({start, file.ReadSome(0, start, sizeof start)});
 }
 
 bool Load(const MString& path, std::int32_t frame, MPicture& picture) {
     MFile file(path, false, false);
     if (!file.ok) return false;
-    const MCodec* const codec = CodecForFile(file, path.GetExtension());
-    FileBytes bytes;
-    return codec && ReadAll(file, bytes) && codec->decode(bytes.All(), frame, picture) && picture.IsValid();
+    MByteSource source(file);
+    const MCodec* const codec = CodecForFile(source, path.GetExtension());
+    return codec && codec->decode(source, frame, picture) && picture.IsValid();
 }
 
 // The size of a picture fitted into the box, as floats and truncated; a small picture grows.
@@ -107,11 +84,9 @@ bool MPicture::Save(const MString& path, MPixelFormat format, MString* report) {
     if (HasAlpha(format)) BleedColours();
     if (BytesPerPixel(format) == 0) format = FormatR8;
     const MCodec* const codec = CodecForExtension(path.GetExtension());
-    MByteSink sink;
-    if (!IsValid() || !codec || !codec->encode || !EncodeAs(*this, format, *codec, sink)) return false;
-    {
-        MFile file(path, true, false);
-        if (!file.ok || !file.Write(sink.Bytes().data(), sink.Bytes().size())) return false;
+    MByteSink sink(path);
+    if (!IsValid() || !codec || !codec->encode || !EncodeAs(*this, format, *codec, sink) || !sink.Finish()) {
+        return false;
     }
     if (report) *report = ReportText(*this, path, format);
     return true;

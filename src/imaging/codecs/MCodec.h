@@ -3,7 +3,7 @@
 #pragma once
 
 #include "imaging/MPicture.h"
-#include "imaging/codecs/MByteSink.h"
+#include "imaging/codecs/MByteStreams.h"
 
 #include <cstdint>
 #include <span>
@@ -16,7 +16,7 @@ struct MCodec {
     bool (*sniff)(std::span<const std::uint8_t> start);
     // Fills the empty `picture` from a whole file. False for what is damaged, is not there (`frame` counts from
     // 0), or could not be held in memory; what `picture` holds is freed by the caller then.
-    bool (*decode)(std::span<const std::uint8_t> file, std::int32_t frame, MPicture& picture);
+    bool (*decode)(MByteSource& file, std::int32_t frame, MPicture& picture);
     // A valid, top-down picture of a format from 1 to 9 as a whole file. Null for forms that are only read.
     bool (*encode)(const MPicture& picture, MByteSink& sink);
 };
@@ -39,6 +39,38 @@ bool StartsWith(std::span<const std::uint8_t> bytes, std::string_view signature)
 // sizes of 0.
 bool AllocatePicture(MPicture& picture, std::uint64_t width, std::uint64_t height, MPixelFormat format);
 
+// Marks the picture as one of several frames, without any times or places of its own: a frame that tells no
+// delay has 100 ms. One frame leaves the picture as it is.
+void SetFrames(MPicture& picture, std::uint32_t frameCount);
+
+// The straight colour of a premultiplied one, rounded to nearest.
+MColour Straight(const MColour& premultiplied);
+
 bool SniffPng(std::span<const std::uint8_t> start);
-bool DecodePng(std::span<const std::uint8_t> file, std::int32_t frame, MPicture& picture);
+bool DecodePng(MByteSource& file, std::int32_t frame, MPicture& picture);
 bool EncodePng(const MPicture& picture, MByteSink& sink);
+
+bool SniffJpeg(std::span<const std::uint8_t> start);
+bool DecodeJpeg(MByteSource& file, std::int32_t frame, MPicture& picture);
+bool EncodeJpeg(const MPicture& picture, MByteSink& sink);
+
+bool SniffTiff(std::span<const std::uint8_t> start);
+bool DecodeTiff(MByteSource& file, std::int32_t frame, MPicture& picture);
+bool EncodeTiff(const MPicture& picture, MByteSink& sink);
+
+bool SniffGif(std::span<const std::uint8_t> start);
+bool DecodeGif(MByteSource& file, std::int32_t frame, MPicture& picture);
+bool EncodeGif(const MPicture& picture, MByteSink& sink);
+
+bool SniffHeif(std::span<const std::uint8_t> start);
+bool DecodeHeif(MByteSource& file, std::int32_t frame, MPicture& picture);
+bool EncodeHeif(const MPicture& picture, MByteSink& sink);
+
+bool SniffBmp(std::span<const std::uint8_t> start);
+bool DecodeBmp(MByteSource& file, std::int32_t frame, MPicture& picture);
+bool EncodeBmp(const MPicture& picture, MByteSink& sink);
+
+bool DecodeTga(MByteSource& file, std::int32_t frame, MPicture& picture);
+
+bool DecodeDds(MByteSource& file, std::int32_t frame, MPicture& picture);
+bool EncodeDds(const MPicture& picture, MByteSink& sink);

@@ -9,6 +9,13 @@ namespace {
 
 constexpr std::array table = {
     MCodec{"PNG", ".png", SniffPng, DecodePng, EncodePng},
+    MCodec{"JPEG", ".jpg,.jpeg,.jpe,.jfif", SniffJpeg, DecodeJpeg, EncodeJpeg},
+    MCodec{"TIFF", ".tif,.tiff", SniffTiff, DecodeTiff, EncodeTiff},
+    MCodec{"GIF", ".gif", SniffGif, DecodeGif, EncodeGif},
+    MCodec{"HEIF", ".heic,.heif", SniffHeif, DecodeHeif, EncodeHeif},
+    MCodec{"BMP", ".bmp", SniffBmp, DecodeBmp, EncodeBmp},
+    MCodec{"DDS", ".dds", nullptr, DecodeDds, EncodeDds},
+    MCodec{"TGA", ".tga", nullptr, DecodeTga, nullptr},
 };
 
 bool HasExtension(const MCodec& codec, const MString& upperExtension) {
@@ -68,4 +75,21 @@ bool AllocatePicture(MPicture& picture, std::uint64_t width, std::uint64_t heigh
     if (width == 0 || height == 0 || width > most || height > most) return false;
     picture = MPicture(static_cast<std::uint32_t>(width), static_cast<std::uint32_t>(height), format);
     return picture.IsValid();
+}
+
+void SetFrames(MPicture& picture, std::uint32_t frameCount) {
+    if (frameCount < 2) return;
+    constexpr std::uint32_t most = std::numeric_limits<std::int32_t>::max();
+    picture.FrameCount = static_cast<std::int32_t>(std::min(frameCount, most));
+    picture.FrameDelay = 100;
+}
+
+MColour Straight(const MColour& premultiplied) {
+    const std::uint32_t alpha = premultiplied.a;
+    if (alpha == 255) return premultiplied;
+    if (alpha == 0) return {0, 0, 0, 0};
+    const auto channel = [alpha](std::uint32_t value) {
+        return static_cast<std::uint8_t>(std::min((value * 255 + alpha / 2) / alpha, 255U));
+    };
+    return {channel(premultiplied.r), channel(premultiplied.g), channel(premultiplied.b), premultiplied.a};
 }

@@ -139,11 +139,11 @@ bool SniffPng(std::span<const std::uint8_t> start) {
     return StartsWith(start, "\x89PNG\r\n\x1A\n"); // PNG specification, 5.2
 }
 
-bool DecodePng(std::span<const std::uint8_t> file, std::int32_t frame, MPicture& picture) {
+bool DecodePng(MByteSource& file, std::int32_t frame, MPicture& picture) {
     if (frame != 0) return false;
     png_structp png = png_create_read_struct(PNG_LIBPNG_VER_STRING, nullptr, OnError, OnWarning);
     png_infop info = png ? png_create_info_struct(png) : nullptr;
-    Input input{file};
+    Input input{file.All()};
     const bool read = info && Guarded(png, [&] { return ReadPicture(png, info, input, picture); });
     png_destroy_read_struct(&png, &info, nullptr);
     return read;
@@ -158,5 +158,5 @@ bool EncodePng(const MPicture& picture, MByteSink& sink) {
     const bool written =
         info && Guarded(png, [&] { return WritePicture(png, info, picture, words.get(), sink); });
     png_destroy_write_struct(&png, &info);
-    return written && !sink.Failed();
+    return written;
 }
