@@ -3,6 +3,7 @@
 #include "document/MSettings.h"
 #include "foundation/MMemory.h"
 #include "foundation/MNumbers.h"
+#include "glyphs/BoxColours.h"
 #include "platform/text/MSystemFonts.h"
 
 #include <algorithm>
@@ -35,6 +36,13 @@ std::int32_t Saturate(std::int64_t value) {
                                                               std::numeric_limits<std::int32_t>::max()));
 }
 
+// Whether a pixel of the row from column `first` to before `end` is visible.
+bool HasInk(const std::uint8_t* row, std::int32_t first, std::int32_t end) {
+    for (std::ptrdiff_t x = first; x < end; ++x)
+        if (row[x * 4 + 3] > 0) return true;
+    return false;
+}
+
 } // namespace
 
 MGlyphRenderer::MGlyphRenderer(Desktop::WindowHandle ownerWindow) : owner(ownerWindow) {
@@ -48,11 +56,28 @@ MGlyphRenderer::MGlyphRenderer(Desktop::WindowHandle ownerWindow) : owner(ownerW
     if (std::uint64_t{static_cast<std::uint32_t>(canvasWidth)} * static_cast<std::uint32_t>(canvasHeight) >
         MemoryLimit() / 3)
         return;
+    if (Settings->ColourFont) {
+        bitmap = std::make_unique<MSurfaceBitmap>(canvasWidth, canvasHeight);
+        surface = std::make_unique<MDirect2DSurface>(*bitmap);
+        if (!surface->valid) return;
+    }
     font = std::make_unique<MSizedFont>(Settings->FontName, Settings->Weight, Settings->Italic);
     if (!Measure()) return;
     // A size that no font reaches leaves every character without widths, and so without a glyph.
-    font->SetHeight(Saturate(std::int64_t{fontHeight} * scale));
+    if (widthsAtColourSize) {
+        font->SetEm(ToInteger(ColourSize()));
+    } else {
+        font->SetHeight(Saturate(std::int64_t{fontHeight} * scale));
+    }
     ready = true;
+}
+
+float MGlyphRenderer::ColourSize() const {
+    return static_cast<float>(std::int64_t{Settings->GlyphHeight} * scale) * colourSizeFactor;
+}
+
+Desktop::Rect MGlyphRenderer::MeasureRectangle() const {
+    return {ToInteger(static_cast<float>(Settings->GlyphHeight) * 0.2F), 0, canvasWidth, canvasHeight};
 }
 
 bool MGlyphRenderer::Measure() {
@@ -69,6 +94,16 @@ bool MGlyphRenderer::Measure() {
     const float ratio = static_cast<float>(reference.Extent()) / static_cast<float>(own.Extent());
     fontHeight = ToInteger(static_cast<float>(h) * ratio);
     verticalOffset = ToInteger(static_cast<float>(reference.top) - static_cast<float>(own.top) * ratio);
+    if (Settings->ColourFont) {
+        const Rows coloured = MeasureColours();
+        // One row less than the extents above, and kept so: sizes of colour fonts rest on it.
+        if (const std::int32_t extent = coloured.bottom - coloured.top; extent > 0) {
+            colourSizeFactor = static_cast<float>(reference.Extent()) / static_cast<float>(extent);
+            verticalOffset = ToInteger(static_cast<float>(reference.top) -
+                                       colourSizeFactor * static_cast<float>(coloured.top));
+            widthsAtColourSize = own.top < 0;
+        }
+    }
     verticalOffset = Saturate(std::int64_t{verticalOffset} * scale);
     return true;
 }
@@ -86,8 +121,8 @@ MGlyphRenderer::Rows MGlyphRenderer::MeasureReference() const {
 }
 
 MGlyphRenderer::Rows MGlyphRenderer::MeasureFont(MSizedFont& sized) const {
-    const MPixelRect measured{ToInteger(static_cast<float>(Settings->GlyphHeight) * 0.2F), 0, canvasWidth,
-                              canvasHeight};
+    const Desktop::Rect rectangle = MeasureRectangle();
+    const MPixelRect measured{rectangle.left, rectangle.top, rectangle.right, rectangle.bottom};
     Rows rows;
     std::int64_t pen = measured.left;
     for (const char16_t character : measureText) {
@@ -106,9 +141,61 @@ MGlyphRenderer::Rows MGlyphRenderer::MeasureFont(MSizedFont& sized) const {
     return rows;
 }
 
+void MGlyphRenderer::DrawText(const MString& text, const Desktop::Rect& rectangle, float size) {
+    constexpr std::int32_t nearest = -1; // alignment at the left and the top
+    surface->DrawText(rectangle, text, Settings->FontName, size, Settings->Weight, Settings->Italic,
+                      MColour(255, 255, 255), nearest, nearest, true, false, true, true);
+}
+
+MGlyphRenderer::Rows MGlyphRenderer::MeasureColours() {
+    Rows rows;
+    if (!surface->Begin()) return rows;
+    surface->Clear(MColour(0, 0, 0, 0));
+    DrawText(MString(measureText), MeasureRectangle(), static_cast<float>(Settings->GlyphHeight));
+    surface->End();
+    const auto isEmpty = [&](std::int32_t y) { return !HasInk(bitmap->Row(y), 0, canvasWidth); };
+    std::int32_t top = 0;
+    while (top < canvasHeight && isEmpty(top))
+        ++top;
+    if (top == canvasHeight) return rows;
+    rows.top = top;
+    rows.bottom = canvasHeight - 1;
+    while (isEmpty(rows.bottom))
+        --rows.bottom;
+    return rows;
+}
+
+// For a character that the face has no outline for but may have in colour, or another font in its place: the
+// ink as it comes out, found by drawing it.
+bool MGlyphRenderer::GetColourInk(char16_t character, MInk& ink) {
+    if (!surface || !surface->Begin()) return false;
+    const MString text(&character, 0, 0);
+    const std::int32_t pen = canvasWidth / 4;
+    surface->Clear(MColour(0, 0, 0, 0));
+    DrawText(text, {pen, verticalOffset, canvasWidth, canvasHeight}, ColourSize());
+    surface->End();
+    std::int32_t first = canvasWidth;
+    std::int32_t last = -1;
+    for (std::int32_t y = 0; y < canvasHeight; ++y) {
+        const std::uint8_t* const row = bitmap->Row(y);
+        if (!HasInk(row, 0, canvasWidth)) continue;
+        while (first > 0 && HasInk(row, 0, first))
+            --first;
+        while (last < canvasWidth - 1 && HasInk(row, last + 1, canvasWidth))
+            ++last;
+    }
+    if (last < first || !surface->textFormat) return false;
+    ink.a = first - pen;
+    ink.b = last + 1 - first;
+    ink.c = ToInteger(std::floor(surface->textFormat->Width(text) + 0.5)) - ink.a - ink.b;
+    return true;
+}
+
 std::unique_ptr<MGlyph> MGlyphRenderer::RenderGlyph(char16_t character) {
+    if (!ready) return nullptr;
     MInk ink;
-    if (!ready || !font->GetInk(character, ink)) return nullptr;
+    const bool outlined = font->GetInk(character, ink) && ink.b > 0;
+    if (!outlined && !(Settings->ColourFont && GetColourInk(character, ink))) return nullptr;
     const std::int32_t width = CeilScaled(ink.b, scale);
     // Ink of two canvas pixels or less is no glyph, whatever character it is.
     if (width <= 1) return nullptr;
@@ -119,13 +206,35 @@ std::unique_ptr<MGlyph> MGlyphRenderer::RenderGlyph(char16_t character) {
     if (glyph->Height > 0)
         glyph->Picture =
             MPicture(static_cast<std::uint32_t>(width), static_cast<std::uint32_t>(glyph->Height), FormatRGBA8);
-    DrawPlain(character, ink, *glyph);
+    if (!glyph->Picture.IsValid()) return glyph;
+    if (Settings->ColourFont) {
+        DrawColours(character, ink, *glyph);
+    } else {
+        DrawPlain(character, ink, *glyph);
+    }
     return glyph;
+}
+
+void MGlyphRenderer::DrawColours(char16_t character, const MInk& ink, MGlyph& glyph) {
+    if (!surface || !surface->Begin()) {
+        glyph.Picture.Fill(MColour(0, 0, 0, 0));
+        return;
+    }
+    const MColour& background = Settings->BackgroundColour;
+    // Only what becomes the glyph is cleared and drawn.
+    surface->PushClip(
+        {0, 0, Saturate(std::int64_t{glyph.Width} * scale), Saturate(std::int64_t{glyph.Height} * scale)});
+    surface->Clear(MColour(background.r, background.g, background.b, 0));
+    DrawText(MString(&character, 0, 0),
+             {-ink.a, verticalOffset, ink.b, Saturate(std::int64_t{fontHeight} * scale + verticalOffset)},
+             ColourSize());
+    surface->PopClip();
+    surface->End();
+    BoxDownColours(*bitmap, glyph.Picture);
 }
 
 // White on black would be grey as bright as its coverage; so the coverage is the alpha.
 void MGlyphRenderer::DrawPlain(char16_t character, const MInk& ink, MGlyph& glyph) {
-    if (!glyph.Picture.IsValid()) return;
     const std::int64_t baseline = std::int64_t{verticalOffset} + font->ascent;
     // Pixels of the glyph are blocks of the canvas, so the region has even edges. Past the canvas there is no
     // ink.

@@ -6,6 +6,10 @@
 // its "Ij" is as tall as that of the reference. So all families come out equally tall, and every glyph exactly
 // as high as the glyph height.
 //
+// With Colour font off a glyph is the text colour with the coverage as alpha. With it on the font's own colours
+// are drawn, through a surface, and what the font doesn't colour stays white. The widths come from the outlines
+// either way, but for a character that has none.
+//
 // The canvas on which glyphs are drawn, three heights wide and four and a half high, exists only as a rule for
 // what is cut off: just the pixels that carry ink are ever made. What lies beyond its right edge wraps around,
 // as in any picture.
@@ -13,6 +17,7 @@
 
 #include "document/MGlyph.h"
 #include "glyphs/MBoxSums.h"
+#include "glyphs/MDirect2DSurface.h"
 #include "platform/Desktop.h"
 #include "platform/text/MSizedFont.h"
 
@@ -26,6 +31,8 @@ public:
     std::int32_t canvasHeight = 0;
     Desktop::WindowHandle owner = nullptr;
     std::unique_ptr<MSizedFont> font;
+    std::unique_ptr<MSurfaceBitmap> bitmap;    // these two for colour fonts only
+    std::unique_ptr<MDirect2DSurface> surface; // on the bitmap
     float colourSizeFactor = 1.0F;
     bool ready = false;
     std::int32_t fontHeight = 0;     // cell height of the family, at the glyph's size
@@ -48,9 +55,18 @@ private:
     };
 
     MBoxSums sums; // kept for its memory
+    // The family has no plain "Ij" to be sized by, so its widths are those of the size at which its colours are
+    // drawn.
+    bool widthsAtColourSize = false;
 
     bool Measure();
     Rows MeasureReference() const;
     Rows MeasureFont(MSizedFont& sized) const;
+    Rows MeasureColours();
+    Desktop::Rect MeasureRectangle() const;
+    float ColourSize() const; // pixels of an em on the canvas
+    void DrawText(const MString& text, const Desktop::Rect& rectangle, float size);
+    bool GetColourInk(char16_t character, MInk& ink);
+    void DrawColours(char16_t character, const MInk& ink, MGlyph& glyph);
     void DrawPlain(char16_t character, const MInk& ink, MGlyph& glyph);
 };

@@ -1,5 +1,6 @@
-// The seam to the desktop: all that the program asks of one. Implemented twice and chosen at link time: headless/
-// answers from a script that the caller sets, qt/ shows real windows. Free functions and plain structs only.
+// The seam to the desktop: all that the program asks of one. Implemented twice and chosen at link time:
+// headless/ answers from a script that the caller sets, qt/ shows real windows. Free functions and plain
+// structs only.
 //
 // Everything is called on the one thread of the program. A null owner is allowed everywhere.
 #pragma once
@@ -36,12 +37,12 @@ struct FileDialog {
     bool save = false;            // asks before it overwrites; an open dialog accepts existing files only
 };
 
-// Modal. The chosen path, or empty if the user cancelled. `extension`, without dots, is added to a name that has
-// none.
+// Modal. The chosen path, or empty if the user cancelled. `extension`, without dots, is added to a name that
+// has none.
 MString ShowFileDialog(WindowHandle owner, FileDialog& dialog, const MString& extension);
 
-// The one progress window. Opening is false if no window can be shown; the other three do nothing then. It paints
-// itself at once on every change, since the caller does not return to the message loop.
+// The one progress window. Opening is false if no window can be shown; the other three do nothing then. It
+// paints itself at once on every change, since the caller does not return to the message loop.
 bool OpenProgress(WindowHandle owner);
 void SetProgressPercent(std::int32_t percent); // 0 to 100
 void SetProgressText(const MString& text);
@@ -61,5 +62,18 @@ struct Rect {
 // The primary screen, from (0, 0), and the rectangle around all screens. Both in pixels.
 Rect PrimaryScreen();
 Rect VirtualScreen();
+
+// What a paint surface holds: premultiplied blue, green, red and alpha bytes, row after row from the top.
+struct PaintImage {
+    std::int32_t width = 0;
+    std::int32_t height = 0;
+    std::int32_t stride = 0;              // bytes from one row to the next
+    const std::uint8_t* pixels = nullptr; // not owned; valid during the call
+};
+
+// Shows the image, whose alpha means nothing, in the part of the window's client area that starts at the
+// rectangle's left and top. Also called while the window paints itself; what was shown last stays until it is
+// painted over.
+void Present(WindowHandle window, const Rect& area, const PaintImage& image);
 
 } // namespace Desktop

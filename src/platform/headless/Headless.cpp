@@ -70,4 +70,14 @@ Rect VirtualScreen() {
     return script.virtualScreen;
 }
 
+void Present(WindowHandle window, const Rect& area, const PaintImage& image) {
+    const auto bytes = static_cast<std::size_t>(image.width) * 4;
+    Headless::Painting painting{window, area, image.width, image.height, {}};
+    for (std::int32_t y = 0; y < image.height; ++y) {
+        const std::uint8_t* const row = image.pixels + static_cast<std::ptrdiff_t>(y) * image.stride;
+        painting.pixels.insert(painting.pixels.end(), row, row + bytes);
+    }
+    record.paintings.push_back(std::move(painting));
+}
+
 } // namespace Desktop

@@ -17,6 +17,14 @@ struct Message {
     Desktop::Icon icon;
 };
 
+struct Painting {
+    Desktop::WindowHandle window;
+    Desktop::Rect area;
+    std::int32_t width;
+    std::int32_t height;
+    std::vector<std::uint8_t> pixels; // blue, green, red, alpha; rows without gaps
+};
+
 struct Script {
     std::deque<Desktop::Answer> answers; // taken in order; when they run out: Yes, or Ok where there is no Yes
     std::deque<MString> files;           // taken in order; when they run out: cancelled
@@ -32,6 +40,7 @@ struct Record {
     std::vector<Desktop::FileDialog> fileDialogs;
     std::vector<std::int32_t> progressPercents;
     std::vector<MString> progressTexts;
+    std::vector<Painting> paintings;
 };
 
 extern Script script;

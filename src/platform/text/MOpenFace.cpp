@@ -1,12 +1,16 @@
 #include "platform/text/MOpenFace.h"
 
+#include "foundation/MMemory.h"
+
 #include <ft2build.h>
 
+#include <algorithm>
 #include <charconv>
 #include <cstdlib>
 #include <ranges>
 #include <vector>
 #include FT_FREETYPE_H
+#include FT_ADVANCES_H
 #include FT_MULTIPLE_MASTERS_H
 #include FT_TRUETYPE_TABLES_H
 
@@ -74,7 +78,11 @@ void MOpenFace::ApplyVariations() {
 }
 
 void MOpenFace::ReadCell() {
-    unitsPerEm = face->units_per_EM > 0 ? face->units_per_EM : 1000;
+    unitsPerEm = face->units_per_EM;
+    // FreeType leaves it out for a face that has bitmaps only.
+    const auto* const head = static_cast<const TT_Header*>(FT_Get_Sfnt_Table(face, FT_SFNT_HEAD));
+    if (unitsPerEm <= 0 && head) unitsPerEm = head->Units_Per_EM;
+    if (unitsPerEm <= 0) unitsPerEm = 1000;
     if (const auto* const os2 = static_cast<const TT_OS2*>(FT_Get_Sfnt_Table(face, FT_SFNT_OS2))) {
         cellAscent = os2->usWinAscent;
         cellDescent = os2->usWinDescent;
@@ -91,6 +99,23 @@ void MOpenFace::ReadCell() {
         cellAscent = unitsPerEm;
         cellDescent = 0;
     }
+}
+
+std::int32_t MOpenFace::Advance(std::uint32_t glyph) const {
+    FT_Fixed advance = 0;
+    if (!face || FT_Get_Advance(face, glyph, FT_LOAD_NO_SCALE, &advance) != 0) return 0;
+    return static_cast<std::int32_t>(std::clamp<FT_Fixed>(advance, 0, INT16_MAX * 2));
+}
+
+std::vector<std::uint8_t> MOpenFace::Table(const char (&tag)[5]) const {
+    const auto letter = [&](std::size_t i) { return static_cast<unsigned char>(tag[i]); };
+    const FT_ULong name = FT_MAKE_TAG(letter(0), letter(1), letter(2), letter(3));
+    FT_ULong length = 0;
+    if (!face || !FT_IS_SFNT(face) || FT_Load_Sfnt_Table(face, name, 0, nullptr, &length) != 0) return {};
+    if (length == 0 || length > MemoryLimit()) return {};
+    std::vector<std::uint8_t> bytes(length);
+    if (FT_Load_Sfnt_Table(face, name, 0, bytes.data(), &length) != 0) return {};
+    return bytes;
 }
 
 std::uint32_t MOpenFace::GlyphIndex(char32_t character) const {

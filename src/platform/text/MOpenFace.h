@@ -4,6 +4,7 @@
 #include "platform/text/MSystemFonts.h"
 
 #include <cstdint>
+#include <vector>
 
 // FreeType's own, so that whoever draws text need not see its headers.
 struct FT_LibraryRec_;
@@ -31,6 +32,11 @@ public:
     // The glyph of a character, 0 (the missing-glyph box) if the face lacks it. A face that is a set of symbols
     // has its characters from U+F000 on and answers to their last eight bits too.
     std::uint32_t GlyphIndex(char32_t character) const;
+
+    // From one glyph's pen to the next, in font units.
+    std::int32_t Advance(std::uint32_t glyph) const;
+    // A table of the font's file; empty if it has none of this name, or not as large as it says.
+    std::vector<std::uint8_t> Table(const char (&tag)[5]) const;
 
 private:
     void ApplyVariations();

@@ -65,18 +65,30 @@ MSizedFont::MSizedFont(const MString& family, std::int32_t weight, bool italic) 
 
 MSizedFont::~MSizedFont() = default;
 
-bool MSizedFont::SetHeight(std::int32_t cellHeight) {
+// In 64ths of a pixel.
+bool MSizedFont::SetSize(std::int64_t em) {
     valid = false;
     loaded = -1;
     ascent = 0;
-    if (!face || !face->face || !FT_IS_SCALABLE(face->face) || cellHeight < 1) return false;
-    const std::int64_t cell = std::int64_t{face->cellAscent} + face->cellDescent;
-    const std::int64_t em = (std::int64_t{cellHeight} * 64 * face->unitsPerEm + cell / 2) / cell; // 26.6
-    if (em < 1 || em > maximumPixels * 64) return false;
-    if (FT_Set_Char_Size(face->face, 0, em, 72, 72) != 0) return false;
-    ascent = static_cast<std::int32_t>((std::int64_t{cellHeight} * face->cellAscent * 2 + cell) / (cell * 2));
+    if (!face || !face->face || !FT_IS_SCALABLE(face->face)) return false;
+    if (em < 1 || em > maximumPixels * 64 || FT_Set_Char_Size(face->face, 0, em, 72, 72) != 0) return false;
+    const std::int64_t units = face->unitsPerEm * std::int64_t{64};
+    ascent = static_cast<std::int32_t>((em * face->cellAscent * 2 + units) / (units * 2));
     valid = true;
     return true;
+}
+
+bool MSizedFont::SetHeight(std::int32_t cellHeight) {
+    if (!face || !face->face || cellHeight < 1) return SetSize(0);
+    const std::int64_t cell = std::int64_t{face->cellAscent} + face->cellDescent;
+    if (!SetSize((std::int64_t{cellHeight} * 64 * face->unitsPerEm + cell / 2) / cell)) return false;
+    // From the height itself, which the size in 64ths is only near to.
+    ascent = static_cast<std::int32_t>((std::int64_t{cellHeight} * face->cellAscent * 2 + cell) / (cell * 2));
+    return true;
+}
+
+bool MSizedFont::SetEm(std::int32_t pixels) {
+    return SetSize(std::int64_t{pixels} * 64);
 }
 
 // What the mapper asks where the family lacks a bold or an italic face.

@@ -55,6 +55,9 @@ public:
     // above 32767 pixels, and for a font without outlines.
     bool SetHeight(std::int32_t cellHeight);
 
+    // The em becomes this many pixels, with the same limits.
+    bool SetEm(std::int32_t pixels);
+
     // False if the font has no outline for the character, not even the box for what is missing, or one that
     // reaches further than 32767 pixels.
     bool GetInk(char16_t character, MInk& ink);
@@ -70,6 +73,7 @@ private:
     std::int32_t loaded = -1; // the character in the face's slot
     MInk loadedInk;
 
+    bool SetSize(std::int64_t em);
     bool Load(char16_t character);
     bool Synthesise(std::int64_t& advance);
 };

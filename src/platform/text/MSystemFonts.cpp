@@ -3,6 +3,7 @@
 #include "foundation/MFolders.h"
 #include "foundation/MNumbers.h"
 #include "foundation/MUtf8.h"
+#include "platform/text/MFontPattern.h"
 
 #include <fontconfig/fontconfig.h>
 
@@ -92,11 +93,19 @@ Pattern Wish(const std::string& family, std::int32_t weight, bool italic) {
     return pattern;
 }
 
+std::uint32_t fontsVersion = 0;
+
+} // namespace
+
 std::optional<MFontMatch> ToMatch(const FcPattern* pattern) {
     const auto file = GetString(pattern, FC_FILE, 0);
     if (!file) return std::nullopt;
     MFontMatch match;
     match.file = *file;
+    match.family = GetString(pattern, FC_FAMILY, 0).value_or(std::string_view());
+    double weight = FC_WEIGHT_REGULAR;
+    FcPatternGetDouble(pattern, FC_WEIGHT, 0, &weight);
+    match.weight = ToInteger(FcWeightToOpenTypeDouble(weight) + 0.5);
     FcPatternGetInteger(pattern, FC_INDEX, 0, &match.index);
     match.variations = GetString(pattern, FC_FONT_VARIATIONS, 0).value_or(std::string_view());
     match.embolden = GetFlag(pattern, FC_EMBOLDEN);
@@ -106,7 +115,9 @@ std::optional<MFontMatch> ToMatch(const FcPattern* pattern) {
     return match;
 }
 
-} // namespace
+std::uint32_t FontsVersion() {
+    return fontsVersion;
+}
 
 std::vector<MSystemFace> ListSystemFaces() {
     std::vector<MSystemFace> faces;
@@ -137,6 +148,7 @@ bool AddFontFile(const MString& path) {
     const FontSet found(FcFontSetCreate());
     if (!FcFileScan(found.get(), nullptr, nullptr, nullptr, ToFc(name), FcTrue) || found->nfont == 0)
         return false;
+    ++fontsVersion;
     return FcConfigAppFontAddFile(FcConfigGetCurrent(), ToFc(name)) == FcTrue;
 }
 

@@ -30,6 +30,8 @@ bool IsFamilyInstalled(const MString& family);
 
 // A face in a file, and what must be done to its outlines so that they look as was asked.
 struct MFontMatch {
+    std::string family; // the face's own name, and its weight as it comes out
+    std::int32_t weight = 400;
     std::string file;
     std::int32_t index =
         0; // of the face in the file; bits 16 to 30 the named instance, from 1, as FreeType counts

@@ -1,0 +1,51 @@
+// The OpenType table SVG: glyphs as elements of SVG documents, which may be compressed and may each serve many
+// glyphs. Nothing outside the document is ever read for it.
+#pragma once
+
+#include "imaging/MColour.h"
+#include "platform/text/MTableView.h"
+
+#include <cstdint>
+#include <map>
+#include <string>
+#include <vector>
+
+struct _cairo;
+struct _RsvgHandle;
+
+class MSvgGlyphs {
+public:
+    static constexpr std::size_t maximumDocument = 32 << 20; // bytes, decompressed
+    static constexpr std::size_t maximumElements = 250'000;  // tags in a document
+
+    MSvgGlyphs() = default;
+    // The tables SVG and CPAL; palette 0 stands for the variables --color0, --color1 and so on.
+    MSvgGlyphs(std::vector<std::uint8_t> svgTable, std::vector<std::uint8_t> cpalTable);
+    MSvgGlyphs(const MSvgGlyphs&) = delete;
+    MSvgGlyphs& operator=(const MSvgGlyphs&) = delete;
+    ~MSvgGlyphs();
+
+    bool IsEmpty() const { return svg.empty(); }
+    // True if a document says that it serves the glyph and has an element for it.
+    bool Has(std::uint16_t glyph);
+    // In coordinates whose unit is the font's, with y downwards and the origin on the baseline. `foreground` is
+    // the document's currentColor. False, with nothing painted, if Has is.
+    bool Draw(_cairo* context, std::uint16_t glyph, std::int32_t unitsPerEm, MColour foreground);
+
+private:
+    struct Place {
+        std::size_t offset = 0;
+        std::size_t length = 0;
+    };
+
+    std::vector<std::uint8_t> svg;
+    std::vector<std::uint8_t> cpal;
+    std::map<std::size_t, _RsvgHandle*> documents; // by offset; null for one that can't be read
+
+    Place Find(std::uint16_t glyph) const;
+    _RsvgHandle* Open(const Place& place);
+};
+
+// The document's text with palette entries in place of var(--colorN, ...), or with what stands after the comma
+// where there is no such entry. Anything else stays as it is.
+std::string WithPalette(std::string_view document, const std::vector<std::uint8_t>& cpalTable);
