@@ -116,6 +116,10 @@ public:
     // A script that ExportHtml wrote, into a document that was cleared. The PNG is sought beside it, then by
     // asking. False if there is no such file or picture; true even for another first line, after a message.
     bool ImportJavascript(const MString& path);
+    // The nets of letter cubes with which the names of the settings can be spelt: `path`, cut before its first dot,
+    // with the number of each cube and ".png". Tells the statistics and asks first. False if the font lacks a
+    // capital or a letter of a name, after a message; for an empty list; and if the user says no.
+    bool ExportLetterCubes(const MString& path);
     // One PNG for each glyph, named C and its code, into the folder of `path`. True if at least one was written.
     bool ExportSingleFiles(const MString& path);
 };

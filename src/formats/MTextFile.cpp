@@ -70,6 +70,7 @@ std::u16string FromBytes(std::string_view bytes, MTextEncoding encoding) {
 }
 
 void Unescape(MString& text, bool literalBackslashN) {
+    if (text.View().find_first_of(u"<&\\") == std::u16string_view::npos) return;
     text.ReplaceAll("<NEW LINE>", "\r\n");
     text.ReplaceAll("<QUOTE>", "\"");
     text.ReplaceAll("<br />", "\r\n");
@@ -142,6 +143,18 @@ bool MTextFile::NextLine() {
     if (!ok || writing) return false;
     char16_t unit = 0;
     if (!NextUnit(unit)) return false;
+    line = ReadUnits(unit);
+    if (encoding == MTextEncoding::Utf8) {
+        line = DecodeUtf8(std::string(line.begin(), line.end()), MLoneSurrogates::Replace);
+    }
+    // A line is text up to the first zero, as everywhere in the program.
+    line.resize(std::min(line.size(), line.find(u'\0')));
+    tokenised = false;
+    return true;
+}
+
+// The rest of a line that starts with this unit, without its end.
+std::u16string MTextFile::ReadUnits(char16_t unit) {
     const std::size_t longest = LongestLine();
     std::u16string units;
     do {
@@ -151,36 +164,42 @@ bool MTextFile::NextLine() {
             break;
         }
         if (units.size() < longest) units.push_back(unit);
+        TakePlainUnits(units, longest);
     } while (NextUnit(unit));
-    if (encoding == MTextEncoding::Utf8) {
-        const std::string bytes(units.begin(), units.end());
-        units = DecodeUtf8(bytes, MLoneSurrogates::Replace);
-    }
-    line = std::move(units);
-    // A line is text up to the first zero, as everywhere in the program.
-    line.resize(std::min(line.size(), line.find(u'\0')));
-    Tokenise();
-    return true;
+    return units;
 }
 
-void MTextFile::Tokenise() {
+// What is at hand of a line of single bytes, up to its end.
+void MTextFile::TakePlainUnits(std::u16string& units, std::size_t longest) {
+    if (markLength == 2) return;
+    const auto start = chunk.begin() + static_cast<std::ptrdiff_t>(chunkPosition);
+    const auto end = std::find_if(start, chunk.end(), [](std::uint8_t byte) { return byte == '\n' || byte == '\r'; });
+    const auto room = static_cast<std::ptrdiff_t>(longest - units.size());
+    units.insert(units.end(), start, start + std::min(end - start, room));
+    chunkPosition = static_cast<std::size_t>(end - chunk.begin());
+}
+
+const std::vector<std::u16string_view>& MTextFile::Tokens() const {
+    if (tokenised) return tokens;
+    tokenised = true;
     tokens.clear();
     std::u16string_view rest = line;
     for (;;) {
         rest.remove_prefix(std::min(rest.size(), rest.find_first_not_of(blanks)));
-        if (rest.empty()) return;
+        if (rest.empty()) break;
         const bool quoted = rest.front() == u'"';
         if (quoted) rest.remove_prefix(1);
-        if (rest.empty()) return;
+        if (rest.empty()) break;
         const std::size_t end = std::min(rest.size(), quoted ? rest.find(u'"') : rest.find_first_of(blanks));
         tokens.push_back(rest.substr(0, end));
         rest.remove_prefix(std::min(rest.size(), quoted ? end + 1 : end));
     }
+    return tokens;
 }
 
 MString MTextFile::GetString(int index, bool literalBackslashN, bool unescape) const {
     if (index < 0 || index >= TokenCount()) return {};
-    MString token(tokens[static_cast<std::size_t>(index)]);
+    MString token(Tokens()[static_cast<std::size_t>(index)]);
     if (unescape) Unescape(token, literalBackslashN);
     return token;
 }

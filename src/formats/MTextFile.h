@@ -42,7 +42,7 @@ public:
     // Reads and takes apart one line, ended by CR, LF, CR LF or the end of the file. False at the end; the tokens
     // stay then.
     bool NextLine();
-    std::int32_t TokenCount() const { return static_cast<std::int32_t>(tokens.size()); }
+    std::int32_t TokenCount() const { return static_cast<std::int32_t>(Tokens().size()); }
     // A token, empty if the index is out of range. `literalBackslashN` also turns the two characters \n into CR LF.
     MString GetString(int index, bool literalBackslashN = false, bool unescape = true) const;
     std::int32_t GetInt(int index) const; // leading digits; 0 without any
@@ -67,14 +67,18 @@ private:
     std::size_t chunkPosition = 0;
     std::string unwritten;                // bytes that are not in the file yet
     std::u16string line;                  // the current line without CR and LF
-    std::vector<std::u16string_view> tokens; // into `line`
+    // Into `line`, once they are asked for: readers of whole lines need none.
+    mutable std::vector<std::u16string_view> tokens;
+    mutable bool tokenised = true;
 
     void OpenForWriting();
     void OpenForReading();
     bool NextByte(std::uint8_t& byte);
     bool NextUnit(char16_t& unit);
     void GiveBackUnit();
-    void Tokenise();
+    const std::vector<std::u16string_view>& Tokens() const;
+    std::u16string ReadUnits(char16_t first);
+    void TakePlainUnits(std::u16string& units, std::size_t longest);
     void Separate();
     void WriteUnits(std::u16string_view units);
     void Flush();

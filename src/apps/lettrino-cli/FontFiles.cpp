@@ -2,6 +2,7 @@
 
 #include "apps/lettrino-cli/Paths.h"
 #include "document/SetText.h"
+#include "formats/MPhotofontImporter.h"
 #include "formats/MTextFile.h"
 #include "formats/WebFont.h"
 #include "foundation/MFile.h"
@@ -13,6 +14,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 #include <string_view>
 
@@ -76,11 +78,43 @@ std::string WhyNotOpened(const MString& path, const FontForm& form) {
     return FileExists(picture) ? "its picture " + ToSystem(picture) + " can't be read" : "its picture is not there";
 }
 
+// A folder of this run's own for the pictures that an import unpacks.
+class TemporaryFolder {
+public:
+    fs::path path;
+
+    TemporaryFolder() {
+        std::string name = (fs::temp_directory_path() / "lettrino-XXXXXX").string();
+        if (mkdtemp(name.data())) path = name;
+    }
+    TemporaryFolder(const TemporaryFolder&) = delete;
+    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+    ~TemporaryFolder() {
+        std::error_code error;
+        if (!path.empty()) fs::remove_all(path, error);
+    }
+};
+
+StepResult OpenPhotofont(Run& run, const std::string& file, const MString& path) {
+    if (!FileExists(path)) return StepFailure{file, FolderExists(path) ? "it is a folder" : "no such file"};
+    const TemporaryFolder temporary;
+    if (temporary.path.empty()) return StepFailure{file, "there is no place for temporary files"};
+    run.settings.Path(MPathKind::Temporary) = FromSystemPath(temporary.path);
+    MColourFont& font = run.FontOrNew();
+    const bool imported = MPhotofontImporter(font.Owner).Import(path, &font);
+    run.settings.Path(MPathKind::Temporary) = MString();
+    if (!imported) return StepFailure{file, "it can't be opened"};
+    if (font.GlyphCount() == 0) return StepFailure{file, "it holds no glyph that could be read"};
+    if (!font.Repack()) return StepFailure{file, "its glyphs don't fit a picture that memory can hold"};
+    return {};
+}
+
 StepResult Open(Run& run, const std::string& file) {
     const MString path = FromSystem(file);
+    if (path.GetExtension().Equals(u"PHF")) return OpenPhotofont(run, file, path);
     const auto form = std::ranges::find_if(
         forms, [extension = path.GetExtension()](const FontForm& f) { return extension.Equals(f.extension); });
-    if (form == std::end(forms)) return StepFailure{file, "fonts are opened from .sm and .js files"};
+    if (form == std::end(forms)) return StepFailure{file, "fonts are opened from .sm, .js and .phf files"};
     MColourFont& font = run.FontOrNew();
     font.Clear();
     // The import is a success for the program even where the header is wrong.
@@ -166,6 +200,40 @@ StepResult DrawText(Run& run, MColourFont& font, const std::string& text, const 
     return StepFailure{file, "the picture could not be written"};
 }
 
+// A text as editors write it: UTF-8 also without its mark.
+MString ReadUtf8Text(const MString& path) {
+    const MString text = MTextFile::ReadWholeFile(path);
+    const bool bytes = std::ranges::all_of(text.View(), [](char16_t unit) { return unit < 256; });
+    if (!bytes) return text;
+    std::string narrow(text.View().begin(), text.View().end());
+    const MString decoded(narrow.c_str(), 65001);
+    return decoded.Contains(u'\uFFFD') ? text : decoded;
+}
+
+StepResult ReadNames(Run& run, const std::string& file) {
+    const MString path = FromSystem(file);
+    if (!FileExists(path)) return StepFailure{file, "no such file"};
+    run.settings.LetterCubesNames = ReadUtf8Text(path);
+    if (run.settings.LetterCubesNames.IsEmpty()) return StepFailure{file, "it is empty"};
+    return {};
+}
+
+StepResult ExportCubes(MColourFont& font, const std::string& file) {
+    const MString path = AbsolutePath(file);
+    const fs::path folder = ToSystemPath(path).parent_path();
+    if (!IsFolder(folder)) return StepFailure{file, "there is no folder " + folder.string()};
+    auto& told = Headless::record.messages;
+    const std::size_t before = told.size();
+    const bool exported = font.ExportLetterCubes(path);
+    const std::string text = told.size() > before ? ToSystem(told.back().text) : "the list of names is empty";
+    if (told.size() > before && told.back().icon == Desktop::Icon::Error) return StepFailure{file, text};
+    std::printf("%s\n", text.substr(0, text.find("\n\n")).c_str());
+    MString first = path;
+    first.KeepBefore(".");
+    if (exported && IsWholePng(first + "1.png")) return {};
+    return StepFailure{file, exported ? "the pictures could not be written" : "there was no memory for the pictures"};
+}
+
 } // namespace
 
 std::optional<StepAction> PrepareFontFile(StepArguments arguments) {
@@ -196,4 +264,12 @@ std::optional<StepAction> PrepareText(StepArguments arguments) {
     return OnFont([text = arguments[0], file = arguments[1]](Run& run, MColourFont& font) {
         return DrawText(run, font, text, file);
     });
+}
+
+std::optional<StepAction> PrepareNames(StepArguments arguments) {
+    return [file = arguments[0]](Run& run) { return ReadNames(run, file); };
+}
+
+std::optional<StepAction> PrepareCubes(StepArguments arguments) {
+    return OnFont([file = arguments[0]](Run&, MColourFont& font) { return ExportCubes(font, file); });
 }

@@ -11,3 +11,5 @@ std::optional<StepAction> PrepareSingleFiles(StepArguments arguments);
 std::optional<StepAction> PrepareHtml(StepArguments arguments);
 std::optional<StepAction> PrepareMinimalHtml(StepArguments arguments);
 std::optional<StepAction> PrepareText(StepArguments arguments); // TEXT FILE.png
+std::optional<StepAction> PrepareNames(StepArguments arguments);
+std::optional<StepAction> PrepareCubes(StepArguments arguments);

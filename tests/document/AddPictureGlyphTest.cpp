@@ -1,0 +1,124 @@
+#include "DocumentFixture.h"
+
+#include <algorithm>
+#include <random>
+#include <tuple>
+#include <utility>
+
+namespace {
+
+class AddPictureGlyphTest : public DocumentTest {
+protected:
+    MColourFont font{nullptr};
+
+    // The rule, point by point in floats.
+    MColour PlainPixel(const MPicture& picture, const MGlyph& glyph, std::int32_t x, std::int32_t y) const {
+        const std::int32_t pictureWidth = static_cast<std::int32_t>(picture.Width);
+        const std::int32_t pictureHeight = static_cast<std::int32_t>(picture.Height);
+        const std::int32_t total = settings.PaddingTop + settings.PaddingBottom + pictureHeight;
+        const std::int32_t h = settings.GlyphHeight;
+        const std::int32_t n = std::clamp(total / h + 1, 2, 6);
+        const std::int32_t baseX = x * pictureWidth / glyph.Width;
+        const std::int32_t baseY = y * total / h - settings.PaddingTop;
+        float r = 0;
+        float g = 0;
+        float b = 0;
+        float a = 0;
+        int all = 0;
+        int coloured = 0;
+        for (std::int32_t i = 0; i < n; ++i) {
+            for (std::int32_t j = 0; j < n; ++j) {
+                const std::int32_t px = baseX + i;
+                const std::int32_t py = baseY + j;
+                if (px < 0 || py < 0 || px >= pictureWidth || py >= pictureHeight) continue;
+                const MColour point = picture.GetPixel(px, py);
+                ++all;
+                a += point.a;
+                if (point.a == 0) continue;
+                ++coloured;
+                r += point.r;
+                g += point.g;
+                b += point.b;
+            }
+        }
+        if (coloured == 0) return {0, 0, 0, 0};
+        const auto mean = [](float sum, int count) { return static_cast<std::uint8_t>(sum / static_cast<float>(count)); };
+        return {mean(r, coloured), mean(g, coloured), mean(b, coloured), mean(a, all)};
+    }
+};
+
+TEST_F(AddPictureGlyphTest, ResamplesByPointSets) {
+    std::mt19937 random(3);
+    for (const MPixelFormat format : {FormatRGBA8, FormatRGB8, FormatR16, FormatRGBAHalf}) {
+        for (int round = 0; round < 25; ++round) {
+            const auto pick = [&](unsigned most) { return static_cast<std::int32_t>(random() % most); };
+            MPicture picture(static_cast<std::uint32_t>(1 + pick(90)), static_cast<std::uint32_t>(1 + pick(200)), format);
+            FillWithNoise(picture, static_cast<unsigned>(round));
+            settings.GlyphHeight = 1 + pick(60);
+            settings.PaddingTop = pick(20);
+            settings.PaddingBottom = pick(20);
+            ASSERT_TRUE(font.AddPictureGlyph(u'x', picture, 3, -4, false));
+            const MGlyph& glyph = *font.GetGlyph(u'x');
+            ASSERT_EQ(glyph.Width, settings.GlyphHeight * static_cast<std::int32_t>(picture.Width) /
+                                       (settings.PaddingTop + settings.PaddingBottom + static_cast<std::int32_t>(picture.Height)));
+            ASSERT_EQ(std::tuple(glyph.Height, glyph.SpacingBefore, glyph.SpacingAfter, glyph.FromPicture), std::tuple(settings.GlyphHeight, 3, -4, true));
+            for (std::int32_t y = 0; y < glyph.Height; ++y) {
+                for (std::int32_t x = 0; x < glyph.Width; ++x) ASSERT_EQ(glyph.GetPixel(x, y), PlainPixel(picture, glyph, x, y));
+            }
+            picture.Free();
+        }
+    }
+}
+
+TEST_F(AddPictureGlyphTest, ExactSizeIsCopiedAndPaddingStaysTransparent) {
+    MPicture picture(50, 100, FormatRGBA8);
+    FillWithNoise(picture, 1);
+    ASSERT_TRUE(font.AddPictureGlyph(u'x', picture, 0, 0, false));
+    for (std::int32_t i = 0; i < 50; ++i) EXPECT_EQ(font.GetGlyph(u'x')->GetPixel(i, 2 * i), picture.GetPixel(i, 2 * i));
+    picture.Free();
+
+    picture = MPicture(100, 100, FormatRGB8);
+    picture.Fill(MColour(9, 9, 9));
+    settings.GlyphHeight = 60;
+    settings.PaddingTop = settings.PaddingBottom = 10;
+    ASSERT_TRUE(font.AddPictureGlyph(u'x', picture, 0, 0, false));
+    const MGlyph& glyph = *font.GetGlyph(u'x');
+    EXPECT_EQ(glyph.Width, 50);
+    for (const std::int32_t y : {0, 3, 55, 59}) EXPECT_EQ(glyph.GetPixel(25, y).a, 0) << y;
+    for (const std::int32_t y : {4, 54}) EXPECT_NE(glyph.GetPixel(25, y).a, 0) << y;
+    picture.Free();
+}
+
+TEST_F(AddPictureGlyphTest, LetterAIsMeasuredOnTheSource) {
+    MPicture picture(10, 40, FormatRGBA8);
+    picture.Fill(MColour(0, 0, 0, 0));
+    for (std::int32_t y = 5; y < 30; ++y) picture.SetPixel(3, y, MColour(1, 1, 1));
+    font.CapHeight = font.Baseline = 999;
+    ASSERT_TRUE(font.AddPictureGlyph(u'B', picture, 0, 0, true));
+    EXPECT_EQ(font.CapHeight, 999);
+    ASSERT_TRUE(font.AddPictureGlyph(u'A', picture, 0, 0, true));
+    EXPECT_EQ(std::pair(font.CapHeight, font.Baseline), std::pair(25, 10));
+    EXPECT_LT(font.GetGlyph(u'A')->Width, 25); // trimmed
+    picture.Free();
+}
+
+TEST_F(AddPictureGlyphTest, WhatIsRefused) {
+    MPicture picture(10, 10, FormatRGBA8);
+    picture.Fill(MColour(1, 1, 1));
+    settings.PaddingTop = -1;
+    EXPECT_FALSE(font.AddPictureGlyph(u'x', picture, 0, 0, false));
+    settings.PaddingTop = 0;
+    EXPECT_FALSE(font.AddPictureGlyph(u'x', MPicture(), 0, 0, false));
+    EXPECT_FALSE(font.AddPictureGlyph(u'x', MString("/no/such.png"), 0, 0, false));
+    for (const std::int32_t height : {0, -5, 2'000'000'000}) { // no picture, but the numbers
+        settings.GlyphHeight = height;
+        EXPECT_TRUE(font.AddPictureGlyph(u'x', picture, 0, 0, true));
+        EXPECT_FALSE(font.GetGlyph(u'x')->Picture.IsValid());
+    }
+    settings.GlyphHeight = 10;
+    for (char16_t c = 1; c < 223; ++c) AddGlyph(font, static_cast<char16_t>(1000 + c), 1, 1);
+    EXPECT_FALSE(font.AddPictureGlyph(u'y', picture, 0, 0, false));
+    picture.Free();
+}
+
+} // namespace

@@ -1,0 +1,220 @@
+#include "formats/MPhotofontImporter.h"
+
+#include "DocumentFixture.h"
+#include "TemporaryFolder.h"
+#include "Text.h"
+#include "formats/Base64.h"
+
+#include <algorithm>
+#include <string>
+#include <tuple>
+#include <vector>
+
+#include <glib.h>
+
+namespace {
+
+struct Glyph {
+    std::string id;
+    int code;
+    int width, height;  // of the picture
+    int boxWidth, boxHeight;
+    int baseX, baseY, deltaX;
+};
+
+std::string ReplaceAll(std::string text, const std::string& find, const std::string& with) {
+    for (std::size_t at = 0; (at = text.find(find, at)) != std::string::npos; at += with.size()) text.replace(at, find.size(), with);
+    return text;
+}
+
+class PhotofontTest : public DocumentTest {
+protected:
+    TemporaryFolder folder;
+    MColourFont font{AnyWindow()};
+
+    PhotofontTest() { settings.Path(MPathKind::Temporary) = FromSystemPath(folder.path); }
+
+    // A picture with ink in columns 2 to width - 3 of all rows, each row its own red, as base64 in 76 columns.
+    std::string Payload(int width, int height) const {
+        MPicture picture(static_cast<std::uint32_t>(width), static_cast<std::uint32_t>(height), FormatRGBA8);
+        picture.Fill(MColour(0, 0, 0, 0));
+        for (int y = 0; y < height; ++y) {
+            for (int x = 2; x < width - 2; ++x) picture.SetPixel(x, y, {static_cast<std::uint8_t>(y), 0, 0, 255});
+        }
+        EXPECT_TRUE(picture.Save(folder.File("payload.png")));
+        picture.Free();
+        const std::string bytes = folder.Read("payload.png");
+        gchar* const encoded = g_base64_encode(reinterpret_cast<const guchar*>(bytes.data()), bytes.size());
+        std::string lines;
+        for (std::size_t i = 0; encoded[i]; ++i) {
+            lines += encoded[i];
+            if (i % 76 == 75) lines += '\n';
+        }
+        g_free(encoded);
+        return lines + "\n";
+    }
+
+    std::string Head(const std::vector<Glyph>& glyphs, const std::string& pairs) const {
+        std::string text = "<?xml version=\"1.0\"?>\n<PhF version=\"1.0\">\n<header>\n</header>\n<globals>\n\t<unicode_mapping type=\"x\">\n";
+        for (const Glyph& g : glyphs) text += "\t\t<map id=\"" + g.id + "\" unc=\"" + std::to_string(g.code) + "\"/>\n";
+        text += "\t</unicode_mapping>\n\t<kerning type=\"p\">\n" + pairs + "\t</kerning>\n</globals>\n<glyphs>\n";
+        for (const Glyph& g : glyphs) {
+            text += "\t<glyph id=\"" + g.id + "\">\n\t\t<image id=\"v0\" type=\"photo\">\n";
+            text += g.width > 0 ? "\t\t<shape embedded=\"IMG_" + g.id + "\" />\n" : std::string("\t\t<shape>\n");
+            text += "\t\t<ppm int=\"48\"/>\n\t\t<bbox x=\"0\" y=\"0\" width=\"" + std::to_string(g.boxWidth) + "\" height=\"" + std::to_string(g.boxHeight) +
+                    "\"/>\n\t\t<base x=\"" + std::to_string(g.baseX) + "\" y=\"" + std::to_string(g.baseY) + "\"/>\n\t\t<delta x=\"" +
+                    std::to_string(g.deltaX) + "\" y=\"0\"/>\n\t\t</image>\n\t</glyph>\n";
+        }
+        return text + "</glyphs>\n<data>\n<photo>\n";
+    }
+
+    std::string File(const std::vector<Glyph>& glyphs, const std::string& pairs = "") const {
+        std::string text = Head(glyphs, pairs);
+        for (const Glyph& g : glyphs) {
+            if (g.width > 0) {
+                text += "<image id=\"IMG_" + g.id + "\">\nContent-type: image/png\nContent-transfer-encoding: base64\n\n" + Payload(g.width, g.height) + "</image>\n";
+            }
+        }
+        return text + "</photo>\n</data>\n</PhF>\n";
+    }
+
+    bool Import(const std::string& text) {
+        const bool imported = MPhotofontImporter(AnyWindow()).Import(folder.Write("f.phf", text), &font);
+        EXPECT_FALSE(FileExists(folder.File("temp.png")));
+        return imported;
+    }
+
+    std::string Codes() const {
+        std::string codes;
+        for (const auto& slot : font.Glyphs) {
+            if (slot) codes += std::to_string(slot->Character) + " ";
+        }
+        return codes;
+    }
+};
+
+const std::vector<Glyph> sample = {{"A", 65, 12, 20, 12, 20, 1, 15, 13}, {"g", 103, 10, 16, 10, 16, 0, 10, 11},
+                                   {"space", 32, 0, 0, 0, 0, 0, 0, 9}};
+
+TEST_F(PhotofontTest, PlacesGlyphsOnOneBaseline) {
+    settings.PaddingTop = 5; // of earlier pictures
+    ASSERT_TRUE(Import(File(sample, "<pair left=\"A\" right=\"g\" x=\"-5\"/>\n<pair left=\"g\" right=\"A\" x=\"0\"/>\n<pair left=\"A\" right=\"none\" x=\"3\"/>\n")));
+    EXPECT_EQ(Codes(), "65 103 ");
+    // 15 rows above the baseline and 6 below it; the baseline itself is measured anew by the "A", as by any picture.
+    EXPECT_EQ(std::tuple(settings.GlyphHeight, font.Baseline, font.SpaceWidth, settings.PaddingTop), std::tuple(21, 1, 9, 0));
+    const MGlyph& a = *font.GetGlyph(u'A');
+    const MGlyph& g = *font.GetGlyph(u'g');
+    EXPECT_EQ(std::tuple(a.Width, a.Height, a.SpacingBefore, a.SpacingAfter), std::tuple(8, 21, 1, 13 - 12 + 2 + 1));
+    EXPECT_EQ(std::tuple(g.Width, g.SpacingBefore, g.SpacingAfter), std::tuple(6, 2, 3));
+    EXPECT_EQ(a.GetPixel(0, 14).r, 14);
+    EXPECT_EQ(a.GetPixel(0, 20).a, 0);
+    EXPECT_EQ(g.GetPixel(0, 4).a, 0);
+    EXPECT_EQ(g.GetPixel(0, 14).r, 9);
+    EXPECT_EQ(std::vector(font.Kerning.begin(), font.Kerning.end()), (std::vector<MKerningPair>{{'A', 'g', -5}}));
+    EXPECT_EQ(Headless::record.progressPercents.back(), 66);
+}
+
+TEST_F(PhotofontTest, AnyEncodingLineEndAndAttributeOrder) {
+    const std::string plain = File(sample);
+    ASSERT_TRUE(Import(plain));
+    const std::string codes = Codes();
+    std::string swapped = ReplaceAll(plain, "<map id=\"A\" unc=\"65\"/>", "<map unc=\"x41\" id=\"A\" />");
+    std::string utf16 = "\xFF\xFE";
+    for (const char c : plain) utf16 += {c, '\0'};
+    for (const std::string& text : {ReplaceAll(plain, "\n", "\r\n"), "\xEF\xBB\xBF" + plain, utf16, swapped}) {
+        ASSERT_TRUE(Import(text));
+        EXPECT_EQ(Codes(), codes);
+        EXPECT_EQ(font.GetGlyph(u'A')->Width, 8);
+    }
+}
+
+TEST_F(PhotofontTest, MappingsThatMeet) {
+    const auto mapped = [&](const std::string& lines) {
+        MPhotofontImporter importer(nullptr);
+        EXPECT_TRUE(importer.Import(folder.Write("m.phf", "<unicode_mapping>\n" + lines + "</unicode_mapping>\n"), &font));
+        return importer.FindUnicode("x");
+    };
+    const std::string small = "<map id=\"x\" unc=\"97\">\n";
+    const std::string capital = "<map id=\"x\" unc=\"65\">\n";
+    EXPECT_EQ(mapped(small + capital), 65);
+    EXPECT_EQ(mapped(capital + small), 65);
+    EXPECT_EQ(mapped("<map id=\"x\" unc=\"98\">\n" + capital), 98);
+    EXPECT_EQ(mapped("<map id=\"x\" unc=\"31\">\n"), 0);
+    EXPECT_EQ(mapped("<map id=\"\" unc=\"65\">\n"), 0);
+    EXPECT_EQ(mapped("<map\nid=\"x\" unc=\"65\">\n"), 0); // split over two lines
+}
+
+TEST_F(PhotofontTest, PicturesAreCutOrPaddedToTheirBox) {
+    std::vector<Glyph> glyphs = sample;
+    glyphs[0].boxWidth = 6;   // ink from column 2 on
+    glyphs[1].boxWidth = 15;  // five more columns, empty
+    ASSERT_TRUE(Import(File(glyphs)));
+    EXPECT_EQ(font.GetGlyph(u'A')->Width, 4);
+    EXPECT_EQ(std::tuple(font.GetGlyph(u'g')->Width, font.GetGlyph(u'g')->SpacingAfter), std::tuple(6, 11 - 15 + 7));
+}
+
+TEST_F(PhotofontTest, ToldLosses) {
+    const std::string whole = File(sample);
+    const std::string imageA = "<image id=\"IMG_A\">\n";
+    const struct {
+        const char* what;
+        std::string text;
+        const char* codes;
+    } cases[] = {
+        {"an image that no glyph uses stops all after it", ReplaceAll(whole, imageA, "<image id=\"nobody\">\n"), ""},
+        {"a blank makes a line no data", ReplaceAll(whole, "\niVBOR", "\n iVBOR"), ""},
+        {"data on the line of the word base64", ReplaceAll(whole, "base64\n\niVBOR", "base64 iVBOR"), ""},
+        {"no </glyphs>", ReplaceAll(whole, "</glyphs>\n", ""), ""},
+        {"no base64", ReplaceAll(whole, "base64", "none"), ""},
+        {"an id without a mapping", ReplaceAll(whole, "<map id=\"A\"", "<map id=\"B\""), ""},
+        {"cut off in the second image", whole.substr(0, whole.rfind("</image>") - 10), "65 "},
+        // Without an id it is the image of the glyph that names none, the space, up to the next end of an image.
+        {"a wrapper that looks like an image", ReplaceAll(whole, "<data>", "<images>"), "103 "},
+        {"not base64 at all", ReplaceAll(whole, "iVBOR", "!!!!!"), ""},
+    };
+    for (const auto& c : cases) {
+        EXPECT_TRUE(Import(c.text)) << c.what;
+        EXPECT_EQ(Codes(), c.codes) << c.what;
+    }
+    EXPECT_FALSE(MPhotofontImporter(nullptr).Import(folder.File("missing.phf"), &font));
+    EXPECT_FALSE(MPhotofontImporter(nullptr).Import(folder.File("f.phf"), nullptr));
+}
+
+TEST_F(PhotofontTest, HostileNumbersAndSizes) {
+    SetMemoryLimit(1 << 22);
+    std::vector<Glyph> glyphs = sample;
+    glyphs[0].boxWidth = 2'000'000'000;
+    ASSERT_TRUE(Import(File(glyphs)));
+    EXPECT_EQ(Codes(), "103 ");
+    for (const auto& [boxHeight, baseY] : {std::pair(2'000'000'000, 2'000'000'000), std::pair(-5, -7), std::pair(20, -2'000'000'000), std::pair(2'000'000'000, -2'000'000'000)}) {
+        glyphs = sample;
+        glyphs[1].boxHeight = boxHeight;
+        glyphs[1].baseY = baseY;
+        EXPECT_TRUE(Import(File(glyphs)));
+    }
+    glyphs.clear();
+    for (int i = 0; i < 300; ++i) glyphs.push_back({"g" + std::to_string(i), 300 + i, 6, 3, 6, 3, 0, 2, 6});
+    ASSERT_TRUE(Import(File(glyphs)));
+    EXPECT_EQ(font.GlyphCount(), 223);
+    SetMemoryLimit(0);
+}
+
+TEST(Base64, EveryLengthAndPadding) {
+    for (std::size_t length = 1; length < 70; ++length) {
+        std::string bytes;
+        for (std::size_t i = 0; i < length; ++i) bytes += static_cast<char>(i * 37 + length);
+        gchar* const encoded = g_base64_encode(reinterpret_cast<const guchar*>(bytes.data()), bytes.size());
+        const auto decoded = DecodeBase64(encoded);
+        ASSERT_TRUE(decoded);
+        EXPECT_EQ(std::string(decoded->begin(), decoded->end()), bytes);
+        g_free(encoded);
+    }
+    EXPECT_FALSE(DecodeBase64(""));
+    EXPECT_FALSE(DecodeBase64("A"));
+    EXPECT_EQ(DecodeBase64("QUJDRE")->size(), 3U); // a group that is cut off
+    EXPECT_EQ(DecodeBase64("==")->size(), 0U);
+    EXPECT_EQ(DecodeBase64("QU==")->size(), 1U);
+    EXPECT_EQ(DecodeBase64("\x01\xFF**")->size(), 3U);
+}
+
+} // namespace
