@@ -75,6 +75,24 @@ MColour MColour::Lerp(MColour first, MColour second, float t) {
             channel(first.a, second.a)};
 }
 
+MColour Premultiplied(const MColour& straight) {
+    if (straight.a == 255) return straight;
+    const auto channel = [&](std::uint32_t value) {
+        return static_cast<std::uint8_t>(value * straight.a >> 8);
+    };
+    return {channel(straight.r), channel(straight.g), channel(straight.b), straight.a};
+}
+
+MColour Unpremultiplied(const MColour& premultiplied) {
+    const std::uint32_t alpha = premultiplied.a;
+    if (alpha == 255) return premultiplied;
+    if (alpha == 0) return {0, 0, 0, 0};
+    const auto channel = [alpha](std::uint32_t value) {
+        return static_cast<std::uint8_t>(std::min((value * 255 + alpha / 2) / alpha, 255U));
+    };
+    return {channel(premultiplied.r), channel(premultiplied.g), channel(premultiplied.b), premultiplied.a};
+}
+
 std::uint32_t Lerp(std::uint32_t first, std::uint32_t second, float t) {
     if (first == second) return first;
     const float value = (1.0F - t) * static_cast<float>(first) + t * static_cast<float>(second);

@@ -98,6 +98,12 @@ inline std::uint16_t ToWord(Imath::half value) {
     return static_cast<std::uint16_t>(scaled > 0.0F ? ToInteger(std::min(scaled, 65535.0F)) : 0);
 }
 
+// For drawing, where colours are multiplied by their alpha: channel * a >> 8, which a drawn picture has always
+// shown; opaque colours stay.
+MColour Premultiplied(const MColour& straight);
+// And back, rounded to nearest. Transparent colours become black.
+MColour Unpremultiplied(const MColour& premultiplied);
+
 // (1 - t) * first + t * second, truncated; equal numbers stay. What falls below 0 or above the largest number
 // gives that bound.
 std::uint32_t Lerp(std::uint32_t first, std::uint32_t second, float t);

@@ -13,6 +13,15 @@
 
 #include <cstdint>
 
+// A bitmap of the drawing system: blue, green, red and alpha bytes, premultiplied, rows from the top. Owns
+// nothing.
+struct MBitmapView {
+    const std::uint8_t* Pixels = nullptr;
+    std::uint32_t Width = 0;
+    std::uint32_t Height = 0;
+    std::uint32_t Stride = 0; // bytes from one row to the next
+};
+
 class MPicture {
 public:
     std::uint32_t Width = 0;  // pixels
@@ -38,6 +47,8 @@ public:
     // picture is invalid, with Width, Height and Format 0.
     explicit MPicture(const MString& path, std::int32_t frame = 0, std::int32_t maxWidth = -1,
                       std::int32_t maxHeight = -1);
+    // Format 7, with straight alpha. Empty for a null bitmap.
+    explicit MPicture(const MBitmapView& bitmap);
     // A new picture from an old one, in the asked size and format. `smooth` scales with a box filter; otherwise
     // the source stays at the top left, cropped or padded with transparency. `keepAspect` fits the size into
     // the asked box. An unchanged size is a CopyPixels, with its limits. Invalid if `source` is, or without
@@ -82,4 +93,13 @@ public:
     // which changes the picture itself. True only if the whole file was written; `report` then tells path,
     // size, resolution and format in four lines, and is empty otherwise.
     bool Save(const MString& path, MPixelFormat format = FormatNone, MString* report = nullptr);
+
+    // A bitmap for drawing: a picture of format 7 whose colours are premultiplied, owned by the caller. Formats
+    // that CopyPixels doesn't bring into format 7 give an empty one. Invalid for an invalid picture or without
+    // memory.
+    MPicture CreateWicBitmap() const;
 };
+
+// One line for each picture file form that can be read (written): its extensions, as in ".jpg,.jpeg". Unless
+// `extensionsOnly`, a heading comes first, and each line begins with its number and the form's name.
+void ListCodecs(MString& text, bool decoders, bool extensionsOnly);

@@ -2,8 +2,10 @@
 #include "foundation/MFile.h"
 #include "foundation/MFolders.h"
 #include "imaging/MPicture.h"
+#include "imaging/MPixelLayout.h"
 #include "imaging/codecs/MCodec.h"
 
+#include <limits>
 #include <memory>
 
 namespace {
@@ -45,6 +47,22 @@ bool ScaleToFit(MPicture& picture, std::int32_t maxWidth, std::int32_t maxHeight
     return picture.IsValid();
 }
 
+void MakeOpaque(MPicture& picture) {
+    pixels::WithFormat(picture.Format, [&](auto constant) {
+        constexpr MPixelFormat format = constant();
+        if constexpr (pixels::channelCount<format> == 4) {
+            pixels::Channel<format> opaque = std::numeric_limits<pixels::Channel<format>>::max();
+            if constexpr (pixels::channelClass<format> == 3) opaque = 1.0F;
+            for (std::size_t y = 0; y < picture.Height; ++y) {
+                std::uint8_t* pixel = picture.Pixels + y * picture.Stride;
+                for (std::size_t x = 0; x < picture.Width; ++x, pixel += pixels::bytesPerPixel<format>) {
+                    pixels::StoreChannel<format>(pixel, pixels::Alpha, opaque);
+                }
+            }
+        }
+    });
+}
+
 bool EncodeAs(const MPicture& picture, MPixelFormat format, const MCodec& codec, MByteSink& sink) {
     if (format == picture.Format && picture.TopDown) return codec.encode(picture, sink);
     // The pixels go through CopyPixels, with its limits: a pair that it doesn't convert leaves an empty
@@ -54,6 +72,19 @@ bool EncodeAs(const MPicture& picture, MPixelFormat format, const MCodec& codec,
     std::fill_n(converted.Pixels, std::size_t{converted.Stride} * converted.Height, std::uint8_t{0});
     const bool written = converted.CopyPixels(picture) && codec.encode(converted, sink);
     converted.Free();
+    return written;
+}
+
+// The DDS form takes the picture's own pixels whatever format is asked for; that only decides whether they keep
+// their alpha.
+bool EncodeDirectly(const MPicture& picture, MPixelFormat format, const MCodec& codec, MByteSink& sink) {
+    if (HasAlpha(format) || !HasAlpha(picture.Format)) return codec.encode(picture, sink);
+    MPicture opaque(picture.Width, picture.Height, picture.Format);
+    opaque.TopDown = picture.TopDown;
+    const bool copied = opaque.CopyPixels(picture);
+    if (copied) MakeOpaque(opaque);
+    const bool written = copied && codec.encode(opaque, sink);
+    opaque.Free();
     return written;
 }
 
@@ -85,9 +116,10 @@ bool MPicture::Save(const MString& path, MPixelFormat format, MString* report) {
     if (BytesPerPixel(format) == 0) format = FormatR8;
     const MCodec* const codec = CodecForExtension(path.GetExtension());
     MByteSink sink(path);
-    if (!IsValid() || !codec || !codec->encode || !EncodeAs(*this, format, *codec, sink) || !sink.Finish()) {
-        return false;
-    }
+    if (!IsValid() || !codec || !codec->encode) return false;
+    const bool encoded =
+        codec->sniff ? EncodeAs(*this, format, *codec, sink) : EncodeDirectly(*this, format, *codec, sink);
+    if (!encoded || !sink.Finish()) return false;
     if (report) *report = ReportText(*this, path, format);
     return true;
 }

@@ -43,9 +43,6 @@ bool AllocatePicture(MPicture& picture, std::uint64_t width, std::uint64_t heigh
 // delay has 100 ms. One frame leaves the picture as it is.
 void SetFrames(MPicture& picture, std::uint32_t frameCount);
 
-// The straight colour of a premultiplied one, rounded to nearest.
-MColour Straight(const MColour& premultiplied);
-
 bool SniffPng(std::span<const std::uint8_t> start);
 bool DecodePng(MByteSource& file, std::int32_t frame, MPicture& picture);
 bool EncodePng(const MPicture& picture, MByteSink& sink);

@@ -84,12 +84,22 @@ void SetFrames(MPicture& picture, std::uint32_t frameCount) {
     picture.FrameDelay = 100;
 }
 
-MColour Straight(const MColour& premultiplied) {
-    const std::uint32_t alpha = premultiplied.a;
-    if (alpha == 255) return premultiplied;
-    if (alpha == 0) return {0, 0, 0, 0};
-    const auto channel = [alpha](std::uint32_t value) {
-        return static_cast<std::uint8_t>(std::min((value * 255 + alpha / 2) / alpha, 255U));
+void ListCodecs(MString& text, bool decoders, bool extensionsOnly) {
+    text = extensionsOnly ? "" : decoders ? "WIC DECODERS\n\n" : "WIC ENCODERS\n\n";
+    std::int32_t number = 0;
+    const auto append = [&](std::string_view part) {
+        for (const char byte : part)
+            text += byte;
     };
-    return {channel(premultiplied.r), channel(premultiplied.g), channel(premultiplied.b), premultiplied.a};
+    for (const MCodec& codec : table) {
+        if (!decoders && !codec.encode) continue;
+        ++number;
+        if (!extensionsOnly) {
+            text += MString(number) + "\t";
+            append(codec.name);
+            text += '\t';
+        }
+        append(codec.extensions);
+        text += '\n';
+    }
 }

@@ -97,8 +97,6 @@ std::uint32_t BytesPerPixel(MDdsFormat format) {
     case MDdsFormat::Rgba8Int:
     case MDdsFormat::Bgra8:
     case MDdsFormat::Bgrx8: return 4;
-    case MDdsFormat::Rg8: return 2;
-    case MDdsFormat::R8: return 1;
     default: return 0;
     }
 }
@@ -120,8 +118,7 @@ int SquishFlag(MDdsFormat format) {
     case MDdsFormat::Bc1: return squish::kDxt1;
     case MDdsFormat::Bc2: return squish::kDxt3;
     case MDdsFormat::Bc3: return squish::kDxt5;
-    case MDdsFormat::Bc4: return squish::kBc4;
-    default: return squish::kBc5;
+    default: return 0;
     }
 }
 
@@ -258,12 +255,6 @@ void DecompressBc7(const MDdsImage& image, std::uint8_t* rgba) {
     }
 }
 
-// Keeps the first channels of each pixel, in place.
-void KeepChannels(std::uint8_t* rgba, std::size_t count, std::size_t channels) {
-    for (std::size_t i = 0; i < count; ++i)
-        std::memmove(rgba + i * channels, rgba + i * 4, channels);
-}
-
 } // namespace
 
 std::uint64_t MDdsImage::RowPitch() const {
@@ -284,7 +275,8 @@ bool LoadDds(MByteSource& file, MDdsImage& image) {
 }
 
 bool DecompressDds(const MDdsImage& image, MDdsImage& result) {
-    if (!IsCompressed(image.format) || !image.GetImage()) return false;
+    const int flag = SquishFlag(image.format);
+    if (!image.GetImage() || (flag == 0 && image.format != MDdsFormat::Bc7)) return false;
     result.format = MDdsFormat::Rgba8;
     result.width = image.width;
     result.height = image.height;
@@ -295,15 +287,7 @@ bool DecompressDds(const MDdsImage& image, MDdsImage& result) {
         return true;
     }
     squish::DecompressImage(result.pixels.get(), static_cast<int>(image.width), static_cast<int>(image.height),
-                            image.GetImage(), SquishFlag(image.format));
-    const std::size_t count = std::size_t{image.width} * image.height;
-    if (image.format == MDdsFormat::Bc4) {
-        KeepChannels(result.pixels.get(), count, 1);
-        result.format = MDdsFormat::R8;
-    } else if (image.format == MDdsFormat::Bc5) {
-        KeepChannels(result.pixels.get(), count, 2);
-        result.format = MDdsFormat::Rg8;
-    }
+                            image.GetImage(), flag);
     return true;
 }
 

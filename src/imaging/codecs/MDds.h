@@ -15,8 +15,6 @@ enum class MDdsFormat : std::uint32_t {
     Rgba16Int = 12,
     Rgba8 = 28,
     Rgba8Int = 30,
-    Rg8 = 49,
-    R8 = 61,
     Bc1 = 71,
     Bc2 = 74,
     Bc3 = 77,
@@ -50,7 +48,8 @@ bool IsCompressed(MDdsFormat format);
 // False for what is not a DDS file, is cut short, or has a format or shape that isn't known here. A texture of
 // several images or with a depth is told by the fields and has no pixels.
 bool LoadDds(MByteSource& file, MDdsImage& image);
-// BC1, BC2, BC3 and BC7 become Rgba8, BC4 becomes R8 and BC5 Rg8.
+// BC1, BC2, BC3 and BC7 become Rgba8. False for others: the one or two channels of BC4 and BC5 are no picture
+// here.
 bool DecompressDds(const MDdsImage& image, MDdsImage& result);
 // Rgba8 becomes Bc1, in which an alpha below 128 is transparent and any other opaque.
 bool CompressDds(const MDdsImage& image, MDdsImage& result);

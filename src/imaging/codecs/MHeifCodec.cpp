@@ -3,9 +3,12 @@
 #include "imaging/codecs/MByteRows.h"
 #include "imaging/codecs/MCodec.h"
 
+#include <fcntl.h>
 #include <libheif/heif.h>
+#include <unistd.h>
 
 #include <algorithm>
+#include <cstdio>
 #include <cstring>
 #include <exception>
 #include <limits>
@@ -40,6 +43,40 @@ Pointer Made(Call call) {
     const bool made = Succeeded(call(&object));
     return Pointer(made ? object : nullptr);
 }
+
+// The HEVC decoder prints what it finds wrong straight to the standard error stream, which belongs to the
+// program's own messages. Turned away while such an object lives; but not where a sanitizer has its reports to
+// make there.
+class QuietErrors {
+public:
+    QuietErrors() {
+        if (!wanted) return;
+        const int nowhere = open("/dev/null", O_WRONLY | O_CLOEXEC);
+        if (nowhere < 0) return;
+        std::fflush(stderr);
+        saved = fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, 0);
+        if (saved >= 0) dup2(nowhere, STDERR_FILENO);
+        close(nowhere);
+    }
+    QuietErrors(const QuietErrors&) = delete;
+    QuietErrors& operator=(const QuietErrors&) = delete;
+    ~QuietErrors() {
+        if (saved < 0) return;
+        std::fflush(stderr);
+        dup2(saved, STDERR_FILENO);
+        close(saved);
+    }
+
+private:
+#if defined(__SANITIZE_ADDRESS__)
+    static constexpr bool wanted = false;
+#elif defined(__has_feature)
+    static constexpr bool wanted = !__has_feature(address_sanitizer);
+#else
+    static constexpr bool wanted = true;
+#endif
+    int saved = -1;
+};
 
 // libheif is C++ inside, and lets exhausted memory out.
 template<typename Work>
@@ -81,7 +118,7 @@ void WidenRow(const std::uint8_t* from, std::uint8_t* to, std::size_t count, int
 void StoreBytes(const std::uint8_t* from, std::uint8_t* to, std::size_t count, bool alpha, bool premultiplied) {
     for (std::size_t x = 0; x < count; ++x) {
         MColour colour(from[0], from[1], from[2], alpha ? from[3] : std::uint8_t{255});
-        if (premultiplied) colour = Straight(colour);
+        if (premultiplied) colour = Unpremultiplied(colour);
         std::memcpy(to, &colour, alpha ? 4 : 3);
         from += alpha ? 4 : 3;
         to += alpha ? 4 : 3;
@@ -175,6 +212,7 @@ bool SniffHeif(std::span<const std::uint8_t> start) {
 }
 
 bool DecodeHeif(MByteSource& file, std::int32_t frame, MPicture& picture) {
+    const QuietErrors quiet;
     return Guarded([&] {
         const std::span<const std::uint8_t> bytes = file.All();
         const Context context(heif_context_alloc());
@@ -195,6 +233,7 @@ bool DecodeHeif(MByteSource& file, std::int32_t frame, MPicture& picture) {
 bool EncodeHeif(const MPicture& picture, MByteSink& sink) {
     constexpr std::uint32_t most = 0xFFFF;
     if (picture.Width > most || picture.Height > most) return false;
+    const QuietErrors quiet;
     return Guarded([&] {
         const Context context(heif_context_alloc());
         const Encoder encoder = Made<Encoder>([&](heif_encoder** made) {

@@ -261,11 +261,12 @@ private:
         auto* const raster = reinterpret_cast<std::uint32_t*>(picture.Pixels);
         const int orientation = Tag<std::uint16_t>(tiff, TIFFTAG_ORIENTATION);
         if (TIFFReadRGBAImageOriented(tiff, width, height, raster, orientation, 1) == 0) return false;
+        const bool grey = photometric == PHOTOMETRIC_MINISBLACK || photometric == PHOTOMETRIC_MINISWHITE;
+        const bool premultiplied = !grey || !HasStraightAlpha();
         for (std::size_t i = 0; i < std::size_t{width} * height; ++i) {
-            const MColour colour = Straight(MColour(static_cast<std::uint8_t>(TIFFGetR(raster[i])),
-                                                    static_cast<std::uint8_t>(TIFFGetG(raster[i])),
-                                                    static_cast<std::uint8_t>(TIFFGetB(raster[i])),
-                                                    static_cast<std::uint8_t>(TIFFGetA(raster[i]))));
+            const auto channel = [&](int shift) { return static_cast<std::uint8_t>(raster[i] >> shift); };
+            MColour colour(channel(0), channel(8), channel(16), channel(24));
+            if (premultiplied) colour = Unpremultiplied(colour);
             std::memcpy(raster + i, &colour, sizeof colour);
         }
         return true;

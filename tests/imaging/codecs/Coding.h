@@ -1,0 +1,46 @@
+// Encoding and decoding in memory, by the name of the form.
+#pragma once
+
+#include "imaging/Pictures.h"
+#include "imaging/codecs/MCodec.h"
+
+#include <algorithm>
+#include <string_view>
+#include <vector>
+
+using Bytes = std::vector<std::uint8_t>;
+
+inline const MCodec& CodecNamed(std::string_view name) {
+    return *std::ranges::find(Codecs(), name, &MCodec::name);
+}
+
+// Invalid if the file isn't taken.
+inline OwnedPicture Decoded(std::string_view name, std::span<const std::uint8_t> file, std::int32_t frame = 0) {
+    MByteSource source(file);
+    MPicture picture;
+    if (!CodecNamed(name).decode(source, frame, picture)) picture.Free();
+    return {picture};
+}
+
+// Empty if the picture isn't taken.
+inline Bytes Encoded(std::string_view name, const MPicture& picture) {
+    MByteSink sink;
+    if (!CodecNamed(name).encode(picture, sink) || !sink.Finish()) return {};
+    return {sink.Bytes().begin(), sink.Bytes().end()};
+}
+
+// A soft gradient, which lossy forms keep closely.
+inline OwnedPicture SmoothPicture(std::uint32_t width, std::uint32_t height, MPixelFormat format) {
+    OwnedPicture picture = BlankPicture(width, height, format);
+    for (std::uint32_t y = 0; y < height; ++y) {
+        for (std::uint32_t x = 0; x < width; ++x) {
+            const auto part = [](std::uint32_t value) { return 0.2F + static_cast<float>(value) / 600.0F; };
+            const float red = part(x);
+            const float green = part(y);
+            MPixel pixel(MColourHalf(red, green, (red + green) / 2, 1.0F), FormatRGBAHalf);
+            if (ChannelClass(format) != 3) pixel.SetFormat(FormatRGBA16);
+            picture.SetPixel(static_cast<std::int32_t>(x), static_cast<std::int32_t>(y), pixel);
+        }
+    }
+    return picture;
+}

@@ -1,0 +1,68 @@
+#include "imaging/codecs/Coding.h"
+
+#include <gtest/gtest.h>
+#include <libheif/heif.h>
+
+namespace {
+
+heif_error Append(heif_context*, const void* bytes, std::size_t count, void* file) {
+    const auto* const first = static_cast<const std::uint8_t*>(bytes);
+    static_cast<Bytes*>(file)->insert(static_cast<Bytes*>(file)->end(), first, first + count);
+    return {heif_error_Ok, heif_suberror_Unspecified, ""};
+}
+
+// Pictures of one 10-bit colour as libheif alone makes them; the second of them is the primary one.
+Bytes BareHeif(const std::vector<std::uint16_t>& reds) {
+    heif_context* const context = heif_context_alloc();
+    heif_encoder* encoder = nullptr;
+    heif_context_get_encoder_for_format(context, heif_compression_HEVC, &encoder);
+    heif_encoder_set_lossless(encoder, 1);
+    for (std::size_t i = 0; i < reds.size(); ++i) {
+        heif_image* image = nullptr;
+        heif_image_create(32, 32, heif_colorspace_RGB, heif_chroma_interleaved_RRGGBB_LE, &image);
+        heif_image_add_plane(image, heif_channel_interleaved, 32, 32, 10);
+        int stride = 0;
+        std::uint8_t* const plane = heif_image_get_plane(image, heif_channel_interleaved, &stride);
+        for (int y = 0; y < 32; ++y) {
+            for (int x = 0; x < 32; ++x) {
+                const std::uint16_t pixel[3] = {reds[i], 512, 300};
+                std::memcpy(plane + y * stride + x * 6, pixel, sizeof pixel);
+            }
+        }
+        heif_image_handle* handle = nullptr;
+        heif_context_encode_image(context, image, encoder, nullptr, &handle);
+        if (i == 1) heif_context_set_primary_image(context, handle);
+        heif_image_handle_release(handle);
+        heif_image_release(image);
+    }
+    Bytes file;
+    heif_writer writer{1, Append};
+    heif_context_write(context, &writer, &file);
+    heif_encoder_release(encoder);
+    heif_context_free(context);
+    return file;
+}
+
+} // namespace
+
+TEST(HeifCodec, DeepFilesKeepTheirDepth) {
+    const OwnedPicture picture = Decoded("HEIF", BareHeif({1023}));
+    ASSERT_TRUE(picture.IsValid());
+    EXPECT_EQ(picture.Format, FormatRGB16);
+    EXPECT_NEAR(picture.GetPixel16(5, 5).r, 65535, 400);
+    EXPECT_NEAR(picture.GetPixel16(5, 5).g, 512 << 6, 400);
+    EXPECT_NEAR(picture.GetPixel16(5, 5).b, 300 << 6, 400);
+}
+
+TEST(HeifCodec, EachPictureIsAFrameThePrimaryFirst) {
+    const Bytes file = BareHeif({100, 900, 500});
+    const std::int32_t reds[] = {900, 100, 500};
+    for (std::int32_t frame = 0; frame < 3; ++frame) {
+        const OwnedPicture picture = Decoded("HEIF", file, frame);
+        ASSERT_TRUE(picture.IsValid()) << frame;
+        EXPECT_NEAR(picture.GetPixel16(5, 5).r, reds[frame] << 6, 400) << frame;
+        EXPECT_EQ(picture.FrameCount, 3);
+        EXPECT_EQ(picture.FrameDelay, 100);
+    }
+    EXPECT_FALSE(Decoded("HEIF", file, 3).IsValid());
+}
