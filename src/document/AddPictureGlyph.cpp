@@ -5,6 +5,8 @@
 #include "foundation/MFolders.h"
 
 #include <algorithm>
+#include <array>
+#include <cstring>
 #include <limits>
 #include <vector>
 
@@ -111,8 +113,9 @@ private:
 };
 
 void CopyPixels(const MPicture& picture, MGlyph& glyph) {
+    SourceRows rows(picture);
     for (std::int32_t y = 0; y < glyph.Height; ++y) {
-        for (std::int32_t x = 0; x < glyph.Width; ++x) glyph.SetPixel(x, y, picture.GetPixel(x, y));
+        std::memcpy(glyph.Picture.PixelAddress(0, y), rows.Row(y, 0), static_cast<std::size_t>(glyph.Width) * sizeof(MColour));
     }
 }
 

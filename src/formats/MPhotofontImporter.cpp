@@ -15,8 +15,12 @@ namespace {
 
 constexpr std::int32_t firstCharacter = 32;
 
+bool Has(std::u16string_view line, std::u16string_view tag) {
+    return line.find(tag) != std::u16string_view::npos;
+}
+
 bool Has(const MString& line, std::u16string_view tag) {
-    return line.View().find(tag) != std::u16string_view::npos;
+    return Has(line.View(), tag);
 }
 
 // The value after a blank, the name and ="; up to the next quotation mark. Empty if there is none.
@@ -78,7 +82,11 @@ bool MPhotofontImporter::Import(const MString& path, MColourFont* target) {
     bytesLeft = MemoryLimit() / 2;
     ProgressDialog.Configure(Owner);
     ProgressDialog.Open();
-    while (file.NextLine()) ReadLine(file.GetLine());
+    while (file.NextLine()) {
+        // Most lines by far are data, which holds no escapes.
+        const bool isData = !MTextFile::MayHoldEscapes(file.RawLine()) && TakeData(file.RawLine());
+        if (!isData) ReadLine(file.GetLine());
+    }
     kerning->Store(*font);
     font->SortGlyphs();
     font->SortKerningByAmount();
@@ -92,10 +100,9 @@ void MPhotofontImporter::ReadLine(const MString& line) {
     if (section == Section::Image) {
         if (Has(line, u"base64")) {
             inData = true;
-        } else if (!Has(line, u"</image>")) {
-            if (!inData || line.Contains(u' ')) return; // a line with a blank is no data
-            std::ranges::transform(line.View(), std::back_inserter(base64), [](char16_t unit) { return static_cast<char>(unit); });
-        } else if (imageGlyph) {
+        } else if (TakeData(line.View())) {
+            return;
+        } else if (Has(line, u"</image>") && imageGlyph) {
             section = Section::None;
             ProcessImage(Glyphs[*imageGlyph]);
         }
@@ -124,6 +131,26 @@ void MPhotofontImporter::ReadLine(const MString& line) {
     } else if (section == Section::None && Has(line, u"<image")) {
         StartImage(line);
     }
+}
+
+// True if the line is one of an image's data; a line with a blank is taken as such, but not kept. The bytes are searched
+// where they go, since bytes are searched faster than units.
+bool MPhotofontImporter::TakeData(std::u16string_view line) {
+    if (section != Section::Image || !inData) return false;
+    char16_t allBits = 0;
+    for (const char16_t unit : line) allBits |= unit;
+    if (allBits > 0xFF && (Has(line, u"base64") || Has(line, u"</image>"))) return false;
+    const std::size_t size = base64.size();
+    base64.resize(size + line.size());
+    std::ranges::transform(line, base64.begin() + static_cast<std::ptrdiff_t>(size),
+                           [](char16_t unit) { return static_cast<char>(unit); });
+    const std::string_view bytes = std::string_view(base64).substr(size);
+    const bool isTag = allBits <= 0xFF && (bytes.find("base64") != std::string_view::npos ||
+                                           bytes.find("</image>") != std::string_view::npos);
+    const bool hasBlank =
+        allBits > 0xFF ? line.find(u' ') != std::u16string_view::npos : bytes.find(' ') != std::string_view::npos;
+    if (isTag || hasBlank) base64.resize(size);
+    return !isTag;
 }
 
 // An id that is mapped twice keeps its first character, but a small ASCII letter gives way to its capital.
@@ -272,10 +299,14 @@ void MPhotofontImporter::AddGlyph(const MPhotofontGlyph& glyph, const MPicture& 
     const std::int64_t firstRow = std::max<std::int64_t>(0, -shift);
     const std::int64_t endRow = std::min(height, std::int64_t{picture.Height} - shift);
     for (std::int64_t row = firstRow; row < endRow; ++row) {
-        for (std::int32_t column = 0; column < width; ++column) {
-            cell.SetPixel(column, static_cast<std::int32_t>(row),
-                          picture.GetPixel(static_cast<std::int32_t>(left) + column, static_cast<std::int32_t>(row + shift)));
+        const auto target = static_cast<std::int32_t>(row);
+        const auto source = static_cast<std::int32_t>(row + shift);
+        const auto firstColumn = static_cast<std::int32_t>(left);
+        if (picture.Format == FormatRGBA8) {
+            std::memcpy(cell.PixelAddress(0, target), picture.PixelAddress(firstColumn, source), cell.Stride);
+            continue;
         }
+        for (std::int32_t x = 0; x < width; ++x) cell.SetPixel(x, target, picture.GetPixel(firstColumn + x, source));
     }
     font->AddPictureGlyph(static_cast<char16_t>(glyph.Unicode), cell, Narrow(std::int64_t{left} - glyph.BaseX),
                           Narrow(std::int64_t{glyph.DeltaX} - glyph.BoxWidth + right + glyph.BaseX), false);

@@ -69,6 +69,7 @@ private:
     std::uint64_t bytesLeft = 0; // for the pictures that this import may make
 
     void ReadLine(const MString& line);
+    bool TakeData(std::u16string_view line);
     bool ReadGlyphLine(const MString& line);
     void AddMapping(const MString& line);
     void AddPair(const MString& line);

@@ -70,7 +70,7 @@ std::u16string FromBytes(std::string_view bytes, MTextEncoding encoding) {
 }
 
 void Unescape(MString& text, bool literalBackslashN) {
-    if (text.View().find_first_of(u"<&\\") == std::u16string_view::npos) return;
+    if (!MTextFile::MayHoldEscapes(text.View())) return;
     text.ReplaceAll("<NEW LINE>", "\r\n");
     text.ReplaceAll("<QUOTE>", "\"");
     text.ReplaceAll("<br />", "\r\n");
@@ -143,7 +143,7 @@ bool MTextFile::NextLine() {
     if (!ok || writing) return false;
     char16_t unit = 0;
     if (!NextUnit(unit)) return false;
-    line = ReadUnits(unit);
+    ReadUnits(unit);
     if (encoding == MTextEncoding::Utf8) {
         line = DecodeUtf8(std::string(line.begin(), line.end()), MLoneSurrogates::Replace);
     }
@@ -153,29 +153,34 @@ bool MTextFile::NextLine() {
     return true;
 }
 
-// The rest of a line that starts with this unit, without its end.
-std::u16string MTextFile::ReadUnits(char16_t unit) {
+bool MTextFile::MayHoldEscapes(std::u16string_view text) {
+    bool found = false; // no early end: the loop is wide
+    for (const char16_t unit : text) found |= unit == u'<' || unit == u'&' || unit == u'\\';
+    return found;
+}
+
+// Reads the rest of a line that starts with this unit, without its end.
+void MTextFile::ReadUnits(char16_t unit) {
     const std::size_t longest = LongestLine();
-    std::u16string units;
+    line.clear();
     do {
         if (unit == u'\n') break;
         if (unit == u'\r') {
             if (NextUnit(unit) && unit != u'\n') GiveBackUnit();
             break;
         }
-        if (units.size() < longest) units.push_back(unit);
-        TakePlainUnits(units, longest);
+        if (line.size() < longest) line.push_back(unit);
+        TakePlainUnits(longest);
     } while (NextUnit(unit));
-    return units;
 }
 
 // What is at hand of a line of single bytes, up to its end.
-void MTextFile::TakePlainUnits(std::u16string& units, std::size_t longest) {
+void MTextFile::TakePlainUnits(std::size_t longest) {
     if (markLength == 2) return;
     const auto start = chunk.begin() + static_cast<std::ptrdiff_t>(chunkPosition);
     const auto end = std::find_if(start, chunk.end(), [](std::uint8_t byte) { return byte == '\n' || byte == '\r'; });
-    const auto room = static_cast<std::ptrdiff_t>(longest - units.size());
-    units.insert(units.end(), start, start + std::min(end - start, room));
+    const auto room = static_cast<std::ptrdiff_t>(longest - line.size());
+    line.insert(line.end(), start, start + std::min(end - start, room));
     chunkPosition = static_cast<std::size_t>(end - chunk.begin());
 }
 

@@ -49,6 +49,10 @@ public:
     bool GetBool(int index) const;        // exactly "Y"
     // The whole line, unescaped, with its quotes and tabs.
     MString GetLine(bool literalBackslashN = false) const;
+    // The same as it stands in the file, until the next line is read.
+    std::u16string_view RawLine() const { return line; }
+    // Whether a text has what unescaping could change.
+    static bool MayHoldEscapes(std::u16string_view text);
 
     // Append a field to the line being written. Not while reading.
     void WriteInt(std::int32_t value);
@@ -77,8 +81,8 @@ private:
     bool NextUnit(char16_t& unit);
     void GiveBackUnit();
     const std::vector<std::u16string_view>& Tokens() const;
-    std::u16string ReadUnits(char16_t first);
-    void TakePlainUnits(std::u16string& units, std::size_t longest);
+    void ReadUnits(char16_t first);
+    void TakePlainUnits(std::size_t longest);
     void Separate();
     void WriteUnits(std::u16string_view units);
     void Flush();
