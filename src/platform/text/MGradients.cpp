@@ -14,17 +14,10 @@ using Stops = std::vector<MResolvedStop>;
 
 constexpr double tiny = 1e-9;
 
-MResolvedStop Unpremultiplied(double offset, double r, double g, double b, double a) {
-    if (a <= 0) return {offset, 0, 0, 0, 0};
-    return {offset, r / a, g / a, b / a, a};
-}
-
-// Colours between stops are mixed premultiplied, so that a transparent one doesn't lend its hue.
+// Colours between stops are mixed as they stand, not premultiplied, as Cairo does it too and browsers do.
 MResolvedStop Mix(const MResolvedStop& first, const MResolvedStop& second, double t, double offset) {
     const auto mix = [t](double from, double to) { return from + (to - from) * t; };
-    return Unpremultiplied(offset, mix(first.r * first.a, second.r * second.a),
-                           mix(first.g * first.a, second.g * second.a),
-                           mix(first.b * first.a, second.b * second.a), mix(first.a, second.a));
+    return {offset, mix(first.r, second.r), mix(first.g, second.g), mix(first.b, second.b), mix(first.a, second.a)};
 }
 
 Stops ResolveAll(const MPaint& paint, MColour foreground) {
@@ -43,25 +36,11 @@ MResolvedStop At(const Stops& stops, double t) {
     return Mix(previous, *next, (t - previous.offset) / (next->offset - previous.offset), t);
 }
 
-// Cairo mixes colours as they are, so between stops of different alpha it gets some more that are mixed right.
 void AddStops(cairo_pattern_t* pattern, const Stops& stops) {
     const double first = stops.front().offset;
     const double range = std::max(stops.back().offset - first, tiny);
-    const auto add = [&](const MResolvedStop& stop) {
-        cairo_pattern_add_color_stop_rgba(pattern, (stop.offset - first) / range, stop.r, stop.g, stop.b,
-                                          stop.a);
-    };
-    add(stops.front());
-    for (std::size_t i = 1; i < stops.size(); ++i) {
-        const MResolvedStop& from = stops[i - 1];
-        const MResolvedStop& to = stops[i];
-        constexpr int steps = 16;
-        for (int step = 1; from.a != to.a && step < steps; ++step) {
-            const double t = static_cast<double>(step) / steps;
-            add(Mix(from, to, t, from.offset + (to.offset - from.offset) * t));
-        }
-        add(to);
-    }
+    for (const MResolvedStop& stop : stops)
+        cairo_pattern_add_color_stop_rgba(pattern, (stop.offset - first) / range, stop.r, stop.g, stop.b, stop.a);
 }
 
 cairo_extend_t CairoExtend(MExtend extend) {

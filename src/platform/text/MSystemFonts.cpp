@@ -112,6 +112,12 @@ std::optional<MFontMatch> ToMatch(const FcPattern* pattern) {
     FcMatrix* matrix = nullptr;
     if (FcPatternGetMatrix(pattern, FC_MATRIX, 0, &matrix) == FcResultMatch)
         match.matrix = {matrix->xx, matrix->xy, matrix->yx, matrix->yy};
+    // The rules for bitmaps scale them to the size asked, which is done here for each size anyway.
+    FcBool outline = FcTrue;
+    FcPatternGetBool(pattern, FC_OUTLINE, 0, &outline);
+    if (!outline && match.matrix[3] > 0)
+        for (double& number : match.matrix)
+            number /= matrix->yy;
     return match;
 }
 
