@@ -220,8 +220,13 @@ void MDirect2DSurface::DrawBitmap(const MPicture& picture, const Desktop::Rect& 
     const float scale =
         std::min({static_cast<float>(rectangle.Width()) / static_cast<float>(picture.Width),
                   static_cast<float>(rectangle.Height()) / static_cast<float>(picture.Height), 1.0F});
-    const Span columns = Centre(rectangle.left, rectangle.right, picture.Width, scale);
-    const Span rows = Centre(rectangle.top, rectangle.bottom, picture.Height, scale);
+    Span columns{rectangle.left, rectangle.right};
+    Span rows{rectangle.top, rectangle.bottom};
+    // Halves are cut off in centring, which would cost a picture of odd size its last row or column here.
+    if (rectangle.Width() != bitmap.width || rectangle.Height() != bitmap.height) {
+        columns = Centre(rectangle.left, rectangle.right, picture.Width, scale);
+        rows = Centre(rectangle.top, rectangle.bottom, picture.Height, scale);
+    }
     if (columns.last <= columns.first || rows.last <= rows.first) return;
 
     cairo_save(target);

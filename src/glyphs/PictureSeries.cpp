@@ -59,7 +59,8 @@ bool NextSuccessivePicture(MString& path, char16_t& character) {
 std::int32_t AddSuccessivePictures(MColourFont& font, MString path, char16_t character) {
     std::int32_t added = 0;
     while (NextSuccessivePicture(path, character)) {
-        if (font.AddPictureGlyph(character, path, Settings->SpacingBefore, Settings->SpacingAfter, Settings->Trim)) {
+        if (font.AddPictureGlyph(character, path, Settings->SpacingBefore, Settings->SpacingAfter,
+                                 Settings->Trim)) {
             ++added;
         }
     }

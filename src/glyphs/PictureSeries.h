@@ -1,19 +1,19 @@
-// Picture files that are named after the characters they show, alone or in series: A.png, B.png, C.png, or x65.png,
-// x66.png, x67.png.
+// Picture files that are named after the characters they show, alone or in series: A.png, B.png, C.png, or
+// x65.png, x66.png, x67.png.
 #pragma once
 
 #include "document/MColourFont.h"
 #include "foundation/MString.h"
 
-// The character that a file's name tells, as a one-character text: two or more digits at its end are a code, of 33 to
-// 65535; otherwise it is the last character. False if there is none. The name ends at its first dot.
+// The character that a file's name tells, as a one-character text: two or more digits at its end are a code, of
+// 33 to 65535; otherwise it is the last character. False if there is none. The name ends at its first dot.
 bool CharacterFromFileName(const MString& path, MString& character);
 
-// Goes on to the next file of a series, and to the next character. True if that file exists; its extension is asked
-// for in upper case, which finds it in any case. The series is one of letters if the name ends in the character,
-// else one of numbers if it ends in the character's code.
+// Goes on to the next file of a series, and to the next character. True if that file exists; its extension is
+// asked for in upper case, which finds it in any case. The series is one of letters if the name ends in the
+// character, else one of numbers if it ends in the character's code.
 bool NextSuccessivePicture(MString& path, char16_t& character);
 
-// Adds the rest of a series, from the picture just used on, with the spacings and the trim of the settings. How many
-// pictures became glyphs; those that didn't don't end the walk.
+// Adds the rest of a series, from the picture just used on, with the spacings and the trim of the settings. How
+// many pictures became glyphs; those that didn't don't end the walk.
 std::int32_t AddSuccessivePictures(MColourFont& font, MString path, char16_t character);

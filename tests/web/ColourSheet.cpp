@@ -7,7 +7,7 @@
 // the text white. Prints where the pen stands in each cell, as JSON: {"x": .., "y": ..}.
 #include "foundation/MUtf8.h"
 #include "glyphs/MDirect2DSurface.h"
-#include "platform/text/MSizedFont.h"
+#include "platform/text/MOpenFace.h"
 #include "platform/text/MSystemFonts.h"
 
 #include <cstdio>
@@ -48,8 +48,8 @@ int main(int count, char** arguments) {
     const bool saved = picture.Save(FromSystem(arguments[5]));
     picture.Free();
 
-    MSizedFont font(family, 400, false);
-    font.SetEm(size);
-    std::printf("{\"x\": %d, \"y\": %d}\n", margin, margin + font.ascent);
+    const MOpenFace face(*MatchFont(family, 400, false));
+    const int ascent = (2 * size * face.cellAscent + face.unitsPerEm) / (2 * face.unitsPerEm);
+    std::printf("{\"x\": %d, \"y\": %d}\n", margin, margin + ascent);
     return saved ? 0 : 1;
 }

@@ -287,6 +287,7 @@ MColourTable::MColourTable(std::span<const std::uint8_t> colr, std::span<const s
     const std::uint32_t version = table.U16(0);
     table.U32(10);
     graphs = version == 1 && table.U32(14) != 0;
+    layers = table.U16(2) > 0;
     valid = version <= 1 && !table.broken;
 }
 

@@ -18,6 +18,7 @@ public:
 
     bool valid = false;  // has glyphs in colour, in a version that is known
     bool graphs = false; // has the paints of version 1
+    bool layers = false; // has the layers of version 0
 
     MColourTable() = default;
     // The bytes are not copied; they must outlive the table.

@@ -1,5 +1,7 @@
 #include "platform/text/MGradients.h"
 
+#include "foundation/MNumbers.h"
+
 #include <cairo.h>
 
 #include <algorithm>
@@ -14,17 +16,11 @@ using Stops = std::vector<MResolvedStop>;
 
 constexpr double tiny = 1e-9;
 
-MResolvedStop Unpremultiplied(double offset, double r, double g, double b, double a) {
-    if (a <= 0) return {offset, 0, 0, 0, 0};
-    return {offset, r / a, g / a, b / a, a};
-}
-
-// Colours between stops are mixed premultiplied, so that a transparent one doesn't lend its hue.
+// Colours between stops are mixed as they stand, not premultiplied, as Cairo does it too and browsers do.
 MResolvedStop Mix(const MResolvedStop& first, const MResolvedStop& second, double t, double offset) {
     const auto mix = [t](double from, double to) { return from + (to - from) * t; };
-    return Unpremultiplied(offset, mix(first.r * first.a, second.r * second.a),
-                           mix(first.g * first.a, second.g * second.a),
-                           mix(first.b * first.a, second.b * second.a), mix(first.a, second.a));
+    return {offset, mix(first.r, second.r), mix(first.g, second.g), mix(first.b, second.b),
+            mix(first.a, second.a)};
 }
 
 Stops ResolveAll(const MPaint& paint, MColour foreground) {
@@ -43,25 +39,12 @@ MResolvedStop At(const Stops& stops, double t) {
     return Mix(previous, *next, (t - previous.offset) / (next->offset - previous.offset), t);
 }
 
-// Cairo mixes colours as they are, so between stops of different alpha it gets some more that are mixed right.
 void AddStops(cairo_pattern_t* pattern, const Stops& stops) {
     const double first = stops.front().offset;
     const double range = std::max(stops.back().offset - first, tiny);
-    const auto add = [&](const MResolvedStop& stop) {
+    for (const MResolvedStop& stop : stops)
         cairo_pattern_add_color_stop_rgba(pattern, (stop.offset - first) / range, stop.r, stop.g, stop.b,
                                           stop.a);
-    };
-    add(stops.front());
-    for (std::size_t i = 1; i < stops.size(); ++i) {
-        const MResolvedStop& from = stops[i - 1];
-        const MResolvedStop& to = stops[i];
-        constexpr int steps = 16;
-        for (int step = 1; from.a != to.a && step < steps; ++step) {
-            const double t = static_cast<double>(step) / steps;
-            add(Mix(from, to, t, from.offset + (to.offset - from.offset) * t));
-        }
-        add(to);
-    }
 }
 
 cairo_extend_t CairoExtend(MExtend extend) {
@@ -193,7 +176,7 @@ double Extended(double t, double first, double last, MExtend extend) {
 
 std::uint32_t Premultiplied(const MResolvedStop& stop) {
     const auto byte = [](double value) {
-        return static_cast<std::uint32_t>(std::clamp(value, 0.0, 1.0) * 255 + 0.5);
+        return static_cast<std::uint32_t>(ToInteger(std::clamp(value, 0.0, 1.0) * 255 + 0.5));
     };
     return byte(stop.a) << 24 | byte(stop.r * stop.a) << 16 | byte(stop.g * stop.a) << 8 |
            byte(stop.b * stop.a);
@@ -209,9 +192,9 @@ bool SetSweep(cairo_t* context, const MPaint& paint, const Stops& stops, const s
     if (cairo_matrix_invert(&inverse) != CAIRO_STATUS_SUCCESS) return false;
     const double left = std::floor(extents[0]);
     const double top = std::floor(extents[1]);
-    const double width = std::ceil(extents[2]) - left;
-    const double height = std::ceil(extents[3]) - top;
-    if (!(width >= 1 && height >= 1 && width < 32767 && height < 32767)) return false;
+    const std::int32_t width = ToInteger(std::ceil(extents[2]) - left);
+    const std::int32_t height = ToInteger(std::ceil(extents[3]) - top);
+    if (width < 1 || height < 1 || width > 32767 || height > 32767) return false;
 
     // Angles are looked up finely enough that a step between two entries is finer than a level of colour.
     constexpr std::size_t entries = 4096;
@@ -224,8 +207,7 @@ bool SetSweep(cairo_t* context, const MPaint& paint, const Stops& stops, const s
             Premultiplied(At(stops, Extended(t, stops.front().offset, stops.back().offset, paint.extend)));
     }
 
-    cairo_surface_t* const image =
-        cairo_image_surface_create(CAIRO_FORMAT_ARGB32, static_cast<int>(width), static_cast<int>(height));
+    cairo_surface_t* const image = cairo_image_surface_create(CAIRO_FORMAT_ARGB32, width, height);
     unsigned char* const data = cairo_image_surface_get_data(image);
     if (!data) {
         cairo_surface_destroy(image);
@@ -240,7 +222,8 @@ bool SetSweep(cairo_t* context, const MPaint& paint, const Stops& stops, const s
             cairo_matrix_transform_point(&inverse, &x, &y);
             double turns = std::atan2(y - paint.numbers[1], x - paint.numbers[0]) / (2 * std::numbers::pi);
             if (!(turns >= 0)) turns += 1;
-            pixels[column] = colours[static_cast<std::size_t>(std::clamp(turns, 0.0, 1.0) * entries)];
+            pixels[column] =
+                colours[static_cast<std::size_t>(ToInteger(std::clamp(turns, 0.0, 1.0) * entries))];
         }
     }
     cairo_surface_mark_dirty(image);

@@ -1,6 +1,7 @@
 #include "platform/text/MOpenFace.h"
 
 #include "foundation/MMemory.h"
+#include "foundation/MNumbers.h"
 
 #include <ft2build.h>
 
@@ -24,10 +25,11 @@ FT_Long FreeTypeIndex(std::int32_t index) {
     return instance == wholeVariableFace ? index & 0xFFFF : index & 0x7FFFFFFF;
 }
 
-bool IsTag(std::string_view name, FT_ULong tag) {
-    return name.size() == 4 &&
-           FT_MAKE_TAG(static_cast<unsigned char>(name[0]), static_cast<unsigned char>(name[1]),
-                       static_cast<unsigned char>(name[2]), static_cast<unsigned char>(name[3])) == tag;
+FT_ULong ToTag(std::string_view name) {
+    FT_ULong tag = 0;
+    for (const char letter : name)
+        tag = tag << 8 | static_cast<unsigned char>(letter);
+    return tag;
 }
 
 } // namespace
@@ -69,8 +71,8 @@ void MOpenFace::ApplyVariations() {
         double value = 0;
         if (std::from_chars(text.data(), text.data() + text.size(), value).ec != std::errc()) continue;
         for (FT_UInt axis = 0; axis < axes->num_axis; ++axis) {
-            if (IsTag(setting.substr(0, equals), axes->axis[axis].tag))
-                coordinates[axis] = static_cast<FT_Fixed>(value * 65536);
+            if (ToTag(setting.substr(0, equals)) == axes->axis[axis].tag)
+                coordinates[axis] = ToInteger(value * 65536);
         }
     }
     FT_Set_Var_Design_Coordinates(face, axes->num_axis, coordinates.data());
@@ -79,10 +81,15 @@ void MOpenFace::ApplyVariations() {
 
 void MOpenFace::ReadCell() {
     unitsPerEm = face->units_per_EM;
-    // FreeType leaves it out for a face that has bitmaps only.
+    // FreeType leaves it out for a face that has bitmaps.
     const auto* const head = static_cast<const TT_Header*>(FT_Get_Sfnt_Table(face, FT_SFNT_HEAD));
     if (unitsPerEm <= 0 && head) unitsPerEm = head->Units_Per_EM;
     if (unitsPerEm <= 0) unitsPerEm = 1000;
+    // Bitmaps of the table sbix hide the outlines beside them until it is told to show both.
+    if (FT_HAS_SBIX(face)) {
+        face->units_per_EM = static_cast<FT_UShort>(unitsPerEm);
+        face->face_flags |= FT_FACE_FLAG_SCALABLE;
+    }
     if (const auto* const os2 = static_cast<const TT_OS2*>(FT_Get_Sfnt_Table(face, FT_SFNT_OS2))) {
         cellAscent = os2->usWinAscent;
         cellDescent = os2->usWinDescent;
@@ -107,14 +114,19 @@ std::int32_t MOpenFace::Advance(std::uint32_t glyph) const {
     return static_cast<std::int32_t>(std::clamp<FT_Fixed>(advance, 0, INT16_MAX * 2));
 }
 
-std::vector<std::uint8_t> MOpenFace::Table(const char (&tag)[5]) const {
-    const auto letter = [&](std::size_t i) { return static_cast<unsigned char>(tag[i]); };
-    const FT_ULong name = FT_MAKE_TAG(letter(0), letter(1), letter(2), letter(3));
+bool MOpenFace::HasTable(const char (&tag)[5]) const {
     FT_ULong length = 0;
-    if (!face || !FT_IS_SFNT(face) || FT_Load_Sfnt_Table(face, name, 0, nullptr, &length) != 0) return {};
-    if (length == 0 || length > MemoryLimit()) return {};
+    return face && FT_IS_SFNT(face) && FT_Load_Sfnt_Table(face, ToTag(tag), 0, nullptr, &length) == 0 &&
+           length > 0;
+}
+
+std::vector<std::uint8_t> MOpenFace::Table(const char (&tag)[5]) const {
+    FT_ULong length = 0;
+    if (!face || !FT_IS_SFNT(face) || FT_Load_Sfnt_Table(face, ToTag(tag), 0, nullptr, &length) != 0) return {};
+    // A compressed file's tables may be longer than the file, but not without end.
+    if (length == 0 || length > MemoryLimit() / 16) return {};
     std::vector<std::uint8_t> bytes(length);
-    if (FT_Load_Sfnt_Table(face, name, 0, bytes.data(), &length) != 0) return {};
+    if (FT_Load_Sfnt_Table(face, ToTag(tag), 0, bytes.data(), &length) != 0) return {};
     return bytes;
 }
 

@@ -37,6 +37,7 @@ public:
     std::int32_t Advance(std::uint32_t glyph) const;
     // A table of the font's file; empty if it has none of this name, or not as large as it says.
     std::vector<std::uint8_t> Table(const char (&tag)[5]) const;
+    bool HasTable(const char (&tag)[5]) const;
 
 private:
     void ApplyVariations();

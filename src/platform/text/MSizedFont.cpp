@@ -1,5 +1,6 @@
 #include "platform/text/MSizedFont.h"
 
+#include "foundation/MNumbers.h"
 #include "platform/text/MOpenFace.h"
 
 #include <ft2build.h>
@@ -26,7 +27,7 @@ constexpr std::int64_t Ceil(std::int64_t position) {
 }
 
 FT_Fixed ToFixed(double value) {
-    return static_cast<FT_Fixed>(value * 65536.0);
+    return ToInteger(value * 65536.0);
 }
 
 struct Call {

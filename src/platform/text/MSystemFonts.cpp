@@ -3,7 +3,9 @@
 #include "foundation/MFolders.h"
 #include "foundation/MNumbers.h"
 #include "foundation/MUtf8.h"
+#include "platform/text/MColourTable.h"
 #include "platform/text/MFontPattern.h"
+#include "platform/text/MOpenFace.h"
 
 #include <fontconfig/fontconfig.h>
 
@@ -112,12 +114,37 @@ std::optional<MFontMatch> ToMatch(const FcPattern* pattern) {
     FcMatrix* matrix = nullptr;
     if (FcPatternGetMatrix(pattern, FC_MATRIX, 0, &matrix) == FcResultMatch)
         match.matrix = {matrix->xx, matrix->xy, matrix->yx, matrix->yy};
+    // The rules for bitmaps scale them to the size asked, which is done here for each size anyway.
+    FcBool outline = FcTrue;
+    FcPatternGetBool(pattern, FC_OUTLINE, 0, &outline);
+    if (const double size = match.matrix[3]; !outline && size > 0)
+        for (double& number : match.matrix)
+            number /= size;
     return match;
 }
 
 std::uint32_t FontsVersion() {
     return fontsVersion;
 }
+
+namespace {
+
+std::vector<MString> ColourForms(const FcPattern* pattern) {
+    std::vector<MString> forms;
+    const auto match = ToMatch(pattern);
+    if (!match) return forms;
+    const MOpenFace face(*match);
+    const auto colr = face.Table("COLR");
+    const MColourTable table(colr, {});
+    if (table.graphs) forms.emplace_back("COLR v1");
+    if (table.layers) forms.emplace_back("COLR v0");
+    if (face.HasTable("SVG ")) forms.emplace_back("SVG");
+    if (face.HasTable("sbix")) forms.emplace_back("sbix");
+    if (face.HasTable("CBDT")) forms.emplace_back("CBDT");
+    return forms;
+}
+
+} // namespace
 
 std::vector<MSystemFace> ListSystemFaces() {
     std::vector<MSystemFace> faces;
@@ -131,6 +158,7 @@ std::vector<MSystemFace> ListSystemFaces() {
         int slant = FC_SLANT_ROMAN;
         FcPatternGetInteger(pattern, FC_SLANT, 0, &slant);
         face.italic = slant > FC_SLANT_ROMAN;
+        if (GetFlag(pattern, FC_COLOR)) face.colourForms = ColourForms(pattern);
         face.style = FromSystem(GetString(pattern, FC_STYLE, 0).value_or(std::string_view()));
         for (const std::string_view name : FamilyNames(pattern)) {
             face.family = FromSystem(name);

@@ -15,6 +15,9 @@ struct MSystemFace {
     std::int32_t weight = 400; // 1 to 1000, as OpenType counts
     bool italic = false;       // slanted in any way
     MString style;             // the face's own name for itself; may be empty
+    // How its coloured glyphs are stored, in the order in which a glyph's are looked for: "COLR v1", "COLR v0",
+    // "SVG", "sbix", "CBDT". Empty for a face without colours.
+    std::vector<MString> colourForms;
 };
 
 // Every scalable face, once for each of its family names: a condensed face is found under the family that it

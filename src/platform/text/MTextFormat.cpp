@@ -1,5 +1,6 @@
 #include "platform/text/MTextFormat.h"
 
+#include "foundation/MNumbers.h"
 #include "foundation/MUtf8.h"
 #include "platform/text/MFontPattern.h"
 #include "platform/text/MGlyphPainter.h"
@@ -46,7 +47,7 @@ double Indent(double room, MTextAlignment alignment) {
 }
 
 int ToPango(double pixels) {
-    return static_cast<int>(std::clamp(pixels, 0.0, 1e6) * PANGO_SCALE);
+    return ToInteger(std::clamp(pixels, 0.0, 1e6) * PANGO_SCALE);
 }
 
 } // namespace

@@ -1,0 +1,67 @@
+#include "glyphs/BoxColours.h"
+
+#include "glyphs/Pixels.h"
+
+#include <cairo.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <random>
+
+namespace {
+
+int Below(std::mt19937& random, int end) {
+    return static_cast<int>(random() % static_cast<unsigned>(end));
+}
+
+// Transparent, opaque and half-transparent pixels, alone and in areas of one colour.
+void FillAtRandom(MSurfaceBitmap& bitmap, unsigned seed) {
+    std::mt19937 random(seed);
+    cairo_surface_flush(bitmap.image);
+    for (std::int32_t y = 0; y < bitmap.height; ++y) {
+        for (std::int32_t x = 0; x < bitmap.width; ++x) {
+            std::uint8_t* const to = bitmap.pixels + static_cast<std::ptrdiff_t>(y) * bitmap.stride + x * 4;
+            int alpha = 0;
+            if (x >= bitmap.width / 3)
+                alpha = y < bitmap.height / 3 ? 255 : Below(random, 256) * std::min(Below(random, 3), 1);
+            for (int i = 0; i < 3; ++i)
+                to[i] = static_cast<std::uint8_t>(alpha == 255 ? 9 * i : Below(random, alpha + 1));
+            to[3] = static_cast<std::uint8_t>(alpha);
+        }
+    }
+    cairo_surface_mark_dirty(bitmap.image);
+}
+
+} // namespace
+
+TEST(BoxColours, IsThePartOfSmoothScalingThatAGlyphNeeds) {
+    MSurfaceBitmap bitmap(96, 72);
+    FillAtRandom(bitmap, 1);
+    MPicture whole = bitmap.ToPicture();
+    MPicture scaled(whole, 48, 36, FormatRGBA8, true, false);
+    for (const auto& [width, height] : {std::pair{48U, 36U}, {30U, 16U}, {1U, 1U}, {70U, 40U}}) {
+        MPicture glyph(width, height, FormatRGBA8);
+        BoxDownColours(bitmap, glyph);
+        for (std::uint32_t y = 0; y < height; ++y)
+            for (std::uint32_t x = 0; x < width; ++x)
+                ASSERT_EQ(glyph.GetPixel(static_cast<std::int32_t>(x), static_cast<std::int32_t>(y)),
+                          scaled.GetPixel(static_cast<std::int32_t>(x), static_cast<std::int32_t>(y)))
+                    << x << ", " << y;
+        glyph.Free();
+    }
+    scaled.Free();
+    whole.Free();
+}
+
+TEST(SurfaceBitmap, StraightColoursAreTheNearest) {
+    for (int a = 1; a < 256; ++a) {
+        for (int value = 0; value <= a; ++value) {
+            const MColour straight =
+                Straight(MColour(static_cast<std::uint8_t>(value), 0, 0, static_cast<std::uint8_t>(a)));
+            ASSERT_EQ(straight.r, std::lround(value * 255.0 / a)) << value << " of " << a;
+        }
+    }
+    EXPECT_EQ(Straight(MColour(9, 9, 9, 0)), MColour(0, 0, 0, 0));
+    EXPECT_EQ(Straight(MColour(200, 9, 9, 100)).r, 255) << "more than premultiplied";
+}

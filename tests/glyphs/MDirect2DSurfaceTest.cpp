@@ -1,0 +1,360 @@
+#include "glyphs/MDirect2DSurface.h"
+
+#include "TemporaryFolder.h"
+#include "glyphs/MWindowSurface.h"
+#include "glyphs/Pixels.h"
+#include "platform/headless/Headless.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+namespace {
+
+constexpr MColour red(255, 0, 0);
+constexpr MColour white(255, 255, 255);
+constexpr MColour black(0, 0, 0);
+const char* const family = "Liberation Sans";
+
+Desktop::WindowHandle SomeWindow() {
+    static int window = 0;
+    return reinterpret_cast<Desktop::WindowHandle>(&window);
+}
+
+MPicture Filled(std::uint32_t width, std::uint32_t height, MColour colour, MPixelFormat format = FormatRGBA8) {
+    MPicture picture(width, height, format);
+    picture.Fill(colour);
+    return picture;
+}
+
+class Direct2DSurface : public testing::Test {
+protected:
+    MSurfaceBitmap bitmap{200, 100};
+    MDirect2DSurface surface{bitmap};
+
+    void Text(const char* text, Desktop::Rect rectangle, float size, std::int32_t across = -1,
+              std::int32_t down = -1, bool clip = false, bool wrap = true) {
+        surface.DrawText(rectangle, text, family, size, 400, false, black, across, down, false, clip, false,
+                         wrap);
+    }
+    Desktop::Rect InkOfText(const char* text, Desktop::Rect rectangle, float size, std::int32_t across = -1,
+                            std::int32_t down = -1, bool clip = false, bool wrap = true) {
+        surface.Clear(MColour(0, 0, 0, 0));
+        Text(text, rectangle, size, across, down, clip, wrap);
+        return InkOf(bitmap);
+    }
+};
+
+} // namespace
+
+TEST_F(Direct2DSurface, CoversItsBitmap) {
+    EXPECT_TRUE(surface.valid);
+    EXPECT_EQ(surface.area, (Desktop::Rect{0, 0, 200, 100}));
+    ASSERT_TRUE(surface.Begin());
+    EXPECT_EQ(InkOf(bitmap).Width(), -200) << "a new bitmap is transparent";
+    surface.Clear(MColour(200, 100, 50, 128));
+    EXPECT_EQ(PixelAt(bitmap, 3, 3), MColour(100, 50, 25, 128));
+    surface.Clear(MColour(200, 100, 50, 0));
+    EXPECT_EQ(PixelAt(bitmap, 3, 3), MColour(0, 0, 0, 0));
+    surface.End();
+    EXPECT_TRUE(Headless::record.paintings.empty()) << "no window to show it";
+}
+
+TEST_F(Direct2DSurface, CachesHoldUntilSomethingChanges) {
+    const Desktop::Rect all{0, 0, 200, 100};
+    Text("A", all, 37.2F);
+    const auto* const format = surface.textFormat.get();
+    const auto* const brush = surface.brush;
+    ASSERT_TRUE(format && brush);
+    EXPECT_EQ(surface.textFormatKey.size, 37);
+    Text("B", {5, 5, 50, 50}, 37.9F);
+    EXPECT_EQ(surface.textFormat.get(), format) << "sizes are whole numbers";
+    EXPECT_EQ(surface.brush, brush);
+    surface.DrawRectangle({0, 0, 5, 5}, black, true, 0, false);
+    EXPECT_EQ(surface.brush, brush);
+    surface.DrawRectangle({0, 0, 5, 5}, red, true, 0, false);
+    EXPECT_EQ(surface.brushColour, red);
+    EXPECT_FALSE(surface.strokeStyle);
+    surface.DrawLine({0, 0}, {5, 5}, 1, red, false);
+    EXPECT_TRUE(surface.strokeStyle);
+
+    const auto keyAfter = [&](float size, std::int32_t weight, bool italic, std::int32_t across, bool wrap) {
+        const MTextFormatKey before = surface.textFormatKey;
+        surface.DrawText(all, "C", family, size, weight, italic, black, across, -1, false, false, false, wrap);
+        const MTextFormatKey& after = surface.textFormatKey;
+        return before.size != after.size || before.weight != after.weight || before.italic != after.italic ||
+               before.textAlignment != after.textAlignment || before.wrap != after.wrap;
+    };
+    EXPECT_TRUE(keyAfter(38, 400, false, -1, true));
+    EXPECT_TRUE(keyAfter(38, 700, false, -1, true));
+    EXPECT_TRUE(keyAfter(38, 700, true, -1, true));
+    EXPECT_TRUE(keyAfter(38, 700, true, 0, true));
+    EXPECT_TRUE(keyAfter(38, 700, true, 0, false));
+    EXPECT_FALSE(keyAfter(38.5F, 700, true, 0, false));
+}
+
+TEST_F(Direct2DSurface, DefaultsOfText) {
+    surface.DrawText({0, 0, 200, 100}, "A", MString(), 0, 0, false, black, 0, 0, false, false, false, true);
+    EXPECT_TRUE(surface.textFormatKey.family.Equals(u"MS Shell Dlg"));
+    EXPECT_EQ(surface.textFormatKey.size, 12);
+    EXPECT_EQ(surface.textFormatKey.weight, 400);
+    EXPECT_GT(InkOf(bitmap).Width(), 0);
+    for (const float size : {-3.0F, std::nanf(""), HUGE_VALF, 1e30F, 0.4F}) {
+        surface.Clear(MColour(0, 0, 0, 0));
+        Text("A", {0, 0, 200, 100}, size);
+        EXPECT_EQ(InkOf(bitmap).Width() > 0, !(size > 0)) << size;
+    }
+    EXPECT_GT(InkOfText("A", {0, 0, 200, 100}, 20).Width(), 0) << "a bad size does no lasting harm";
+}
+
+TEST_F(Direct2DSurface, TextStandsInItsRectangle) {
+    // The cell of Liberation Sans is 2288 of 2048 units high, 1854 above the baseline; "H" is 1409 high.
+    const auto leading = InkOfText("H", {20, 10, 180, 90}, 32);
+    EXPECT_EQ(leading.bottom, 10 + 29) << "the baseline";
+    EXPECT_NEAR(leading.top, 39 - 22, 1);
+    EXPECT_NEAR(leading.left, 20 + 2, 1);
+    EXPECT_NEAR(InkOfText("H", {20, 10, 180, 90}, 32, 1).right, 180 - 2, 1);
+    const auto centre = InkOfText("H", {20, 10, 180, 90}, 32, 0, 0);
+    EXPECT_NEAR(centre.left + centre.right, 200, 2);
+    EXPECT_NEAR(centre.bottom, 50 - 35.75 / 2 + 29, 1);
+    EXPECT_NEAR(InkOfText("H", {20, 10, 180, 90}, 32, -1, 1).bottom, 90 - 35.75 + 29, 1);
+
+    const auto oneLine = InkOfText("HHH HHH", {0, 0, 90, 100}, 20, -1, -1, false, false);
+    EXPECT_GT(oneLine.right, 90);
+    EXPECT_LT(oneLine.bottom, 30);
+    const auto wrapped = InkOfText("HHH HHH", {0, 0, 90, 100}, 20);
+    EXPECT_LE(wrapped.right, 90);
+    EXPECT_EQ(wrapped.bottom, oneLine.bottom + 22) << "lines are a cell apart";
+    const auto clipped = InkOfText("HHHHHHH", {10, 0, 60, 15}, 20, -1, -1, true, false);
+    EXPECT_EQ(clipped.right, 60);
+    EXPECT_EQ(clipped.bottom, 15);
+    EXPECT_GT(InkOfText("H", {50, 0, 20, -5}, 20).Width(), 0) << "a box turned inside out hides nothing";
+}
+
+TEST_F(Direct2DSurface, AnotherFontStepsInOnTheSameBaseline) {
+    const auto own = InkOfText("H", {0, 0, 200, 100}, 40);
+    surface.Clear(MColour(0, 0, 0, 0));
+    // A letter that only DejaVu has.
+    surface.DrawText({0, 0, 200, 100}, MString(u"\u0531"), family, 40, 400, false, black, -1, -1, false, false,
+                     false, true);
+    const auto other = InkOf(bitmap);
+    EXPECT_GT(other.Width(), 10);
+    EXPECT_NEAR(other.bottom, own.bottom, 2);
+}
+
+TEST_F(Direct2DSurface, WeightAndSlant) {
+    // The second has neither a bold nor an italic face, and a baseline far down.
+    for (const char* name : {"Liberation Sans", "DejaVu Math TeX Gyre"}) {
+        const auto columns = [&](std::int32_t weight, bool italic) {
+            MSurfaceBitmap tall(300, 600);
+            MDirect2DSurface onTall(tall);
+            onTall.DrawText({50, 0, 300, 600}, "I", name, 80, weight, italic, black, -1, -1, false, false,
+                            false, true);
+            return InkOf(tall).Width();
+        };
+        EXPECT_GT(columns(700, false), columns(400, false)) << name;
+        EXPECT_GT(columns(400, true), columns(400, false) + 5) << name;
+    }
+}
+
+TEST_F(Direct2DSurface, RectanglesAndLines) {
+    surface.DrawRectangle({10, 20, 30, 40}, red, true, 0, false);
+    EXPECT_EQ(InkOf(bitmap), (Desktop::Rect{10, 20, 30, 40}));
+    EXPECT_EQ(PixelAt(bitmap, 29, 39), red);
+    surface.Clear(MColour(0, 0, 0, 0));
+    surface.DrawRectangle({10, 20, 30, 40}, red, false, 4, false);
+    EXPECT_EQ(InkOf(bitmap), (Desktop::Rect{8, 18, 32, 42})) << "half the stroke on either side, mitred";
+    EXPECT_EQ(PixelAt(bitmap, 8, 18), red);
+    EXPECT_EQ(PixelAt(bitmap, 20, 30), MColour(0, 0, 0, 0));
+    surface.Clear(MColour(0, 0, 0, 0));
+    surface.DrawRectangle({10, 20, 10, 40}, red, false, 4, false);
+    EXPECT_LT(InkOf(bitmap).Width(), 0);
+    surface.DrawLine({50, 50}, {100, 50}, 10, red, false);
+    EXPECT_EQ(InkOf(bitmap), (Desktop::Rect{45, 45, 105, 55})) << "round ends";
+    EXPECT_LT(PixelAt(bitmap, 45, 45).a, 128);
+    surface.DrawLine({0, 0}, {100, 50}, -10, red, false);
+    surface.DrawLine({std::nanf(""), 0}, {HUGE_VALF, 50}, 2, red, false);
+    surface.DrawRectangle({0, 0, 2, 2}, red, true, 0, false);
+    EXPECT_EQ(PixelAt(bitmap, 1, 1), red) << "nothing breaks the surface";
+}
+
+TEST_F(Direct2DSurface, CoordinatesOfTheWindowAreMapped) {
+    MDirect2DSurface part(SomeWindow(), {100, 50, 160, 90});
+    const auto painted = [&] {
+        Headless::Reset();
+        part.End();
+        const Headless::Painting& painting = Headless::record.paintings.at(0);
+        EXPECT_EQ(painting.window, SomeWindow());
+        EXPECT_EQ(painting.area, (Desktop::Rect{100, 50, 160, 90}));
+        EXPECT_EQ(painting.width, 60);
+        EXPECT_EQ(painting.height, 40);
+        std::vector<std::pair<int, int>> ink;
+        for (int y = 0; y < 40; ++y)
+            for (int x = 0; x < 60; ++x)
+                if (painting.pixels[static_cast<std::size_t>((y * 60 + x) * 4 + 2)] > 0) ink.emplace_back(x, y);
+        return ink.empty() ? Desktop::Rect{}
+                           : Desktop::Rect{ink.front().first, ink.front().second, ink.back().first + 1,
+                                           ink.back().second + 1};
+    };
+    ASSERT_TRUE(part.Begin());
+    part.Clear(MColour(0, 0, 0, 7));
+    part.DrawRectangle({110, 60, 115, 62}, red, true, 0, true);
+    EXPECT_EQ(painted(), (Desktop::Rect{10, 10, 15, 12}));
+    part.Clear(black);
+    part.DrawRectangle({10, 10, 15, 12}, red, true, 0, false);
+    EXPECT_EQ(painted(), (Desktop::Rect{10, 10, 15, 12}));
+    MPicture picture = Filled(4, 3, red);
+    part.Clear(black);
+    part.DrawPictureAt(picture, 120, 70, true);
+    EXPECT_EQ(painted(), (Desktop::Rect{20, 20, 24, 23}));
+    part.Clear(black);
+    part.DrawPictureFitted(picture, {100, 50, 160, 90}, true);
+    EXPECT_EQ(painted(), (Desktop::Rect{28, 18, 32, 21}));
+    picture.Free();
+}
+
+TEST_F(Direct2DSurface, PicturesAreCentredAndNeverEnlarged) {
+    struct Case {
+        std::uint32_t width;
+        std::uint32_t height;
+        Desktop::Rect rectangle;
+        Desktop::Rect expected;
+    };
+    for (const Case& c :
+         {Case{20, 10, {0, 0, 20, 10}, {0, 0, 20, 10}}, Case{20, 10, {0, 0, 40, 30}, {10, 10, 30, 20}},
+          // The middle of 41 is 20; half of 5 falls between pixels and is cut off on both sides.
+          Case{5, 5, {0, 0, 41, 41}, {17, 17, 22, 22}}, Case{21, 10, {3, 5, 44, 36}, {12, 15, 33, 25}},
+          Case{200, 100, {10, 10, 60, 60}, {10, 22, 60, 47}}, Case{100, 200, {0, 0, 50, 50}, {12, 0, 37, 50}},
+          Case{30, 300, {20, 0, 60, 33}, {38, 0, 41, 32}}, Case{7, 1, {0, 0, 5, 90}, {}}}) {
+        surface.Clear(MColour(0, 0, 0, 0));
+        MPicture picture = Filled(c.width, c.height, red);
+        surface.DrawPictureFitted(picture, c.rectangle, false);
+        picture.Free();
+        const Desktop::Rect ink = InkOf(bitmap);
+        if (c.expected.IsEmpty()) {
+            EXPECT_LT(ink.Width(), 0) << "less than a row is nothing";
+            continue;
+        }
+        EXPECT_EQ(ink, c.expected) << c.width << " by " << c.height;
+        EXPECT_EQ(PixelAt(bitmap, ink.left, ink.top), red);
+        EXPECT_EQ(PixelAt(bitmap, ink.right - 1, ink.bottom - 1), red);
+    }
+}
+
+TEST_F(Direct2DSurface, PicturesComeOutToThePixel) {
+    MPicture picture(40, 30, FormatRGBA8);
+    for (std::int32_t y = 0; y < 30; ++y)
+        for (std::int32_t x = 0; x < 40; ++x)
+            picture.SetPixel(x, y,
+                             MColour(static_cast<std::uint8_t>(x * 6), static_cast<std::uint8_t>(y * 8), 77,
+                                     static_cast<std::uint8_t>(x * 255 / 39)));
+    surface.Clear(MColour(0, 0, 0, 0));
+    surface.DrawPictureAt(picture, 10, 20, false);
+    const auto expectPremultiplied = [&](const MPicture& source, std::int32_t left, std::int32_t top) {
+        for (std::uint32_t y = 0; y < source.Height; ++y) {
+            for (std::uint32_t x = 0; x < source.Width; ++x) {
+                MColour colour = source.GetPixel(static_cast<std::int32_t>(x), static_cast<std::int32_t>(y));
+                if (colour.a < 255)
+                    colour = MColour(static_cast<std::uint8_t>(colour.r * colour.a >> 8),
+                                     static_cast<std::uint8_t>(colour.g * colour.a >> 8),
+                                     static_cast<std::uint8_t>(colour.b * colour.a >> 8), colour.a);
+                ASSERT_EQ(
+                    PixelAt(bitmap, left + static_cast<std::int32_t>(x), top + static_cast<std::int32_t>(y)),
+                    colour)
+                    << x << ", " << y;
+            }
+        }
+    };
+    expectPremultiplied(picture, 10, 20);
+
+    // A picture that must shrink is what smooth scaling makes of it.
+    surface.Clear(MColour(0, 0, 0, 0));
+    surface.DrawPictureFitted(picture, {0, 0, 16, 90}, false);
+    MPicture smaller(picture, 16, 12, FormatRGBA8, true, false);
+    expectPremultiplied(smaller, 0, 39);
+    smaller.Free();
+    picture.Free();
+
+    // Over what is there already, and from a format without alpha.
+    surface.Clear(white);
+    MPicture veil = Filled(10, 10, MColour(0, 0, 0, 128));
+    surface.DrawPictureAt(veil, 0, 0, false);
+    EXPECT_EQ(PixelAt(bitmap, 5, 5), MColour(127, 127, 127));
+    veil.Free();
+    MPicture grey = Filled(10, 10, MColour(90, 120, 150), FormatRGB8);
+    surface.DrawPictureAt(grey, 0, 0, false);
+    EXPECT_EQ(PixelAt(bitmap, 5, 5), MColour(90, 120, 150));
+    grey.Free();
+    surface.DrawPictureAt(MPicture(), 0, 0, false);
+    surface.DrawPictureAt(grey, INT32_MAX, INT32_MIN, true);
+}
+
+TEST_F(Direct2DSurface, PictureFiles) {
+    const TemporaryFolder folder;
+    MPicture picture = Filled(10, 10, red);
+    ASSERT_TRUE(picture.Save(folder.File("red.png")));
+    picture.Free();
+    surface.DrawPictureFile(folder.File("red.png"), {0, 0, 30, 30}, true);
+    EXPECT_EQ(InkOf(bitmap), (Desktop::Rect{10, 10, 20, 20}));
+    surface.Clear(MColour(0, 0, 0, 0));
+    surface.DrawPictureFile(folder.File("blue.png"), {0, 0, 30, 30}, true);
+    surface.DrawPictureFile(folder.Write("broken.png", "no picture"), {0, 0, 30, 30}, true);
+    surface.DrawPictureFile(folder.File("red.png"), {30, 0, 30, 30}, true);
+    EXPECT_LT(InkOf(bitmap).Width(), 0);
+}
+
+TEST(Direct2DSurfaces, InvalidOnesDoNothing) {
+    MSurfaceBitmap none(0, 10);
+    MSurfaceBitmap huge(40'000, 40'000);
+    EXPECT_FALSE(none.IsValid());
+    EXPECT_FALSE(huge.IsValid());
+    EXPECT_FALSE(none.ToPicture().IsValid());
+    MDirect2DSurface onNone(none);
+    MDirect2DSurface onEmpty(SomeWindow(), {5, 5, 5, 9});
+    MDirect2DSurface onHuge(SomeWindow(), {0, 0, INT32_MAX, INT32_MAX});
+    MDirect2DSurface onNoWindow(nullptr, {0, 0, 10, 10});
+    EXPECT_FALSE(onNone.valid);
+    EXPECT_FALSE(onEmpty.valid);
+    EXPECT_FALSE(onHuge.valid);
+    EXPECT_TRUE(onNoWindow.valid) << "without a window there is just nowhere to draw";
+    MPicture picture = Filled(2, 2, red);
+    Headless::Reset();
+    for (MDirect2DSurface* surface : {&onNone, &onEmpty, &onHuge, &onNoWindow}) {
+        EXPECT_EQ(surface->Begin(), surface->valid);
+        surface->Clear(red);
+        surface->PushClip({0, 0, 1, 1});
+        surface->DrawText({0, 0, 9, 9}, "A", "", 0, 0, false, red, 0, 0, true, true, true, true);
+        surface->DrawLine({0, 0}, {5, 5}, 1, red, true);
+        surface->DrawRectangle({0, 0, 5, 5}, red, true, 1, true);
+        surface->DrawPictureAt(picture, 0, 0, true);
+        surface->DrawPictureFitted(picture, {0, 0, 5, 5}, true);
+        surface->PopClip();
+        surface->End();
+    }
+    EXPECT_TRUE(Headless::record.paintings.empty());
+    picture.Free();
+}
+
+TEST(WindowSurface, KeepsItsSurfaceWhileNothingChanges) {
+    MWindowSurface holder;
+    EXPECT_FALSE(holder.Bind(SomeWindow(), {0, 0, 0, 10}));
+    EXPECT_EQ(holder.surface, nullptr);
+    ASSERT_TRUE(holder.Bind(SomeWindow(), {0, 0, 20, 10}));
+    const MDirect2DSurface* const first = holder.surface.get();
+    ASSERT_TRUE(first->valid);
+    holder.surface->Clear(red);
+    EXPECT_TRUE(holder.Bind(SomeWindow(), {0, 0, 20, 10}));
+    EXPECT_EQ(holder.surface.get(), first);
+    Headless::Reset();
+    holder.surface->End();
+    EXPECT_EQ(Headless::record.paintings.at(0).pixels.at(2), 255) << "and what was drawn on it";
+    EXPECT_FALSE(holder.Bind(SomeWindow(), {0, 0, 0, 0})) << "an empty rectangle binds nothing";
+    EXPECT_EQ(holder.surface.get(), first);
+    EXPECT_TRUE(holder.Bind(SomeWindow(), {0, 0, 21, 10}));
+    EXPECT_EQ(holder.surface->area.right, 21);
+    holder.Release();
+    EXPECT_EQ(holder.surface, nullptr);
+    EXPECT_EQ(holder.window, nullptr);
+    EXPECT_TRUE(holder.rectangle.IsEmpty());
+    holder.Release();
+}

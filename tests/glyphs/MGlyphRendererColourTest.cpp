@@ -1,0 +1,191 @@
+#include "document/MColourFont.h"
+#include "document/MSettings.h"
+#include "glyphs/MGlyphRenderer.h"
+#include "glyphs/Pixels.h"
+#include "platform/headless/Headless.h"
+#include "platform_text/FontFixture.h"
+#include "platform_text/PaintFont.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+namespace {
+
+class ColourGlyphs : public testing::Test {
+protected:
+    MSettings settings;
+    AddedFonts added;
+
+    ColourGlyphs() {
+        Settings = &settings;
+        settings.ColourFont = true;
+        settings.Colour = MColour(1, 2, 3);
+        settings.GlyphHeight = 60;
+    }
+    ~ColourGlyphs() override { Settings = nullptr; }
+    ColourGlyphs(const ColourGlyphs&) = delete;
+    ColourGlyphs& operator=(const ColourGlyphs&) = delete;
+};
+
+// "A" as red on blue, "B" without an outline but with paints, "C" plain; "I" and "j" plain, 700 and 900 units
+// high.
+fonts::Font Letters(const std::string& family) {
+    fonts::Font font;
+    font.family = family;
+    const int outline = font.Add({{fonts::Box(100, 0, 800, 700)}}, u'A');
+    const int bare = font.Add({}, u'B');
+    font.Add({{fonts::Box(-100, 0, 500, 700)}}, u'C');
+    font.Add({{fonts::Box(100, 0, 300, 700)}}, u'I');
+    font.Add({{fonts::Box(100, -200, 300, 700)}}, u'j');
+    const int inner = font.Add({{fonts::Box(300, 200, 600, 500)}});
+    fonts::ColourTables tables;
+    tables.palette = {{255, 0, 0, 255}, {0, 0, 255, 255}};
+    tables.layers = {fonts::Outline(outline, fonts::Solid(1)), fonts::Outline(inner, fonts::Solid(0))};
+    tables.glyphs[outline] = fonts::Layers(0, 2);
+    tables.glyphs[bare] = fonts::Transform(14, {}, {50, 0}, fonts::Layers(0, 2));
+    font.tables["COLR"] = tables.Colr();
+    font.tables["CPAL"] = tables.Cpal();
+    return font;
+}
+
+// A colour of the glyph at a place between 0 and 1 of its width, and rows up from the baseline of "A".
+MColour At(const MGlyph& glyph, double x, std::int32_t row) {
+    return glyph.GetPixel(static_cast<std::int32_t>(x * glyph.Width), row);
+}
+
+} // namespace
+
+TEST_F(ColourGlyphs, ComeInTheFontsOwnColours) {
+    ASSERT_TRUE(added.Add("letters.ttf", Letters("Laboratory Sans").Build()));
+    settings.FontName = "Laboratory Sans";
+    MGlyphRenderer renderer(nullptr);
+    ASSERT_TRUE(renderer.ready);
+    const auto a = renderer.RenderGlyph(u'A');
+    const auto b = renderer.RenderGlyph(u'B');
+    const auto c = renderer.RenderGlyph(u'C');
+    ASSERT_TRUE(a && b && c);
+    std::uint32_t top = 0;
+    std::uint32_t bottom = 0;
+    a->GetVerticalMargins(top, bottom);
+    const auto middle = static_cast<std::int32_t>((60 + top - bottom) / 2);
+    EXPECT_EQ(At(*a, 0.1, middle), MColour(0, 0, 255));
+    EXPECT_EQ(At(*a, 0.5, middle), MColour(255, 0, 0));
+    EXPECT_EQ(At(*a, 0.5, 0), MColour(0, 0, 0, 0));
+    EXPECT_EQ(At(*c, 0.5, middle), MColour(255, 255, 255))
+        << "what has no colours is white, not the text colour";
+    EXPECT_LT(c->SpacingBefore, 0);
+
+    // Without an outline, the width is that of the colours: the same as of "A", a little further to the right.
+    EXPECT_EQ(At(*b, 0.5, middle), MColour(255, 0, 0));
+    EXPECT_NEAR(b->Width, a->Width, 1);
+    EXPECT_GT(b->SpacingBefore, a->SpacingBefore);
+    EXPECT_NEAR(b->SpacingBefore + b->Width + b->SpacingAfter, a->SpacingBefore + a->Width + a->SpacingAfter,
+                1);
+
+    settings.ColourFont = false;
+    EXPECT_EQ(At(*renderer.RenderGlyph(u'A'), 0.5, middle), MColour(1, 2, 3));
+    EXPECT_EQ(renderer.RenderGlyph(u'B'), nullptr) << "plain, it has no ink";
+    EXPECT_EQ(MGlyphRenderer(nullptr).surface, nullptr);
+}
+
+TEST_F(ColourGlyphs, AreAsTallAsTheRule) {
+    ASSERT_TRUE(added.Add("letters.ttf", Letters("Laboratory Sans").Build()));
+    settings.FontName = "Laboratory Sans";
+    settings.GlyphHeight = 1000;
+    const MGlyphRenderer renderer(nullptr);
+    // Of the reference at this height: rows 272 to 930. An em of 1000 pixels has "Ij" in rows 100 to 999, whose
+    // extent counts one row less here than there.
+    EXPECT_FLOAT_EQ(renderer.colourSizeFactor, 658.0F / 899.0F);
+    EXPECT_EQ(renderer.verticalOffset, static_cast<std::int32_t>(272.0F - 658.0F / 899.0F * 100.0F) * 2);
+    EXPECT_EQ(renderer.fontHeight, static_cast<std::int32_t>(1000.0F * (658.0F / 900.0F)));
+}
+
+TEST_F(ColourGlyphs, AreThoseOfTheWholeBitmap) {
+    ASSERT_TRUE(added.Add("paints.ttf", fonts::PaintFont().font.Build()));
+    settings.FontName = "Every Paint";
+    settings.BackgroundColour = MColour(250, 120, 30);
+    MGlyphRenderer renderer(nullptr);
+    ASSERT_TRUE(renderer.ready);
+    const auto h = static_cast<float>(settings.GlyphHeight);
+    for (char16_t code = 0x100; code < 0x100 + 88; code = static_cast<char16_t>(code + 9)) {
+        const auto glyph = renderer.RenderGlyph(code);
+        ASSERT_TRUE(glyph);
+        // The plain way: all of the bitmap is drawn, read back, scaled and cut.
+        MInk ink;
+        ASSERT_TRUE(renderer.font->GetInk(code, ink));
+        MSurfaceBitmap bitmap(renderer.canvasWidth, renderer.canvasHeight);
+        MDirect2DSurface surface(bitmap);
+        surface.Clear(MColour(250, 120, 30, 0));
+        surface.DrawText(
+            {-ink.a, renderer.verticalOffset, ink.b, 2 * renderer.fontHeight + renderer.verticalOffset},
+            MString(&code, 0, 0), settings.FontName, h * 2.0F * renderer.colourSizeFactor, 400, false,
+            MColour(255, 255, 255), -1, -1, true, false, true, true);
+        MPicture whole = bitmap.ToPicture();
+        MPicture halved(whole, static_cast<std::uint32_t>(renderer.canvasWidth / 2),
+                        static_cast<std::uint32_t>(renderer.canvasHeight / 2), FormatRGBA8, true, false);
+        for (std::int32_t y = 0; y < glyph->Height; ++y)
+            for (std::int32_t x = 0; x < glyph->Width; ++x)
+                ASSERT_EQ(glyph->GetPixel(x, y), halved.GetPixel(x, y))
+                    << int{code} << " at " << x << ", " << y;
+        halved.Free();
+        whole.Free();
+    }
+}
+
+TEST_F(ColourGlyphs, BitmapsAloneHaveWidthsToo) {
+    settings.FontName = "Noto Color Emoji";
+    MGlyphRenderer renderer(nullptr);
+    ASSERT_TRUE(renderer.ready);
+    const auto nine = renderer.RenderGlyph(u'9');
+    const auto copyright = renderer.RenderGlyph(u'\u00A9');
+    ASSERT_TRUE(nine && copyright);
+    EXPECT_GT(copyright->Width, nine->Width);
+    EXPECT_GT(copyright->Width, 40);
+    EXPECT_LT(copyright->Width, 90);
+    std::uint32_t top = 0;
+    std::uint32_t bottom = 0;
+    copyright->GetVerticalMargins(top, bottom);
+    EXPECT_GT(60 - top - bottom, 35U);
+    EXPECT_EQ(renderer.RenderGlyph(u' '), nullptr);
+    settings.ColourFont = false;
+    MGlyphRenderer plain(nullptr);
+    EXPECT_TRUE(plain.ready);
+    EXPECT_EQ(plain.RenderGlyph(u'9'), nullptr) << "it has no outlines";
+}
+
+TEST_F(ColourGlyphs, TheReferenceFamilyKeepsItsSize) {
+    fonts::Font font = Letters("Arial Black");
+    ASSERT_TRUE(added.Add("black.ttf", font.Build()));
+    settings.FontName = "Arial Black";
+    MGlyphRenderer renderer(nullptr);
+    EXPECT_EQ(renderer.colourSizeFactor, 1.0F);
+    EXPECT_EQ(renderer.verticalOffset, 0);
+    const auto a = renderer.RenderGlyph(u'A');
+    ASSERT_TRUE(a);
+    // An em of twice the height on the canvas, so 0.7 of the height here; the outline's own cell is as high.
+    std::uint32_t top = 0;
+    std::uint32_t bottom = 0;
+    a->GetVerticalMargins(top, bottom);
+    EXPECT_EQ(60 - top - bottom, 42U);
+    EXPECT_EQ(bottom, 12U);
+    EXPECT_EQ(a->Width, 42);
+}
+
+TEST_F(ColourGlyphs, ARunMakesThemAll) {
+    settings.FontName = "Liberation Serif";
+    settings.Selected.fill(1);
+    MColourFont font(nullptr);
+    ASSERT_TRUE(font.GenerateSelectedCharacters());
+    EXPECT_GE(font.GlyphCount(), 185);
+    EXPECT_GT(font.CapHeight, 20);
+    const MGlyph* const letter = font.GetGlyph(u'H');
+    ASSERT_TRUE(letter);
+    bool allWhite = true;
+    for (std::int32_t y = 0; y < letter->Height; ++y)
+        for (std::int32_t x = 0; x < letter->Width; ++x) {
+            const MColour colour = letter->GetPixel(x, y);
+            allWhite = allWhite && (colour.a == 0 || (colour.r == 255 && colour.g == 255 && colour.b == 255));
+        }
+    EXPECT_TRUE(allWhite);
+}

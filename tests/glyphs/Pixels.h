@@ -1,0 +1,43 @@
+// Looking at what was drawn.
+#pragma once
+
+#include "glyphs/MSurfaceBitmap.h"
+#include "platform/Desktop.h"
+
+#include <algorithm>
+#include <cstring>
+#include <ostream>
+
+inline std::ostream& operator<<(std::ostream& out, const MColour& colour) {
+    return out << '(' << int{colour.r} << ", " << int{colour.g} << ", " << int{colour.b} << ", "
+               << int{colour.a} << ')';
+}
+
+// Premultiplied, as it lies there.
+inline MColour PixelAt(const MSurfaceBitmap& bitmap, std::int32_t x, std::int32_t y) {
+    MColour colour;
+    std::memcpy(&colour, bitmap.Row(y) + static_cast<std::ptrdiff_t>(x) * 4, 4);
+    return colour;
+}
+
+namespace Desktop {
+inline bool operator==(const Rect& a, const Rect& b) {
+    return a.left == b.left && a.top == b.top && a.right == b.right && a.bottom == b.bottom;
+}
+inline std::ostream& operator<<(std::ostream& out, const Rect& r) {
+    return out << r.left << ", " << r.top << ", " << r.right << ", " << r.bottom;
+}
+} // namespace Desktop
+
+// Around all pixels that are not fully transparent; empty if there are none.
+inline Desktop::Rect InkOf(const MSurfaceBitmap& bitmap) {
+    Desktop::Rect ink{bitmap.width, bitmap.height, 0, 0};
+    for (std::int32_t y = 0; y < bitmap.height; ++y) {
+        for (std::int32_t x = 0; x < bitmap.width; ++x) {
+            if (PixelAt(bitmap, x, y).a == 0) continue;
+            ink = {std::min(ink.left, x), std::min(ink.top, y), std::max(ink.right, x + 1),
+                   std::max(ink.bottom, y + 1)};
+        }
+    }
+    return ink;
+}

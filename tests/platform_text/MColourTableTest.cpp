@@ -1,0 +1,167 @@
+#include "platform/text/MColourTable.h"
+
+#include "platform_text/PaintFont.h"
+
+#include <gtest/gtest.h>
+
+#include <random>
+
+namespace {
+
+std::span<const std::uint8_t> View(const std::string& bytes) {
+    return {reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size()};
+}
+
+std::optional<MPaintTree> Read(const fonts::ColourTables& tables, std::uint16_t glyph) {
+    const std::string colr = tables.Colr();
+    const std::string cpal = tables.Cpal();
+    return MColourTable(View(colr), View(cpal)).Read(glyph);
+}
+
+// The one paint below the root.
+const MPaint& Top(const MPaintTree& tree) {
+    return tree.paints.at(tree.paints.at(0).children.at(0));
+}
+
+fonts::ColourTables Single(const fonts::Bytes& paint) {
+    fonts::ColourTables tables;
+    tables.palette = {{255, 0, 0, 255}, {0, 51, 0, 128}};
+    tables.glyphs[1] = paint;
+    return tables;
+}
+
+} // namespace
+
+TEST(ColourTable, LayersOfVersion0) {
+    fonts::ColourTables tables = Single({});
+    tables.glyphs.clear();
+    tables.flat = {{3, {{7, 1}, {8, fonts::foreground}}}, {5, {{9, 99}}}};
+    const auto tree = Read(tables, 3);
+    ASSERT_TRUE(tree);
+    ASSERT_EQ(tree->paints[0].children.size(), 2U);
+    const MPaint& first = tree->paints[tree->paints[0].children[0]];
+    EXPECT_EQ(first.kind, MPaintKind::Glyph);
+    EXPECT_EQ(first.glyph, 7);
+    const MPaintColour green = tree->paints[first.children.at(0)].colour;
+    EXPECT_FLOAT_EQ(green.g, 0.2F);
+    EXPECT_FLOAT_EQ(green.a, 128 / 255.0F);
+    const MPaint& second = tree->paints[tree->paints[0].children[1]];
+    EXPECT_TRUE(tree->paints[second.children.at(0)].colour.foreground);
+
+    const auto unknownColour = Read(tables, 5);
+    ASSERT_TRUE(unknownColour);
+    EXPECT_EQ(unknownColour->paints.back().colour.a, 0) << "an entry that no palette has is not painted";
+    EXPECT_FALSE(Read(tables, 4));
+}
+
+TEST(ColourTable, TransformsAreMatrices) {
+    using fonts::Transform;
+    struct Case {
+        fonts::Bytes paint;
+        std::array<float, 6> matrix;
+    };
+    const fonts::Bytes red = fonts::Solid(0);
+    const float tan = std::tan(0.25F * 3.14159265F);
+    for (const Case& c : {Case{fonts::Affine({1, 2, 3, 4, 5, -6.5}, red), {1, 2, 3, 4, 5, -6.5F}},
+                          Case{Transform(14, {}, {5, -6}, red), {1, 0, 0, 1, 5, -6}},
+                          Case{Transform(15, {}, {5, -6}, red), {1, 0, 0, 1, 5, -6}},
+                          Case{Transform(16, {0.5, -1}, {}, red), {0.5F, 0, 0, -1, 0, 0}},
+                          Case{Transform(18, {0.5, 2 - 1.0 / 16384}, {100, 0}, red), {0.5F, 0, 0, 2, 50, 0}},
+                          Case{Transform(20, {0.5}, {}, red), {0.5F, 0, 0, 0.5F, 0, 0}},
+                          Case{Transform(23, {0.5}, {10, 20}, red), {0.5F, 0, 0, 0.5F, 5, 10}},
+                          Case{Transform(24, {0.5}, {}, red), {0, 1, -1, 0, 0, 0}},
+                          Case{Transform(26, {1}, {10, 20}, red), {-1, 0, 0, -1, 20, 40}},
+                          Case{Transform(28, {0.25, 0}, {}, red), {1, 0, -tan, 1, 0, 0}},
+                          Case{Transform(30, {0, 0.25}, {10, 20}, red), {1, tan, 0, 1, 0, -10 * tan}}}) {
+        const auto tree = Read(Single(c.paint), 1);
+        ASSERT_TRUE(tree);
+        ASSERT_EQ(Top(*tree).kind, MPaintKind::Transform);
+        for (std::size_t i = 0; i < 6; ++i)
+            EXPECT_NEAR(Top(*tree).numbers[i], c.matrix[i], 0.01) << int{c.paint[0]} << " number " << i;
+    }
+}
+
+TEST(ColourTable, StopsAreSortedAndAnglesWhole) {
+    const auto sweep = Read(
+        Single(fonts::Sweep(10, -20, 90, 315, fonts::ColourLine(2, {{1.5, 0}, {-0.25, 1, 0.5}, {0.5, 0}}))), 1);
+    ASSERT_TRUE(sweep);
+    const MPaint& paint = Top(*sweep);
+    EXPECT_EQ(paint.kind, MPaintKind::Sweep);
+    EXPECT_EQ(paint.extend, MExtend::Reflect);
+    EXPECT_FLOAT_EQ(paint.numbers[1], -20);
+    EXPECT_FLOAT_EQ(paint.numbers[2], 90);
+    EXPECT_FLOAT_EQ(paint.numbers[3], 315);
+    ASSERT_EQ(paint.stops.size(), 3U);
+    EXPECT_FLOAT_EQ(paint.stops[0].offset, -0.25F);
+    EXPECT_FLOAT_EQ(paint.stops[0].colour.a, 64 / 255.0F);
+    EXPECT_FLOAT_EQ(paint.stops[2].offset, 1.5F);
+}
+
+TEST(ColourTable, GraphsThatDoNotEndAreRefused) {
+    using namespace fonts;
+    // A glyph that shows itself, by way of another one.
+    ColourTables tables = Single(ColrGlyph(2));
+    tables.glyphs[2] = Transform(14, {}, {1, 1}, ColrGlyph(1));
+    tables.glyphs[3] = Solid(0);
+    EXPECT_FALSE(Read(tables, 1));
+    EXPECT_FALSE(Read(tables, 2));
+    EXPECT_TRUE(Read(tables, 3)) << "the others are not touched by it";
+
+    // A layer that is its own list.
+    tables = Single(Layers(0, 1));
+    tables.layers = {Outline(1, Layers(0, 1))};
+    EXPECT_FALSE(Read(tables, 1));
+
+    for (const int depth : {60, 10'000}) {
+        Bytes paint = Solid(0);
+        for (int i = 0; i < depth; ++i)
+            paint = Transform(14, {}, {1, 0}, paint);
+        EXPECT_EQ(Read(Single(paint), 1).has_value(), depth == 60) << depth;
+    }
+
+    // Twenty lists that each name the next one sixteen times over: 16 to the 20th paints.
+    tables = Single(Layers(0, 16));
+    for (int list = 1; list <= 20; ++list)
+        for (int i = 0; i < 16; ++i)
+            tables.layers.push_back(list < 20 ? Layers(list * 16, 16) : Solid(0));
+    EXPECT_FALSE(Read(tables, 1));
+}
+
+TEST(ColourTable, WhatTheTableDoesNotHoldIsRefused) {
+    using namespace fonts;
+    EXPECT_FALSE(Read(Single(Layers(0, 1)), 1)) << "no layers";
+    EXPECT_FALSE(Read(Single(Bytes().U8(33)), 1)) << "no such format";
+    EXPECT_FALSE(Read(Single(Bytes().U8(0)), 1)) << "no such format";
+    EXPECT_FALSE(Read(Single(Composite(28, Solid(0), Solid(0))), 1)) << "no such mode";
+    EXPECT_FALSE(Read(Single(Linear({0, 0, 1, 0, 0, 1}, ColourLine(0, {}))), 1)) << "no stops";
+    EXPECT_FALSE(MColourTable({}, {}).valid);
+    EXPECT_FALSE(MColourTable(View("\0\2\0\0\0\0\0\0\0\0\0\0\0\0"), {}).valid) << "version 2";
+    const auto missing = Read(Single(ColrGlyph(77)), 1);
+    ASSERT_TRUE(missing) << "a glyph without paints has nothing to show";
+    EXPECT_TRUE(Top(*missing).children.empty());
+}
+
+TEST(ColourTable, NoCutOrChangedTableDoesHarm) {
+    const fonts::PaintFont paints;
+    const std::string colr = paints.font.tables.at("COLR");
+    const std::string cpal = paints.font.tables.at("CPAL");
+    const auto readAll = [&](const std::string& one, const std::string& other) {
+        const MColourTable table(View(one), View(other));
+        std::size_t read = 0;
+        for (std::uint16_t glyph = 0; glyph < paints.font.glyphs.size(); ++glyph)
+            if (table.Read(glyph)) ++read;
+        return read;
+    };
+    EXPECT_EQ(readAll(colr, cpal), paints.names.size() + 1);
+    for (std::size_t length = 0; length < colr.size(); length += 7)
+        readAll(colr.substr(0, length), cpal);
+    for (std::size_t length = 0; length < cpal.size(); ++length)
+        readAll(colr, cpal.substr(0, length));
+    std::mt19937 random(1);
+    for (int round = 0; round < 300; ++round) {
+        std::string changed = colr;
+        for (int i = 0; i < 4; ++i)
+            changed[random() % changed.size()] = static_cast<char>(random());
+        readAll(changed, cpal);
+    }
+}

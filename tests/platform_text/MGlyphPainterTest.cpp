@@ -1,0 +1,253 @@
+#include "platform/text/MGlyphPainter.h"
+
+#include "TemporaryFolder.h"
+#include "imaging/MPicture.h"
+#include "platform_text/FontFixture.h"
+#include "platform_text/PaintFont.h"
+
+#include <cairo.h>
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <random>
+
+namespace {
+
+constexpr int side = 120;
+constexpr int em = 100;
+constexpr int penX = 10;
+constexpr int penY = 90;
+
+// A drawing of one character, an em of 100 pixels with its pen at (10, 90).
+class Drawing {
+public:
+    Drawing(const std::string& file, char16_t character, bool colours, MColour colour = {255, 255, 255}) {
+        MFontMatch match;
+        match.file = file;
+        MGlyphPainter painter(match);
+        image = cairo_image_surface_create(CAIRO_FORMAT_ARGB32, side, side);
+        cairo_t* const context = cairo_create(image);
+        painter.Draw(context, painter.face.GlyphIndex(character), penX, penY, em, colour, colours);
+        EXPECT_EQ(cairo_status(context), CAIRO_STATUS_SUCCESS);
+        cairo_destroy(context);
+        cairo_surface_flush(image);
+    }
+    Drawing(const Drawing&) = delete;
+    Drawing& operator=(const Drawing&) = delete;
+    ~Drawing() { cairo_surface_destroy(image); }
+
+    // The pixel at a place of the glyph in units of a thousandth of its em, y upwards: alpha, red, green, blue.
+    std::uint32_t At(int x, int y) const {
+        const std::ptrdiff_t row = penY - y / 10 - 1;
+        std::uint32_t pixel = 0;
+        std::memcpy(&pixel,
+                    cairo_image_surface_get_data(image) + row * cairo_image_surface_get_stride(image) +
+                        (penX + x / 10) * std::ptrdiff_t{4},
+                    4);
+        return pixel;
+    }
+    bool IsEmpty() const {
+        const unsigned char* const data = cairo_image_surface_get_data(image);
+        return std::all_of(data,
+                           data + static_cast<std::ptrdiff_t>(cairo_image_surface_get_stride(image)) * side,
+                           [](unsigned char byte) { return byte == 0; });
+    }
+
+private:
+    cairo_surface_t* image;
+};
+
+class FontFile {
+public:
+    explicit FontFile(const std::string& bytes) { std::ofstream(File(), std::ios::binary) << bytes; }
+    explicit FontFile(const fonts::Font& font) : FontFile(font.Build()) {}
+
+    std::string File() const { return ToSystem(folder.File("font.ttf")); }
+
+private:
+    TemporaryFolder folder;
+};
+
+fonts::Font OneBox() {
+    fonts::Font font;
+    font.Add({{fonts::Box(100, 0, 900, 700)}}, u'A');
+    return font;
+}
+
+std::string SvgTable(const std::string& shape) {
+    const std::string document =
+        "<svg xmlns='http://www.w3.org/2000/svg'><g id='glyph1'>" + shape + "</g></svg>";
+    fonts::Bytes table;
+    table.U16(0).U32(10).U32(0).U16(1).U16(1).U16(1).U32(14).U32(static_cast<std::int64_t>(document.size()));
+    return table.Add(document);
+}
+
+void AddPaint(fonts::Font& font, const fonts::Bytes& paint) {
+    fonts::ColourTables tables;
+    tables.palette = {{0, 255, 0, 255}, {0, 0, 255, 255}};
+    tables.glyphs[1] = paint;
+    font.tables["COLR"] = tables.Colr();
+    font.tables["CPAL"] = tables.Cpal();
+}
+
+// A PNG of 20 by 20 pixels.
+std::string Png(MColour colour) {
+    const TemporaryFolder folder;
+    const MString path = folder.File("bitmap.png");
+    MPicture picture(20, 20, FormatRGBA8);
+    picture.Fill(colour);
+    EXPECT_TRUE(picture.Save(path));
+    picture.Free();
+    std::ifstream in(ToSystem(path), std::ios::binary);
+    return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+}
+
+// Strikes of 20 and 200 pixels an em, whose glyph 1 is a bitmap of 20 by 20 pixels at (left, bottom).
+std::string SbixTable(const std::string& small, const std::string& large, int left, int bottom) {
+    std::vector<fonts::Bytes> strikes;
+    for (const auto& [size, png] : {std::pair{20, small}, {200, large}}) {
+        fonts::Bytes strike;
+        const auto end = static_cast<std::int64_t>(4 + 12 + 8 + png.size());
+        strike.U16(size).U16(72).U32(16).U32(16).U32(end);
+        strike.U16(left).U16(bottom).Add("png ").Add(png);
+        strikes.push_back(strike);
+    }
+    fonts::Bytes table;
+    table.U16(1).U16(1).U32(2).U32(16).U32(static_cast<std::int64_t>(16 + strikes[0].size()));
+    return table.Add(strikes[0]).Add(strikes[1]);
+}
+
+constexpr std::uint32_t white = 0xFFFFFFFF;
+constexpr std::uint32_t red = 0xFFFF0000;
+constexpr std::uint32_t green = 0xFF00FF00;
+constexpr std::uint32_t blue = 0xFF0000FF;
+
+} // namespace
+
+TEST(GlyphPainter, PlainGlyphsHaveTheColourOfTheText) {
+    const FontFile font(OneBox());
+    for (const bool colours : {false, true}) {
+        const Drawing drawing(font.File(), u'A', colours, MColour(255, 0, 0));
+        EXPECT_EQ(drawing.At(500, 300), red);
+        EXPECT_EQ(drawing.At(50, 300), 0U);
+        EXPECT_EQ(drawing.At(500, 750), 0U);
+    }
+    EXPECT_TRUE(Drawing("/no/such/font.ttf", u'A', true).IsEmpty());
+}
+
+TEST(GlyphPainter, FirstFormThatHasTheGlyphWins) {
+    const std::string redBox = "<rect y='-700' width='1000' height='700' fill='#f00'/>";
+    fonts::Font font = OneBox();
+    font.tables["SVG "] = SvgTable(redBox);
+    EXPECT_EQ(Drawing(FontFile(font).File(), u'A', true).At(500, 300), red);
+    EXPECT_EQ(Drawing(FontFile(font).File(), u'A', false).At(500, 300), white) << "colours were not asked for";
+
+    AddPaint(font, fonts::Outline(1, fonts::Solid(0)));
+    EXPECT_EQ(Drawing(FontFile(font).File(), u'A', true).At(500, 300), green) << "paints before documents";
+
+    AddPaint(font, fonts::ColrGlyph(1));
+    EXPECT_EQ(Drawing(FontFile(font).File(), u'A', true).At(500, 300), red) << "paints that run in a circle";
+    font.tables["SVG "] = "nothing that could be read";
+    EXPECT_EQ(Drawing(FontFile(font).File(), u'A', true).At(500, 300), white) << "and nothing else";
+}
+
+TEST(GlyphPainter, BitmapsComeFromTheNearestStrike) {
+    fonts::Font font = OneBox();
+    font.tables["sbix"] = SbixTable(Png(MColour(255, 0, 0)), Png(MColour(0, 0, 255)), 0, 0);
+    // The larger strike is shrunk to the em: a bitmap of 20 of 200 pixels is a tenth of it.
+    const Drawing drawing(FontFile(font).File(), u'A', true);
+    EXPECT_EQ(drawing.At(150, 50), blue) << "at the outline's left edge";
+    EXPECT_EQ(drawing.At(500, 300), 0U) << "not the outline";
+    EXPECT_EQ(Drawing(FontFile(font).File(), u'A', false).At(500, 300), white);
+
+    font.tables["sbix"] = SbixTable("broken", "broken", 0, 0);
+    EXPECT_EQ(Drawing(FontFile(font).File(), u'A', true).At(500, 300), white) << "no picture: the outline";
+}
+
+TEST(GlyphPainter, EmojiBitmaps) {
+    const Drawing drawing("/usr/share/fonts/truetype/noto/NotoColorEmoji.ttf", u'\u2705', true);
+    const std::uint32_t pixel = drawing.At(300, 100);
+    EXPECT_EQ(pixel >> 24, 255U);
+    EXPECT_GT(pixel >> 8 & 0xFF, (pixel >> 16 & 0xFF) + 40) << "green, by the white of the mark";
+    EXPECT_TRUE(Drawing("/usr/share/fonts/truetype/noto/NotoColorEmoji.ttf", u'\u2705', false).IsEmpty());
+}
+
+TEST(GlyphPainter, GradientsFollowTheirGeometry) {
+    // Half way from green to blue at the middle of each geometry.
+    const fonts::Bytes line = fonts::ColourLine(0, {{0, 0}, {1, 1}});
+    struct Case {
+        const char* name;
+        fonts::Bytes gradient;
+        int x;
+        int y;
+    };
+    for (const Case& c :
+         {Case{"linear", fonts::Linear({300, 0, 700, 0, 300, 500}, line), 505, 300},
+          Case{"turned", fonts::Linear({300, 0, 700, 0, 700, 400}, line), 500, 5},
+          Case{"radial", fonts::Radial({500, 350, 100, 500, 350, 300}, line), 705, 355},
+          Case{"sweep", fonts::Sweep(500, 350, 0, 180, line), 505, 600},
+          Case{"sweep back", fonts::Sweep(500, 350, 360, 180, line), 505, 100},
+          // Red below a radius of 0 leaves the colour where it is 0: here the middle.
+          Case{"radial from below 0",
+               fonts::Radial({500, 350, 0, 500, 350, 300}, fonts::ColourLine(0, {{-1, 0}, {1, 1}})), 505,
+               355}}) {
+        fonts::Font font = OneBox();
+        AddPaint(font, fonts::Outline(1, c.gradient));
+        const Drawing drawing(FontFile(font).File(), u'A', true);
+        const std::uint32_t pixel = drawing.At(c.x, c.y);
+        EXPECT_EQ(pixel >> 24, 255U) << c.name;
+        EXPECT_EQ(pixel >> 16 & 0xFF, 0U) << c.name;
+        EXPECT_NEAR(pixel >> 8 & 0xFF, 128, 8) << c.name;
+        EXPECT_NEAR(pixel & 0xFF, 128, 8) << c.name;
+    }
+}
+
+TEST(GlyphPainter, GeometryThatSaysNothingPaintsNothing) {
+    const fonts::Bytes line = fonts::ColourLine(0, {{0, 0}, {1, 1}});
+    const fonts::Bytes spot = fonts::ColourLine(1, {{0.5, 0}, {0.5, 1}});
+    for (const fonts::Bytes& paint :
+         {fonts::Linear({300, 0, 300, 0, 300, 500}, line), fonts::Linear({300, 0, 700, 0, 900, 0}, line),
+          fonts::Linear({300, 0, 700, 0, 300, 500}, spot), fonts::Radial({500, 350, 9, 500, 350, 9}, line),
+          fonts::Sweep(500, 350, 90, 90, fonts::ColourLine(1, {{0, 0}, {1, 1}})),
+          fonts::Transform(16, {0, 1}, {}, fonts::Solid(0)),
+          fonts::Affine({1, 1, 1, 1, 0, 0}, fonts::Solid(0))}) {
+        fonts::Font font = OneBox();
+        AddPaint(font, fonts::Outline(1, paint));
+        EXPECT_TRUE(Drawing(FontFile(font).File(), u'A', true).IsEmpty()) << int{paint[0]};
+    }
+}
+
+TEST(GlyphPainter, PaintsThatCostTooMuchAreNotPainted) {
+    // Sixty groups inside one another, and sixteen thousand coats over the whole em.
+    fonts::Bytes nested = fonts::Solid(0);
+    for (int i = 0; i < 60; ++i)
+        nested = fonts::Composite(3, nested, fonts::Solid(1));
+    fonts::Font font = OneBox();
+    AddPaint(font, fonts::Outline(1, nested));
+    EXPECT_EQ(Drawing(FontFile(font).File(), u'A', true).At(500, 300), white);
+
+    fonts::ColourTables tables;
+    tables.palette = {{0, 255, 0, 255}};
+    tables.glyphs[1] = fonts::Layers(0, 120);
+    for (int i = 0; i < 120; ++i)
+        tables.layers.push_back(fonts::Layers(120, 130));
+    for (int i = 0; i < 130; ++i)
+        tables.layers.push_back(fonts::Transform(16, {1.9, 1.9}, {}, fonts::Outline(1, fonts::Solid(0))));
+    font.tables["COLR"] = tables.Colr();
+    EXPECT_EQ(Drawing(FontFile(font).File(), u'A', true).At(500, 300), white);
+}
+
+TEST(GlyphPainter, ChangedTablesDoNoHarm) {
+    const fonts::PaintFont paints;
+    std::mt19937 random(2);
+    for (int round = 0; round < 60; ++round) {
+        fonts::Font font = paints.font;
+        std::string& colr = font.tables["COLR"];
+        // Not the header, so that many a paint stays readable.
+        for (int i = 0; i < 60; ++i)
+            colr[40 + random() % (colr.size() - 40)] = static_cast<char>(random());
+        const FontFile file(font);
+        for (auto i = static_cast<std::size_t>(round % 5); i < paints.names.size(); i += 5)
+            Drawing(file.File(), static_cast<char16_t>(0x100 + i), true);
+    }
+}

@@ -1,0 +1,151 @@
+#include "platform/text/MSvgGlyphs.h"
+
+#include "TemporaryFolder.h"
+#include "imaging/MPicture.h"
+#include "platform_text/PaintBuilder.h"
+
+#include <cairo.h>
+#include <gtest/gtest.h>
+#include <zlib.h>
+
+#include <cstring>
+
+namespace {
+
+constexpr int units = 1000;
+
+// A table with one document, for glyphs 3 to 5.
+std::vector<std::uint8_t> Table(const std::string& document) {
+    fonts::Bytes table;
+    table.U16(0).U32(10).U32(0).U16(1).U16(3).U16(5).U32(14).U32(static_cast<std::int64_t>(document.size()));
+    table.Add(document);
+    return {table.begin(), table.end()};
+}
+
+std::string Document(const std::string& content, const std::string& attributes = "") {
+    return "<svg xmlns='http://www.w3.org/2000/svg' xmlns:xlink='http://www.w3.org/1999/xlink' " + attributes +
+           ">" + content + "</svg>";
+}
+
+std::string Gzip(const std::string& text) {
+    z_stream stream{};
+    deflateInit2(&stream, 9, Z_DEFLATED, MAX_WBITS + 16, 8, Z_DEFAULT_STRATEGY);
+    std::string packed(deflateBound(&stream, text.size()), '\0');
+    stream.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(text.data()));
+    stream.avail_in = static_cast<uInt>(text.size());
+    stream.next_out = reinterpret_cast<Bytef*>(packed.data());
+    stream.avail_out = static_cast<uInt>(packed.size());
+    deflate(&stream, Z_FINISH);
+    packed.resize(stream.total_out);
+    deflateEnd(&stream);
+    return packed;
+}
+
+// What is at (x, y) of a hundred by hundred pixels, the glyph's em as wide and its baseline at the bottom; as
+// alpha, red, green, blue. 1 if nothing was drawn.
+std::uint32_t PixelOf(MSvgGlyphs& glyphs, std::uint16_t glyph, int x, int y,
+                      MColour foreground = {255, 255, 255}) {
+    cairo_surface_t* const image = cairo_image_surface_create(CAIRO_FORMAT_ARGB32, 100, 100);
+    cairo_t* const context = cairo_create(image);
+    cairo_translate(context, 0, 100);
+    cairo_scale(context, 0.1, 0.1);
+    const bool drawn = glyphs.Draw(context, glyph, units, foreground);
+    cairo_destroy(context);
+    cairo_surface_flush(image);
+    std::uint32_t pixel = 0;
+    std::memcpy(&pixel, cairo_image_surface_get_data(image) + y * cairo_image_surface_get_stride(image) + x * 4,
+                4);
+    cairo_surface_destroy(image);
+    return drawn ? pixel : 1;
+}
+
+std::uint32_t PixelOf(const std::string& document, int x, int y) {
+    MSvgGlyphs glyphs(Table(document), {});
+    return PixelOf(glyphs, 3, x, y);
+}
+
+} // namespace
+
+TEST(SvgGlyphs, DrawsTheElementOfTheGlyph) {
+    const std::string document =
+        Document("<rect id='glyph3' x='200' y='-600' width='300' height='400' fill='#00ff00'/>"
+                 "<rect id='glyph4' x='200' y='-600' width='300' height='400' fill='currentColor'/>");
+    for (const std::string& text : {document, Gzip(document)}) {
+        MSvgGlyphs glyphs(Table(text), {});
+        EXPECT_EQ(PixelOf(glyphs, 3, 25, 45), 0xFF00FF00U);
+        EXPECT_EQ(PixelOf(glyphs, 3, 15, 45), 0U);
+        EXPECT_EQ(PixelOf(glyphs, 3, 25, 85), 0U) << "between the shape and the baseline";
+        EXPECT_EQ(PixelOf(glyphs, 4, 25, 45, MColour(0, 0, 255)), 0xFF0000FFU);
+        EXPECT_EQ(PixelOf(glyphs, 4, 25, 45, MColour(255, 0, 0)), 0xFFFF0000U) << "the colour of the moment";
+        EXPECT_FALSE(glyphs.Has(5)) << "the document has no element for it";
+        EXPECT_FALSE(glyphs.Has(6)) << "no document serves it";
+    }
+    EXPECT_EQ(PixelOf(Document("<rect id='glyph3' x='10' y='-30' width='15' height='20' fill='#00f'/>",
+                               "viewBox='0 0 50 50'"),
+                      25, 45),
+              0xFF0000FFU)
+        << "a view box is as large as the em";
+}
+
+TEST(SvgGlyphs, PaletteStandsForVariables) {
+    fonts::ColourTables tables;
+    tables.palette = {{1, 2, 3, 255}, {255, 128, 0, 51}};
+    const std::string cpal = tables.Cpal();
+    const std::vector<std::uint8_t> palette(cpal.begin(), cpal.end());
+    struct Case {
+        const char* document;
+        const char* expected;
+    };
+    for (const Case& c :
+         {Case{"a var(--color0) b", "a rgba(1,2,3,1.000000) b"},
+          Case{"var(--color1,red)", "rgba(255,128,0,0.200000)"},
+          Case{"var(--color9, rgb(1, 2, 3) )var(--color0)", "rgb(1, 2, 3)rgba(1,2,3,1.000000)"},
+          Case{"var(--color9)", "currentColor"}, Case{"var(--colorful, red)", "var(--colorful, red)"},
+          Case{"var(--color0", "var(--color0"}, Case{"var(--other)", "var(--other)"}, Case{"", ""}}) {
+        EXPECT_EQ(WithPalette(c.document, palette), c.expected) << c.document;
+    }
+    EXPECT_EQ(WithPalette("var(--color0, blue)", {}), "blue");
+}
+
+TEST(SvgGlyphs, NothingOutsideTheDocumentIsRead) {
+    const TemporaryFolder folder;
+    const MString png = folder.File("red.png");
+    MPicture red(100, 100, FormatRGBA8);
+    red.Fill(MColour(255, 0, 0));
+    ASSERT_TRUE(red.Save(png));
+    red.Free();
+    const std::string path = ToSystem(png);
+    const std::string shape = "<rect width='1000' height='1000' y='-1000' fill='#00ff00'/>";
+    const auto image = [&](const std::string& reference) {
+        return Document("<g id='glyph3'>" + shape + "<image width='1000' height='1000' y='-1000' xlink:href='" +
+                        reference + "'/></g>");
+    };
+    for (const std::string& reference : {path, "file://" + path, std::string("http://localhost:1/red.png")})
+        EXPECT_EQ(PixelOf(image(reference), 50, 50), 0xFF00FF00U) << reference;
+    const std::string entity = "<!DOCTYPE svg [<!ENTITY other SYSTEM 'file://" + path + "'>]>";
+    EXPECT_EQ(PixelOf(entity + Document("<g id='glyph3'>" + shape + "</g>"), 50, 50), 0xFF00FF00U);
+}
+
+TEST(SvgGlyphs, HugeAndBrokenDocumentsHaveNoGlyphs) {
+    const std::string shape = "<rect id='glyph3' width='1000' height='1000' y='-1000'/>";
+    std::string million;
+    for (int i = 0; i < 1'000'000; ++i)
+        million += "<g/>";
+    const std::string bomb = Gzip(Document(shape + "<!--" + std::string(64 << 20, ' ') + "-->"));
+    ASSERT_LT(bomb.size(), 100'000U);
+    std::string cut = Gzip(Document(shape));
+    cut.resize(cut.size() / 2);
+    for (const std::string& document :
+         {Document(shape + million), Document("<g>" + million + shape + "</g>"), bomb, cut, std::string("<svg"),
+          std::string(), std::string("\x1F\x8B"), Document("<rect id='glyph3'/>").substr(10)}) {
+        MSvgGlyphs glyphs(Table(document), {});
+        EXPECT_FALSE(glyphs.Has(3)) << document.substr(0, 50);
+        EXPECT_EQ(PixelOf(glyphs, 3, 50, 50), 1U);
+    }
+    EXPECT_TRUE(MSvgGlyphs({}, {}).IsEmpty());
+    std::vector<std::uint8_t> table = Table(Document(shape));
+    for (std::size_t length = 0; length < 60; ++length) {
+        MSvgGlyphs glyphs({table.begin(), table.begin() + static_cast<std::ptrdiff_t>(length)}, {});
+        EXPECT_FALSE(glyphs.Has(3)) << length;
+    }
+}

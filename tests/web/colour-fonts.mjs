@@ -1,0 +1,164 @@
+// Draws the same characters of the same colour fonts at the same size with colour_sheet and with headless Chromium,
+// and compares the pictures, character by character:
+//
+//     node colour-fonts.mjs COLOUR_SHEET PAINT_FONT OUTPUT_FOLDER [FONT]
+//
+// A character agrees if, over the pixels that either of the two inked, the mean difference of a colour channel is at
+// most `mean` levels and the share of pixels with a channel more than 32 levels off at most `share`. Edges always
+// differ a little, since the two rasterise outlines each in its own way. Where one disagrees, both pictures stay in
+// the output folder.
+//
+// Chromium draws no glyphs that are SVG documents, so for these it is given the documents themselves.
+import { execFileSync } from "node:child_process";
+import fs from "node:fs";
+import path from "node:path";
+import { fileURLToPath } from "node:url";
+import { chromium } from "playwright-core";
+import { glyphOf, readTables, svgDocument, unitsPerEm } from "./woff.mjs";
+
+const here = path.dirname(fileURLToPath(import.meta.url));
+const [sheet, paintFont, output, only] = process.argv.slice(2);
+const size = 100;
+const cell = 240;
+const perRow = 16;
+
+const range = (first, last) => Array.from({ length: last - first + 1 }, (_, i) => first + i);
+const letters = [...range(65, 90), ...range(97, 104), ...range(48, 57)];
+const packaged = (scope, name, file) => path.join(here, "node_modules", scope, name, "files", file);
+const fonts = [
+    { name: "bungee-tint", family: "Bungee Tint", file: "bungee-tint-latin-400-normal.woff2" },
+    { name: "cairo-play", family: "Cairo Play", file: "cairo-play-latin-400-normal.woff2" },
+    { name: "honk", family: "Honk", file: "honk-latin-400-normal.woff" },
+    { name: "foldit", family: "Foldit Thin", file: "foldit-latin-700-normal.woff2" },
+    { name: "kalnia-glaze", family: "Kalnia Glaze Thin", file: "kalnia-glaze-latin-400-normal.woff2" },
+    { name: "nabla", family: "Nabla", file: "nabla-latin-400-normal.woff", documents: true },
+    { name: "bungee-spice", family: "Bungee Spice", file: "bungee-spice-latin-400-normal.woff", documents: true },
+    { name: "nabla-variable", scope: "@fontsource-variable", folder: "nabla", family: "Nabla",
+      file: "nabla-latin-full-normal.woff2" },
+    { name: "noto-emoji", family: "Noto Color Emoji", path: "/usr/share/fonts/truetype/noto/NotoColorEmoji.ttf",
+      codes: [...range(48, 57), 0x23, 0x2a, 0xa9, 0xae, 0x2600, 0x2601, 0x2614, 0x2615, 0x2648, 0x2649, 0x264a, 0x264b,
+              0x26a1, 0x26bd, 0x2705, 0x274c] },
+];
+
+// A font made for this, with every paint there is.
+fs.mkdirSync(output, { recursive: true });
+const everyPaint = path.join(output, "every-paint.ttf");
+const paints = JSON.parse(execFileSync(paintFont, [everyPaint]));
+fonts.push({ name: "every-paint", family: "Every Paint", path: everyPaint, codes: paints.map((_, i) => 0x100 + i),
+             names: paints,
+             // A cleared composite leaves nothing.
+             empty: ["composite 0"],
+             // Chromium cuts the colours of a gradient whose radius begins below 0 a little off; all else is below 3.
+             mean: 4 });
+
+// Runs in the page.
+async function compare({ ours, font, family, codes, size, cell, perRow, pen, documents }) {
+    const rows = Math.ceil(codes.length / perRow);
+    const theirs = new OffscreenCanvas(perRow * cell, rows * cell).getContext("2d", { willReadFrequently: true });
+    theirs.fillStyle = "rgb(128,128,128)";
+    theirs.fillRect(0, 0, perRow * cell, rows * cell);
+    const place = (i) => [(i % perRow) * cell, Math.floor(i / perRow) * cell];
+    const picture = async (url) => {
+        const image = new Image();
+        image.src = url;
+        await image.decode();
+        return image;
+    };
+    if (documents) {
+        for (const [i, text] of documents.entries()) {
+            const [left, top] = place(i);
+            theirs.drawImage(await picture("data:image/svg+xml;charset=utf-8," + encodeURIComponent(text)), left, top);
+        }
+    } else {
+        const face = new FontFace("under test", `url(data:font/x;base64,${font})`);
+        await face.load();
+        document.fonts.add(face);
+        theirs.font = `${size}px "under test"`;
+        theirs.textRendering = "geometricPrecision";
+        theirs.fillStyle = "white";
+        for (const [i, code] of codes.entries()) {
+            const [left, top] = place(i);
+            theirs.save();
+            theirs.beginPath();
+            theirs.rect(left, top, cell, cell);
+            theirs.clip();
+            theirs.fillText(String.fromCharCode(code), left + pen.x, top + pen.y);
+            theirs.restore();
+        }
+    }
+    const own = new OffscreenCanvas(perRow * cell, rows * cell).getContext("2d", { willReadFrequently: true });
+    own.drawImage(await picture("data:image/png;base64," + ours), 0, 0);
+    const results = codes.map((code, i) => {
+        const [left, top] = place(i);
+        const a = own.getImageData(left, top, cell, cell).data;
+        const b = theirs.getImageData(left, top, cell, cell).data;
+        let inked = 0, sum = 0, far = 0, colourful = 0;
+        for (let p = 0; p < a.length; p += 4) {
+            const isInked = [0, 1, 2].some((c) => a[p + c] !== 128 || b[p + c] !== 128);
+            if (!isInked) continue;
+            ++inked;
+            const differences = [0, 1, 2].map((c) => Math.abs(a[p + c] - b[p + c]));
+            sum += differences[0] + differences[1] + differences[2];
+            if (Math.max(...differences) > 32) ++far;
+            if (Math.max(a[p], a[p + 1], a[p + 2]) - Math.min(a[p], a[p + 1], a[p + 2]) > 16) ++colourful;
+        }
+        return { code, inked, mean: inked ? sum / inked / 3 : 0, share: inked ? far / inked : 0, colourful };
+    });
+    const blob = await theirs.canvas.convertToBlob();
+    const bytes = new Uint8Array(await blob.arrayBuffer());
+    let binary = "";
+    for (const byte of bytes) binary += String.fromCharCode(byte);
+    return { results, theirs: btoa(binary) };
+}
+
+// One glyph of a document, alone, where the text would have it.
+function glyphAlone(text, glyph, units, pen) {
+    const scale = size / units;
+    const box = `${-pen.x / scale} ${-pen.y / scale} ${cell / scale} ${cell / scale}`;
+    const inside = text.replace(/<\?xml[^>]*\?>/, "");
+    const style = `<style>[id^="glyph"]{display:none} #glyph${glyph}{display:inline}</style>`;
+    return `<svg xmlns="http://www.w3.org/2000/svg" width="${cell}" height="${cell}" viewBox="${box}">${style}` +
+        `<g color="white">${inside.replace(/<svg /, '<svg overflow="visible" ')}</g></svg>`;
+}
+
+const browser = await chromium.launch({ executablePath: process.env.CHROMIUM ?? "/usr/bin/chromium" });
+let failed = 0;
+try {
+    const page = await (await browser.newContext()).newPage();
+    for (const font of fonts) {
+        if (only && only !== font.name) continue;
+        const file = font.path ?? packaged(font.scope ?? "@fontsource", font.folder ?? font.name, font.file);
+        const codes = font.codes ?? letters;
+        const png = path.join(output, `${font.name}.png`);
+        const pen = JSON.parse(execFileSync(sheet, [file, font.family, size, cell, png, ...codes].map(String)));
+        const bytes = fs.readFileSync(file);
+        let documents = null;
+        if (font.documents) {
+            const tables = readTables(bytes);
+            documents = codes.map((code) => {
+                const glyph = glyphOf(tables, code);
+                return glyphAlone(svgDocument(tables, glyph), glyph, unitsPerEm(tables), pen);
+            });
+        }
+        const { results, theirs } = await page.evaluate(compare, {
+            ours: fs.readFileSync(png).toString("base64"), font: bytes.toString("base64"), family: font.family, codes,
+            size, cell, perRow, pen, documents,
+        });
+        const limits = { mean: font.mean ?? 3, share: font.share ?? 0.02 };
+        const bad = results.filter((r) => r.mean > limits.mean || r.share > limits.share ||
+            (r.inked === 0) !== (font.empty ?? []).includes(font.names?.[r.code - 0x100]));
+        const worst = (key) => Math.max(...results.map((r) => r[key]));
+        const coloured = results.filter((r) => r.colourful > r.inked / 20).length;
+        console.log(`${font.name}: ${results.length} characters, ${coloured} colourful, worst mean difference ` +
+            `${worst("mean").toFixed(2)} (at most ${limits.mean}), worst share beyond 32 levels ` +
+            `${(worst("share") * 100).toFixed(2)} % (at most ${limits.share * 100} %)`);
+        fs.writeFileSync(path.join(output, `${font.name}-chromium.png`), Buffer.from(theirs, "base64"));
+        if (bad.length === 0) continue;
+        ++failed;
+        console.log("  disagree: " + bad.map((r) =>
+            `${font.names?.[r.code - 0x100] ?? r.code} (${r.mean.toFixed(2)}, ${(r.share * 100).toFixed(1)} %, ${r.inked} inked)`).join("; "));
+    }
+} finally {
+    await browser.close();
+}
+process.exit(failed ? 1 : 0);
