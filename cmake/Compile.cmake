@@ -1,6 +1,7 @@
 # What every target of the project is compiled with.
 add_library(lettrino_compile INTERFACE)
 target_include_directories(lettrino_compile INTERFACE ${PROJECT_SOURCE_DIR}/src)
+target_compile_definitions(lettrino_compile INTERFACE LETTRINO_VERSION="${PROJECT_VERSION}")
 target_compile_options(lettrino_compile INTERFACE
     -Wall -Wextra -Wpedantic -Wconversion -Wsign-conversion -Wshadow -Wold-style-cast -Wnon-virtual-dtor
     $<$<BOOL:${LETTRINO_WERROR}>:-Werror>)

@@ -1,6 +1,6 @@
 #include "foundation/Product.h"
 
 const MString ProductName = "Lettrino";
-const MString ProductVersion = "4.0.0.8";
+const MString ProductVersion = LETTRINO_VERSION;
 const MString MakerName = "Northbank Softworks";
 const MString ProductPage = "https://northbank-softworks.example/lettrino";

@@ -1,4 +1,4 @@
-// Everything the command line can do, one record a step.
+// How the steps of the command line do their work.
 #pragma once
 
 #include "apps/lettrino-cli/Run.h"
@@ -18,16 +18,11 @@ using StepResult = std::optional<StepFailure>; // nothing: it is done
 using StepAction = std::function<StepResult(Run&)>;
 using StepArguments = std::span<const std::string>;
 
-struct Step {
-    const char* name;      // "--save"
-    const char* arguments; // as the help shows them, separated by blanks; empty for none
-    int argumentCount;
-    const char* help;
-    // Understands the arguments, before any step is done. Nothing if they mean nothing.
-    std::optional<StepAction> (*prepare)(StepArguments arguments);
-};
+// Understands a step's arguments, before any step is done. Nothing if they mean nothing.
+using PrepareStep = std::optional<StepAction> (*)(StepArguments arguments);
 
-std::span<const Step> AllSteps();
+// Of the step at this place of stepNames.
+PrepareStep PreparationOf(std::size_t step);
 
 // The action of a step that needs a document, which fails without one.
 template<typename Work>

@@ -4,96 +4,31 @@
 // Status 0: all steps done. 1: a step failed; one line on standard error names it, its file and the reason.
 // 2: wrong usage.
 
-#include "apps/lettrino-cli/Steps.h"
-#include "foundation/MUtf8.h"
-#include "foundation/Product.h"
-#include "platform/headless/Headless.h"
+#include "apps/lettrino-cli/StepModule.h"
+#include "apps/lettrino-cli/StepNames.h"
 
-#include <cstdio>
 #include <algorithm>
+#include <cstdio>
 #include <string>
 #include <unordered_map>
 #include <vector>
 
-#include <unistd.h>
+#include <dlfcn.h>
 
 #include <CLI/CLI.hpp>
 
 namespace {
 
-constexpr int failed = 1;
-constexpr int wrongUsage = 2;
-
-struct StepCall {
-    const Step* step;
-    std::vector<std::string> arguments;
-};
-
-void ShowProgressBar(std::int32_t percent, const MString& text) {
-    constexpr int width = 40;
-    if (percent < 0) {
-        std::fputs("\r\033[K", stderr);
-        return;
-    }
-    const std::string bar(static_cast<std::size_t>(percent * width / 100), '#');
-    std::fprintf(stderr, "\r%s [%-*s] %d%%\033[K", ToSystem(text).c_str(), width, bar.c_str(), percent);
-}
+using StepOptions = std::unordered_map<const CLI::Option*, std::size_t>;
 
 void ReportError(const std::string& text) {
-    std::fprintf(stderr, "lettrino-cli: %s\n", text.c_str());
+    std::fputs(ErrorLine(text).c_str(), stderr);
 }
 
-// The parser tells the options in the order in which their words stood, one entry for each word.
-std::vector<StepCall> InOrder(const CLI::App& app, const std::unordered_map<const CLI::Option*, const Step*>& stepOf) {
-    std::vector<StepCall> calls;
-    std::unordered_map<const CLI::Option*, std::size_t> taken;
-    for (const CLI::Option* option : app.parse_order()) {
-        const auto known = stepOf.find(option);
-        if (known == stepOf.end()) continue;
-        const Step* const step = known->second;
-        const auto words = static_cast<std::size_t>(std::max(step->argumentCount, 1));
-        const std::size_t word = taken[option]++;
-        if (word % words == 0) calls.push_back({step, {}});
-        if (step->argumentCount > 0) calls.back().arguments.push_back(option->results()[word]);
-    }
-    return calls;
-}
-
-std::string Describe(const Step& step, const StepFailure& failure) {
-    return std::string(step.name) + ": " + (failure.file.empty() ? "" : failure.file + ": ") + failure.reason;
-}
-
-int RunSteps(const std::vector<StepCall>& calls) {
-    std::vector<StepAction> actions;
-    for (const auto& [step, arguments] : calls) {
-        auto action = step->prepare(arguments);
-        if (!action) {
-            ReportError(std::string(step->name) + " '" + arguments[0] + "': wrong usage; it is " + step->name + " " +
-                        step->arguments + ": " + step->help);
-            return wrongUsage;
-        }
-        actions.push_back(std::move(*action));
-    }
-    Run run;
-    for (std::size_t i = 0; i < calls.size(); ++i) {
-        if (const StepResult failure = actions[i](run)) {
-            ReportError(Describe(*calls[i].step, *failure));
-            return failed;
-        }
-    }
-    return 0;
-}
-
-} // namespace
-
-int main(int argc, char** argv) {
-    CLI::App app("Makes and converts colour fonts: bitmap fonts whose glyphs are pictures.\n"
-                 "Steps are done in the order given, on one font.",
-                 "lettrino-cli");
-    app.set_help_flag("--help", "prints this text");
-    app.set_version_flag("--version", ToSystem(ProductName + " " + ProductVersion), "prints the version");
-    std::unordered_map<const CLI::Option*, const Step*> stepOf;
-    for (const Step& step : AllSteps()) {
+StepOptions AddSteps(CLI::App& app) {
+    StepOptions options;
+    for (std::size_t i = 0; i < stepNames.size(); ++i) {
+        const StepName& step = stepNames[i];
         CLI::Option* option = nullptr;
         if (step.argumentCount == 0) {
             option = app.add_flag(step.name, step.help)->disable_flag_override();
@@ -105,21 +40,59 @@ int main(int argc, char** argv) {
                          ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
                          ->allow_extra_args(false);
         }
-        stepOf[option] = &step;
+        options[option] = i;
     }
+    return options;
+}
+
+// The parser tells the options in the order in which their words stood, one entry for each word.
+std::vector<StepCall> InOrder(const CLI::App& app, const StepOptions& options) {
+    std::vector<StepCall> calls;
+    std::unordered_map<const CLI::Option*, std::size_t> taken;
+    for (const CLI::Option* option : app.parse_order()) {
+        const auto known = options.find(option);
+        if (known == options.end()) continue;
+        const int count = stepNames[known->second].argumentCount;
+        const auto words = static_cast<std::size_t>(std::max(count, 1));
+        const std::size_t word = taken[option]++;
+        if (word % words == 0) calls.push_back({known->second, {}});
+        if (count > 0) calls.back().arguments.push_back(option->results()[word]);
+    }
+    return calls;
+}
+
+int LoadAndRun(const std::vector<StepCall>& calls) {
+    // The module stands beside the program, where its run path leads; it stays loaded to the end.
+    void* const module = dlopen(StepModuleFile, RTLD_NOW | RTLD_LOCAL);
+    void* const function = module ? dlsym(module, RunStepsName) : nullptr;
+    if (!function) {
+        ReportError(dlerror());
+        return StatusFailed;
+    }
+    return reinterpret_cast<RunStepsFunction>(function)(calls);
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    CLI::App app("Makes and converts colour fonts: bitmap fonts whose glyphs are pictures.\n"
+                 "Steps are done in the order given, on one font.",
+                 "lettrino-cli");
+    app.set_help_flag("--help", "prints this text");
+    app.set_version_flag("--version", "Lettrino " LETTRINO_VERSION, "prints the version");
+    const StepOptions options = AddSteps(app);
     try {
         app.parse(argc, argv);
     } catch (const CLI::Success& request) {
         return app.exit(request);
     } catch (const CLI::ParseError& error) {
         ReportError(std::string(error.what()) + "; --help lists the steps");
-        return wrongUsage;
+        return StatusWrongUsage;
     }
-    const std::vector<StepCall> calls = InOrder(app, stepOf);
+    const std::vector<StepCall> calls = InOrder(app, options);
     if (calls.empty()) {
         ReportError("no steps; --help lists them");
-        return wrongUsage;
+        return StatusWrongUsage;
     }
-    if (isatty(STDERR_FILENO)) Headless::script.onProgress = ShowProgressBar;
-    return RunSteps(calls);
+    return LoadAndRun(calls);
 }
