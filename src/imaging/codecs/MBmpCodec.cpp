@@ -182,7 +182,7 @@ private:
             const std::size_t perByte = 8 / header.bits;
             for (std::size_t x = 0; x < picture.Width; ++x) {
                 const std::size_t shift = 8 - header.bits * (x % perByte + 1);
-                const std::size_t index = from[x / perByte] >> shift & ((1U << header.bits) - 1);
+                const std::size_t index = std::uint32_t{from[x / perByte]} >> shift & ((1U << header.bits) - 1);
                 std::memcpy(to + x * sizeof(MColour), &header.palette[index], sizeof(MColour));
             }
         }
