@@ -1,7 +1,7 @@
 // Loading and saving by path, whatever the form.
+#include "TemporaryFolder.h"
 #include "foundation/MMemory.h"
 #include "imaging/Pictures.h"
-#include "imaging/TemporaryFolder.h"
 #include "imaging/codecs/MCodec.h"
 
 #include <gtest/gtest.h>
@@ -10,8 +10,8 @@ TEST(PictureFile, PngHoldsFloatsAsSixteenBits) {
     const TemporaryFolder folder;
     for (const MPixelFormat format : {3, 6, 9}) {
         OwnedPicture picture = RandomPicture(7, 5, format, 14);
-        ASSERT_TRUE(picture.Save(folder.Path("picture.png")));
-        const OwnedPicture loaded(MPicture(folder.Path("picture.png")));
+        ASSERT_TRUE(picture.Save(folder.File("picture.png")));
+        const OwnedPicture loaded(MPicture(folder.File("picture.png")));
         ASSERT_EQ(loaded.Format, format - 1);
         for (std::int32_t i = 0; i < 35; ++i) {
             MColour16 expected = picture.GetPixel16(i % 7, i / 7);
@@ -24,19 +24,19 @@ TEST(PictureFile, PngHoldsFloatsAsSixteenBits) {
 TEST(PictureFile, SavingInAnotherFormatGoesByCopyPixels) {
     const TemporaryFolder folder;
     OwnedPicture picture = RandomPicture(5, 4, FormatRGBA8, 15, 1.0);
-    ASSERT_TRUE(picture.Save(folder.Path("a.png"), FormatRGB8));
-    const OwnedPicture opaque(MPicture(folder.Path("a.png")));
+    ASSERT_TRUE(picture.Save(folder.File("a.png"), FormatRGB8));
+    const OwnedPicture opaque(MPicture(folder.File("a.png")));
     EXPECT_EQ(opaque.Format, FormatRGB8);
     EXPECT_EQ(opaque.GetPixel(4, 3).g, picture.GetPixel(4, 3).g);
 
-    ASSERT_TRUE(picture.Save(folder.Path("b.png"), FormatR16));
-    const OwnedPicture grey(MPicture(folder.Path("b.png")));
+    ASSERT_TRUE(picture.Save(folder.File("b.png"), FormatR16));
+    const OwnedPicture grey(MPicture(folder.File("b.png")));
     EXPECT_TRUE(SamePicture(grey, BlankPicture(5, 4, FormatR16))) << "a pair that doesn't convert";
 
     OwnedPicture turned = DeepCopy(picture);
     turned.FlipVertically();
-    ASSERT_TRUE(turned.Save(folder.Path("c.png")));
-    EXPECT_TRUE(SamePicture(OwnedPicture(MPicture(folder.Path("c.png"))), picture));
+    ASSERT_TRUE(turned.Save(folder.File("c.png")));
+    EXPECT_TRUE(SamePicture(OwnedPicture(MPicture(folder.File("c.png"))), picture));
 }
 
 TEST(PictureFile, SavingBleedsThePictureItself) {
@@ -44,22 +44,22 @@ TEST(PictureFile, SavingBleedsThePictureItself) {
     OwnedPicture picture = RandomPicture(40, 40, FormatRGBA8, 16, 0.1);
     OwnedPicture bled = DeepCopy(picture);
     bled.BleedColours();
-    ASSERT_TRUE(picture.Save(folder.Path("first.png")));
+    ASSERT_TRUE(picture.Save(folder.File("first.png")));
     EXPECT_TRUE(SamePicture(picture, bled));
-    ASSERT_TRUE(picture.Save(folder.Path("second.png")));
+    ASSERT_TRUE(picture.Save(folder.File("second.png")));
     EXPECT_EQ(folder.Read("first.png"), folder.Read("second.png"));
 }
 
 TEST(PictureFile, ReportTellsWhatWasWritten) {
     const TemporaryFolder folder;
-    const MString path = folder.Path("report.png");
+    const MString path = folder.File("report.png");
     OwnedPicture picture = BlankPicture(30, 20, FormatRGB8);
     MString report("before");
     ASSERT_TRUE(picture.Save(path, FormatNone, &report));
     const MString size = SizeText(GetFileSize(path));
     EXPECT_TRUE(report.Equals("Path\t\t" + path + "\nSize\t\t" + size +
                               "\nResolution\t30 x 20\nFormat\t\tLDR 24 bpp RGB int\n"));
-    EXPECT_FALSE(picture.Save(folder.Path("report.webp"), FormatNone, &report));
+    EXPECT_FALSE(picture.Save(folder.File("report.webp"), FormatNone, &report));
     EXPECT_TRUE(report.IsEmpty());
 }
 
@@ -67,37 +67,36 @@ TEST(PictureFile, WhatCanNotBeWrittenMakesNoFile) {
     const TemporaryFolder folder;
     OwnedPicture picture = BlankPicture(3, 3, FormatRGBA8);
     EXPECT_FALSE(picture.Save(MString()));
-    EXPECT_FALSE(picture.Save(folder.Path("nowhere/a.png")));
+    EXPECT_FALSE(picture.Save(folder.File("nowhere/a.png")));
     for (const char* name : {"a.webp", "a.tga", "a", "a.pn"}) {
-        EXPECT_FALSE(picture.Save(folder.Path(name))) << name;
-        EXPECT_FALSE(FileExists(folder.Path(name))) << name;
+        EXPECT_FALSE(picture.Save(folder.File(name))) << name;
+        EXPECT_FALSE(FileExists(folder.File(name))) << name;
     }
-    EXPECT_FALSE(MPicture().Save(folder.Path("invalid.png")));
-    EXPECT_FALSE(FileExists(folder.Path("invalid.png")));
+    EXPECT_FALSE(MPicture().Save(folder.File("invalid.png")));
+    EXPECT_FALSE(FileExists(folder.File("invalid.png")));
     SetMemoryLimit(30000);
-    EXPECT_FALSE(picture.Save(folder.Path("memory.png")));
+    EXPECT_FALSE(picture.Save(folder.File("memory.png")));
     SetMemoryLimit(0);
-    EXPECT_FALSE(FileExists(folder.Path("memory.png")));
+    EXPECT_FALSE(FileExists(folder.File("memory.png")));
 }
 
 TEST(PictureFile, ContentDecidesNotTheName) {
     const TemporaryFolder folder;
     OwnedPicture picture = RandomPicture(4, 4, FormatRGBA8, 17);
-    ASSERT_TRUE(picture.Save(folder.Path("Real.png")));
+    ASSERT_TRUE(picture.Save(folder.File("Real.png")));
     const auto bytes = folder.Read("Real.png");
     EXPECT_TRUE(SamePicture(OwnedPicture(MPicture(folder.Write("a.jpg", bytes))), picture));
     EXPECT_TRUE(SamePicture(OwnedPicture(MPicture(folder.Write("noextension", bytes))), picture));
-    EXPECT_TRUE(SamePicture(OwnedPicture(MPicture(folder.Path("REAL.PNG"))), picture)) << "case is ignored";
+    EXPECT_TRUE(SamePicture(OwnedPicture(MPicture(folder.File("REAL.PNG"))), picture)) << "case is ignored";
 }
 
 TEST(PictureFile, FailedLoadsLeaveNothing) {
     const TemporaryFolder folder;
     OwnedPicture picture = RandomPicture(4, 4, FormatRGBA8, 18);
-    ASSERT_TRUE(picture.Save(folder.Path("a.png")));
-    const std::vector<std::uint8_t> text = {'t', 'e', 'x', 't'};
-    for (const MPicture& failed : {MPicture(folder.Path("missing.png")), MPicture(folder.Path("")),
-                                   MPicture(MString()), MPicture(folder.Write("text.png", text)),
-                                   MPicture(folder.Path("a.png"), 1), MPicture(folder.Path("a.png"), -1)}) {
+    ASSERT_TRUE(picture.Save(folder.File("a.png")));
+    for (const MPicture& failed : {MPicture(folder.File("missing.png")), MPicture(folder.File("")),
+                                   MPicture(MString()), MPicture(folder.Write("text.png", "text")),
+                                   MPicture(folder.File("a.png"), 1), MPicture(folder.File("a.png"), -1)}) {
         EXPECT_FALSE(failed.IsValid());
         EXPECT_EQ(failed.Width, 0U);
         EXPECT_EQ(failed.Height, 0U);
@@ -110,19 +109,19 @@ TEST(PictureFile, ScaledLoadFitsTheBox) {
     const TemporaryFolder folder;
     OwnedPicture picture = BlankPicture(40, 30, FormatRGB8);
     picture.Fill(MColour(9, 8, 7));
-    ASSERT_TRUE(picture.Save(folder.Path("a.png")));
+    ASSERT_TRUE(picture.Save(folder.File("a.png")));
     struct Row {
         std::int32_t maxWidth, maxHeight;
         std::uint32_t width, height;
     };
     for (const Row& row : {Row{20, 20, 20, 15}, Row{13, 100, 13, 9}, Row{80, 80, 80, 60}, Row{0, 20, 40, 30},
                            Row{20, -1, 40, 30}}) {
-        const OwnedPicture loaded(MPicture(folder.Path("a.png"), 0, row.maxWidth, row.maxHeight));
+        const OwnedPicture loaded(MPicture(folder.File("a.png"), 0, row.maxWidth, row.maxHeight));
         EXPECT_EQ(loaded.Width, row.width);
         EXPECT_EQ(loaded.Height, row.height);
         EXPECT_EQ(loaded.GetPixel(3, 3), MColour(9, 8, 7));
     }
     OwnedPicture line = BlankPicture(100, 1, FormatRGB8);
-    ASSERT_TRUE(line.Save(folder.Path("line.png")));
-    EXPECT_FALSE(MPicture(folder.Path("line.png"), 0, 10, 10).IsValid()) << "its height would be 0";
+    ASSERT_TRUE(line.Save(folder.File("line.png")));
+    EXPECT_FALSE(MPicture(folder.File("line.png"), 0, 10, 10).IsValid()) << "its height would be 0";
 }

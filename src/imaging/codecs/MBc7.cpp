@@ -161,7 +161,7 @@ void DecodeBc7Block(std::span<const std::uint8_t, Bc7BlockBytes> block, std::spa
     std::uint32_t anchors = 1;
     if (mode.subsets == 2) {
         for (std::uint32_t i = 0; i < 16; ++i)
-            subsets |= (partitions2[partition] >> i & 1U) << (2 * i);
+            subsets |= (std::uint32_t{partitions2[partition]} >> i & 1U) << (2 * i);
         anchors |= 1U << anchors2[partition];
     } else if (mode.subsets == 3) {
         subsets = partitions3[partition];

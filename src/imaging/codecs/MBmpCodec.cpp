@@ -158,22 +158,21 @@ private:
 
     bool ReadRows() {
         const auto rowBytes = static_cast<std::size_t>(header.RowBytes());
-        const std::size_t rowsAtOnce =
-            std::clamp<std::size_t>((std::size_t{1} << 18) / rowBytes, 1, picture.Height);
-        const std::unique_ptr<std::uint8_t[]> rows(MGetMemory(rowBytes * rowsAtOnce));
-        if (!rows) return false;
-        for (std::size_t y = 0; y < picture.Height; y += rowsAtOnce) {
-            const std::size_t count = std::min(rowsAtOnce, picture.Height - y);
-            if (!file.Read(header.dataOffset + y * rowBytes, rows.get(), count * rowBytes)) return false;
-            for (std::size_t i = 0; i < count; ++i)
-                StoreRow(rows.get() + i * rowBytes, Row(y + i));
+        const bool inPlace = header.bits >= 24 && rowBytes == picture.Stride;
+        const std::unique_ptr<std::uint8_t[]> buffer(inPlace ? nullptr : MGetMemory(rowBytes));
+        if (!inPlace && !buffer) return false;
+        for (std::size_t y = 0; y < picture.Height; ++y) {
+            std::uint8_t* const row = inPlace ? Row(y) : buffer.get();
+            if (!file.Read(header.dataOffset + y * rowBytes, row, rowBytes)) return false;
+            StoreRow(row, Row(y));
         }
         return true;
     }
 
+    // Rows of 24 and 32 bits may be stored where they are.
     void StoreRow(const std::uint8_t* from, std::uint8_t* to) const {
         if (header.bits == 24) {
-            std::memcpy(to, from, picture.Stride);
+            if (from != to) std::memcpy(to, from, picture.Stride);
         } else if (header.bits == 32) {
             StorePacked<4>(from, to);
         } else if (header.bits == 16) {
@@ -182,7 +181,7 @@ private:
             const std::size_t perByte = 8 / header.bits;
             for (std::size_t x = 0; x < picture.Width; ++x) {
                 const std::size_t shift = 8 - header.bits * (x % perByte + 1);
-                const std::size_t index = from[x / perByte] >> shift & ((1U << header.bits) - 1);
+                const std::size_t index = std::uint32_t{from[x / perByte]} >> shift & ((1U << header.bits) - 1);
                 std::memcpy(to + x * sizeof(MColour), &header.palette[index], sizeof(MColour));
             }
         }
@@ -193,6 +192,7 @@ private:
         if (Bytes == 4 && header.r.mask == 0xFF0000 && header.g.mask == 0xFF00 && header.b.mask == 0xFF &&
             (header.a.mask == 0 || header.a.mask == 0xFF000000)) {
             const std::uint32_t opaque = header.a.mask == 0 ? 0xFF000000 : 0;
+            if (from == to && opaque == 0) return;
             for (std::size_t x = 0; x < picture.Width; ++x) {
                 std::uint32_t pixel;
                 std::memcpy(&pixel, from + x * 4, 4);

@@ -2,6 +2,8 @@
 
 #include "imaging/MPixelLayout.h"
 
+#include <utility>
+
 namespace {
 
 template<MByteOrder Order>
@@ -50,4 +52,18 @@ void CopyByteRow(const MPicture& picture, std::size_t y, MByteOrder order, std::
         case MByteOrder::Rgba: return CopyRow<format, MByteOrder::Rgba>(from, picture.Width, row);
         }
     });
+}
+
+void SwapRedAndBlue(std::uint8_t* pixels, std::size_t count, int channels) {
+    if (channels == 3) {
+        for (std::size_t i = 0; i < count; ++i)
+            std::swap(pixels[i * 3], pixels[i * 3 + 2]);
+        return;
+    }
+    for (std::size_t i = 0; i < count; ++i) { // as words, which the compiler widens
+        std::uint32_t pixel;
+        std::memcpy(&pixel, pixels + i * 4, sizeof pixel);
+        pixel = (pixel & 0xFF00FF00U) | (pixel >> 16 & 0xFFU) | (pixel & 0xFFU) << 16;
+        std::memcpy(pixels + i * 4, &pixel, sizeof pixel);
+    }
 }

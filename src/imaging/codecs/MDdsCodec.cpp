@@ -1,9 +1,11 @@
 // Between pictures and DDS textures. Nothing but the extension leads here.
 #include "imaging/MPixelLayout.h"
+#include "imaging/codecs/MByteRows.h"
 #include "imaging/codecs/MCodec.h"
 #include "imaging/codecs/MDds.h"
 
 #include <cstring>
+#include <limits>
 
 namespace {
 
@@ -29,20 +31,19 @@ MDdsFormat DdsFormat(MPixelFormat format) {
     }
 }
 
-void CopyIn(const MDdsImage& image, MPicture& picture) {
-    const bool redFirst = image.format == MDdsFormat::Rgba8 || image.format == MDdsFormat::Rgba8Int;
-    for (std::size_t y = 0; y < picture.Height; ++y) {
-        const std::uint8_t* from = image.GetImage() + y * image.RowPitch();
-        std::uint8_t* to = picture.Pixels + y * picture.Stride;
-        std::memcpy(to, from, picture.Stride);
-        if (!redFirst && image.format != MDdsFormat::Bgrx8) continue;
-        for (std::size_t x = 0; x < picture.Width; ++x, to += sizeof(MColour)) {
-            if (redFirst) {
-                std::swap(to[0], to[2]);
-            } else {
-                to[3] = 255;
-            }
-        }
+// The image's block becomes the picture's, whose pixels have the same size.
+void TakeOver(MDdsImage& image, MPixelFormat format, MPicture& picture) {
+    picture.Width = image.width;
+    picture.Height = image.height;
+    picture.Format = format;
+    picture.Stride = static_cast<std::uint32_t>(image.RowPitch());
+    picture.Pixels = image.pixels.release();
+    const std::size_t count = std::size_t{picture.Width} * picture.Height;
+    if (image.format == MDdsFormat::Rgba8 || image.format == MDdsFormat::Rgba8Int) {
+        SwapRedAndBlue(picture.Pixels, count, 4);
+    } else if (image.format == MDdsFormat::Bgrx8) {
+        for (std::size_t i = 0; i < count; ++i)
+            picture.Pixels[i * sizeof(MColour) + 3] = 255;
     }
 }
 
@@ -71,11 +72,11 @@ bool DecodeDds(MByteSource& file, std::int32_t, MPicture& picture) {
     if (!LoadDds(file, loaded) || loaded.depth > 1 || loaded.arraySize != 1) return false;
     MDdsImage decompressed;
     if (IsCompressed(loaded.format) && !DecompressDds(loaded, decompressed)) return false;
-    const MDdsImage& image = IsCompressed(loaded.format) ? decompressed : loaded;
+    MDdsImage& image = IsCompressed(loaded.format) ? decompressed : loaded;
     const MPixelFormat format = PictureFormat(image.format);
-    if (format == FormatNone || !image.GetImage()) return false;
-    if (!AllocatePicture(picture, image.width, image.height, format)) return false;
-    CopyIn(image, picture);
+    constexpr std::uint64_t longestRow = std::numeric_limits<std::uint32_t>::max();
+    if (format == FormatNone || !image.GetImage() || image.RowPitch() > longestRow) return false;
+    TakeOver(image, format, picture);
     return true;
 }
 

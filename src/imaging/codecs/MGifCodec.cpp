@@ -187,7 +187,7 @@ private:
 
     // The index of a colour, with a new entry if it isn't there yet; nothing if the palette is full.
     std::optional<std::uint8_t> IndexOf(const MColour& colour) {
-        const std::uint32_t packed = colour.r | colour.g << 8 | colour.b << 16;
+        const std::uint32_t packed = colour.r | std::uint32_t{colour.g} << 8 | std::uint32_t{colour.b} << 16;
         std::size_t slot = (packed * 2654435761U) >> 22;
         for (; table[slot] != 0; slot = (slot + 1) % slots) {
             const GifColorType& entry = colours[table[slot] - 1U];

@@ -113,7 +113,9 @@ public:
         if (!AllocatePicture(picture, width, height, format)) return false;
         if (!(tiled || separate ? ReadPieces() : ReadStrips())) return false;
         if (photometric == PHOTOMETRIC_MINISWHITE) Invert();
-        if (ChannelClass(format) == 1 && samples >= 3) SwapRedAndBlue();
+        if (ChannelClass(format) == 1 && samples >= 3) {
+            SwapRedAndBlue(picture.Pixels, std::size_t{width} * height, samples);
+        }
         return true;
     }
 
@@ -235,17 +237,6 @@ private:
         const std::size_t size = std::size_t{picture.Stride} * height;
         for (std::size_t i = 0; i < size; ++i)
             picture.Pixels[i] = static_cast<std::uint8_t>(~picture.Pixels[i]);
-    }
-
-    void SwapRedAndBlue() {
-        const std::size_t size = std::size_t{picture.Stride} * height;
-        if (samples == 3) {
-            for (std::size_t i = 0; i < size; i += 3)
-                std::swap(picture.Pixels[i], picture.Pixels[i + 2]);
-        } else {
-            for (std::size_t i = 0; i < size; i += 4)
-                std::swap(picture.Pixels[i], picture.Pixels[i + 2]);
-        }
     }
 
     // libtiff gives premultiplied colours, red first. The rows stay in the order of the file, as everywhere

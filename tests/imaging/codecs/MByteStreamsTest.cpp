@@ -1,7 +1,7 @@
 #include "imaging/codecs/MByteStreams.h"
 
+#include "TemporaryFolder.h"
 #include "imaging/Pictures.h"
-#include "imaging/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
 
@@ -10,7 +10,7 @@ TEST(ByteSink, FilesAndMemoryHoldTheSame) {
     const TemporaryFolder folder;
     Random random(25);
     MByteSink memory;
-    MByteSink file(folder.Path("sink"));
+    MByteSink file(folder.File("sink"));
     std::vector<std::uint8_t> expected;
     for (int i = 0; i < 400; ++i) {
         std::vector<std::uint8_t> bytes(random() % (i % 50 == 0 ? 3'000'000 : 20'000) + 1);
@@ -26,18 +26,19 @@ TEST(ByteSink, FilesAndMemoryHoldTheSame) {
     ASSERT_TRUE(memory.Finish());
     ASSERT_TRUE(file.Finish());
     EXPECT_TRUE(std::ranges::equal(memory.Bytes(), expected));
-    EXPECT_TRUE(folder.Read("sink") == expected);
+    EXPECT_TRUE(std::ranges::equal(folder.Read("sink"), expected, {},
+                                   [](char byte) { return static_cast<std::uint8_t>(byte); }));
 }
 
 TEST(ByteSink, MakesItsFileLate) {
     const TemporaryFolder folder;
     {
-        MByteSink sink(folder.Path("given up"));
+        MByteSink sink(folder.File("given up"));
         const std::vector<std::uint8_t> bytes(100'000);
         EXPECT_TRUE(sink.Write(bytes.data(), bytes.size()));
     }
-    EXPECT_FALSE(FileExists(folder.Path("given up")));
-    MByteSink nowhere(folder.Path("nowhere/file"));
+    EXPECT_FALSE(FileExists(folder.File("given up")));
+    MByteSink nowhere(folder.File("nowhere/file"));
     const std::uint8_t byte = 0;
     EXPECT_TRUE(nowhere.Write(&byte, 1));
     EXPECT_FALSE(nowhere.Finish());
@@ -59,7 +60,8 @@ TEST(ByteSource, FilesAndMemoryReadTheSame) {
     std::vector<std::uint8_t> bytes(1000);
     for (std::size_t i = 0; i < bytes.size(); ++i)
         bytes[i] = static_cast<std::uint8_t>(i * 7);
-    MFile file(folder.Write("source", bytes), false, false);
+    MFile file(folder.Write("source", {reinterpret_cast<const char*>(bytes.data()), bytes.size()}), false,
+               false);
     MByteSource fromFile(file);
     MByteSource fromMemory{std::span<const std::uint8_t>(bytes)};
     for (MByteSource* source : {&fromFile, &fromMemory}) {

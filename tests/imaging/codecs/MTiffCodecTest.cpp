@@ -1,4 +1,4 @@
-#include "imaging/TemporaryFolder.h"
+#include "TemporaryFolder.h"
 #include "imaging/codecs/Coding.h"
 
 #include <gtest/gtest.h>
@@ -54,7 +54,7 @@ Bytes Piece(const Kind& kind, std::uint32_t left, std::uint32_t top, std::uint32
 // As libtiff alone makes it.
 Bytes BareTiff(const Kind& kind) {
     const TemporaryFolder folder;
-    TIFF* const tiff = TIFFOpen(ToSystemPath(folder.Path("bare.tif")).c_str(), kind.mode);
+    TIFF* const tiff = TIFFOpen(ToSystemPath(folder.File("bare.tif")).c_str(), kind.mode);
     for (int page = 0; page < kind.pages; ++page) {
         TIFFSetField(tiff, TIFFTAG_IMAGEWIDTH, side);
         TIFFSetField(tiff, TIFFTAG_IMAGELENGTH, side);
@@ -98,7 +98,8 @@ Bytes BareTiff(const Kind& kind) {
         TIFFWriteDirectory(tiff);
     }
     TIFFClose(tiff);
-    return folder.Read("bare.tif");
+    const std::string bytes = folder.Read("bare.tif");
+    return {bytes.begin(), bytes.end()};
 }
 
 } // namespace

@@ -1,0 +1,28 @@
+// One picture decoder, fed by libFuzzer: LETTRINO_CODEC is its name in the table of forms.
+#include "imaging/codecs/MCodec.h"
+
+#include <algorithm>
+
+extern "C" int LLVMFuzzerInitialize(int*, char***) {
+    SetMemoryLimit(std::size_t{256} << 20);
+    return 0;
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    static const MCodec& codec = *std::ranges::find(Codecs(), std::string_view(LETTRINO_CODEC), &MCodec::name);
+    for (const std::int32_t frame : {0, 1}) {
+        MByteSource source({data, size});
+        MPicture picture;
+        // A picture that was taken must be whole: every byte of it is read.
+        if (codec.decode(source, frame, picture)) {
+            if (!picture.IsValid() || !picture.TopDown) __builtin_trap();
+            const std::span<const std::uint8_t> pixels(picture.Pixels,
+                                                       std::size_t{picture.Stride} * picture.Height);
+            volatile std::uint32_t sum = 0;
+            for (const std::uint8_t byte : pixels)
+                sum = sum + byte;
+        }
+        picture.Free();
+    }
+    return 0;
+}
