@@ -121,7 +121,10 @@ function glyphAlone(text, glyph, units, pen) {
         `<g color="white">${inside.replace(/<svg /, '<svg overflow="visible" ')}</g></svg>`;
 }
 
-const browser = await chromium.launch({ executablePath: process.env.CHROMIUM ?? "/usr/bin/chromium" });
+const browser = await chromium.launch({
+    executablePath: process.env.CHROMIUM ?? "/usr/bin/chromium",
+    args: ["--no-sandbox", "--disable-gpu", "--disable-background-networking", "--force-color-profile=srgb"],
+});
 let failed = 0;
 try {
     const page = await (await browser.newContext()).newPage();

@@ -8,7 +8,6 @@
 #include <algorithm>
 #include <charconv>
 #include <cstdlib>
-#include <ranges>
 #include <vector>
 #include FT_FREETYPE_H
 #include FT_ADVANCES_H
@@ -63,8 +62,10 @@ void MOpenFace::ApplyVariations() {
     if (FT_Get_MM_Var(face, &axes) != 0) return;
     std::vector<FT_Fixed> coordinates(axes->num_axis);
     FT_Get_Var_Design_Coordinates(face, axes->num_axis, coordinates.data());
-    for (const auto part : std::views::split(std::string_view(match.variations), ',')) {
-        const std::string_view setting(part.begin(), part.end());
+    std::string_view settings = match.variations;
+    while (!settings.empty()) {
+        const std::string_view setting = settings.substr(0, settings.find(','));
+        settings.remove_prefix(std::min(settings.size(), setting.size() + 1));
         const std::size_t equals = setting.find('=');
         if (equals == std::string_view::npos) continue;
         const std::string_view text = setting.substr(equals + 1);
