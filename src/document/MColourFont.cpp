@@ -4,7 +4,6 @@
 #include "foundation/MNumbers.h"
 
 #include <algorithm>
-#include <ranges>
 
 MColourFont* CurrentFont = nullptr;
 
@@ -20,10 +19,6 @@ bool IsFilled(const std::unique_ptr<MGlyph>& slot) {
     return slot != nullptr;
 }
 
-auto Filled(const std::array<std::unique_ptr<MGlyph>, MColourFont::SlotCount>& slots) {
-    return slots | std::views::filter(IsFilled);
-}
-
 } // namespace
 
 MColourFont::MColourFont(Desktop::WindowHandle owner) : Owner(owner), SpaceWidth(HalfOf(Settings->GlyphHeight)) {}
@@ -35,22 +30,23 @@ void MColourFont::Clear() {
 }
 
 MGlyph* MColourFont::GetGlyph(char16_t character) const {
-    for (const auto& slot : Filled(Glyphs)) {
-        if (slot->Character == character) return slot.get();
+    for (const auto& slot : Glyphs) {
+        if (slot && slot->Character == character) return slot.get();
     }
     return nullptr;
 }
 
 MGlyph* MColourFont::GetGlyphByIndex(std::uint32_t index) const {
-    for (const auto& slot : Filled(Glyphs)) {
-        if (index-- == 0) return slot.get();
+    for (const auto& slot : Glyphs) {
+        if (slot && index-- == 0) return slot.get();
     }
     return nullptr;
 }
 
 std::int32_t MColourFont::GetGlyphIndex(char16_t character) const {
     std::int32_t index = 0;
-    for (const auto& slot : Filled(Glyphs)) {
+    for (const auto& slot : Glyphs) {
+        if (!slot) continue;
         if (slot->Character == character) return index;
         ++index;
     }
@@ -63,13 +59,13 @@ std::int32_t MColourFont::GlyphCount() const {
 
 std::int32_t MColourFont::MaxGlyphWidth() const {
     std::int32_t width = 0;
-    for (const auto& slot : Filled(Glyphs)) width = std::max(width, slot->Width);
+    for (const auto& slot : Glyphs) width = std::max(width, slot ? slot->Width : 0);
     return width;
 }
 
 std::int32_t MColourFont::MaxGlyphHeight() const {
     std::int32_t height = 0;
-    for (const auto& slot : Filled(Glyphs)) height = std::max(height, slot->Height);
+    for (const auto& slot : Glyphs) height = std::max(height, slot ? slot->Height : 0);
     return height;
 }
 
@@ -101,8 +97,8 @@ void MColourFont::RemoveGlyph(char16_t character) {
 }
 
 void MColourFont::SortGlyphs() {
-    const auto holes = std::ranges::stable_partition(Glyphs, IsFilled);
-    std::ranges::stable_sort(Glyphs.begin(), holes.begin(), {}, [](const auto& slot) { return slot->Character; });
+    const auto holes = std::stable_partition(Glyphs.begin(), Glyphs.end(), IsFilled);
+    std::ranges::stable_sort(Glyphs.begin(), holes, {}, [](const auto& slot) { return slot->Character; });
 }
 
 bool MColourFont::SetKerning(std::int32_t left, std::uint32_t right, std::int32_t amount) {

@@ -25,7 +25,7 @@ void ClampAxis(std::int32_t& from, std::int32_t& to, std::int32_t minimum, std::
 } // namespace
 
 MSettings::MSettings() {
-    std::fill(Selected.begin() + 'A', Selected.begin() + 'Z' + 1, std::uint8_t{1});
+    for (std::size_t capital = 'A'; capital <= 'Z'; ++capital) Selected[capital] = 1;
     LetterCubesNames =
         "Mary\r\nJohn\r\nRobert\r\nMichael\r\nWilliam\r\nMichelle\r\nSusan\r\nMargaret\r\nMaria\r\nPatricia";
 }
