@@ -317,21 +317,27 @@ using Bare = void (*)(const std::string&, MPixelFormat);
 
 void Register(const std::string& file, MPixelFormat format, Bare read, Bare write) {
     const auto unit = benchmark::kMillisecond;
-    benchmark::RegisterBenchmark(("Save/" + file).c_str(), [=](auto& state) {
-        Save(state, file, format);
-    })->Unit(unit);
-    benchmark::RegisterBenchmark(("SaveBare/" + file).c_str(), [=](auto& state) {
-        Picture(format);
-        for (auto _ : state)
-            write("bare-" + file, format);
-    })->Unit(unit);
-    benchmark::RegisterBenchmark(("Load/" + file).c_str(), [=](auto& state) {
-        Load(state, file, format);
-    })->Unit(unit);
-    benchmark::RegisterBenchmark(("LoadBare/" + file).c_str(), [=](auto& state) {
-        for (auto _ : state)
-            read(file, format);
-    })->Unit(unit);
+    benchmark::RegisterBenchmark(("Save/" + file).c_str(), [=](auto& state) { Save(state, file, format); })
+        ->Unit(unit)
+        ->MeasureProcessCPUTime();
+    benchmark::RegisterBenchmark(("SaveBare/" + file).c_str(),
+                                 [=](auto& state) {
+                                     Picture(format);
+                                     for (auto _ : state)
+                                         write("bare-" + file, format);
+                                 })
+        ->Unit(unit)
+        ->MeasureProcessCPUTime();
+    benchmark::RegisterBenchmark(("Load/" + file).c_str(), [=](auto& state) { Load(state, file, format); })
+        ->Unit(unit)
+        ->MeasureProcessCPUTime();
+    benchmark::RegisterBenchmark(("LoadBare/" + file).c_str(),
+                                 [=](auto& state) {
+                                     for (auto _ : state)
+                                         read(file, format);
+                                 })
+        ->Unit(unit)
+        ->MeasureProcessCPUTime();
 }
 
 const bool registered = [] {
