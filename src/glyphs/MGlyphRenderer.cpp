@@ -36,6 +36,10 @@ std::int32_t Saturate(std::int64_t value) {
                                                               std::numeric_limits<std::int32_t>::max()));
 }
 
+MString OneCharacter(char16_t character) {
+    return MString(std::u16string_view(&character, 1));
+}
+
 // Whether a pixel of the row from column `first` to before `end` is visible.
 bool HasInk(const std::uint8_t* row, std::int32_t first, std::int32_t end) {
     for (std::ptrdiff_t x = first; x < end; ++x)
@@ -169,7 +173,7 @@ MGlyphRenderer::Rows MGlyphRenderer::MeasureColours() {
 // ink as it comes out, found by drawing it.
 bool MGlyphRenderer::GetColourInk(char16_t character, MInk& ink) {
     if (!surface || !surface->Begin()) return false;
-    const MString text(&character, 0, 0);
+    const MString text = OneCharacter(character);
     const std::int32_t pen = canvasWidth / 4;
     surface->Clear(MColour(0, 0, 0, 0));
     DrawText(text, {pen, verticalOffset, canvasWidth, canvasHeight}, ColourSize());
@@ -225,7 +229,7 @@ void MGlyphRenderer::DrawColours(char16_t character, const MInk& ink, MGlyph& gl
     surface->PushClip(
         {0, 0, Saturate(std::int64_t{glyph.Width} * scale), Saturate(std::int64_t{glyph.Height} * scale)});
     surface->Clear(MColour(background.r, background.g, background.b, 0));
-    DrawText(MString(&character, 0, 0),
+    DrawText(OneCharacter(character),
              {-ink.a, verticalOffset, ink.b, Saturate(std::int64_t{fontHeight} * scale + verticalOffset)},
              ColourSize());
     surface->PopClip();

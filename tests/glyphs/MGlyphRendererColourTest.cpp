@@ -119,8 +119,8 @@ TEST_F(ColourGlyphs, AreThoseOfTheWholeBitmap) {
         surface.Clear(MColour(250, 120, 30, 0));
         surface.DrawText(
             {-ink.a, renderer.verticalOffset, ink.b, 2 * renderer.fontHeight + renderer.verticalOffset},
-            MString(&code, 0, 0), settings.FontName, h * 2.0F * renderer.colourSizeFactor, 400, false,
-            MColour(255, 255, 255), -1, -1, true, false, true, true);
+            MString(std::u16string_view(&code, 1)), settings.FontName, h * 2.0F * renderer.colourSizeFactor,
+            400, false, MColour(255, 255, 255), -1, -1, true, false, true, true);
         MPicture whole = bitmap.ToPicture();
         MPicture halved(whole, static_cast<std::uint32_t>(renderer.canvasWidth / 2),
                         static_cast<std::uint32_t>(renderer.canvasHeight / 2), FormatRGBA8, true, false);

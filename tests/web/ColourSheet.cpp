@@ -38,9 +38,9 @@ int main(int count, char** arguments) {
         const auto left = static_cast<std::int32_t>(i % 16) * cell;
         const auto top = static_cast<std::int32_t>(i / 16) * cell;
         surface.PushClip({left, top, left + cell, top + cell});
-        surface.DrawText({left + margin, top + margin, left + cell, top + cell}, MString(&codes[i], 0, 0),
-                         family, static_cast<float>(size), 400, false, MColour(255, 255, 255), -1, -1, true,
-                         false, false, false);
+        surface.DrawText({left + margin, top + margin, left + cell, top + cell},
+                         MString(std::u16string_view(&codes[i], 1)), family, static_cast<float>(size), 400,
+                         false, MColour(255, 255, 255), -1, -1, true, false, false, false);
         surface.PopClip();
     }
     surface.End();
