@@ -200,6 +200,79 @@ TEST(Cli, HelpVersionAndFonts) {
                face["style"] == "Bold";
     };
     EXPECT_EQ(std::count_if(fonts.begin(), fonts.end(), isLiberationBold), 1);
+    for (const auto& face : fonts) {
+        const bool isEmoji = face["family"] == "Noto Color Emoji";
+        EXPECT_EQ(face["colour"], isEmoji ? nlohmann::json::array({"CBDT"}) : nlohmann::json::array()) << face["family"];
+    }
+}
+
+TEST(Cli, ColourFontsComeInTheirColours) {
+    Cli cli;
+    ASSERT_EQ(cli.Run("--family 'Noto Color Emoji' --colour-font --height 60 --select 0-9,U+00A9 --generate --single-files ."), 0)
+        << cli.error;
+    MPicture glyph(cli.folder.File("C57.png"));
+    ASSERT_TRUE(glyph.IsValid());
+    std::uint32_t inked = 0;
+    for (std::int32_t i = 0; i < static_cast<std::int32_t>(glyph.Width * glyph.Height); ++i) {
+        if (glyph.GetPixel(i % static_cast<std::int32_t>(glyph.Width), i / static_cast<std::int32_t>(glyph.Width)).a > 0) ++inked;
+    }
+    EXPECT_GT(inked, 50U);
+    glyph.Free();
+    // A plain family on this path comes out white, whatever the colour.
+    ASSERT_EQ(cli.Run("--family 'DejaVu Sans' --colour 2060C0 --colour-font --select H --generate --single-files ."), 0);
+    MPicture plain(cli.folder.File("C72.png"));
+    EXPECT_EQ(plain.GetPixel(2, static_cast<std::int32_t>(plain.Height) / 2), MColour(255, 255, 255, 255));
+    plain.Free();
+}
+
+TEST(Cli, PicturesBecomeGlyphs) {
+    Cli cli;
+    std::filesystem::create_directory(cli.folder.path / "set");
+    for (const char* name : {"set/A.png", "set/B.PNG", "set/C.png", "set/E.png"}) {
+        MPicture picture(30, 48, FormatRGBA8);
+        picture.Fill(MColour(0, 0, 0, 0));
+        for (std::int32_t y = 8; y < 40; ++y) picture.SetPixel(5, y, MColour(1, 2, 3));
+        ASSERT_TRUE(picture.Save(cli.folder.File(name)));
+        picture.Free();
+    }
+    auto info = cli.Info("--pictures A=set/A.png --save x.sm");
+    ASSERT_EQ(cli.status, 0) << cli.error;
+    EXPECT_EQ(info["glyphs"].size(), 3U);
+    EXPECT_EQ(info["glyphHeight"], 48); // that of the first picture
+    EXPECT_EQ(info["capHeight"], 32);
+    EXPECT_EQ(info["baseline"], 8);
+    EXPECT_EQ(info["glyphs"][0]["width"], 2); // trimmed to its ink and one column
+    info = cli.Info("--padding 10,6 --spacing 3,-4 --trim no --picture U+20AC=set/E.png");
+    EXPECT_EQ(info["glyphs"][0]["code"], 0x20AC);
+    EXPECT_EQ(info["glyphs"][0]["width"], 48 * 30 / 64);
+    EXPECT_EQ(info["glyphs"][0]["after"], -4);
+    EXPECT_EQ(cli.Run("--picture A=set"), 1);
+    EXPECT_EQ(cli.Run("--padding -1,0 --picture A=set/A.png"), 1);
+    EXPECT_EQ(cli.Run("--picture set/A.png"), 2);
+}
+
+TEST(Cli, WholeFontEditsWebAndCubes) {
+    Cli cli;
+    const std::string make = "--family 'DejaVu Sans' --height 40 --select A-Z,U+00E9 --generate ";
+    EXPECT_EQ(cli.Info(make + "--ascii-only")["glyphs"].size(), 26U);
+    EXPECT_LT(cli.Info(make + "--trim-rows")["glyphHeight"], 40);
+    EXPECT_EQ(cli.Run(make + "--html demo.html"), 0) << cli.error;
+    for (const char* file : {"demo.html", "demo.js", "demo.png", "lettrino-1.0.js", "try.js", "try.css", "colourpicker.png"}) EXPECT_TRUE(cli.Has(file)) << file;
+    EXPECT_EQ(cli.Run(make + "--minimal-html my-font.html"), 0);
+    EXPECT_THAT(cli.error, HasSubstr("warning"));
+    EXPECT_EQ(cli.Run(make + "--html 'my font.html'"), 1);
+    EXPECT_EQ(cli.Run(make + "--html no/font.html"), 1);
+    cli.folder.Write("names.txt", "Anna\nBob\n");
+    EXPECT_EQ(cli.Run(make + "--names names.txt --cubes cube.png"), 0);
+    EXPECT_THAT(cli.out, testing::StartsWith("Number of names:\t3\n"));
+    EXPECT_TRUE(cli.Has("cube4.png"));
+    cli.folder.Write("names.txt", "X5\n");
+    EXPECT_EQ(cli.Run(make + "--names names.txt --cubes cube.png"), 1);
+    EXPECT_THAT(cli.error, HasSubstr("letter 5"));
+    EXPECT_EQ(cli.Run(make + "--text 'ABC AB' line.png"), 0);
+    EXPECT_TRUE(cli.Has("line.png"));
+    cli.folder.Write("empty.phf", "<PhF>\n");
+    EXPECT_EQ(cli.Run("--open empty.phf"), 1);
 }
 
 } // namespace

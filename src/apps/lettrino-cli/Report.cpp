@@ -2,9 +2,12 @@
 
 #include "foundation/MUtf8.h"
 #include "glyphs/MFontList.h"
+#include "platform/text/MSystemFonts.h"
 
 #include <cstdio>
+#include <map>
 #include <string>
+#include <tuple>
 
 #include <nlohmann/json.hpp>
 
@@ -42,16 +45,32 @@ StepResult PrintInfo(Run& run, MColourFont& font) {
     return {};
 }
 
+using FaceKey = std::tuple<std::string, std::int32_t, bool>;
+
+// The forms in which each face has colour glyphs.
+std::map<FaceKey, Json> ColourForms() {
+    std::map<FaceKey, Json> forms;
+    for (const MSystemFace& face : ListSystemFaces()) {
+        Json& known = forms[{ToSystem(face.family), face.weight, face.italic}];
+        if (!known.is_null() && !known.empty()) continue;
+        known = Json::array();
+        for (const MString& form : face.colourForms) known.push_back(ToSystem(form));
+    }
+    return forms;
+}
+
 StepResult PrintFonts(Run&) {
     MFontList list;
     list.Enumerate();
+    std::map<FaceKey, Json> forms = ColourForms();
     Json faces = Json::array();
     for (std::int32_t i = 0; i < list.count; ++i) {
         const MFontFace& face = *list.Face(i);
         faces.push_back({{"family", ToSystem(face.family)},
                          {"weight", face.weight},
-                         {"italic", face.italic != 0},
-                         {"style", ToSystem(FaceStyleName(face))}});
+                         {"italic", face.italic},
+                         {"style", ToSystem(FaceStyleName(face))},
+                         {"colour", forms[{ToSystem(face.family), face.weight, face.italic}]}});
     }
     Print(faces);
     return {};
