@@ -1,9 +1,12 @@
-// The bound of a whole run: loads and renders the outlines of a font at twice the size with FreeType alone, then
-// writes a picture's pixels with libpng alone.
+// The bound of a whole run: loads and renders the outlines of a font at twice the size with FreeType alone,
+// then writes a picture's pixels with libpng alone.
 //
-//   bench_bare_font FONTFILE HEIGHT PICTURE.png OUT.png      223 codes at twice HEIGHT, then PICTURE written to OUT
-//   bench_bare_font --png PICTURE.png OUT.png                the picture alone; prints the seconds of the writing
-//   bench_bare_font                                          an empty program
+//   bench_bare_font FONTFILE HEIGHT PICTURE.png OUT.png      223 codes at twice HEIGHT, then PICTURE written to
+//   OUT bench_bare_font --png PICTURE.png OUT.png                the picture alone; prints the seconds of the
+//   writing bench_bare_font                                          an empty program
+
+#include <ft2build.h>
+#include <png.h>
 
 #include <cstdio>
 #include <cstdlib>
@@ -11,9 +14,6 @@
 #include <ctime>
 #include <string_view>
 #include <vector>
-
-#include <ft2build.h>
-#include <png.h>
 #include FT_FREETYPE_H
 
 namespace {
@@ -48,7 +48,8 @@ bool CopyPicture(const char* from, const char* to, bool printTime) {
                  PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
     png_write_info(png, info);
     png_set_bgr(png);
-    for (png_uint_32 y = 0; y < image.height; ++y) png_write_row(png, pixels.data() + std::size_t{y} * image.width * 4);
+    for (png_uint_32 y = 0; y < image.height; ++y)
+        png_write_row(png, pixels.data() + std::size_t{y} * image.width * 4);
     png_write_end(png, info);
     png_destroy_write_struct(&png, &info);
     std::fclose(file);

@@ -3,12 +3,12 @@
 #include "document/MColourFont.h"
 #include "document/MSettings.h"
 
+#include <benchmark/benchmark.h>
+
 #include <algorithm>
 #include <cmath>
 #include <cstring>
 #include <vector>
-
-#include <benchmark/benchmark.h>
 
 namespace {
 
@@ -29,7 +29,8 @@ public:
                 const double v = (y - height * 0.5) / (height * squeeze);
                 if (v * v >= 1) continue;
                 const auto half = static_cast<std::int32_t>(width * 0.45 * std::sqrt(1 - v * v));
-                for (std::int32_t x = width / 2 - half; x < width / 2 + half; ++x) glyph->SetPixel(x, y, ink);
+                for (std::int32_t x = width / 2 - half; x < width / 2 + half; ++x)
+                    glyph->SetPixel(x, y, ink);
             }
             font.Glyphs[static_cast<std::size_t>(font.ClaimSlot(c))] = std::move(glyph);
         }
@@ -39,7 +40,8 @@ public:
 
 void Repack(benchmark::State& state) {
     Font f(static_cast<std::int32_t>(state.range(0)));
-    for (auto _ : state) f.font.Repack();
+    for (auto _ : state)
+        f.font.Repack();
 }
 
 // The bound: fresh memory cleared once, and every glyph's bytes copied once.

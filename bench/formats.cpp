@@ -6,14 +6,14 @@
 #include "foundation/MFolders.h"
 #include "platform/headless/Headless.h"
 
+#include <benchmark/benchmark.h>
+#include <glib.h>
+
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <random>
 #include <string>
-
-#include <benchmark/benchmark.h>
-#include <glib.h>
 
 namespace {
 
@@ -36,10 +36,12 @@ void MakePhotofont() {
     std::mt19937 random(1);
     std::string text = "<unicode_mapping>\n";
     const auto number = [](int value) { return "\"" + std::to_string(value) + "\""; };
-    for (int i = 33; i < 256; ++i) text += "<map id=" + number(i) + " unc=" + number(i) + "/>\n";
+    for (int i = 33; i < 256; ++i)
+        text += "<map id=" + number(i) + " unc=" + number(i) + "/>\n";
     text += "</unicode_mapping>\n";
     for (int i = 33; i < 256; ++i) {
-        text += "<glyph id=" + number(i) + ">\n<shape embedded=" + number(i) + "/>\n<bbox x=\"0\" y=\"0\" width=\"130\" height=\"170\"/>\n"
+        text += "<glyph id=" + number(i) + ">\n<shape embedded=" + number(i) +
+                "/>\n<bbox x=\"0\" y=\"0\" width=\"130\" height=\"170\"/>\n"
                 "<base x=\"0\" y=\"130\"/>\n<delta x=\"132\" y=\"0\"/>\n</glyph>\n";
     }
     text += "</glyphs>\n";
@@ -54,7 +56,8 @@ void MakePhotofont() {
         const std::string data = base64;
         g_free(base64);
         text += "<image id=" + number(i) + ">\nContent-transfer-encoding: base64\n\n";
-        for (std::size_t at = 0; at < data.size(); at += 76) text += data.substr(at, 76) + "\n";
+        for (std::size_t at = 0; at < data.size(); at += 76)
+            text += data.substr(at, 76) + "\n";
         text += "</image>\n";
     }
     picture.Free();
@@ -67,7 +70,8 @@ void PhotofontImport(benchmark::State& state) {
     settings.Path(MPathKind::Temporary) = Path("");
     MakePhotofont();
     MColourFont font(nullptr);
-    for (auto _ : state) MPhotofontImporter(nullptr).Import(Path("large.phf"), &font);
+    for (auto _ : state)
+        MPhotofontImporter(nullptr).Import(Path("large.phf"), &font);
     state.counters["glyphs"] = font.GlyphCount();
     state.counters["MB"] = static_cast<double>(fs::file_size(folder / "large.phf")) / 1e6;
     Settings = nullptr;
@@ -93,18 +97,22 @@ void LetterCubes(benchmark::State& state) {
     for (char16_t c = u'A'; c <= u'Z'; ++c) {
         auto glyph = std::make_unique<MGlyph>(c, 140, 150, 0, 0, false);
         for (std::int32_t y = 20; y < 130; ++y) {
-            for (std::int32_t x = 20; x < 120; ++x) glyph->SetPixel(x, y, {static_cast<std::uint8_t>(x), static_cast<std::uint8_t>(y), 60, 200});
+            for (std::int32_t x = 20; x < 120; ++x)
+                glyph->SetPixel(x, y, {static_cast<std::uint8_t>(x), static_cast<std::uint8_t>(y), 60, 200});
         }
         font.Glyphs[static_cast<std::size_t>(font.ClaimSlot(c))] = std::move(glyph);
     }
     settings.LetterCubesNames = MString();
     for (int n = 0; n < 100; ++n) {
-        for (int i = 0; i < 9; ++i) settings.LetterCubesNames += static_cast<char16_t>(u'A' + random() % 26);
+        for (int i = 0; i < 9; ++i)
+            settings.LetterCubesNames += static_cast<char16_t>(u'A' + random() % 26);
         settings.LetterCubesNames += '\n';
     }
-    for (auto _ : state) font.ExportLetterCubes(Path("cube.png"));
+    for (auto _ : state)
+        font.ExportLetterCubes(Path("cube.png"));
     std::size_t cubes = 0;
-    while (fs::exists(folder / ("cube" + std::to_string(cubes + 1) + ".png"))) ++cubes;
+    while (fs::exists(folder / ("cube" + std::to_string(cubes + 1) + ".png")))
+        ++cubes;
     state.counters["cubes"] = static_cast<double>(cubes);
     Settings = nullptr;
 }
@@ -115,9 +123,11 @@ void LetterCubesBound(benchmark::State& state) {
         nets.emplace_back(Path("cube" + std::to_string(i) + ".png"));
     }
     for (auto _ : state) {
-        for (MPicture& net : nets) net.Save(Path("bound.png"));
+        for (MPicture& net : nets)
+            net.Save(Path("bound.png"));
     }
-    for (MPicture& net : nets) net.Free();
+    for (MPicture& net : nets)
+        net.Free();
 }
 
 } // namespace

@@ -1,16 +1,15 @@
 // Whole runs of lettrino-cli beside the bare libraries, in processor time, as a user's machine would spend it.
 
+#include <benchmark/benchmark.h>
+#include <spawn.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <string>
 #include <vector>
-
-#include <benchmark/benchmark.h>
-
-#include <spawn.h>
-#include <sys/resource.h>
-#include <sys/wait.h>
 
 extern char** environ;
 
@@ -29,7 +28,8 @@ struct Usage {
 
 Usage Run(const std::vector<std::string>& command) {
     std::vector<char*> arguments;
-    for (const std::string& word : command) arguments.push_back(const_cast<char*>(word.c_str()));
+    for (const std::string& word : command)
+        arguments.push_back(const_cast<char*>(word.c_str()));
     arguments.push_back(nullptr);
     posix_spawn_file_actions_t quiet;
     posix_spawn_file_actions_init(&quiet);
@@ -39,8 +39,11 @@ Usage Run(const std::vector<std::string>& command) {
     int status = 0;
     rusage usage{};
     wait4(process, &status, 0, &usage);
-    const auto seconds = [](const timeval& time) { return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) * 1e-6; };
-    return {seconds(usage.ru_utime) + seconds(usage.ru_stime), static_cast<double>(usage.ru_maxrss) * 1024, status == 0};
+    const auto seconds = [](const timeval& time) {
+        return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) * 1e-6;
+    };
+    return {seconds(usage.ru_utime) + seconds(usage.ru_stime), static_cast<double>(usage.ru_maxrss) * 1024,
+            status == 0};
 }
 
 void Measure(benchmark::State& state, const std::vector<std::string>& command) {
@@ -60,20 +63,26 @@ std::string File(const char* name) {
 }
 
 std::vector<std::string> MakeFont(const char* height, const std::string& file) {
-    return {LETTRINO_CLI, "--family", "Liberation Sans", "--height", height,  "--select", "all",
-            "--generate", "--kern",   "--save",          file};
+    return {LETTRINO_CLI, "--family",   "Liberation Sans", "--height", height, "--select",
+            "all",        "--generate", "--kern",          "--save",   file};
 }
 
-void WholeRun(benchmark::State& state) { Measure(state, MakeFont("100", File("run.sm"))); }
+void WholeRun(benchmark::State& state) {
+    Measure(state, MakeFont("100", File("run.sm")));
+}
 
 void WholeRunBound(benchmark::State& state) {
     Run(MakeFont("100", File("run.sm")));
     Measure(state, {BARE_FONT, liberation, "100", File("run.png"), File("bare.png")});
 }
 
-void Help(benchmark::State& state) { Measure(state, {LETTRINO_CLI, "--help"}); }
+void Help(benchmark::State& state) {
+    Measure(state, {LETTRINO_CLI, "--help"});
+}
 
-void HelpBound(benchmark::State& state) { Measure(state, {BARE_FONT}); }
+void HelpBound(benchmark::State& state) {
+    Measure(state, {BARE_FONT});
+}
 
 // A font whose packed picture is 4096 x 4096: opened and saved, less the same without the saving.
 void Save4096(benchmark::State& state) {
@@ -88,7 +97,8 @@ void Save4096(benchmark::State& state) {
 }
 
 void Save4096Bound(benchmark::State& state) {
-    const std::string command = std::string(BARE_FONT) + " --png '" + File("large.png") + "' '" + File("bare.png") + "'";
+    const std::string command =
+        std::string(BARE_FONT) + " --png '" + File("large.png") + "' '" + File("bare.png") + "'";
     Run(MakeFont("360", File("large.sm")));
     for (auto _ : state) {
         std::FILE* const pipe = popen(command.c_str(), "r");
@@ -111,7 +121,8 @@ void MemoryAtHeight1024(benchmark::State& state) {
     }
     std::FILE* const pipe = popen((std::string(LETTRINO_CLI) + " --open '" + font + "' --info").c_str(), "r");
     std::string json;
-    for (char buffer[4096]; pipe && std::fgets(buffer, sizeof buffer, pipe);) json += buffer;
+    for (char buffer[4096]; pipe && std::fgets(buffer, sizeof buffer, pipe);)
+        json += buffer;
     if (pipe) pclose(pipe);
     const auto numberAfter = [&](const std::string& key, std::size_t& at) {
         at = json.find('"' + key + "\":", at);

@@ -5,11 +5,11 @@
 #include "document/MSettings.h"
 #include "platform/headless/Headless.h"
 
+#include <gtest/gtest.h>
+
 #include <cstdint>
 #include <memory>
 #include <random>
-
-#include <gtest/gtest.h>
 
 class DocumentTest : public testing::Test {
 protected:

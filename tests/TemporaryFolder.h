@@ -4,13 +4,13 @@
 #include "foundation/MFolders.h"
 #include "foundation/MUtf8.h"
 
+#include <stdlib.h>
+
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <string>
 #include <string_view>
-
-#include <stdlib.h>
 
 class TemporaryFolder {
 public:

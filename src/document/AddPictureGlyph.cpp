@@ -21,7 +21,8 @@ public:
         if (picture.Format == FormatRGBA8) return reinterpret_cast<const MColour*>(picture.PixelAddress(0, y));
         std::vector<MColour>& row = converted[place];
         row.resize(picture.Width);
-        for (std::uint32_t x = 0; x < picture.Width; ++x) row[x] = picture.GetPixel(static_cast<std::int32_t>(x), y);
+        for (std::uint32_t x = 0; x < picture.Width; ++x)
+            row[x] = picture.GetPixel(static_cast<std::int32_t>(x), y);
         return row.data();
     }
 
@@ -39,14 +40,16 @@ struct Column {
     std::uint16_t visible = 0;
 };
 
-// Resamples by point sets: each pixel is the mean of a block of n by n source points from its scaled place on, as many
-// of them as lie inside the picture. The block is not spread over the source area, so of a large picture points are
-// left out. Alpha is the mean of all, colour that of the visible points, so edges don't darken.
+// Resamples by point sets: each pixel is the mean of a block of n by n source points from its scaled place on,
+// as many of them as lie inside the picture. The block is not spread over the source area, so of a large
+// picture points are left out. Alpha is the mean of all, colour that of the visible points, so edges don't
+// darken.
 class PointSampler {
 public:
     PointSampler(const MPicture& source, MGlyph& glyph, std::int64_t paddedHeight, std::int64_t paddingTop)
         : picture(source), target(glyph), total(paddedHeight), padding(paddingTop),
-          side(std::clamp<std::int64_t>(paddedHeight / glyph.Height + 1, 2, 6)), rows(source), columns(source.Width) {}
+          side(std::clamp<std::int64_t>(paddedHeight / glyph.Height + 1, 2, 6)), rows(source),
+          columns(source.Width) {}
 
     void Run() {
         for (std::int32_t y = 0; y < target.Height; ++y) {
@@ -71,7 +74,8 @@ private:
     void AddUpRows(std::int64_t first, std::int64_t end) {
         std::ranges::fill(columns, Column());
         for (std::int64_t y = first; y < end; ++y) {
-            const MColour* const row = rows.Row(static_cast<std::int32_t>(y), static_cast<std::size_t>(y - first));
+            const MColour* const row =
+                rows.Row(static_cast<std::int32_t>(y), static_cast<std::size_t>(y - first));
             for (std::size_t x = 0; x < columns.size(); ++x) {
                 const MColour pixel = row[x];
                 const std::uint16_t mask = pixel.a != 0 ? 0xFF : 0;
@@ -115,7 +119,8 @@ private:
 void CopyPixels(const MPicture& picture, MGlyph& glyph) {
     SourceRows rows(picture);
     for (std::int32_t y = 0; y < glyph.Height; ++y) {
-        std::memcpy(glyph.Picture.PixelAddress(0, y), rows.Row(y, 0), static_cast<std::size_t>(glyph.Width) * sizeof(MColour));
+        std::memcpy(glyph.Picture.PixelAddress(0, y), rows.Row(y, 0),
+                    static_cast<std::size_t>(glyph.Width) * sizeof(MColour));
     }
 }
 
@@ -125,7 +130,8 @@ bool MColourFont::AddPictureGlyph(char16_t character, const MString& path, std::
                                   std::int32_t spacingAfter, bool trim) {
     if (!FileExists(path)) return false;
     MPicture picture(path);
-    const bool added = picture.IsValid() && AddPictureGlyph(character, picture, spacingBefore, spacingAfter, trim);
+    const bool added =
+        picture.IsValid() && AddPictureGlyph(character, picture, spacingBefore, spacingAfter, trim);
     picture.Free();
     return added;
 }
@@ -143,7 +149,8 @@ bool MColourFont::AddPictureGlyph(char16_t character, const MPicture& picture, s
     const std::int64_t width = std::int64_t{height} * picture.Width / total;
     if (width > std::numeric_limits<std::int32_t>::max()) return false;
     auto& glyph = Glyphs[static_cast<std::size_t>(slot)];
-    glyph = std::make_unique<MGlyph>(character, static_cast<std::int32_t>(width), height, spacingBefore, spacingAfter, true);
+    glyph = std::make_unique<MGlyph>(character, static_cast<std::int32_t>(width), height, spacingBefore,
+                                     spacingAfter, true);
     if (glyph->Picture.IsValid()) {
         if (width == picture.Width && static_cast<std::uint32_t>(height) == picture.Height) {
             CopyPixels(picture, *glyph);
@@ -153,7 +160,8 @@ bool MColourFont::AddPictureGlyph(char16_t character, const MPicture& picture, s
         if (trim) glyph->Trim();
     }
     if (character == u'A') {
-        // Of the source picture, neither scaled nor padded, and whatever the font had: rendered letters differ in both.
+        // Of the source picture, neither scaled nor padded, and whatever the font had: rendered letters differ
+        // in both.
         std::uint32_t top = 0;
         std::uint32_t right = 0;
         std::uint32_t bottom = 0;

@@ -24,7 +24,8 @@ std::optional<DialogKind> DialogOf(MPathKind kind) {
     case MPathKind::SaveHtml: return DialogKind{"Save HTML", true, {"HTML Files (*.HTML)", "*.HTML"}, "html"};
     case MPathKind::ImportPhotofont:
         return DialogKind{"Import Photofont", false, {"PHF Files (*.PHF)", "*.PHF"}, "phf"};
-    case MPathKind::ImportHtml: return DialogKind{"Import HTML", false, {"Javascript Files (*.JS)", "*.JS"}, "js"};
+    case MPathKind::ImportHtml:
+        return DialogKind{"Import HTML", false, {"Javascript Files (*.JS)", "*.JS"}, "js"};
     case MPathKind::Temporary: break;
     }
     return std::nullopt;

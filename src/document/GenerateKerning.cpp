@@ -22,10 +22,12 @@ struct Gaps {
 void MeasureRow(const MGlyph& glyph, std::int32_t y, std::int32_t& left, std::int32_t& right) {
     const auto isInk = [&](std::int32_t x) { return glyph.GetPixel(x, y).a != 0; };
     std::int32_t first = 0;
-    while (first < glyph.Width && !isInk(first)) ++first;
+    while (first < glyph.Width && !isInk(first))
+        ++first;
     if (first >= glyph.Width) return;
     std::int32_t last = glyph.Width - 1;
-    while (!isInk(last)) --last;
+    while (!isInk(last))
+        --last;
     left = std::min(first, noGap);
     right = std::min(glyph.Width - last - 1, noGap);
 }
@@ -60,7 +62,8 @@ std::int32_t SmallestGap(const Gaps& left, const Gaps& right) {
     const std::int32_t* const a = left.right.data();
     const std::int32_t* const b = right.left.data();
     std::int32_t smallest = noGap;
-    for (std::size_t row = 0; row < rows; ++row) smallest = std::min(smallest, a[row] + b[row]);
+    for (std::size_t row = 0; row < rows; ++row)
+        smallest = std::min(smallest, a[row] + b[row]);
     return smallest;
 }
 
@@ -70,7 +73,8 @@ void MColourFont::GenerateKerning() {
     ClearKerning();
     std::vector<Gaps> glyphs;
     for (const auto& slot : Glyphs) {
-        if (slot && slot->Height > 0 && slot->Character >= firstCharacter) glyphs.push_back(MeasureGlyph(*slot));
+        if (slot && slot->Height > 0 && slot->Character >= firstCharacter)
+            glyphs.push_back(MeasureGlyph(*slot));
     }
     // No two glyphs have the same character, so each pair is new and needs no look-up.
     std::vector<MKerningPair> pairs;

@@ -21,11 +21,13 @@ bool IsFilled(const std::unique_ptr<MGlyph>& slot) {
 
 } // namespace
 
-MColourFont::MColourFont(Desktop::WindowHandle owner) : Owner(owner), SpaceWidth(HalfOf(Settings->GlyphHeight)) {}
+MColourFont::MColourFont(Desktop::WindowHandle owner)
+    : Owner(owner), SpaceWidth(HalfOf(Settings->GlyphHeight)) {}
 
 void MColourFont::Clear() {
     Picture.Free();
-    for (auto& slot : Glyphs) slot.reset();
+    for (auto& slot : Glyphs)
+        slot.reset();
     ClearKerning();
 }
 
@@ -59,19 +61,21 @@ std::int32_t MColourFont::GlyphCount() const {
 
 std::int32_t MColourFont::MaxGlyphWidth() const {
     std::int32_t width = 0;
-    for (const auto& slot : Glyphs) width = std::max(width, slot ? slot->Width : 0);
+    for (const auto& slot : Glyphs)
+        width = std::max(width, slot ? slot->Width : 0);
     return width;
 }
 
 std::int32_t MColourFont::MaxGlyphHeight() const {
     std::int32_t height = 0;
-    for (const auto& slot : Glyphs) height = std::max(height, slot ? slot->Height : 0);
+    for (const auto& slot : Glyphs)
+        height = std::max(height, slot ? slot->Height : 0);
     return height;
 }
 
 std::int32_t MColourFont::ClaimSlot(char16_t character) {
-    const auto earlier = std::ranges::find_if(
-        Glyphs, [&](const auto& slot) { return slot && slot->Character == character; });
+    const auto earlier =
+        std::ranges::find_if(Glyphs, [&](const auto& slot) { return slot && slot->Character == character; });
     const auto slot = earlier != Glyphs.end() ? earlier : std::ranges::find_if_not(Glyphs, IsFilled);
     if (slot == Glyphs.end()) return -1;
     slot->reset();
@@ -79,8 +83,8 @@ std::int32_t MColourFont::ClaimSlot(char16_t character) {
 }
 
 void MColourFont::RemoveGlyph(char16_t character) {
-    const auto slot = std::ranges::find_if(
-        Glyphs, [&](const auto& glyph) { return glyph && glyph->Character == character; });
+    const auto slot =
+        std::ranges::find_if(Glyphs, [&](const auto& glyph) { return glyph && glyph->Character == character; });
     if (slot != Glyphs.end()) slot->reset();
 
     // The last pair takes the place of a removed one, so the order of the others is not kept.

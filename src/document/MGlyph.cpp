@@ -58,15 +58,16 @@ void MGlyph::Trim() {
     if (newWidth < 1 || newWidth >= Width || Height < 1) return;
     DebugOutput(TrimMessage(Width, newWidth).View());
 
-    const MPicture trimmed(static_cast<std::uint32_t>(newWidth), static_cast<std::uint32_t>(Height), FormatRGBA8);
+    const MPicture trimmed(static_cast<std::uint32_t>(newWidth), static_cast<std::uint32_t>(Height),
+                           FormatRGBA8);
     if (!trimmed.IsValid()) return;
     const auto firstColumn = static_cast<std::int32_t>(left);
     for (std::int32_t y = 0; y < Height; ++y) {
         std::uint8_t* const row = trimmed.PixelAddress(0, y);
         const auto inked = static_cast<std::size_t>(newWidth - 1) * pixelBytes;
         std::memcpy(row, Picture.PixelAddress(firstColumn, y), inked);
-        // The column just right of the ink. Where the ink reaches the edge this wraps around to column 0, which is
-        // empty too: the glyph would not get narrower without a left margin of at least 2.
+        // The column just right of the ink. Where the ink reaches the edge this wraps around to column 0, which
+        // is empty too: the glyph would not get narrower without a left margin of at least 2.
         std::memcpy(row + inked, Picture.PixelAddress(firstColumn + newWidth - 1, y), pixelBytes);
     }
     ReplacePicture(trimmed);
@@ -90,8 +91,8 @@ void MGlyph::Scale(float factor) {
     const std::int32_t newWidth = scaled(Width);
     const std::int32_t newHeight = scaled(Height);
     if (newWidth > 0 && newHeight > 0) {
-        const MPicture resized(Picture, static_cast<std::uint32_t>(newWidth), static_cast<std::uint32_t>(newHeight),
-                               FormatRGBA8, true, false);
+        const MPicture resized(Picture, static_cast<std::uint32_t>(newWidth),
+                               static_cast<std::uint32_t>(newHeight), FormatRGBA8, true, false);
         if (resized.IsValid()) ReplacePicture(resized);
     }
     Width = newWidth;

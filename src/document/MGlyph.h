@@ -42,13 +42,13 @@ public:
     bool RowsMatchPicture() const;
 
     void GetVerticalMargins(std::uint32_t& top, std::uint32_t& bottom) const;
-    // Removes the empty columns at both sides but one, which stays at the right. Nothing happens where that would
-    // not make the glyph narrower. The spacings stay.
+    // Removes the empty columns at both sides but one, which stays at the right. Nothing happens where that
+    // would not make the glyph narrower. The spacings stay.
     void Trim();
     // Removes rows from both ends; nothing happens if none would be left.
     void TrimRows(std::uint32_t top, std::uint32_t bottom);
-    // Resizes the picture and multiplies the spacings, truncated toward zero. If the new picture can't be made the
-    // old one stays, but the numbers change all the same.
+    // Resizes the picture and multiplies the spacings, truncated toward zero. If the new picture can't be made
+    // the old one stays, but the numbers change all the same.
     void Scale(float factor);
     // Writes the glyph's own picture; false without one.
     bool SavePicture(const MString& path);

@@ -14,7 +14,8 @@ std::uint64_t Key(std::uint32_t left, std::uint32_t right) {
 } // namespace
 
 MKerningTable::MKerningTable(const MColourFont& font) : pairs(font.Kerning.begin(), font.Kerning.end()) {
-    for (std::size_t i = 0; i < pairs.size(); ++i) places.try_emplace(Key(pairs[i].Left, pairs[i].Right), i);
+    for (std::size_t i = 0; i < pairs.size(); ++i)
+        places.try_emplace(Key(pairs[i].Left, pairs[i].Right), i);
 }
 
 bool MKerningTable::Set(std::int32_t left, std::uint32_t right, std::int32_t amount) {

@@ -1,5 +1,5 @@
-// Many pairs set one after another, with the result of as many calls of MColourFont::SetKerning in the time of a
-// look-up each. For readers of files, whose pairs run into tens of thousands.
+// Many pairs set one after another, with the result of as many calls of MColourFont::SetKerning in the time of
+// a look-up each. For readers of files, whose pairs run into tens of thousands.
 #pragma once
 
 #include "document/MColourFont.h"
@@ -21,7 +21,7 @@ public:
 
 private:
     std::vector<MKerningPair> pairs;
-    // Where the first pair of (left << 32 | right) stands. A left beyond 16 bits is stored, but not found again,
-    // since a look-up cuts its left to 16 bits.
+    // Where the first pair of (left << 32 | right) stands. A left beyond 16 bits is stored, but not found
+    // again, since a look-up cuts its left to 16 bits.
     std::unordered_map<std::uint64_t, std::size_t> places;
 };

@@ -13,7 +13,8 @@ constexpr std::int32_t minimumWidth = 320;
 constexpr std::int32_t minimumHeight = 240;
 
 // One axis of the window: at least `minimum` and at most the screen, starting and ending inside it.
-void ClampAxis(std::int32_t& from, std::int32_t& to, std::int32_t minimum, std::int64_t first, std::int64_t end) {
+void ClampAxis(std::int32_t& from, std::int32_t& to, std::int32_t minimum, std::int64_t first,
+               std::int64_t end) {
     std::int64_t size = std::int64_t{to} - from;
     size = std::min(std::max<std::int64_t>(size, minimum), end - first);
     std::int64_t start = from < first || from >= end ? first : from;
@@ -25,7 +26,8 @@ void ClampAxis(std::int32_t& from, std::int32_t& to, std::int32_t minimum, std::
 } // namespace
 
 MSettings::MSettings() {
-    for (std::size_t capital = 'A'; capital <= 'Z'; ++capital) Selected[capital] = 1;
+    for (std::size_t capital = 'A'; capital <= 'Z'; ++capital)
+        Selected[capital] = 1;
     LetterCubesNames =
         "Mary\r\nJohn\r\nRobert\r\nMichael\r\nWilliam\r\nMichelle\r\nSusan\r\nMargaret\r\nMaria\r\nPatricia";
 }
@@ -44,7 +46,8 @@ void MSettings::UseUserFolders() {
     Path(MPathKind::ImportPhotofont) = MString();
     Path(MPathKind::Temporary) = JoinPath(data, "Temp");
     Path(MPathKind::ImportHtml) = fonts;
-    for (const MString& folder : Paths) CreateFolder(folder);
+    for (const MString& folder : Paths)
+        CreateFolder(folder);
 }
 
 void MSettings::UseDefaultWindowRect() {

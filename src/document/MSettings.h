@@ -1,5 +1,5 @@
-// The program's choices, and the one home of what the document's operations take from the user: the glyph height,
-// the selected characters, the font choice, the padding. A plain record; no value is validated.
+// The program's choices, and the one home of what the document's operations take from the user: the glyph
+// height, the selected characters, the font choice, the padding. A plain record; no value is validated.
 #pragma once
 
 #include "foundation/MString.h"
@@ -29,7 +29,7 @@ public:
     MString FontName = "Arial Black";
     std::int32_t Weight = 400; // 100 to 900 as fonts have it, 0: unspecified
     bool Italic = false;
-    MColour Colour{255, 0, 0}; // of plain glyphs
+    MColour Colour{255, 0, 0};      // of plain glyphs
     std::int32_t GlyphHeight = 100; // pixels, of every glyph of the current font
     bool ColourFont = false;
     std::array<std::uint8_t, 256> Selected{}; // by character code, 1: wanted; only 33 to 255 count

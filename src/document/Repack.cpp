@@ -1,4 +1,5 @@
-// The packing of all glyphs into one picture: shelves in slot order, in the smallest picture of a fixed sequence.
+// The packing of all glyphs into one picture: shelves in slot order, in the smallest picture of a fixed
+// sequence.
 
 #include "document/MColourFont.h"
 #include "foundation/MNumbers.h"
@@ -22,9 +23,9 @@ struct Place {
     std::int64_t y;
 };
 
-// The shelf layout in a picture of one size. A glyph that doesn't fit the row breaks it, also an empty one, and is
-// not tested against the width again, so a glyph wider than the picture stands alone and wraps around. A break
-// moves down by the height of the glyph that didn't fit, since all glyphs of a font have one height.
+// The shelf layout in a picture of one size. A glyph that doesn't fit the row breaks it, also an empty one, and
+// is not tested against the width again, so a glyph wider than the picture stands alone and wraps around. A
+// break moves down by the height of the glyph that didn't fit, since all glyphs of a font have one height.
 class Shelf {
 public:
     explicit Shelf(Size pictureSize) : size(pictureSize) {}
@@ -71,8 +72,9 @@ bool Grow(Size& size) {
     return true;
 }
 
-// Copies a glyph whose rows lie as its numbers say. Columns beyond the right edge wrap around onto the same rows;
-// of those that meet in one place the last one stays, so only the last picture width of columns is copied.
+// Copies a glyph whose rows lie as its numbers say. Columns beyond the right edge wrap around onto the same
+// rows; of those that meet in one place the last one stays, so only the last picture width of columns is
+// copied.
 void CopyRows(MPicture& picture, const MGlyph& glyph) {
     const std::int64_t pictureWidth = picture.Width;
     for (std::int32_t row = 0; row < glyph.Height; ++row) {
@@ -106,12 +108,14 @@ bool MColourFont::Repack() {
     Picture.Free();
     Size size{startSize, startSize};
     bool fits = Fits(*this, size);
-    while (!fits && Grow(size)) fits = Fits(*this, size);
+    while (!fits && Grow(size))
+        fits = Fits(*this, size);
     PictureWidth = size.width;
     PictureHeight = size.height;
     if (!fits) return false;
 
-    Picture = MPicture(static_cast<std::uint32_t>(size.width), static_cast<std::uint32_t>(size.height), FormatRGBA8);
+    Picture =
+        MPicture(static_cast<std::uint32_t>(size.width), static_cast<std::uint32_t>(size.height), FormatRGBA8);
     if (!Picture.IsValid()) return false;
     std::memset(Picture.Pixels, 0, std::size_t{Picture.Stride} * Picture.Height);
 

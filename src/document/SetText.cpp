@@ -26,7 +26,8 @@ Line LayOut(const MColourFont& font, const MString& text) {
     for (const char16_t character : text.View()) {
         const MGlyph* const glyph = font.GetGlyph(character);
         if (glyph) {
-            const MKerningPair* const pair = previous ? font.FindKerning(previous->Character, character) : nullptr;
+            const MKerningPair* const pair =
+                previous ? font.FindKerning(previous->Character, character) : nullptr;
             const std::int64_t x = pen + (pair ? pair->Amount : 0) + glyph->SpacingBefore;
             line.glyphs.push_back({glyph, x});
             line.left = std::min(line.left, x);
@@ -52,8 +53,9 @@ void Draw(const MGlyph& glyph, std::int64_t left, MPicture& picture) {
             if (ink.a == 0) continue;
             const auto column = static_cast<std::int32_t>(left + x);
             const MColour ground = picture.GetPixel(column, y);
-            picture.SetPixel(column, y, MColour(Blend(ink.r, ink.a, ground.r), Blend(ink.g, ink.a, ground.g),
-                                                Blend(ink.b, ink.a, ground.b)));
+            picture.SetPixel(column, y,
+                             MColour(Blend(ink.r, ink.a, ground.r), Blend(ink.g, ink.a, ground.g),
+                                     Blend(ink.b, ink.a, ground.b)));
         }
     }
 }

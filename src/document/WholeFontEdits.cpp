@@ -28,7 +28,8 @@ void MColourFont::Scale(float factor) {
     for (const auto& slot : Glyphs) {
         if (slot) slot->Scale(factor);
     }
-    for (MKerningPair& pair : Kerning) scale(pair.Amount);
+    for (MKerningPair& pair : Kerning)
+        scale(pair.Amount);
 }
 
 void MColourFont::TrimVertically() {

@@ -47,8 +47,8 @@ MLetterCubes::MLetterCubes(std::vector<MString> upperCaseNames) : names(std::mov
 void MLetterCubes::Assign(const MString& name) {
     std::array<bool, Most> taken{};
     for (const char16_t letter : name.View()) {
-        // Every free cube that bears the letter is taken, not just one: a second occurrence of the letter then finds
-        // none of them, and there may be more cubes than a minimum would be.
+        // Every free cube that bears the letter is taken, not just one: a second occurrence of the letter then
+        // finds none of them, and there may be more cubes than a minimum would be.
         bool found = false;
         for (std::size_t i = 0; i < cubes.size(); ++i) {
             if (taken[i] || std::ranges::find(cubes[i], letter) == cubes[i].end()) continue;

@@ -54,9 +54,14 @@ public:
     void Paint(const MLetterCubes::Cube& cube) {
         picture.Fill(background);
         // A row of four faces, with one above and one below the second.
-        const std::array<Point, 6> cells{{{t, w + t},         {w + t, w + t}, {2 * w + t, w + t},
-                                          {3 * w + t, w + t}, {w + t, t},     {w + t, 2 * w + t}}};
-        for (std::size_t face = 0; face < cube.size(); ++face) PaintFace(cube[face], cells[face]);
+        const std::array<Point, 6> cells{{{t, w + t},
+                                          {w + t, w + t},
+                                          {2 * w + t, w + t},
+                                          {3 * w + t, w + t},
+                                          {w + t, t},
+                                          {w + t, 2 * w + t}}};
+        for (std::size_t face = 0; face < cube.size(); ++face)
+            PaintFace(cube[face], cells[face]);
         PaintEdges();
         PaintFlaps();
     }
@@ -81,13 +86,15 @@ private:
         const std::int64_t dx = (w - glyph->Width) / 2;
         const std::int64_t dy = (w - glyph->Height) / 2;
         for (std::int64_t j = 0; j < w; ++j) {
-            std::uint8_t* pixel = picture.PixelAddress(static_cast<std::int32_t>(cell.x), static_cast<std::int32_t>(cell.y + j));
+            std::uint8_t* pixel =
+                picture.PixelAddress(static_cast<std::int32_t>(cell.x), static_cast<std::int32_t>(cell.y + j));
             for (std::int64_t i = 0; i < w; ++i, pixel += 3) {
                 const std::int64_t x = i - dx;
                 const std::int64_t y = j - dy;
                 const bool inside = x >= 0 && x < glyph->Width && y >= 0 && y < glyph->Height;
                 if (!inside) continue;
-                const MColour colour = Blended(glyph->GetPixel(static_cast<std::int32_t>(x), static_cast<std::int32_t>(y)));
+                const MColour colour =
+                    Blended(glyph->GetPixel(static_cast<std::int32_t>(x), static_cast<std::int32_t>(y)));
                 pixel[0] = colour.b;
                 pixel[1] = colour.g;
                 pixel[2] = colour.r;
@@ -120,8 +127,8 @@ private:
         Line({x(5), y(2)}, {x(5), y(3)});
     }
 
-    // Trapezoids as high as the margin, their outer edge drawn in by as much on each side: above and below the three
-    // faces of the row that carry no other, and one at its right end.
+    // Trapezoids as high as the margin, their outer edge drawn in by as much on each side: above and below the
+    // three faces of the row that carry no other, and one at its right end.
     void PaintFlaps() {
         const std::int64_t y2 = w + t;
         const std::int64_t y3 = 2 * w + t;
@@ -150,7 +157,8 @@ std::optional<std::vector<MString>> SpellableNames(const MColourFont& font) {
         for (const char16_t letter : name.View()) {
             if (font.GetGlyph(letter)) continue;
             ShowError(font, "I can't create letter cubes cut-outs because the name \"" + name +
-                                "\" is using the letter " + Text(letter) + ", which is not present in this alphabet.");
+                                "\" is using the letter " + Text(letter) +
+                                ", which is not present in this alphabet.");
             return std::nullopt;
         }
     }
@@ -162,11 +170,13 @@ void TellDebugger(const MLetterCubes& result) {
         DebugOutput((Text(i + 1) + " " + result.names[i] + "\n").View());
     }
     MString unused = "Not used: ";
-    for (const char16_t letter : result.UnusedCapitals()) unused += Text(letter) + " ";
+    for (const char16_t letter : result.UnusedCapitals())
+        unused += Text(letter) + " ";
     DebugOutput((unused + "\n").View());
     for (std::size_t i = 0; i < result.cubes.size(); ++i) {
         MString cube = Text(i + 1) + " ";
-        for (const char16_t letter : result.cubes[i]) cube += letter;
+        for (const char16_t letter : result.cubes[i])
+            cube += letter;
         DebugOutput((cube + "\n").View());
     }
 }
@@ -179,8 +189,9 @@ MString Statistics(const MLetterCubes& result, const NetSize& net) {
         longest = std::max(longest, name.length);
     }
     return "Number of names:\t" + Text(result.names.size()) + "\nShortest name:\t" + MString(shortest) +
-           " letters\nLongest name:\t" + MString(longest) + " letters\nRequired cubes:\t" + Text(result.cubes.size()) +
-           "\nPrint resolution:\t" + MString(static_cast<std::int32_t>(net.Width())) + " x " +
+           " letters\nLongest name:\t" + MString(longest) + " letters\nRequired cubes:\t" +
+           Text(result.cubes.size()) + "\nPrint resolution:\t" +
+           MString(static_cast<std::int32_t>(net.Width())) + " x " +
            MString(static_cast<std::int32_t>(net.Height())) + " pixels\n";
 }
 
@@ -204,7 +215,8 @@ bool MColourFont::ExportLetterCubes(const MString& path) {
         return false;
     }
     if (net.Width() > std::numeric_limits<std::int32_t>::max()) return false;
-    MPicture picture(static_cast<std::uint32_t>(net.Width()), static_cast<std::uint32_t>(net.Height()), FormatRGB8);
+    MPicture picture(static_cast<std::uint32_t>(net.Width()), static_cast<std::uint32_t>(net.Height()),
+                     FormatRGB8);
     if (!picture.IsValid()) return false;
     // A literal cut: a folder with a dot in its name ends the path there.
     MString stem = path;

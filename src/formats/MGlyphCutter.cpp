@@ -13,8 +13,8 @@ std::int32_t Scaled(std::int32_t value, float factor) {
 
 } // namespace
 
-// A file can claim any number of huge glyphs, each small enough to be allocated; together they stay below half of
-// what a single block may have.
+// A file can claim any number of huge glyphs, each small enough to be allocated; together they stay below half
+// of what a single block may have.
 MGlyphCutter::MGlyphCutter(const MPicture& source) : picture(source), bytesLeft(MemoryLimit() / 2) {}
 
 void MGlyphCutter::Cut(MColourFont& font, MGlyphRecord record) {
@@ -30,10 +30,9 @@ void MGlyphCutter::Cut(MColourFont& font, MGlyphRecord record) {
     if (slot < 0) return;
 
     const bool hasArea = record.width > 0 && record.height > 0;
-    const std::uint64_t bytes =
-        hasArea ? static_cast<std::uint64_t>(record.width) * static_cast<std::uint64_t>(record.height) *
-                      sizeof(MColour)
-                : 0;
+    const std::uint64_t bytes = hasArea ? static_cast<std::uint64_t>(record.width) *
+                                              static_cast<std::uint64_t>(record.height) * sizeof(MColour)
+                                        : 0;
     const bool affordable = bytes <= bytesLeft;
     auto glyph = std::make_unique<MGlyph>(record.character, affordable ? record.width : 0,
                                           affordable ? record.height : 0, record.spacingBefore,

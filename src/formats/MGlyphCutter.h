@@ -1,5 +1,5 @@
-// Cuts glyphs out of the picture of a font that is being read. Shared by the readers whose records are rectangles
-// of one picture.
+// Cuts glyphs out of the picture of a font that is being read. Shared by the readers whose records are
+// rectangles of one picture.
 #pragma once
 
 #include "document/MColourFont.h"
@@ -19,17 +19,17 @@ struct MGlyphRecord {
 
 class MGlyphCutter {
 public:
-    // For a picture that has another size than the file tells: x, width and spacings follow the one factor, y and
-    // height the other, truncated toward zero.
+    // For a picture that has another size than the file tells: x, width and spacings follow the one factor, y
+    // and height the other, truncated toward zero.
     float horizontalScale = 1.0F;
     float verticalScale = 1.0F;
 
     // `picture` is valid, of any format, and outlives the cutter.
     explicit MGlyphCutter(const MPicture& picture);
 
-    // Scales the record and gives the font a glyph of it, in the place of an earlier one of the same character. A
-    // rectangle outside the picture wraps around. With no slot left the record is dropped. A glyph too large for
-    // what memory the readers allow themselves keeps its numbers and has no picture.
+    // Scales the record and gives the font a glyph of it, in the place of an earlier one of the same character.
+    // A rectangle outside the picture wraps around. With no slot left the record is dropped. A glyph too large
+    // for what memory the readers allow themselves keeps its numbers and has no picture.
     void Cut(MColourFont& font, MGlyphRecord record);
 
 private:

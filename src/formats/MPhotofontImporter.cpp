@@ -133,12 +133,13 @@ void MPhotofontImporter::ReadLine(const MString& line) {
     }
 }
 
-// True if the line is one of an image's data; a line with a blank is taken as such, but not kept. The bytes are searched
-// where they go, since bytes are searched faster than units.
+// True if the line is one of an image's data; a line with a blank is taken as such, but not kept. The bytes are
+// searched where they go, since bytes are searched faster than units.
 bool MPhotofontImporter::TakeData(std::u16string_view line) {
     if (section != Section::Image || !inData) return false;
     char16_t allBits = 0;
-    for (const char16_t unit : line) allBits |= unit;
+    for (const char16_t unit : line)
+        allBits |= unit;
     if (allBits > 0xFF && (Has(line, u"base64") || Has(line, u"</image>"))) return false;
     const std::size_t size = base64.size();
     base64.resize(size + line.size());
@@ -147,8 +148,8 @@ bool MPhotofontImporter::TakeData(std::u16string_view line) {
     const std::string_view bytes = std::string_view(base64).substr(size);
     const bool isTag = allBits <= 0xFF && (bytes.find("base64") != std::string_view::npos ||
                                            bytes.find("</image>") != std::string_view::npos);
-    const bool hasBlank =
-        allBits > 0xFF ? line.find(u' ') != std::u16string_view::npos : bytes.find(' ') != std::string_view::npos;
+    const bool hasBlank = allBits > 0xFF ? line.find(u' ') != std::u16string_view::npos
+                                         : bytes.find(' ') != std::string_view::npos;
     if (isTag || hasBlank) base64.resize(size);
     return !isTag;
 }
@@ -235,8 +236,8 @@ void MPhotofontImporter::StartImage(const MString& line) {
     inData = false;
 }
 
-// Boxes from a file can claim any number of huge pictures; together they stay below half of what a single block may
-// have.
+// Boxes from a file can claim any number of huge pictures; together they stay below half of what a single block
+// may have.
 bool MPhotofontImporter::TakeBytes(std::int64_t width, std::int64_t height) {
     if (width < 1 || height < 1) return false;
     const std::uint64_t area = static_cast<std::uint64_t>(width) * static_cast<std::uint64_t>(height);
@@ -252,9 +253,10 @@ void MPhotofontImporter::ProcessImage(const MPhotofontGlyph& glyph) {
     if (!picture) return;
     if (!HasBoxSize(*picture, glyph)) {
         const auto number = [](std::int64_t value) { return MString(Narrow(value)); };
-        DebugOutput((MString("ERROR: resolution bitmap (") + number(picture->Width) + "," + number(picture->Height) +
-                     ") unicode " + number(glyph.Unicode) + " does not match box (" + number(glyph.BoxWidth) + "," +
-                     number(glyph.BoxHeight) + ")\n").View());
+        DebugOutput((MString("ERROR: resolution bitmap (") + number(picture->Width) + "," +
+                     number(picture->Height) + ") unicode " + number(glyph.Unicode) + " does not match box (" +
+                     number(glyph.BoxWidth) + "," + number(glyph.BoxHeight) + ")\n")
+                        .View());
         if (TakeBytes(glyph.BoxWidth, glyph.BoxHeight)) {
             const MPicture boxed(*picture, static_cast<std::uint32_t>(glyph.BoxWidth),
                                  static_cast<std::uint32_t>(glyph.BoxHeight), picture->Format, false, false);
@@ -282,7 +284,8 @@ std::optional<MPicture> MPhotofontImporter::DecodeImage(const MPhotofontGlyph& g
     return picture;
 }
 
-// Cuts the picture to its ink, and places it in a cell of the font's height so that all baselines fall on one row.
+// Cuts the picture to its ink, and places it in a cell of the font's height so that all baselines fall on one
+// row.
 void MPhotofontImporter::AddGlyph(const MPhotofontGlyph& glyph, const MPicture& picture) {
     std::uint32_t top = 0;
     std::uint32_t right = 0;
@@ -306,11 +309,13 @@ void MPhotofontImporter::AddGlyph(const MPhotofontGlyph& glyph, const MPicture& 
             std::memcpy(cell.PixelAddress(0, target), picture.PixelAddress(firstColumn, source), cell.Stride);
             continue;
         }
-        for (std::int32_t x = 0; x < width; ++x) cell.SetPixel(x, target, picture.GetPixel(firstColumn + x, source));
+        for (std::int32_t x = 0; x < width; ++x)
+            cell.SetPixel(x, target, picture.GetPixel(firstColumn + x, source));
     }
     font->AddPictureGlyph(static_cast<char16_t>(glyph.Unicode), cell, Narrow(std::int64_t{left} - glyph.BaseX),
                           Narrow(std::int64_t{glyph.DeltaX} - glyph.BoxWidth + right + glyph.BaseX), false);
     cell.Free();
     ++imagesDone;
-    ProgressDialog.Update(static_cast<float>(imagesDone) / static_cast<float>(Glyphs.size()), "Importing Glyphs...");
+    ProgressDialog.Update(static_cast<float>(imagesDone) / static_cast<float>(Glyphs.size()),
+                          "Importing Glyphs...");
 }

@@ -1,6 +1,7 @@
-// Photofont files (.phf): XML whose glyphs are embedded pictures. This is no XML parser: tags and attributes are
-// fixed texts sought in each line, so a tag and its attributes must stand on one line, and the parts come in a fixed
-// order: the mapping of glyph ids to characters, the kerning, the glyphs, then the images that they refer to.
+// Photofont files (.phf): XML whose glyphs are embedded pictures. This is no XML parser: tags and attributes
+// are fixed texts sought in each line, so a tag and its attributes must stand on one line, and the parts come
+// in a fixed order: the mapping of glyph ids to characters, the kerning, the glyphs, then the images that they
+// refer to.
 #pragma once
 
 #include "document/MColourFont.h"
@@ -31,7 +32,7 @@ struct MPhotofontGlyph {
     std::int32_t BoxWidth = 0;
     std::int32_t BoxHeight = 0;
     std::int32_t BaseX = 0;
-    std::int32_t BaseY = 0; // of the baseline in the picture
+    std::int32_t BaseY = 0;  // of the baseline in the picture
     std::int32_t DeltaX = 0; // to the next pen position
     std::int32_t DeltaY = 0;
 };
@@ -46,8 +47,8 @@ public:
 
     explicit MPhotofontImporter(Desktop::WindowHandle owner);
 
-    // Clears `font` and fills it with what can be read; the padding and spacing of the settings become 0. Images pass
-    // through a file in the settings' temporary folder. False only without a file or a font.
+    // Clears `font` and fills it with what can be read; the padding and spacing of the settings become 0.
+    // Images pass through a file in the settings' temporary folder. False only without a file or a font.
     bool Import(const MString& path, MColourFont* font);
     // Of the first mapping with this id; 0 if there is none.
     std::int32_t FindUnicode(const MString& id) const;
@@ -58,10 +59,10 @@ private:
     MColourFont* font = nullptr;
     std::optional<MKerningTable> kerning;
     Section section = Section::None;
-    std::unordered_map<std::u16string, std::size_t> mapped;      // id: its place in Mapping
-    std::map<std::u16string, std::set<std::size_t>> imageUsers;  // image id: the glyphs that name it
-    bool glyphIsCurrent = false;   // the last glyph takes the attributes that follow
-    std::int32_t spaceWidth = -1;  // below 0: not noted
+    std::unordered_map<std::u16string, std::size_t> mapped;     // id: its place in Mapping
+    std::map<std::u16string, std::set<std::size_t>> imageUsers; // image id: the glyphs that name it
+    bool glyphIsCurrent = false;  // the last glyph takes the attributes that follow
+    std::int32_t spaceWidth = -1; // below 0: not noted
     std::optional<std::size_t> imageGlyph;
     bool inData = false;
     std::string base64;

@@ -59,7 +59,8 @@ std::u16string FromBytes(std::string_view bytes, MTextEncoding encoding) {
     const auto byteAt = [&](std::size_t i) { return static_cast<unsigned char>(bytes[i]); };
     std::u16string units;
     if (encoding == MTextEncoding::Ansi) {
-        for (std::size_t i = 0; i < bytes.size(); ++i) units.push_back(byteAt(i));
+        for (std::size_t i = 0; i < bytes.size(); ++i)
+            units.push_back(byteAt(i));
         return units;
     }
     const std::size_t low = encoding == MTextEncoding::Utf16Le ? 0 : 1;
@@ -130,7 +131,8 @@ bool MTextFile::NextUnit(char16_t& unit) {
     unit = first;
     if (encoding != MTextEncoding::Utf16Le && encoding != MTextEncoding::Utf16Be) return true;
     if (!NextByte(second)) return false;
-    unit = static_cast<char16_t>(encoding == MTextEncoding::Utf16Le ? first | second << 8 : first << 8 | second);
+    unit =
+        static_cast<char16_t>(encoding == MTextEncoding::Utf16Le ? first | second << 8 : first << 8 | second);
     return true;
 }
 
@@ -155,7 +157,8 @@ bool MTextFile::NextLine() {
 
 bool MTextFile::MayHoldEscapes(std::u16string_view text) {
     bool found = false; // no early end: the loop is wide
-    for (const char16_t unit : text) found |= unit == u'<' || unit == u'&' || unit == u'\\';
+    for (const char16_t unit : text)
+        found |= unit == u'<' || unit == u'&' || unit == u'\\';
     return found;
 }
 
@@ -178,7 +181,8 @@ void MTextFile::ReadUnits(char16_t unit) {
 void MTextFile::TakePlainUnits(std::size_t longest) {
     if (markLength == 2) return;
     const auto start = chunk.begin() + static_cast<std::ptrdiff_t>(chunkPosition);
-    const auto end = std::find_if(start, chunk.end(), [](std::uint8_t byte) { return byte == '\n' || byte == '\r'; });
+    const auto end =
+        std::find_if(start, chunk.end(), [](std::uint8_t byte) { return byte == '\n' || byte == '\r'; });
     const auto room = static_cast<std::ptrdiff_t>(longest - line.size());
     line.insert(line.end(), start, start + std::min(end - start, room));
     chunkPosition = static_cast<std::size_t>(end - chunk.begin());

@@ -1,9 +1,9 @@
-// Line-oriented text files: a file is a sequence of lines, a line a sequence of tokens between white space, with
-// quotation marks around a token that holds some. The program's only way to text files.
+// Line-oriented text files: a file is a sequence of lines, a line a sequence of tokens between white space,
+// with quotation marks around a token that holds some. The program's only way to text files.
 //
-// Line breaks and quotation marks inside a string are stored as "<br />" and "&#34;"; the escapes themselves are
-// not escaped. Nothing here reports to the user: what can't be read is empty, 0 or false, what can't be written is
-// dropped.
+// Line breaks and quotation marks inside a string are stored as "<br />" and "&#34;"; the escapes themselves
+// are not escaped. Nothing here reports to the user: what can't be read is empty, 0 or false, what can't be
+// written is dropped.
 #pragma once
 
 #include "foundation/MFile.h"
@@ -39,11 +39,12 @@ public:
     // What was written is in the file from here on.
     ~MTextFile() { Flush(); }
 
-    // Reads and takes apart one line, ended by CR, LF, CR LF or the end of the file. False at the end; the tokens
-    // stay then.
+    // Reads and takes apart one line, ended by CR, LF, CR LF or the end of the file. False at the end; the
+    // tokens stay then.
     bool NextLine();
     std::int32_t TokenCount() const { return static_cast<std::int32_t>(Tokens().size()); }
-    // A token, empty if the index is out of range. `literalBackslashN` also turns the two characters \n into CR LF.
+    // A token, empty if the index is out of range. `literalBackslashN` also turns the two characters \n into CR
+    // LF.
     MString GetString(int index, bool literalBackslashN = false, bool unescape = true) const;
     std::int32_t GetInt(int index) const; // leading digits; 0 without any
     bool GetBool(int index) const;        // exactly "Y"
@@ -69,8 +70,8 @@ public:
 private:
     std::vector<std::uint8_t> chunk; // read ahead from the file
     std::size_t chunkPosition = 0;
-    std::string unwritten;                // bytes that are not in the file yet
-    std::u16string line;                  // the current line without CR and LF
+    std::string unwritten; // bytes that are not in the file yet
+    std::u16string line;   // the current line without CR and LF
     // Into `line`, once they are asked for: readers of whole lines need none.
     mutable std::vector<std::u16string_view> tokens;
     mutable bool tokenised = true;

@@ -1,5 +1,5 @@
-// Reads back the script that the web export writes. This is no JavaScript: each line gives a key and a flat list of
-// numbers, in which every sign but a digit or "-" separates.
+// Reads back the script that the web export writes. This is no JavaScript: each line gives a key and a flat
+// list of numbers, in which every sign but a digit or "-" separates.
 
 #include "document/ChooseFile.h"
 #include "document/MColourFont.h"
@@ -25,7 +25,8 @@ MString KeyOf(MString line) {
 
 MString ValueOf(MString line) {
     line.KeepAfter(assignment);
-    for (const char16_t bracket : {u'[', u']', u';'}) line.RemoveChar(bracket);
+    for (const char16_t bracket : {u'[', u']', u';'})
+        line.RemoveChar(bracket);
     return line;
 }
 
@@ -47,7 +48,8 @@ private:
 
 class ScriptReader {
 public:
-    ScriptReader(MColourFont& target, const MPicture& source) : font(target), picture(source), cutter(source), kerning(target) {}
+    ScriptReader(MColourFont& target, const MPicture& source)
+        : font(target), picture(source), cutter(source), kerning(target) {}
 
     void Read(MTextFile& file) {
         while (file.NextLine()) {
@@ -67,8 +69,8 @@ private:
         if (key.Equals(u"GlyphHeight")) Settings->GlyphHeight = numbers.Next();
         if (key.Equals(u"Baseline")) font.Baseline = numbers.Next();
         if (key.Equals(u"CapHeight")) font.CapHeight = numbers.Next();
-        // The export writes this one value without brackets, so its line has no key: only a script edited by hand
-        // sets it.
+        // The export writes this one value without brackets, so its line has no key: only a script edited by
+        // hand sets it.
         if (key.Equals(u"SpaceWidth")) font.SpaceWidth = numbers.Next();
         if (key.Equals(u"Resolution")) ReadScale(numbers);
         if (key.Equals(u"Glyph")) ReadGlyphs(numbers);
@@ -84,8 +86,8 @@ private:
         for (std::int32_t code = numbers.Next(); code >= 1; code = numbers.Next()) {
             MGlyphRecord record{};
             record.character = static_cast<std::uint32_t>(code);
-            for (std::int32_t* number : {&record.x, &record.y, &record.width, &record.height, &record.spacingBefore,
-                                         &record.spacingAfter}) {
+            for (std::int32_t* number : {&record.x, &record.y, &record.width, &record.height,
+                                         &record.spacingBefore, &record.spacingAfter}) {
                 *number = numbers.Next();
             }
             cutter.Cut(font, record);

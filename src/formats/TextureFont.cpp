@@ -1,12 +1,13 @@
-// The texture font: the program's own form, and the one that the titling product Showmarquee reads. A text file of
-// tab-separated records (UTF-16LE with its mark, CR LF) beside a PNG of the same name:
+// The texture font: the program's own form, and the one that the titling product Showmarquee reads. A text file
+// of tab-separated records (UTF-16LE with its mark, CR LF) beside a PNG of the same name:
 //
 //   Showmarquee TextureFont 1.0
 //   FSZ  glyph height, baseline, cap height
 //   TEX  path of the PNG as saved, its width, its height
 //   CHA  character, x, y, width, height, spacing before, spacing after    one for each glyph, in slot order
 //   SPA  width of the space
-//   KER  left character, right character, amount                          one for each pair but those of amount 0
+//   KER  left character, right character, amount                          one for each pair but those of amount
+//   0
 
 #include "document/ChooseFile.h"
 #include "document/MColourFont.h"
@@ -30,7 +31,8 @@ void WriteCharacter(MTextFile& file, std::uint32_t character) {
 
 void WriteRecord(MTextFile& file, const char* tag, std::initializer_list<std::int32_t> numbers) {
     file.WriteString(tag);
-    for (const std::int32_t number : numbers) file.WriteInt(number);
+    for (const std::int32_t number : numbers)
+        file.WriteInt(number);
     file.EndLine();
 }
 
@@ -53,8 +55,8 @@ void WriteKerning(MTextFile& file, const MKerningPair& pair) {
     file.EndLine();
 }
 
-// Beside the file, in the folder Textures above its folder, or where the user says. Empty if cancelled. The path in
-// the TEX record plays no part: it may name a place that no longer exists.
+// Beside the file, in the folder Textures above its folder, or where the user says. Empty if cancelled. The
+// path in the TEX record plays no part: it may name a place that no longer exists.
 MString FindPicture(const MString& path, Desktop::WindowHandle owner) {
     const MString beside = WithExtension(path, "png");
     if (FileExists(beside)) return beside;
@@ -143,7 +145,8 @@ bool MColourFont::Save(const MString& path) {
         if (slot) WriteGlyph(file, *slot);
     }
     WriteRecord(file, "SPA", {SpaceWidth});
-    for (const MKerningPair& pair : Kerning) WriteKerning(file, pair);
+    for (const MKerningPair& pair : Kerning)
+        WriteKerning(file, pair);
     return true;
 }
 

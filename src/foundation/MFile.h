@@ -1,5 +1,5 @@
-// A binary file: open, read, write, seek, with an optional copy of the whole file in memory. It shows no message
-// and raises nothing; it reports through `ok` and its results.
+// A binary file: open, read, write, seek, with an optional copy of the whole file in memory. It shows no
+// message and raises nothing; it reports through `ok` and its results.
 #pragma once
 
 #include "foundation/MString.h"
@@ -8,8 +8,8 @@
 #include <cstdint>
 #include <fstream>
 
-// True from the start and changed by nothing: a file that can't be opened fails at once. When it is false, opening
-// is tried ten times with 100 ms after each failure, for files that another program holds.
+// True from the start and changed by nothing: a file that can't be opened fails at once. When it is false,
+// opening is tried ten times with 100 ms after each failure, for files that another program holds.
 extern bool FileShareMode;
 
 class MFile {
@@ -23,8 +23,8 @@ public:
     std::int64_t size = -1;    // of a preloaded file
 
     // For reading, the name is looked up without regard to case if it isn't found as it stands; for writing, an
-    // old file of this name is deleted first, so that the new one starts empty. `preload` reads all of it at once
-    // and closes it; a file too large for that stays open as if `preload` hadn't been given.
+    // old file of this name is deleted first, so that the new one starts empty. `preload` reads all of it at
+    // once and closes it; a file too large for that stays open as if `preload` hadn't been given.
     MFile(const MString& path, bool writing, bool preload);
 
     std::int64_t GetSize(); // 0 if not ok

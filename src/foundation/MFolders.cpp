@@ -4,12 +4,12 @@
 #include "foundation/MFile.h"
 #include "foundation/MUtf8.h"
 
+#include <gio/gio.h>
+
 #include <algorithm>
 #include <climits>
 #include <limits>
 #include <system_error>
-
-#include <gio/gio.h>
 
 namespace fs = std::filesystem;
 
@@ -42,7 +42,8 @@ MString FolderForm(MString path) {
 // How many units at the start name a root, which is never created: "/", "C:", "C:/".
 std::int32_t RootLength(const MString& path) {
     std::int32_t length = path.length >= 2 && path.chars[1] == u':' ? 2 : 0;
-    while (length < path.length && path.chars[length] == PathSeparator) ++length;
+    while (length < path.length && path.chars[length] == PathSeparator)
+        ++length;
     return length;
 }
 
@@ -164,6 +165,7 @@ MString GetAppDataFolder(const MString& first, const MString& second) {
 
 MString GetDocumentsFolder(const MString& name) {
     const char* documents = g_get_user_special_dir(G_USER_DIRECTORY_DOCUMENTS);
-    const MString base = documents ? FromSystem(documents) : JoinPath(FromSystem(g_get_home_dir()), "Documents");
+    const MString base =
+        documents ? FromSystem(documents) : JoinPath(FromSystem(g_get_home_dir()), "Documents");
     return CreatedOrEmpty(JoinPath(base, name));
 }

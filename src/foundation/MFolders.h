@@ -2,8 +2,8 @@
 // and the program composes with PathSeparator. None of these reports anything beyond its result.
 //
 // A look-up that finds nothing under the exact name goes through the folder's entries without regard to case,
-// part by part, since the program's own names rely on a file system that ignores case. Creating uses the name as
-// given.
+// part by part, since the program's own names rely on a file system that ignores case. Creating uses the name
+// as given.
 #pragma once
 
 #include "foundation/MString.h"
@@ -26,9 +26,9 @@ std::optional<std::filesystem::path> FindExisting(const MString& path);
 
 bool FileExists(const MString& path);   // false for a folder and for an empty path
 bool FolderExists(const MString& path); // one trailing separator doesn't matter
-// Creates a folder with all its parents; true if it is there at the end. False for an empty path. On failure the
-// parents made so far stay. A bare root or drive ("/", "C:", "C:/") is true without a look. Each new folder is
-// told on the debug channel.
+// Creates a folder with all its parents; true if it is there at the end. False for an empty path. On failure
+// the parents made so far stay. A bare root or drive ("/", "C:", "C:/") is true without a look. Each new folder
+// is told on the debug channel.
 bool CreateFolder(const MString& path);
 // True if the file is gone or `path` is empty. `toRecycleBin` moves it to the user's bin instead of deleting.
 bool DeleteFile(const MString& path, bool clearReadOnly, bool toRecycleBin);

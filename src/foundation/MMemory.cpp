@@ -2,9 +2,9 @@
 
 #include "foundation/MDebug.h"
 
-#include <cstring>
-
 #include <unistd.h>
+
+#include <cstring>
 
 namespace {
 

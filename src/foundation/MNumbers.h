@@ -13,7 +13,8 @@ constexpr std::int32_t ToInteger(Float value) {
                                        : std::numeric_limits<std::int32_t>::min();
 }
 
-// `coordinate` brought into 0 to size - 1 by adding or subtracting the size as often as it takes. `size` is above 0.
+// `coordinate` brought into 0 to size - 1 by adding or subtracting the size as often as it takes. `size` is
+// above 0.
 constexpr std::uint32_t Wrap(std::int64_t coordinate, std::uint32_t size) {
     const std::int64_t rest = coordinate % std::int64_t{size};
     return static_cast<std::uint32_t>(rest < 0 ? rest + size : rest);

@@ -2,14 +2,14 @@
 
 #include "foundation/MUtf8.h"
 
+#include <glib.h>
+
 #include <algorithm>
 #include <cstring>
 #include <iterator>
 #include <limits>
 #include <string>
 #include <utility>
-
-#include <glib.h>
 
 namespace {
 
@@ -60,8 +60,8 @@ char16_t OneUnit(gunichar mapped, char16_t unit) {
 }
 
 // Replaces the leftmost occurrence until there is none, in one walk. Whatever stands before the walk holds no
-// occurrence, so the next one to be completed is the leftmost; a replacement goes back to the text still to come,
-// since it may form an occurrence with what stands on either side.
+// occurrence, so the next one to be completed is the leftmost; a replacement goes back to the text still to
+// come, since it may form an occurrence with what stands on either side.
 std::u16string ReplaceUntilNone(View text, View find, View with) {
     std::u16string done;
     std::u16string toCome(text.rbegin(), text.rend());
@@ -122,7 +122,8 @@ MString::MString(std::int32_t value, int minDigits, int radix, char16_t separato
     if (minDigits == 2 && value < base) text.insert(0, u"0");
     if (minDigits == 3) text.insert(0, value < base ? u"00" : value < base * base ? u"0" : u"");
     if (separator != 0 && value > 999 && radix == 10) {
-        for (std::size_t place = text.size(); place > 3; place -= 3) text.insert(place - 3, 1, separator);
+        for (std::size_t place = text.size(); place > 3; place -= 3)
+            text.insert(place - 3, 1, separator);
     }
     Reserve(std::max(room, ToLength(text.size()) + 1), false);
     std::ranges::copy(text, chars);
@@ -390,7 +391,8 @@ void MString::Trim() {
         Release();
         return;
     }
-    while (!isText(last[-1])) --last;
+    while (!isText(last[-1]))
+        --last;
     length = static_cast<std::int32_t>(last - first);
     std::copy(first, last, chars);
     chars[length] = 0;
@@ -443,7 +445,8 @@ void MString::ReplaceChar(char16_t from, char16_t to) {
 }
 
 void MString::NormaliseLineEnds(const MString& with) {
-    for (const char16_t* lineEnd : {u"\r\n", u"\n", u"\r"}) ReplaceAll(lineEnd, with);
+    for (const char16_t* lineEnd : {u"\r\n", u"\n", u"\r"})
+        ReplaceAll(lineEnd, with);
 }
 
 std::int32_t MString::ToInt() const {
@@ -473,7 +476,8 @@ std::int32_t MString::CountLines() const {
 
 MString MString::WithoutTrailingZeros() const {
     ::View text = View();
-    for (int i = 0; i < 2 && text.ends_with(u".0"); ++i) text.remove_suffix(2);
+    for (int i = 0; i < 2 && text.ends_with(u".0"); ++i)
+        text.remove_suffix(2);
     return MString(text);
 }
 
@@ -508,11 +512,13 @@ void MString::Release() {
 std::int32_t ParseInt(const char16_t* text) {
     if (!text) return 0;
     const auto isSpace = [](char16_t unit) { return unit == u' ' || (unit >= u'\t' && unit <= u'\r'); };
-    while (isSpace(*text)) ++text;
+    while (isSpace(*text))
+        ++text;
     const bool negative = *text == u'-';
     if (negative || *text == u'+') ++text;
     constexpr std::int64_t beyond = std::int64_t{std::numeric_limits<std::int32_t>::max()} + 1;
     std::int64_t value = 0;
-    for (; IsDigit(*text); ++text) value = std::min(value * 10 + (*text - u'0'), beyond);
+    for (; IsDigit(*text); ++text)
+        value = std::min(value * 10 + (*text - u'0'), beyond);
     return static_cast<std::int32_t>(negative ? -value : std::min(value, beyond - 1));
 }

@@ -1,10 +1,10 @@
 // The program's text: UTF-16 code units, NUL-terminated, deep copies. Path and extension logic included, with
 // the odd corners that callers rely on.
 //
-// An empty string has two legal forms, which every operation treats alike: no buffer at all ("null form"), and a
-// buffer whose first unit is 0. So Chars() of an empty string may be null. No unit before `length` is 0. Lengths
-// and indices are signed 32-bit; out-of-range indices are ignored or answered with '?'. Exhausted memory inside
-// this class ends the process.
+// An empty string has two legal forms, which every operation treats alike: no buffer at all ("null form"), and
+// a buffer whose first unit is 0. So Chars() of an empty string may be null. No unit before `length` is 0.
+// Lengths and indices are signed 32-bit; out-of-range indices are ignored or answered with '?'. Exhausted
+// memory inside this class ends the process.
 #pragma once
 
 #include <cstdint>
@@ -19,15 +19,15 @@ public:
     MString() = default;
     MString(const MString& other);
     MString(MString&& other) noexcept;
-    MString(const char16_t* text);            // exact capacity; null or empty gives the null form
+    MString(const char16_t* text);               // exact capacity; null or empty gives the null form
     MString(const char* text, int codePage = 0); // see AssignNarrow
     explicit MString(std::u16string_view text);  // cut at the first 0
     // The units `first` to `last`, inclusive. `last` below 0 or past the end means the last unit; a `first`
     // outside the text, or a count below 1, gives the null form.
     MString(const char16_t* text, std::int32_t first, std::int32_t last);
     // A number as text, in lower-case digits. Radix 10 prints a sign, any other radix the 32-bit pattern.
-    // `minDigits` 2 and 3 pad with zeros in front, sign or no sign; other values don't. A `separator` that is not
-    // 0 goes between groups of three digits, for radix 10 and values above 999.
+    // `minDigits` 2 and 3 pad with zeros in front, sign or no sign; other values don't. A `separator` that is
+    // not 0 goes between groups of three digits, for radix 10 and values above 999.
     explicit MString(std::int32_t value, int minDigits = 1, int radix = 10, char16_t separator = 0);
     ~MString() { delete[] chars; }
 
@@ -43,7 +43,7 @@ public:
     bool IsEmpty() const { return length < 1; }
     std::u16string_view View() const;
 
-    char16_t GetChar(std::int32_t index) const; // '?' outside the text
+    char16_t GetChar(std::int32_t index) const;      // '?' outside the text
     void SetChar(std::int32_t index, char16_t unit); // a unit of 0 cuts the text there
     // Room for `newCapacity` units (below 1: the null form). Without `keep` the text becomes empty.
     bool Reserve(std::int32_t newCapacity, bool keep);
@@ -113,8 +113,8 @@ private:
     void MapUnits(std::int32_t count, Map map);
 };
 
-// Leading white space, an optional sign, digits up to the first other unit. Saturates at the 32-bit limits; null
-// or no digits give 0.
+// Leading white space, an optional sign, digits up to the first other unit. Saturates at the 32-bit limits;
+// null or no digits give 0.
 std::int32_t ParseInt(const char16_t* text);
 
 // The unit's simple upper or lower case mapping, when that is one unit too; otherwise the unit itself.

@@ -1,8 +1,8 @@
 #include "foundation/MUtf8.h"
 
-#include <optional>
-
 #include <glib.h>
+
+#include <optional>
 
 namespace {
 
@@ -45,8 +45,7 @@ std::u16string DecodeUtf8(std::string_view bytes, MLoneSurrogates surrogates) {
             bytes.remove_prefix(1);
             continue;
         }
-        const gunichar character =
-            g_utf8_get_char_validated(bytes.data(), static_cast<gssize>(bytes.size()));
+        const gunichar character = g_utf8_get_char_validated(bytes.data(), static_cast<gssize>(bytes.size()));
         if (character <= 0x10FFFF) {
             AppendUnits(units, character);
             bytes.remove_prefix(static_cast<std::size_t>(g_utf8_skip[static_cast<unsigned char>(bytes[0])]));

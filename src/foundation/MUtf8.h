@@ -15,7 +15,7 @@ enum class MLoneSurrogates {
 std::u16string DecodeUtf8(std::string_view bytes, MLoneSurrogates surrogates);
 std::string EncodeUtf8(std::u16string_view units, MLoneSurrogates surrogates);
 
-// A text as the system takes it for names and arguments (UTF-8), and back. Every MString survives the round trip,
-// lone surrogates included.
+// A text as the system takes it for names and arguments (UTF-8), and back. Every MString survives the round
+// trip, lone surrogates included.
 std::string ToSystem(const MString& text);
 MString FromSystem(std::string_view bytes);

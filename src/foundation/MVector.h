@@ -39,9 +39,9 @@ public:
     }
 
     // Makes the array `newCount` elements long (0 or below: empty). An equal count changes nothing, whatever
-    // `keep` says. Otherwise the first elements stay when `keep` is set and the rest are default elements, which
-    // for plain types means uninitialised. False when memory is exhausted: the vector is empty then, its old
-    // contents lost, also when they were to be kept. A line on the debug channel tells of it.
+    // `keep` says. Otherwise the first elements stay when `keep` is set and the rest are default elements,
+    // which for plain types means uninitialised. False when memory is exhausted: the vector is empty then, its
+    // old contents lost, also when they were to be kept. A line on the debug channel tells of it.
     [[nodiscard]] bool Resize(std::int32_t newCount, bool keep) {
         if (newCount == count) return true;
         if (newCount <= 0) {

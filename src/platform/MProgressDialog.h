@@ -1,5 +1,5 @@
-// The one modeless window of the program: a bar and a line of text during a long operation. It tells the desktop
-// only of what changed, since each change repaints at once.
+// The one modeless window of the program: a bar and a line of text during a long operation. It tells the
+// desktop only of what changed, since each change repaints at once.
 #pragma once
 
 #include "platform/Desktop.h"

@@ -3,12 +3,11 @@
 
 #include "TemporaryFolder.h"
 
+#include <nlohmann/json.hpp>
+#include <sys/wait.h>
+
 #include <cstdlib>
 #include <string>
-
-#include <nlohmann/json.hpp>
-
-#include <sys/wait.h>
 
 class Cli {
 public:
@@ -19,8 +18,8 @@ public:
 
     // Arguments as typed in a shell. Returns the status.
     int Run(const std::string& arguments) {
-        const std::string command = "cd '" + folder.path.string() + "' && HOME='" + folder.path.string() + "/home' '" +
-                                    LETTRINO_CLI + "' " + arguments + " >stdout.txt 2>stderr.txt";
+        const std::string command = "cd '" + folder.path.string() + "' && HOME='" + folder.path.string() +
+                                    "/home' '" + LETTRINO_CLI + "' " + arguments + " >stdout.txt 2>stderr.txt";
         const int result = std::system(command.c_str());
         status = WIFEXITED(result) ? WEXITSTATUS(result) : -1;
         out = folder.Read("stdout.txt");

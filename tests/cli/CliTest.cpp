@@ -2,12 +2,12 @@
 
 #include "imaging/MPicture.h"
 
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
 #include <cstring>
 #include <regex>
 #include <vector>
-
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 namespace {
 
@@ -27,7 +27,8 @@ bool SamePixels(const MString& a, const MString& b) {
 
 TEST(Cli, TheMainJob) {
     Cli cli;
-    ASSERT_EQ(cli.Run("--family 'DejaVu Sans' --height 64 --select A-Z,a-z,0-9 --generate --kern --save demo.sm"), 0)
+    ASSERT_EQ(
+        cli.Run("--family 'DejaVu Sans' --height 64 --select A-Z,a-z,0-9 --generate --kern --save demo.sm"), 0)
         << cli.error;
     EXPECT_EQ(cli.out + cli.error, "");
     const auto saved = cli.Info("--open demo.sm --save again.sm");
@@ -49,11 +50,13 @@ TEST(Cli, RoundTrips) {
     for (const int height : {16, 100}) {
         for (const char* face : faces) {
             Cli cli;
-            const std::string choice = std::string(face) + " --height " + std::to_string(height) + " --select all";
+            const std::string choice =
+                std::string(face) + " --height " + std::to_string(height) + " --select all";
             const auto made = cli.Info(choice + " --generate --kern --save f.sm");
             ASSERT_EQ(cli.status, 0) << choice << cli.error;
             EXPECT_GT(made["glyphs"].size(), 180U) << choice;
-            for (const auto& glyph : made["glyphs"]) ASSERT_EQ(glyph["height"], height);
+            for (const auto& glyph : made["glyphs"])
+                ASSERT_EQ(glyph["height"], height);
             EXPECT_GT(made["capHeight"], height / 3);
             EXPECT_EQ(cli.Info("--open f.sm --save g.sm"), made) << choice;
             EXPECT_TRUE(SamePixels(cli.folder.File("f.png"), cli.folder.File("g.png")));
@@ -70,7 +73,8 @@ TEST(Cli, TheLargestHeight) {
 
 TEST(Cli, EditsTheFont) {
     Cli cli;
-    const auto info = cli.Info("--family 'DejaVu Sans' --select A,V,x --generate --kern --set-kerning A,V,-9 --set-kerning x,U+20AC,3 --remove x");
+    const auto info = cli.Info("--family 'DejaVu Sans' --select A,V,x --generate --kern --set-kerning A,V,-9 "
+                               "--set-kerning x,U+20AC,3 --remove x");
     ASSERT_EQ(cli.status, 0) << cli.error;
     EXPECT_EQ(info["glyphs"].size(), 2U);
     bool found = false;
@@ -89,7 +93,9 @@ TEST(Cli, EditsTheFont) {
 
 TEST(Cli, PlainGlyphsCarryTheirColour) {
     Cli cli;
-    ASSERT_EQ(cli.Run("--family 'DejaVu Sans' --height 40 --colour 2060C0 --select H --generate --single-files ."), 0);
+    ASSERT_EQ(
+        cli.Run("--family 'DejaVu Sans' --height 40 --colour 2060C0 --select H --generate --single-files ."),
+        0);
     MPicture glyph(cli.folder.File("C72.png"));
     ASSERT_TRUE(glyph.IsValid());
     EXPECT_EQ(glyph.GetPixel(static_cast<std::int32_t>(glyph.Width) / 2, 0), MColour(0x20, 0x60, 0xC0, 0));
@@ -149,9 +155,13 @@ TEST(Cli, FailuresNameStepFileAndReason) {
 TEST(Cli, WrongUsageDoesNothing) {
     Cli cli;
     for (const char* arguments :
-         {"", "--nonsense", "--height", "--height tall", "--colour red", "--colour 12345G", "--select A-", "--select Z-A",
-          "--select U+20AC", "--select A,,B", "--set-kerning A,B", "--remove AB", "--generate=no", "stray", "--weight 9999999999"}) {
-        EXPECT_EQ(cli.Run("--family 'DejaVu Sans' --select A --generate --save made.sm " + std::string(arguments)), arguments[0] ? 2 : 0) << arguments;
+         {"", "--nonsense", "--height", "--height tall", "--colour red", "--colour 12345G", "--select A-",
+          "--select Z-A", "--select U+20AC", "--select A,,B", "--set-kerning A,B", "--remove AB",
+          "--generate=no", "stray", "--weight 9999999999"}) {
+        EXPECT_EQ(
+            cli.Run("--family 'DejaVu Sans' --select A --generate --save made.sm " + std::string(arguments)),
+            arguments[0] ? 2 : 0)
+            << arguments;
         if (arguments[0]) {
             EXPECT_FALSE(cli.Has("made.sm")) << arguments;
             EXPECT_EQ(std::count(cli.error.begin(), cli.error.end(), '\n'), 1) << cli.error;
@@ -166,15 +176,21 @@ TEST(Cli, UnderstandsSelections) {
         const char* set;
         std::vector<int> codes;
     } cases[] = {
-        {"A-C,x", {65, 66, 67, 120}},      {"48-50,5", {48, 49, 50, 53}}, {"U+00E9,\xC3\xA8", {232, 233}},
-        {"U+0041-U+0043", {65, 66, 67}},   {"20-34", {33, 34}},           {"-", {45}},
-        {"+--", {43, 44, 45}},             {"'", {39}},
+        {"A-C,x", {65, 66, 67, 120}},
+        {"48-50,5", {48, 49, 50, 53}},
+        {"U+00E9,\xC3\xA8", {232, 233}},
+        {"U+0041-U+0043", {65, 66, 67}},
+        {"20-34", {33, 34}},
+        {"-", {45}},
+        {"+--", {43, 44, 45}},
+        {"'", {39}},
     };
     for (const auto& c : cases) {
         Cli cli;
         const auto info = cli.Info(std::string("--family 'DejaVu Sans' --select \"") + c.set + "\" --generate");
         std::vector<int> codes;
-        for (const auto& glyph : info["glyphs"]) codes.push_back(glyph["code"]);
+        for (const auto& glyph : info["glyphs"])
+            codes.push_back(glyph["code"]);
         std::sort(codes.begin(), codes.end());
         EXPECT_EQ(codes, c.codes) << c.set << cli.error;
     }
@@ -182,8 +198,10 @@ TEST(Cli, UnderstandsSelections) {
 
 TEST(Cli, HeightsAreLimitedAsInTheDialogs) {
     Cli cli;
-    for (const auto& [asked, given] : {std::pair(5, 16), std::pair(5000, 1024), std::pair(-3, 16), std::pair(101, 101)}) {
-        EXPECT_EQ(cli.Info("--height " + std::to_string(asked) + " --select A --generate")["glyphHeight"], given);
+    for (const auto& [asked, given] :
+         {std::pair(5, 16), std::pair(5000, 1024), std::pair(-3, 16), std::pair(101, 101)}) {
+        EXPECT_EQ(cli.Info("--height " + std::to_string(asked) + " --select A --generate")["glyphHeight"],
+                  given);
     }
 }
 
@@ -202,24 +220,33 @@ TEST(Cli, HelpVersionAndFonts) {
     EXPECT_EQ(std::count_if(fonts.begin(), fonts.end(), isLiberationBold), 1);
     for (const auto& face : fonts) {
         const bool isEmoji = face["family"] == "Noto Color Emoji";
-        EXPECT_EQ(face["colour"], isEmoji ? nlohmann::json::array({"CBDT"}) : nlohmann::json::array()) << face["family"];
+        EXPECT_EQ(face["colour"], isEmoji ? nlohmann::json::array({"CBDT"}) : nlohmann::json::array())
+            << face["family"];
     }
 }
 
 TEST(Cli, ColourFontsComeInTheirColours) {
     Cli cli;
-    ASSERT_EQ(cli.Run("--family 'Noto Color Emoji' --colour-font --height 60 --select 0-9,U+00A9 --generate --single-files ."), 0)
+    ASSERT_EQ(cli.Run("--family 'Noto Color Emoji' --colour-font --height 60 --select 0-9,U+00A9 --generate "
+                      "--single-files ."),
+              0)
         << cli.error;
     MPicture glyph(cli.folder.File("C57.png"));
     ASSERT_TRUE(glyph.IsValid());
     std::uint32_t inked = 0;
     for (std::int32_t i = 0; i < static_cast<std::int32_t>(glyph.Width * glyph.Height); ++i) {
-        if (glyph.GetPixel(i % static_cast<std::int32_t>(glyph.Width), i / static_cast<std::int32_t>(glyph.Width)).a > 0) ++inked;
+        if (glyph
+                .GetPixel(i % static_cast<std::int32_t>(glyph.Width),
+                          i / static_cast<std::int32_t>(glyph.Width))
+                .a > 0)
+            ++inked;
     }
     EXPECT_GT(inked, 50U);
     glyph.Free();
     // A plain family on this path comes out white, whatever the colour.
-    ASSERT_EQ(cli.Run("--family 'DejaVu Sans' --colour 2060C0 --colour-font --select H --generate --single-files ."), 0);
+    ASSERT_EQ(
+        cli.Run("--family 'DejaVu Sans' --colour 2060C0 --colour-font --select H --generate --single-files ."),
+        0);
     MPicture plain(cli.folder.File("C72.png"));
     EXPECT_EQ(plain.GetPixel(2, static_cast<std::int32_t>(plain.Height) / 2), MColour(255, 255, 255, 255));
     plain.Free();
@@ -231,7 +258,8 @@ TEST(Cli, PicturesBecomeGlyphs) {
     for (const char* name : {"set/A.png", "set/B.PNG", "set/C.png", "set/E.png"}) {
         MPicture picture(30, 48, FormatRGBA8);
         picture.Fill(MColour(0, 0, 0, 0));
-        for (std::int32_t y = 8; y < 40; ++y) picture.SetPixel(5, y, MColour(1, 2, 3));
+        for (std::int32_t y = 8; y < 40; ++y)
+            picture.SetPixel(5, y, MColour(1, 2, 3));
         ASSERT_TRUE(picture.Save(cli.folder.File(name)));
         picture.Free();
     }
@@ -257,7 +285,9 @@ TEST(Cli, WholeFontEditsWebAndCubes) {
     EXPECT_EQ(cli.Info(make + "--ascii-only")["glyphs"].size(), 26U);
     EXPECT_LT(cli.Info(make + "--trim-rows")["glyphHeight"], 40);
     EXPECT_EQ(cli.Run(make + "--html demo.html"), 0) << cli.error;
-    for (const char* file : {"demo.html", "demo.js", "demo.png", "lettrino-1.0.js", "try.js", "try.css", "colourpicker.png"}) EXPECT_TRUE(cli.Has(file)) << file;
+    for (const char* file :
+         {"demo.html", "demo.js", "demo.png", "lettrino-1.0.js", "try.js", "try.css", "colourpicker.png"})
+        EXPECT_TRUE(cli.Has(file)) << file;
     EXPECT_EQ(cli.Run(make + "--minimal-html my-font.html"), 0);
     EXPECT_THAT(cli.error, HasSubstr("warning"));
     EXPECT_EQ(cli.Run(make + "--html 'my font.html'"), 1);

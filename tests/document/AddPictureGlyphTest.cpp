@@ -42,7 +42,9 @@ protected:
             }
         }
         if (coloured == 0) return {0, 0, 0, 0};
-        const auto mean = [](float sum, int count) { return static_cast<std::uint8_t>(sum / static_cast<float>(count)); };
+        const auto mean = [](float sum, int count) {
+            return static_cast<std::uint8_t>(sum / static_cast<float>(count));
+        };
         return {mean(r, coloured), mean(g, coloured), mean(b, coloured), mean(a, all)};
     }
 };
@@ -52,7 +54,8 @@ TEST_F(AddPictureGlyphTest, ResamplesByPointSets) {
     for (const MPixelFormat format : {FormatRGBA8, FormatRGB8, FormatR16, FormatRGBAHalf}) {
         for (int round = 0; round < 25; ++round) {
             const auto pick = [&](unsigned most) { return static_cast<std::int32_t>(random() % most); };
-            MPicture picture(static_cast<std::uint32_t>(1 + pick(90)), static_cast<std::uint32_t>(1 + pick(200)), format);
+            MPicture picture(static_cast<std::uint32_t>(1 + pick(90)),
+                             static_cast<std::uint32_t>(1 + pick(200)), format);
             FillWithNoise(picture, static_cast<unsigned>(round));
             settings.GlyphHeight = 1 + pick(60);
             settings.PaddingTop = pick(20);
@@ -60,10 +63,13 @@ TEST_F(AddPictureGlyphTest, ResamplesByPointSets) {
             ASSERT_TRUE(font.AddPictureGlyph(u'x', picture, 3, -4, false));
             const MGlyph& glyph = *font.GetGlyph(u'x');
             ASSERT_EQ(glyph.Width, settings.GlyphHeight * static_cast<std::int32_t>(picture.Width) /
-                                       (settings.PaddingTop + settings.PaddingBottom + static_cast<std::int32_t>(picture.Height)));
-            ASSERT_EQ(std::tuple(glyph.Height, glyph.SpacingBefore, glyph.SpacingAfter, glyph.FromPicture), std::tuple(settings.GlyphHeight, 3, -4, true));
+                                       (settings.PaddingTop + settings.PaddingBottom +
+                                        static_cast<std::int32_t>(picture.Height)));
+            ASSERT_EQ(std::tuple(glyph.Height, glyph.SpacingBefore, glyph.SpacingAfter, glyph.FromPicture),
+                      std::tuple(settings.GlyphHeight, 3, -4, true));
             for (std::int32_t y = 0; y < glyph.Height; ++y) {
-                for (std::int32_t x = 0; x < glyph.Width; ++x) ASSERT_EQ(glyph.GetPixel(x, y), PlainPixel(picture, glyph, x, y));
+                for (std::int32_t x = 0; x < glyph.Width; ++x)
+                    ASSERT_EQ(glyph.GetPixel(x, y), PlainPixel(picture, glyph, x, y));
             }
             picture.Free();
         }
@@ -74,7 +80,8 @@ TEST_F(AddPictureGlyphTest, ExactSizeIsCopiedAndPaddingStaysTransparent) {
     MPicture picture(50, 100, FormatRGBA8);
     FillWithNoise(picture, 1);
     ASSERT_TRUE(font.AddPictureGlyph(u'x', picture, 0, 0, false));
-    for (std::int32_t i = 0; i < 50; ++i) EXPECT_EQ(font.GetGlyph(u'x')->GetPixel(i, 2 * i), picture.GetPixel(i, 2 * i));
+    for (std::int32_t i = 0; i < 50; ++i)
+        EXPECT_EQ(font.GetGlyph(u'x')->GetPixel(i, 2 * i), picture.GetPixel(i, 2 * i));
     picture.Free();
 
     picture = MPicture(100, 100, FormatRGB8);
@@ -84,15 +91,18 @@ TEST_F(AddPictureGlyphTest, ExactSizeIsCopiedAndPaddingStaysTransparent) {
     ASSERT_TRUE(font.AddPictureGlyph(u'x', picture, 0, 0, false));
     const MGlyph& glyph = *font.GetGlyph(u'x');
     EXPECT_EQ(glyph.Width, 50);
-    for (const std::int32_t y : {0, 3, 55, 59}) EXPECT_EQ(glyph.GetPixel(25, y).a, 0) << y;
-    for (const std::int32_t y : {4, 54}) EXPECT_NE(glyph.GetPixel(25, y).a, 0) << y;
+    for (const std::int32_t y : {0, 3, 55, 59})
+        EXPECT_EQ(glyph.GetPixel(25, y).a, 0) << y;
+    for (const std::int32_t y : {4, 54})
+        EXPECT_NE(glyph.GetPixel(25, y).a, 0) << y;
     picture.Free();
 }
 
 TEST_F(AddPictureGlyphTest, LetterAIsMeasuredOnTheSource) {
     MPicture picture(10, 40, FormatRGBA8);
     picture.Fill(MColour(0, 0, 0, 0));
-    for (std::int32_t y = 5; y < 30; ++y) picture.SetPixel(3, y, MColour(1, 1, 1));
+    for (std::int32_t y = 5; y < 30; ++y)
+        picture.SetPixel(3, y, MColour(1, 1, 1));
     font.CapHeight = font.Baseline = 999;
     ASSERT_TRUE(font.AddPictureGlyph(u'B', picture, 0, 0, true));
     EXPECT_EQ(font.CapHeight, 999);
@@ -116,7 +126,8 @@ TEST_F(AddPictureGlyphTest, WhatIsRefused) {
         EXPECT_FALSE(font.GetGlyph(u'x')->Picture.IsValid());
     }
     settings.GlyphHeight = 10;
-    for (char16_t c = 1; c < 223; ++c) AddGlyph(font, static_cast<char16_t>(1000 + c), 1, 1);
+    for (char16_t c = 1; c < 223; ++c)
+        AddGlyph(font, static_cast<char16_t>(1000 + c), 1, 1);
     EXPECT_FALSE(font.AddPictureGlyph(u'y', picture, 0, 0, false));
     picture.Free();
 }

@@ -40,7 +40,8 @@ protected:
                                  static_cast<std::int32_t>(rows.size()));
         for (std::int32_t y = 0; y < glyph.Height; ++y) {
             for (std::int32_t x = 0; x < glyph.Width; ++x) {
-                if (rows[static_cast<std::size_t>(y)][static_cast<std::size_t>(x)] != ' ') glyph.SetPixel(x, y, {0, 0, 0, 1});
+                if (rows[static_cast<std::size_t>(y)][static_cast<std::size_t>(x)] != ' ')
+                    glyph.SetPixel(x, y, {0, 0, 0, 1});
             }
         }
     }
@@ -54,13 +55,15 @@ protected:
 TEST_F(GenerateKerningTest, MeasuresTheClosestSharedRow) {
     Draw(u'L', {"x   ", "xxx "});
     Draw(u'T', {" x  ", "    "});
-    Draw(u'_', {"    ", "xxxx"});  // touches
-    Draw(u' ', {"  x ", "  x "});  // takes no kerning
-    Draw(u'i', {" x "});           // of another height
-    Draw(u'0', {"    ", "    "});  // no ink
-    font.SetKerning('a', 'b', 5);  // lost
-    EXPECT_EQ(Generate(), (std::vector<MKerningPair>{{'L', 'L', -1}, {'L', 'T', -4}, {'L', '_', -1},
-                                                     {'T', 'L', -2}, {'T', 'T', -3}, {'i', 'i', -2}}));
+    Draw(u'_', {"    ", "xxxx"}); // touches
+    Draw(u' ', {"  x ", "  x "}); // takes no kerning
+    Draw(u'i', {" x "});          // of another height
+    Draw(u'0', {"    ", "    "}); // no ink
+    font.SetKerning('a', 'b', 5); // lost
+    EXPECT_EQ(
+        Generate(),
+        (std::vector<MKerningPair>{
+            {'L', 'L', -1}, {'L', 'T', -4}, {'L', '_', -1}, {'T', 'L', -2}, {'T', 'T', -3}, {'i', 'i', -2}}));
 }
 
 TEST_F(GenerateKerningTest, AnyFontAsTheRowScan) {
@@ -68,9 +71,11 @@ TEST_F(GenerateKerningTest, AnyFontAsTheRowScan) {
     for (int round = 0; round < 30; ++round) {
         font.Clear();
         for (char16_t c = 30; c < 45; ++c) {
-            MGlyph& glyph = AddGlyph(font, c, static_cast<std::int32_t>(random() % 20), static_cast<std::int32_t>(8 + random() % 2));
+            MGlyph& glyph = AddGlyph(font, c, static_cast<std::int32_t>(random() % 20),
+                                     static_cast<std::int32_t>(8 + random() % 2));
             for (auto dots = random() % 12; dots > 0 && glyph.Picture.IsValid(); --dots) {
-                glyph.SetPixel(static_cast<std::int32_t>(random() % 20), static_cast<std::int32_t>(random() % 8), {0, 0, 0, 1});
+                glyph.SetPixel(static_cast<std::int32_t>(random() % 20),
+                               static_cast<std::int32_t>(random() % 8), {0, 0, 0, 1});
             }
             if (random() % 5 == 0) glyph.Width += 3; // differs from its picture
         }

@@ -16,7 +16,8 @@ protected:
     // The codes in slot order, "." for a hole, up to the last glyph.
     std::string Slots() const {
         std::string text;
-        for (const auto& slot : font.Glyphs) text += slot ? static_cast<char>(slot->Character) : '.';
+        for (const auto& slot : font.Glyphs)
+            text += slot ? static_cast<char>(slot->Character) : '.';
         return text.substr(0, text.find_last_not_of('.') + 1);
     }
 
@@ -35,7 +36,8 @@ TEST_F(ColourFontTest, StartsEmptyWithHalfTheHeightAsSpace) {
 }
 
 TEST_F(ColourFontTest, SlotsArePlacesAndNotCharacters) {
-    for (const char16_t c : std::u16string_view(u"CAB")) AddGlyph(font, c, 1, 1);
+    for (const char16_t c : std::u16string_view(u"CAB"))
+        AddGlyph(font, c, 1, 1);
     EXPECT_EQ(Slots(), "CAB");
     AddGlyph(font, u'A', 5, 1); // keeps its slot
     EXPECT_EQ(Slots(), "CAB");
@@ -55,7 +57,8 @@ TEST_F(ColourFontTest, SlotsArePlacesAndNotCharacters) {
 }
 
 TEST_F(ColourFontTest, HasRoomFor223Glyphs) {
-    for (char16_t c = 33; c <= 255; ++c) AddGlyph(font, c, c, 300 - c);
+    for (char16_t c = 33; c <= 255; ++c)
+        AddGlyph(font, c, c, 300 - c);
     EXPECT_EQ(font.ClaimSlot(u'\u20AC'), -1);
     EXPECT_EQ(font.ClaimSlot(u'!'), 0);
     EXPECT_EQ(font.MaxGlyphWidth(), 255);
@@ -91,8 +94,8 @@ TEST_F(ColourFontTest, KerningPairs) {
 }
 
 TEST_F(ColourFontTest, RemovingAGlyphFillsItsPairsFromTheEnd) {
-    for (const auto& pair : std::vector<MKerningPair>{
-             {'A', 'B', 1}, {'C', 'D', 2}, {'E', 'A', 3}, {'D', 'E', 4}, {'A', 'A', 5}}) {
+    for (const auto& pair :
+         std::vector<MKerningPair>{{'A', 'B', 1}, {'C', 'D', 2}, {'E', 'A', 3}, {'D', 'E', 4}, {'A', 'A', 5}}) {
         font.SetKerning(static_cast<std::int32_t>(pair.Left), pair.Right, pair.Amount);
     }
     font.RemoveGlyph(u'A');
@@ -100,7 +103,8 @@ TEST_F(ColourFontTest, RemovingAGlyphFillsItsPairsFromTheEnd) {
 }
 
 TEST_F(ColourFontTest, SortingByAmountKeepsEqualPairsInOrder) {
-    for (const int right : {'a', 'b', 'c', 'd', 'e'}) font.SetKerning('A', static_cast<std::uint32_t>(right), right % 2);
+    for (const int right : {'a', 'b', 'c', 'd', 'e'})
+        font.SetKerning('A', static_cast<std::uint32_t>(right), right % 2);
     font.SortKerningByAmount();
     EXPECT_EQ(Pairs(), (std::vector<MKerningPair>{
                            {'A', 'b', 0}, {'A', 'd', 0}, {'A', 'a', 1}, {'A', 'c', 1}, {'A', 'e', 1}}));

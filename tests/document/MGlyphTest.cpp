@@ -1,8 +1,8 @@
 #include "document/MGlyph.h"
 
-#include <vector>
-
 #include <gtest/gtest.h>
+
+#include <vector>
 
 namespace {
 
@@ -11,7 +11,8 @@ constexpr MColour transparent{0, 0, 0, 0};
 
 // A glyph with one row of ink in the columns `first` to `last`; each column's red is its number.
 MGlyph& Ink(MGlyph& glyph, std::int32_t first, std::int32_t last) {
-    for (std::int32_t x = first; x <= last; ++x) glyph.SetPixel(x, 1, {static_cast<std::uint8_t>(x), 0, 0, 255});
+    for (std::int32_t x = first; x <= last; ++x)
+        glyph.SetPixel(x, 1, {static_cast<std::uint8_t>(x), 0, 0, 255});
     return glyph;
 }
 
@@ -39,10 +40,10 @@ TEST(Glyph, TrimKeepsOneEmptyColumnAtTheRight) {
         std::vector<int> columns; // red of each column left, -1 for transparent
     } cases[] = {
         {3, 6, {3, 4, 5, 6, -1}},
-        {2, 9, {2, 3, 4, 5, 6, 7, 8, 9, -1}},                      // column 0, by wrapping around
-        {1, 9, {-1, 1, 2, 3, 4, 5, 6, 7, 8, 9}},                   // nothing to gain
+        {2, 9, {2, 3, 4, 5, 6, 7, 8, 9, -1}},    // column 0, by wrapping around
+        {1, 9, {-1, 1, 2, 3, 4, 5, 6, 7, 8, 9}}, // nothing to gain
         {0, 8, {0, 1, 2, 3, 4, 5, 6, 7, 8, -1}},
-        {1, 0, {-1, -1, -1, -1, -1, -1, -1, -1, -1, -1}},          // no ink at all
+        {1, 0, {-1, -1, -1, -1, -1, -1, -1, -1, -1, -1}}, // no ink at all
     };
     for (const auto& c : cases) {
         MGlyph glyph(u'A', 10, 3, 4, 5, true);
@@ -59,7 +60,8 @@ TEST(Glyph, TrimKeepsOneEmptyColumnAtTheRight) {
 
 TEST(Glyph, TrimRowsTakesFromBothEnds) {
     MGlyph glyph(u'A', 2, 10, 0, 0, false);
-    for (std::int32_t y = 0; y < 10; ++y) glyph.SetPixel(1, y, {static_cast<std::uint8_t>(y), 0, 0});
+    for (std::int32_t y = 0; y < 10; ++y)
+        glyph.SetPixel(1, y, {static_cast<std::uint8_t>(y), 0, 0});
     glyph.TrimRows(6, 4); // nothing would be left
     glyph.TrimRows(0xFFFFFFFF, 5);
     EXPECT_EQ(glyph.Height, 10);

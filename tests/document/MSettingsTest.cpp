@@ -13,7 +13,8 @@ TEST_F(SettingsTest, DefaultsTouchNoFolder) {
     EXPECT_EQ(settings.SelectedCount(), 26);
     EXPECT_EQ(Narrow(settings.FontName), "Arial Black");
     EXPECT_EQ(settings.Colour, MColour(255, 0, 0));
-    for (const MString& path : settings.Paths) EXPECT_TRUE(path.IsEmpty());
+    for (const MString& path : settings.Paths)
+        EXPECT_TRUE(path.IsEmpty());
     settings.Selected[32] = 1; // has no meaning
     settings.Selected[255] = 1;
     EXPECT_EQ(settings.SelectedCount(), 27);

@@ -79,7 +79,8 @@ protected:
             ASSERT_EQ(std::pair(glyph->X, glyph->Y), plain.places[placed++]);
         }
         ASSERT_EQ(std::memcmp(font.Picture.Pixels, plain.picture.Pixels,
-                              std::size_t{plain.picture.Stride} * plain.picture.Height), 0);
+                              std::size_t{plain.picture.Stride} * plain.picture.Height),
+                  0);
     }
 };
 
@@ -88,13 +89,10 @@ TEST_F(RepackTest, KnownSizes) {
         Sizes sizes;
         std::int32_t width, height, lastX, lastY;
     } cases[] = {
-        {{{100, 100}}, 128, 256, 16, 132},
-        {{{95, 10}}, 128, 128, 16, 16},
+        {{{100, 100}}, 128, 256, 16, 132}, {{{95, 10}}, 128, 128, 16, 16},
         {{{96, 10}}, 128, 128, 16, 42}, // its right edge 16 from the border breaks even an empty row
-        {{{300, 10}}, 128, 128, 16, 42},
-        {Sizes(26, {80, 100}), 1024, 512, 496, 248},
-        {{{10, 95}}, 128, 128, 16, 16},
-        {{{10, 96}}, 128, 256, 16, 16},
+        {{{300, 10}}, 128, 128, 16, 42},   {Sizes(26, {80, 100}), 1024, 512, 496, 248},
+        {{{10, 95}}, 128, 128, 16, 16},    {{{10, 96}}, 128, 256, 16, 16},
     };
     for (const auto& c : cases) {
         font.Clear();
@@ -136,7 +134,8 @@ TEST_F(RepackTest, AnEmptyFontHasAnEmptyPicture) {
     ASSERT_TRUE(font.Repack());
     EXPECT_EQ(font.PictureWidth, 128);
     EXPECT_EQ(font.PictureHeight, 128);
-    EXPECT_TRUE(std::all_of(font.Picture.Pixels, font.Picture.Pixels + 128 * 128 * 4, [](auto byte) { return byte == 0; }));
+    EXPECT_TRUE(std::all_of(font.Picture.Pixels, font.Picture.Pixels + 128 * 128 * 4,
+                            [](auto byte) { return byte == 0; }));
     EXPECT_EQ(font.GetGlyph(u'A')->X, 77); // takes no room and keeps its place
 }
 

@@ -14,7 +14,8 @@ protected:
 
     void AddInk(char16_t character, std::int32_t firstRow, std::int32_t lastRow) {
         MGlyph& glyph = AddGlyph(font, character, 10, 30);
-        for (std::int32_t y = firstRow; y <= lastRow; ++y) glyph.SetPixel(4, y, {1, 2, 3, 255});
+        for (std::int32_t y = firstRow; y <= lastRow; ++y)
+            glyph.SetPixel(4, y, {1, 2, 3, 255});
     }
 };
 
@@ -39,7 +40,8 @@ TEST_F(WholeFontEditsTest, ScaleTruncatesFloats) {
         EXPECT_EQ(std::tuple(glyph.Width, glyph.Height, glyph.SpacingBefore, glyph.SpacingAfter),
                   std::tuple(c.newWidth, c.newHeight, c.newBefore, c.newAfter));
         EXPECT_EQ(glyph.Picture.Width, static_cast<std::uint32_t>(c.newWidth));
-        EXPECT_EQ(std::tuple(font.Baseline, font.CapHeight, font.SpaceWidth), std::tuple(c.newBaseline, c.newBaseline, c.newBaseline));
+        EXPECT_EQ(std::tuple(font.Baseline, font.CapHeight, font.SpaceWidth),
+                  std::tuple(c.newBaseline, c.newBaseline, c.newBaseline));
         EXPECT_EQ(font.Kerning.data[0].Amount, c.newAmount); // stays, also with amount 0
     }
     EXPECT_EQ(settings.GlyphHeight, 100); // the caller's to set
@@ -81,7 +83,8 @@ TEST_F(WholeFontEditsTest, TrimmingAnEmptyFontTakes10000OnEitherSide) {
 }
 
 TEST_F(WholeFontEditsTest, RemoveNonAscii) {
-    for (const char16_t c : {u'A', char16_t{127}, char16_t{128}, u'\u20AC'}) AddGlyph(font, c, 1, 1);
+    for (const char16_t c : {u'A', char16_t{127}, char16_t{128}, u'\u20AC'})
+        AddGlyph(font, c, 1, 1);
     font.SetKerning('A', 127, 1);
     font.SetKerning('A', 0x20AC, 2);
     font.SetKerning('A', 0x3042, 3); // names no glyph

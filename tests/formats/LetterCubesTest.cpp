@@ -15,7 +15,8 @@ namespace {
 std::vector<std::string> Cubes(const std::vector<MString>& names) {
     const MLetterCubes result(names);
     std::vector<std::string> texts;
-    for (const auto& cube : result.cubes) texts.emplace_back(cube.begin(), cube.end());
+    for (const auto& cube : result.cubes)
+        texts.emplace_back(cube.begin(), cube.end());
     return texts;
 }
 
@@ -28,7 +29,8 @@ TEST(LetterCubes, NamesFromAList) {
     };
     for (const auto& [list, names] : cases) {
         std::vector<std::string> read;
-        for (const MString& name : MLetterCubes::ReadNames(list)) read.push_back(Narrow(name));
+        for (const MString& name : MLetterCubes::ReadNames(list))
+            read.push_back(Narrow(name));
         EXPECT_EQ(read, names) << list;
     }
 }
@@ -64,7 +66,8 @@ protected:
     LetterCubesExportTest() {
         settings.LetterCubesNames = "Bo";
         settings.BackgroundColour = MColour(200, 100, 51);
-        for (char16_t c = u'A'; c <= u'Z'; ++c) FillWithNoise(AddGlyph(font, c, 20 + c % 7, 31).Picture, c);
+        for (char16_t c = u'A'; c <= u'Z'; ++c)
+            FillWithNoise(AddGlyph(font, c, 20 + c % 7, 31).Picture, c);
     }
 
     // The net of one cube, pixel by pixel and line by line.
@@ -72,9 +75,11 @@ protected:
         const std::int32_t w = std::max(font.MaxGlyphWidth(), font.MaxGlyphHeight());
         const std::int32_t t = w / 10;
         const MColour ground = settings.BackgroundColour;
-        MPicture net(static_cast<std::uint32_t>(4 * w + 3 * t), static_cast<std::uint32_t>(3 * w + 2 * t), FormatRGB8);
+        MPicture net(static_cast<std::uint32_t>(4 * w + 3 * t), static_cast<std::uint32_t>(3 * w + 2 * t),
+                     FormatRGB8);
         net.Fill(ground);
-        const std::pair<std::int32_t, std::int32_t> cells[] = {{t, w + t}, {w + t, w + t}, {2 * w + t, w + t}, {3 * w + t, w + t}, {w + t, t}, {w + t, 2 * w + t}};
+        const std::pair<std::int32_t, std::int32_t> cells[] = {
+            {t, w + t}, {w + t, w + t}, {2 * w + t, w + t}, {3 * w + t, w + t}, {w + t, t}, {w + t, 2 * w + t}};
         for (std::size_t f = 0; f < 6; ++f) {
             const MGlyph& glyph = *font.GetGlyph(static_cast<char16_t>(cube[f]));
             for (std::int32_t i = 0; i < w; ++i) {
@@ -84,25 +89,43 @@ protected:
                     MColour source = ground;
                     if (x >= 0 && y >= 0 && x < glyph.Width && y < glyph.Height) source = glyph.GetPixel(x, y);
                     const auto a = static_cast<float>(source.a / 255.0);
-                    const auto mix = [&](std::uint8_t s, std::uint8_t b) { return static_cast<std::uint8_t>(static_cast<float>(s) * a + static_cast<float>(b) * (1 - a)); };
-                    net.SetPixel(cells[f].first + i, cells[f].second + j, MColour(mix(source.r, ground.r), mix(source.g, ground.g), mix(source.b, ground.b)));
+                    const auto mix = [&](std::uint8_t s, std::uint8_t b) {
+                        return static_cast<std::uint8_t>(static_cast<float>(s) * a +
+                                                         static_cast<float>(b) * (1 - a));
+                    };
+                    net.SetPixel(
+                        cells[f].first + i, cells[f].second + j,
+                        MColour(mix(source.r, ground.r), mix(source.g, ground.g), mix(source.b, ground.b)));
                 }
             }
         }
         const MColour line(100, 50, 25); // half-way to black, truncated
-        const auto draw = [&](std::int32_t x0, std::int32_t y0, std::int32_t x1, std::int32_t y1) { net.DrawLine(x0, y0, x1, y1, line); };
+        const auto draw = [&](std::int32_t x0, std::int32_t y0, std::int32_t x1, std::int32_t y1) {
+            net.DrawLine(x0, y0, x1, y1, line);
+        };
         const std::int32_t x1 = t, x2 = w + t, x3 = 2 * w + t, x4 = 3 * w + t, x5 = 4 * w + t;
         const std::int32_t y1 = t, y2 = w + t, y3 = 2 * w + t, y4 = 3 * w + t;
-        draw(x1, y2, x1, y3); draw(x2, y1, x3, y1); draw(x2, y4, x3, y4);
-        draw(x1, y2, x5, y2); draw(x1, y3, x5, y3);
-        draw(x2, y1, x2, y4); draw(x3, y1, x3, y4);
-        draw(x4, y2, x4, y3); draw(x5, y2, x5, y3);
+        draw(x1, y2, x1, y3);
+        draw(x2, y1, x3, y1);
+        draw(x2, y4, x3, y4);
+        draw(x1, y2, x5, y2);
+        draw(x1, y3, x5, y3);
+        draw(x2, y1, x2, y4);
+        draw(x3, y1, x3, y4);
+        draw(x4, y2, x4, y3);
+        draw(x5, y2, x5, y3);
         for (const std::int32_t k : {0, 2, 3}) {
             const std::int32_t x = 2 * t + k * w;
-            draw(x - t, y2, x, w); draw(x, w, x + w - 2 * t, w); draw(x + w - 2 * t, w, x + w - t, y2);
-            draw(x - t, y3, x, 2 * w + 2 * t); draw(x, 2 * w + 2 * t, x + w - 2 * t, 2 * w + 2 * t); draw(x + w - 2 * t, 2 * w + 2 * t, x + w - t, y3);
+            draw(x - t, y2, x, w);
+            draw(x, w, x + w - 2 * t, w);
+            draw(x + w - 2 * t, w, x + w - t, y2);
+            draw(x - t, y3, x, 2 * w + 2 * t);
+            draw(x, 2 * w + 2 * t, x + w - 2 * t, 2 * w + 2 * t);
+            draw(x + w - 2 * t, 2 * w + 2 * t, x + w - t, y3);
         }
-        draw(x5, y2, 4 * w + 2 * t, w + 2 * t); draw(4 * w + 2 * t, w + 2 * t, 4 * w + 2 * t, 2 * w); draw(x5, y3, 4 * w + 2 * t, 2 * w);
+        draw(x5, y2, 4 * w + 2 * t, w + 2 * t);
+        draw(4 * w + 2 * t, w + 2 * t, 4 * w + 2 * t, 2 * w);
+        draw(x5, y3, 4 * w + 2 * t, 2 * w);
         return net;
     }
 };
@@ -115,7 +138,9 @@ TEST_F(LetterCubesExportTest, TheNetPixelForPixel) {
         MPicture plain = PlainNet(cube);
         ASSERT_TRUE(saved.IsValid() && plain.IsValid());
         ASSERT_EQ(std::pair(saved.Width, saved.Height), std::pair(plain.Width, plain.Height));
-        EXPECT_TRUE(std::equal(saved.Pixels, saved.Pixels + std::size_t{saved.Stride} * saved.Height, plain.Pixels)) << file;
+        EXPECT_TRUE(
+            std::equal(saved.Pixels, saved.Pixels + std::size_t{saved.Stride} * saved.Height, plain.Pixels))
+            << file;
         saved.Free();
         plain.Free();
     }
@@ -146,7 +171,8 @@ TEST_F(LetterCubesExportTest, Refusals) {
         return Headless::record.messages.empty() ? std::string() : Narrow(Headless::record.messages[0].text);
     };
     EXPECT_EQ(refused(""), "");
-    EXPECT_EQ(refused("Bo\nX1"), "I can't create letter cubes cut-outs because the name \"X1\" is using the letter 1, which is not present in this alphabet.");
+    EXPECT_EQ(refused("Bo\nX1"), "I can't create letter cubes cut-outs because the name \"X1\" is using the "
+                                 "letter 1, which is not present in this alphabet.");
     AddGlyph(font, u'1', 3, 31);
     settings.LetterCubesNames = "X1";
     EXPECT_TRUE(font.ExportLetterCubes(folder.File("cube.png")));

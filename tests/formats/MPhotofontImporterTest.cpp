@@ -5,25 +5,26 @@
 #include "Text.h"
 #include "formats/Base64.h"
 
+#include <glib.h>
+
 #include <algorithm>
 #include <string>
 #include <tuple>
 #include <vector>
-
-#include <glib.h>
 
 namespace {
 
 struct Glyph {
     std::string id;
     int code;
-    int width, height;  // of the picture
+    int width, height; // of the picture
     int boxWidth, boxHeight;
     int baseX, baseY, deltaX;
 };
 
 std::string ReplaceAll(std::string text, const std::string& find, const std::string& with) {
-    for (std::size_t at = 0; (at = text.find(find, at)) != std::string::npos; at += with.size()) text.replace(at, find.size(), with);
+    for (std::size_t at = 0; (at = text.find(find, at)) != std::string::npos; at += with.size())
+        text.replace(at, find.size(), with);
     return text;
 }
 
@@ -39,7 +40,8 @@ protected:
         MPicture picture(static_cast<std::uint32_t>(width), static_cast<std::uint32_t>(height), FormatRGBA8);
         picture.Fill(MColour(0, 0, 0, 0));
         for (int y = 0; y < height; ++y) {
-            for (int x = 2; x < width - 2; ++x) picture.SetPixel(x, y, {static_cast<std::uint8_t>(y), 0, 0, 255});
+            for (int x = 2; x < width - 2; ++x)
+                picture.SetPixel(x, y, {static_cast<std::uint8_t>(y), 0, 0, 255});
         }
         EXPECT_TRUE(picture.Save(folder.File("payload.png")));
         picture.Free();
@@ -55,14 +57,19 @@ protected:
     }
 
     std::string Head(const std::vector<Glyph>& glyphs, const std::string& pairs) const {
-        std::string text = "<?xml version=\"1.0\"?>\n<PhF version=\"1.0\">\n<header>\n</header>\n<globals>\n\t<unicode_mapping type=\"x\">\n";
-        for (const Glyph& g : glyphs) text += "\t\t<map id=\"" + g.id + "\" unc=\"" + std::to_string(g.code) + "\"/>\n";
-        text += "\t</unicode_mapping>\n\t<kerning type=\"p\">\n" + pairs + "\t</kerning>\n</globals>\n<glyphs>\n";
+        std::string text = "<?xml version=\"1.0\"?>\n<PhF "
+                           "version=\"1.0\">\n<header>\n</header>\n<globals>\n\t<unicode_mapping type=\"x\">\n";
+        for (const Glyph& g : glyphs)
+            text += "\t\t<map id=\"" + g.id + "\" unc=\"" + std::to_string(g.code) + "\"/>\n";
+        text +=
+            "\t</unicode_mapping>\n\t<kerning type=\"p\">\n" + pairs + "\t</kerning>\n</globals>\n<glyphs>\n";
         for (const Glyph& g : glyphs) {
             text += "\t<glyph id=\"" + g.id + "\">\n\t\t<image id=\"v0\" type=\"photo\">\n";
-            text += g.width > 0 ? "\t\t<shape embedded=\"IMG_" + g.id + "\" />\n" : std::string("\t\t<shape>\n");
-            text += "\t\t<ppm int=\"48\"/>\n\t\t<bbox x=\"0\" y=\"0\" width=\"" + std::to_string(g.boxWidth) + "\" height=\"" + std::to_string(g.boxHeight) +
-                    "\"/>\n\t\t<base x=\"" + std::to_string(g.baseX) + "\" y=\"" + std::to_string(g.baseY) + "\"/>\n\t\t<delta x=\"" +
+            text +=
+                g.width > 0 ? "\t\t<shape embedded=\"IMG_" + g.id + "\" />\n" : std::string("\t\t<shape>\n");
+            text += "\t\t<ppm int=\"48\"/>\n\t\t<bbox x=\"0\" y=\"0\" width=\"" + std::to_string(g.boxWidth) +
+                    "\" height=\"" + std::to_string(g.boxHeight) + "\"/>\n\t\t<base x=\"" +
+                    std::to_string(g.baseX) + "\" y=\"" + std::to_string(g.baseY) + "\"/>\n\t\t<delta x=\"" +
                     std::to_string(g.deltaX) + "\" y=\"0\"/>\n\t\t</image>\n\t</glyph>\n";
         }
         return text + "</glyphs>\n<data>\n<photo>\n";
@@ -72,7 +79,9 @@ protected:
         std::string text = Head(glyphs, pairs);
         for (const Glyph& g : glyphs) {
             if (g.width > 0) {
-                text += "<image id=\"IMG_" + g.id + "\">\nContent-type: image/png\nContent-transfer-encoding: base64\n\n" + Payload(g.width, g.height) + "</image>\n";
+                text += "<image id=\"IMG_" + g.id +
+                        "\">\nContent-type: image/png\nContent-transfer-encoding: base64\n\n" +
+                        Payload(g.width, g.height) + "</image>\n";
             }
         }
         return text + "</photo>\n</data>\n</PhF>\n";
@@ -93,24 +102,30 @@ protected:
     }
 };
 
-const std::vector<Glyph> sample = {{"A", 65, 12, 20, 12, 20, 1, 15, 13}, {"g", 103, 10, 16, 10, 16, 0, 10, 11},
+const std::vector<Glyph> sample = {{"A", 65, 12, 20, 12, 20, 1, 15, 13},
+                                   {"g", 103, 10, 16, 10, 16, 0, 10, 11},
                                    {"space", 32, 0, 0, 0, 0, 0, 0, 9}};
 
 TEST_F(PhotofontTest, PlacesGlyphsOnOneBaseline) {
     settings.PaddingTop = 5; // of earlier pictures
-    ASSERT_TRUE(Import(File(sample, "<pair left=\"A\" right=\"g\" x=\"-5\"/>\n<pair left=\"g\" right=\"A\" x=\"0\"/>\n<pair left=\"A\" right=\"none\" x=\"3\"/>\n")));
+    ASSERT_TRUE(Import(File(sample, "<pair left=\"A\" right=\"g\" x=\"-5\"/>\n<pair left=\"g\" right=\"A\" "
+                                    "x=\"0\"/>\n<pair left=\"A\" right=\"none\" x=\"3\"/>\n")));
     EXPECT_EQ(Codes(), "65 103 ");
-    // 15 rows above the baseline and 6 below it; the baseline itself is measured anew by the "A", as by any picture.
-    EXPECT_EQ(std::tuple(settings.GlyphHeight, font.Baseline, font.SpaceWidth, settings.PaddingTop), std::tuple(21, 1, 9, 0));
+    // 15 rows above the baseline and 6 below it; the baseline itself is measured anew by the "A", as by any
+    // picture.
+    EXPECT_EQ(std::tuple(settings.GlyphHeight, font.Baseline, font.SpaceWidth, settings.PaddingTop),
+              std::tuple(21, 1, 9, 0));
     const MGlyph& a = *font.GetGlyph(u'A');
     const MGlyph& g = *font.GetGlyph(u'g');
-    EXPECT_EQ(std::tuple(a.Width, a.Height, a.SpacingBefore, a.SpacingAfter), std::tuple(8, 21, 1, 13 - 12 + 2 + 1));
+    EXPECT_EQ(std::tuple(a.Width, a.Height, a.SpacingBefore, a.SpacingAfter),
+              std::tuple(8, 21, 1, 13 - 12 + 2 + 1));
     EXPECT_EQ(std::tuple(g.Width, g.SpacingBefore, g.SpacingAfter), std::tuple(6, 2, 3));
     EXPECT_EQ(a.GetPixel(0, 14).r, 14);
     EXPECT_EQ(a.GetPixel(0, 20).a, 0);
     EXPECT_EQ(g.GetPixel(0, 4).a, 0);
     EXPECT_EQ(g.GetPixel(0, 14).r, 9);
-    EXPECT_EQ(std::vector(font.Kerning.begin(), font.Kerning.end()), (std::vector<MKerningPair>{{'A', 'g', -5}}));
+    EXPECT_EQ(std::vector(font.Kerning.begin(), font.Kerning.end()),
+              (std::vector<MKerningPair>{{'A', 'g', -5}}));
     EXPECT_EQ(Headless::record.progressPercents.back(), 66);
 }
 
@@ -120,7 +135,8 @@ TEST_F(PhotofontTest, AnyEncodingLineEndAndAttributeOrder) {
     const std::string codes = Codes();
     std::string swapped = ReplaceAll(plain, "<map id=\"A\" unc=\"65\"/>", "<map unc=\"x41\" id=\"A\" />");
     std::string utf16 = "\xFF\xFE";
-    for (const char c : plain) utf16 += {c, '\0'};
+    for (const char c : plain)
+        utf16 += {c, '\0'};
     for (const std::string& text : {ReplaceAll(plain, "\n", "\r\n"), "\xEF\xBB\xBF" + plain, utf16, swapped}) {
         ASSERT_TRUE(Import(text));
         EXPECT_EQ(Codes(), codes);
@@ -131,7 +147,8 @@ TEST_F(PhotofontTest, AnyEncodingLineEndAndAttributeOrder) {
 TEST_F(PhotofontTest, MappingsThatMeet) {
     const auto mapped = [&](const std::string& lines) {
         MPhotofontImporter importer(nullptr);
-        EXPECT_TRUE(importer.Import(folder.Write("m.phf", "<unicode_mapping>\n" + lines + "</unicode_mapping>\n"), &font));
+        EXPECT_TRUE(importer.Import(
+            folder.Write("m.phf", "<unicode_mapping>\n" + lines + "</unicode_mapping>\n"), &font));
         return importer.FindUnicode("x");
     };
     const std::string small = "<map id=\"x\" unc=\"97\">\n";
@@ -146,11 +163,12 @@ TEST_F(PhotofontTest, MappingsThatMeet) {
 
 TEST_F(PhotofontTest, PicturesAreCutOrPaddedToTheirBox) {
     std::vector<Glyph> glyphs = sample;
-    glyphs[0].boxWidth = 6;   // ink from column 2 on
-    glyphs[1].boxWidth = 15;  // five more columns, empty
+    glyphs[0].boxWidth = 6;  // ink from column 2 on
+    glyphs[1].boxWidth = 15; // five more columns, empty
     ASSERT_TRUE(Import(File(glyphs)));
     EXPECT_EQ(font.GetGlyph(u'A')->Width, 4);
-    EXPECT_EQ(std::tuple(font.GetGlyph(u'g')->Width, font.GetGlyph(u'g')->SpacingAfter), std::tuple(6, 11 - 15 + 7));
+    EXPECT_EQ(std::tuple(font.GetGlyph(u'g')->Width, font.GetGlyph(u'g')->SpacingAfter),
+              std::tuple(6, 11 - 15 + 7));
 }
 
 TEST_F(PhotofontTest, ToldLosses) {
@@ -161,14 +179,16 @@ TEST_F(PhotofontTest, ToldLosses) {
         std::string text;
         const char* codes;
     } cases[] = {
-        {"an image that no glyph uses stops all after it", ReplaceAll(whole, imageA, "<image id=\"nobody\">\n"), ""},
+        {"an image that no glyph uses stops all after it", ReplaceAll(whole, imageA, "<image id=\"nobody\">\n"),
+         ""},
         {"a blank makes a line no data", ReplaceAll(whole, "\niVBOR", "\n iVBOR"), ""},
         {"data on the line of the word base64", ReplaceAll(whole, "base64\n\niVBOR", "base64 iVBOR"), ""},
         {"no </glyphs>", ReplaceAll(whole, "</glyphs>\n", ""), ""},
         {"no base64", ReplaceAll(whole, "base64", "none"), ""},
         {"an id without a mapping", ReplaceAll(whole, "<map id=\"A\"", "<map id=\"B\""), ""},
         {"cut off in the second image", whole.substr(0, whole.rfind("</image>") - 10), "65 "},
-        // Without an id it is the image of the glyph that names none, the space, up to the next end of an image.
+        // Without an id it is the image of the glyph that names none, the space, up to the next end of an
+        // image.
         {"a wrapper that looks like an image", ReplaceAll(whole, "<data>", "<images>"), "103 "},
         {"not base64 at all", ReplaceAll(whole, "iVBOR", "!!!!!"), ""},
     };
@@ -186,14 +206,17 @@ TEST_F(PhotofontTest, HostileNumbersAndSizes) {
     glyphs[0].boxWidth = 2'000'000'000;
     ASSERT_TRUE(Import(File(glyphs)));
     EXPECT_EQ(Codes(), "103 ");
-    for (const auto& [boxHeight, baseY] : {std::pair(2'000'000'000, 2'000'000'000), std::pair(-5, -7), std::pair(20, -2'000'000'000), std::pair(2'000'000'000, -2'000'000'000)}) {
+    for (const auto& [boxHeight, baseY] :
+         {std::pair(2'000'000'000, 2'000'000'000), std::pair(-5, -7), std::pair(20, -2'000'000'000),
+          std::pair(2'000'000'000, -2'000'000'000)}) {
         glyphs = sample;
         glyphs[1].boxHeight = boxHeight;
         glyphs[1].baseY = baseY;
         EXPECT_TRUE(Import(File(glyphs)));
     }
     glyphs.clear();
-    for (int i = 0; i < 300; ++i) glyphs.push_back({"g" + std::to_string(i), 300 + i, 6, 3, 6, 3, 0, 2, 6});
+    for (int i = 0; i < 300; ++i)
+        glyphs.push_back({"g" + std::to_string(i), 300 + i, 6, 3, 6, 3, 0, 2, 6});
     ASSERT_TRUE(Import(File(glyphs)));
     EXPECT_EQ(font.GlyphCount(), 223);
     SetMemoryLimit(0);
@@ -202,7 +225,8 @@ TEST_F(PhotofontTest, HostileNumbersAndSizes) {
 TEST(Base64, EveryLengthAndPadding) {
     for (std::size_t length = 1; length < 70; ++length) {
         std::string bytes;
-        for (std::size_t i = 0; i < length; ++i) bytes += static_cast<char>(i * 37 + length);
+        for (std::size_t i = 0; i < length; ++i)
+            bytes += static_cast<char>(i * 37 + length);
         gchar* const encoded = g_base64_encode(reinterpret_cast<const guchar*>(bytes.data()), bytes.size());
         const auto decoded = DecodeBase64(encoded);
         ASSERT_TRUE(decoded);

@@ -3,11 +3,11 @@
 #include "TemporaryFolder.h"
 #include "Text.h"
 
+#include <gtest/gtest.h>
+
 #include <string>
 #include <string_view>
 #include <vector>
-
-#include <gtest/gtest.h>
 
 namespace {
 
@@ -15,7 +15,8 @@ using namespace std::string_literals;
 
 std::vector<std::string> Tokens(const MTextFile& file) {
     std::vector<std::string> tokens;
-    for (int i = 0; i < file.TokenCount(); ++i) tokens.push_back(Narrow(file.GetString(i)));
+    for (int i = 0; i < file.TokenCount(); ++i)
+        tokens.push_back(Narrow(file.GetString(i)));
     return tokens;
 }
 
@@ -24,7 +25,8 @@ std::vector<std::vector<std::string>> Lines(std::string_view bytes) {
     const TemporaryFolder folder;
     MTextFile file(folder.Write("a.txt", bytes), false, false, MTextEncoding::Utf8);
     std::vector<std::vector<std::string>> lines;
-    while (file.NextLine()) lines.push_back(Tokens(file));
+    while (file.NextLine())
+        lines.push_back(Tokens(file));
     return lines;
 }
 
@@ -49,19 +51,43 @@ TEST_F(TextFileTest, WritesFieldsByTheirRules) {
             file.EndLine();
         });
     };
-    EXPECT_EQ(line([](MTextFile& f) { f.WriteString("A"); f.WriteInt(-3); f.WriteBool(true); }), "A\t-3\tY\r\n");
-    EXPECT_EQ(line([](MTextFile& f) { f.WriteString(""); f.WriteInt(1); }), "\t\"\"\t1\r\n");
-    EXPECT_EQ(line([](MTextFile& f) { f.WriteInt(1); f.WriteString(""); }), "1\t\"\"\r\n");
-    EXPECT_EQ(line([](MTextFile& f) { f.WriteInt(1); f.WriteString("\t"); f.WriteInt(2); }), "1\t\t2\r\n");
-    EXPECT_EQ(line([](MTextFile& f) { f.WriteString("a b"); f.WriteString("a\tb"); }), "\"a b\"\t\"a\tb\"\r\n");
+    EXPECT_EQ(line([](MTextFile& f) {
+                  f.WriteString("A");
+                  f.WriteInt(-3);
+                  f.WriteBool(true);
+              }),
+              "A\t-3\tY\r\n");
+    EXPECT_EQ(line([](MTextFile& f) {
+                  f.WriteString("");
+                  f.WriteInt(1);
+              }),
+              "\t\"\"\t1\r\n");
+    EXPECT_EQ(line([](MTextFile& f) {
+                  f.WriteInt(1);
+                  f.WriteString("");
+              }),
+              "1\t\"\"\r\n");
+    EXPECT_EQ(line([](MTextFile& f) {
+                  f.WriteInt(1);
+                  f.WriteString("\t");
+                  f.WriteInt(2);
+              }),
+              "1\t\t2\r\n");
+    EXPECT_EQ(line([](MTextFile& f) {
+                  f.WriteString("a b");
+                  f.WriteString("a\tb");
+              }),
+              "\"a b\"\t\"a\tb\"\r\n");
     EXPECT_EQ(line([](MTextFile& f) { f.WriteString("\"<&"); }), "&#34;<&\r\n");
     EXPECT_EQ(line([](MTextFile& f) { f.WriteString("a\r\nb\nc\rd"); }), "\"a<br />b<br />c<br />d\"\r\n");
     EXPECT_EQ(line([](MTextFile&) {}), "\r\n");
-    EXPECT_EQ(Written(MTextEncoding::Ansi, [](MTextFile& f) {
-                  f.WriteInt(1);
-                  f.EndLine("a \"whole\" line");
-                  f.WriteInt(2); // never ended
-              }), "a \"whole\" line\r\n");
+    EXPECT_EQ(Written(MTextEncoding::Ansi,
+                      [](MTextFile& f) {
+                          f.WriteInt(1);
+                          f.EndLine("a \"whole\" line");
+                          f.WriteInt(2); // never ended
+                      }),
+              "a \"whole\" line\r\n");
 }
 
 TEST_F(TextFileTest, WritesEachEncodingWithItsMark) {
@@ -84,7 +110,8 @@ TEST_F(TextFileTest, WhatIsWrittenIsReadInEveryEncoding) {
         for (const bool preload : {false, true}) {
             Written(encoding, [](MTextFile& file) {
                 file.WriteString("");
-                for (char16_t c = 1; c < 0x800; ++c) file.WriteString(MString(std::u16string_view(&c, 1)));
+                for (char16_t c = 1; c < 0x800; ++c)
+                    file.WriteString(MString(std::u16string_view(&c, 1)));
                 file.WriteBool(true);
                 file.EndLine();
                 file.WriteString("first\r\n\"second\"");
@@ -97,7 +124,8 @@ TEST_F(TextFileTest, WhatIsWrittenIsReadInEveryEncoding) {
             // A lone tab is an empty column, which is no token; from there on all stand one place earlier.
             for (char16_t c = 1; c < 0x800; ++c) {
                 if (c == u'\t') continue;
-                const MString expected = c == u'\r' || c == u'\n' ? MString("\r\n") : MString(std::u16string_view(&c, 1));
+                const MString expected =
+                    c == u'\r' || c == u'\n' ? MString("\r\n") : MString(std::u16string_view(&c, 1));
                 ASSERT_EQ(file.GetString(c < u'\t' ? c : c - 1), expected) << static_cast<int>(c);
             }
             EXPECT_TRUE(file.GetBool(0x7FF));
@@ -117,11 +145,13 @@ TEST_F(TextFileTest, LinesEndInAnyWay) {
     EXPECT_EQ(Lines("\n\na"), (Expected{{}, {}, {"a"}}));
     EXPECT_EQ(Lines("\n\r\n"), (Expected{{}, {}}));
     EXPECT_EQ(Lines(""), Expected{});
-    EXPECT_EQ(Lines("\xFF\xFE" "a\0\n\0b\0x"s), (Expected{{"a"}, {"b"}})); // the odd last byte is dropped
+    EXPECT_EQ(Lines("\xFF\xFE"
+                    "a\0\n\0b\0x"s),
+              (Expected{{"a"}, {"b"}})); // the odd last byte is dropped
     EXPECT_EQ(Lines("\xFE\xFF\0a\0\r\0\n\0b"s), (Expected{{"a"}, {"b"}}));
     EXPECT_EQ(Lines("\xEF\xBB\xBF\n\xC3\xA9"), (Expected{{}, {"\xC3\xA9"}}));
     EXPECT_EQ(Lines("\xEF\xBBz"), (Expected{{"\xC3\xAF\xC2\xBBz"}})); // no mark: read from its first byte
-    EXPECT_EQ(Lines("a b\0c d\ne"s), (Expected{{"a", "b"}, {"e"}})); // text ends at a zero
+    EXPECT_EQ(Lines("a b\0c d\ne"s), (Expected{{"a", "b"}, {"e"}}));  // text ends at a zero
     // A line break across the edge of what is read at once.
     const std::string filler(64 * 1024 - 1, 'x');
     EXPECT_EQ(Lines(filler + "\r\nb\r"), (Expected{{filler}, {"b"}}));
@@ -141,7 +171,8 @@ TEST_F(TextFileTest, TokensBetweenBlanksAndQuotes) {
         {"&#34; <QUOTE>", {"\"", "\""}},
         {"a<br />b \"a<NEW LINE>b\"", {"a<br", "/>b", "a\r\nb"}},
     };
-    for (const auto& [line, tokens] : cases) EXPECT_EQ(Lines(line).at(0), tokens) << line;
+    for (const auto& [line, tokens] : cases)
+        EXPECT_EQ(Lines(line).at(0), tokens) << line;
 }
 
 TEST_F(TextFileTest, FieldsOutOfRangeAreEmpty) {
@@ -163,13 +194,15 @@ TEST_F(TextFileTest, FieldsOutOfRangeAreEmpty) {
 
 TEST_F(TextFileTest, AnEndlessLineIsCutAndNotHeld) {
     SetMemoryLimit(4000);
-    EXPECT_EQ(Lines(std::string(1 << 20, 'x') + "\nb"), (std::vector<std::vector<std::string>>{{std::string(1000, 'x')}, {"b"}}));
+    EXPECT_EQ(Lines(std::string(1 << 20, 'x') + "\nb"),
+              (std::vector<std::vector<std::string>>{{std::string(1000, 'x')}, {"b"}}));
     SetMemoryLimit(0);
 }
 
 TEST_F(TextFileTest, WholeFiles) {
     const MString path = folder.File("whole.txt");
-    for (const auto encoding : {MTextEncoding::Ansi, MTextEncoding::Utf16Le, MTextEncoding::Utf16Be, MTextEncoding::Utf8}) {
+    for (const auto encoding :
+         {MTextEncoding::Ansi, MTextEncoding::Utf16Le, MTextEncoding::Utf16Be, MTextEncoding::Utf8}) {
         ASSERT_TRUE(MTextFile::WriteWholeFile(u"a\r\n\"\u00E9\"\n", path, encoding));
         EXPECT_EQ(Narrow(MTextFile::ReadWholeFile(path)), "a\r\n\"\xC3\xA9\"\n");
     }
@@ -179,7 +212,9 @@ TEST_F(TextFileTest, WholeFiles) {
     EXPECT_TRUE(MTextFile::ReadWholeFile(folder.Write("mark.txt", "\xFF\xFE")).IsEmpty());
     EXPECT_TRUE(MTextFile::ReadWholeFile(folder.File("never.txt")).IsEmpty());
     EXPECT_EQ(Narrow(MTextFile::ReadWholeFile(folder.Write("zero.txt", "ab\0cd"s))), "ab");
-    EXPECT_EQ(Narrow(MTextFile::ReadWholeFile(folder.Write("odd.txt", "\xFF\xFE" "a\0b"s))), "a");
+    EXPECT_EQ(Narrow(MTextFile::ReadWholeFile(folder.Write("odd.txt", "\xFF\xFE"
+                                                                      "a\0b"s))),
+              "a");
 }
 
 } // namespace

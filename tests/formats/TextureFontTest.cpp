@@ -13,7 +13,8 @@ namespace {
 // Bytes of a text as the font file has them.
 std::string Utf16(std::string_view text) {
     std::string bytes;
-    for (const char c : text) bytes += {c, '\0'};
+    for (const char c : text)
+        bytes += {c, '\0'};
     return bytes;
 }
 
@@ -68,7 +69,8 @@ protected:
     MString WriteFont(std::string_view records, const char* header = "Showmarquee TextureFont 1.0\r\n") {
         MPicture picture(4, 4, FormatRGBA8);
         for (std::int32_t y = 0; y < 4; ++y) {
-            for (std::int32_t x = 0; x < 4; ++x) picture.SetPixel(x, y, {static_cast<std::uint8_t>(x), static_cast<std::uint8_t>(y), 0});
+            for (std::int32_t x = 0; x < 4; ++x)
+                picture.SetPixel(x, y, {static_cast<std::uint8_t>(x), static_cast<std::uint8_t>(y), 0});
         }
         EXPECT_TRUE(picture.Save(folder.File("f.png")));
         picture.Free();
@@ -91,21 +93,25 @@ TEST_F(TextureFontTest, EveryByte) {
     const std::string picture = Narrow(folder.File("two words.png"));
     std::string expected = Utf16("Showmarquee TextureFont 1.0\r\n"
                                  "FSZ\t20\t4\t13\r\n"
-                                 "TEX\t\"" + picture + "\"\t128\t128\r\n"
+                                 "TEX\t\"" +
+                                 picture +
+                                 "\"\t128\t128\r\n"
                                  "CHA\tA\t16\t16\t20\t20\t-1\t-2\r\n"
                                  "CHA\t&#34;\t52\t16\t3\t20\t1\t2\r\n"
                                  "CHA\t@\t0\t0\t0\t5\t1\t2\r\n"
                                  "SPA\t9\r\n"
                                  "KER\tA\tA\t-2\r\n"
                                  "KER\t&#34;\t@\t7\r\n");
-    for (std::size_t at = 0; (at = expected.find(std::string("@\0", 2), at)) != std::string::npos;) expected.replace(at, 2, "\xAC\x20");
+    for (std::size_t at = 0; (at = expected.find(std::string("@\0", 2), at)) != std::string::npos;)
+        expected.replace(at, 2, "\xAC\x20");
     EXPECT_EQ(folder.Read("two words.sm"), "\xFF\xFE" + expected);
 }
 
 TEST_F(TextureFontTest, EveryCharacterComesBack) {
     MakeFont(33, 255);
     font.RemoveGlyph(u'#');
-    for (const char16_t c : {u'\u0100', char16_t{0xD800}, u'\uFFFF'}) font.SetKerning('<', c, -5);
+    for (const char16_t c : {u'\u0100', char16_t{0xD800}, u'\uFFFF'})
+        font.SetKerning('<', c, -5);
     font.SetKerning('"', '<', -4);
     FillWithNoise(AddGlyph(font, u'\u20AC', 5, 20).Picture, 5);
     ASSERT_TRUE(font.Repack());
@@ -119,7 +125,9 @@ TEST_F(TextureFontTest, EveryCharacterComesBack) {
     EXPECT_TRUE(std::ranges::equal(font.Kerning, loaded.Kerning));
     ASSERT_TRUE(loaded.Repack());
     ASSERT_TRUE(loaded.Save(folder.File("again.sm")));
-    const auto withoutName = [](std::string bytes) { return bytes.erase(bytes.find(Utf16("TEX")), bytes.find(Utf16("CHA")) - bytes.find(Utf16("TEX"))); };
+    const auto withoutName = [](std::string bytes) {
+        return bytes.erase(bytes.find(Utf16("TEX")), bytes.find(Utf16("CHA")) - bytes.find(Utf16("TEX")));
+    };
     EXPECT_EQ(withoutName(folder.Read("f.sm")), withoutName(folder.Read("again.sm")));
     EXPECT_EQ(folder.Read("f.png"), folder.Read("again.png"));
 }
@@ -159,26 +167,30 @@ TEST_F(TextureFontTest, APictureOfAnotherSizeScalesGlyphsAlone) {
                                    "CHA\tA\t3\t1\t5\t1\t-3\t3\r\nSPA\t9\r\nKER\tA\tA\t-9\r\n");
     ASSERT_TRUE(font.Load(path));
     const MGlyph& glyph = *font.GetGlyph(u'A');
-    EXPECT_EQ(std::tuple(glyph.Width, glyph.Height, glyph.SpacingBefore, glyph.SpacingAfter), std::tuple(2, 2, -1, 1));
+    EXPECT_EQ(std::tuple(glyph.Width, glyph.Height, glyph.SpacingBefore, glyph.SpacingAfter),
+              std::tuple(2, 2, -1, 1));
     EXPECT_EQ(glyph.GetPixel(0, 0), MColour(1, 2, 0));
-    EXPECT_EQ(std::tuple(settings.GlyphHeight, font.Baseline, font.CapHeight, font.SpaceWidth), std::tuple(9, 7, 5, 9));
+    EXPECT_EQ(std::tuple(settings.GlyphHeight, font.Baseline, font.CapHeight, font.SpaceWidth),
+              std::tuple(9, 7, 5, 9));
     EXPECT_EQ(font.FindKerning(u'A', 'A')->Amount, -9);
 }
 
 TEST_F(TextureFontTest, LenientWithRecords) {
-    const MString path = WriteFont("cha\tX\t0\t0\t1\t1\t0\t0\r\n\r\nNEW\tY\r\n"
-                                   "CHA\tA\t-1\t2\t6\t3\t0\t0\r\n" // wraps around on every side
-                                   "CHA\tB\r\n"
-                                   "CHA\tC\t0\t0\t2\t2\t0\t0\r\n"
-                                   "CHA\tC\t3\t3\t1\t1\t4\t5\r\n"
-                                   "CHA\t\"\"\t0\t0\t1\t1\t0\t0\r\n"
-                                   "KER\t\"\"\tA\t3\r\nKER\t\" \"\tA\t3\r\nKER\tA\r\nKER\tA\tC\t1\r\nKER\tA\tC\t-1\r\n",
-                                   "Showmarquee \t TextureFont\n");
+    const MString path =
+        WriteFont("cha\tX\t0\t0\t1\t1\t0\t0\r\n\r\nNEW\tY\r\n"
+                  "CHA\tA\t-1\t2\t6\t3\t0\t0\r\n" // wraps around on every side
+                  "CHA\tB\r\n"
+                  "CHA\tC\t0\t0\t2\t2\t0\t0\r\n"
+                  "CHA\tC\t3\t3\t1\t1\t4\t5\r\n"
+                  "CHA\t\"\"\t0\t0\t1\t1\t0\t0\r\n"
+                  "KER\t\"\"\tA\t3\r\nKER\t\" \"\tA\t3\r\nKER\tA\r\nKER\tA\tC\t1\r\nKER\tA\tC\t-1\r\n",
+                  "Showmarquee \t TextureFont\n");
     ASSERT_TRUE(font.Load(path));
     EXPECT_EQ(font.GlyphCount(), 4);
     for (std::int32_t y = 0; y < 3; ++y) {
         for (std::int32_t x = 0; x < 6; ++x) {
-            EXPECT_EQ(font.GetGlyph(u'A')->GetPixel(x, y), MColour(static_cast<std::uint8_t>((x + 3) % 4), static_cast<std::uint8_t>((y + 2) % 4), 0));
+            EXPECT_EQ(font.GetGlyph(u'A')->GetPixel(x, y), MColour(static_cast<std::uint8_t>((x + 3) % 4),
+                                                                   static_cast<std::uint8_t>((y + 2) % 4), 0));
         }
     }
     EXPECT_FALSE(font.GetGlyph(u'B')->Picture.IsValid());
@@ -189,7 +201,8 @@ TEST_F(TextureFontTest, LenientWithRecords) {
 }
 
 TEST_F(TextureFontTest, HeadersThatAreWrong) {
-    for (const char* header : {"", "Showmarquee\r\n", "showmarquee TextureFont\r\n", "Showmarquee Texturefont 1.0\r\n", "\r\nShowmarquee TextureFont 1.0\r\n"}) {
+    for (const char* header : {"", "Showmarquee\r\n", "showmarquee TextureFont\r\n",
+                               "Showmarquee Texturefont 1.0\r\n", "\r\nShowmarquee TextureFont 1.0\r\n"}) {
         EXPECT_FALSE(font.Load(WriteFont("CHA\tA\t0\t0\t1\t1\t0\t0\r\n", header))) << header;
     }
     EXPECT_TRUE(font.Load(WriteFont("")));

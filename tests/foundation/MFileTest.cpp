@@ -4,10 +4,10 @@
 #include "Text.h"
 #include "foundation/MFolders.h"
 
+#include <gtest/gtest.h>
+
 #include <string>
 #include <vector>
-
-#include <gtest/gtest.h>
 
 namespace {
 
@@ -115,7 +115,8 @@ TEST(Folders, CreatesWithAllParents) {
     EXPECT_TRUE(CreateFolder(folder.File("one")));
     folder.Write("file", "x");
     EXPECT_FALSE(CreateFolder(folder.File("file/below")));
-    for (const char* root : {"C:", "C:/", "/"}) EXPECT_TRUE(CreateFolder(root)) << root;
+    for (const char* root : {"C:", "C:/", "/"})
+        EXPECT_TRUE(CreateFolder(root)) << root;
     EXPECT_FALSE(std::filesystem::exists("C:"));
     EXPECT_FALSE(CreateFolder(MString()));
 }
@@ -132,10 +133,11 @@ TEST(Folders, DeletesFilesOnly) {
 
 TEST(Folders, SizesAsText) {
     const std::pair<std::int64_t, const char*> cases[] = {
-        {0, "0 bytes"},       {1023, "1023 bytes"},       {1024, "1 KB"},          {1048575, "1023 KB"},
-        {1048576, "1 MB"},    {(1LL << 30) - 1, "1023 MB"}, {1LL << 30, "1 GB"}, {5LL << 40, "5120 GB"},
+        {0, "0 bytes"},    {1023, "1023 bytes"},         {1024, "1 KB"},      {1048575, "1023 KB"},
+        {1048576, "1 MB"}, {(1LL << 30) - 1, "1023 MB"}, {1LL << 30, "1 GB"}, {5LL << 40, "5120 GB"},
     };
-    for (const auto& [bytes, text] : cases) EXPECT_EQ(Narrow(SizeText(bytes)), text);
+    for (const auto& [bytes, text] : cases)
+        EXPECT_EQ(Narrow(SizeText(bytes)), text);
 }
 
 } // namespace

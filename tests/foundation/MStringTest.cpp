@@ -1,12 +1,13 @@
-#include "Text.h"
 #include "foundation/MString.h"
+
+#include "Text.h"
+
+#include <gtest/gtest.h>
 
 #include <limits>
 #include <random>
 #include <utility>
 #include <vector>
-
-#include <gtest/gtest.h>
 
 namespace {
 
@@ -63,7 +64,9 @@ TEST(String, OwnsExactlyWhatItNeeds) {
 }
 
 TEST(String, Slices) {
-    const auto slice = [](std::int32_t first, std::int32_t last) { return Narrow(MString(u"abcd", first, last)); };
+    const auto slice = [](std::int32_t first, std::int32_t last) {
+        return Narrow(MString(u"abcd", first, last));
+    };
     EXPECT_EQ(slice(1, 2), "bc");
     EXPECT_EQ(slice(1, -1), "bcd");
     EXPECT_EQ(slice(1, 9), "bcd");
@@ -80,14 +83,22 @@ TEST(String, NumbersAsText) {
         char16_t separator;
         const char* text;
     } cases[] = {
-        {0, 1, 10, 0, "0"},         {7, 3, 10, 0, "007"},
-        {42, 3, 10, 0, "042"},      {142, 3, 10, 0, "142"},
-        {7, 2, 10, 0, "07"},        {-5, 2, 10, 0, "0-5"},
-        {7, 4, 10, 0, "7"},         {255, 1, 16, 0, "ff"},
-        {15, 2, 16, 0, "0f"},       {-1, 1, 16, 0, "ffffffff"},
-        {1234567, 1, 10, u',', "1,234,567"}, {999, 1, 10, u',', "999"},
-        {-1234, 1, 10, u',', "-1234"},       {4096, 1, 16, u',', "1000"},
-        {lowest, 1, 10, 0, "-2147483648"},   {-1, 1, 2, 0, "11111111111111111111111111111111"},
+        {0, 1, 10, 0, "0"},
+        {7, 3, 10, 0, "007"},
+        {42, 3, 10, 0, "042"},
+        {142, 3, 10, 0, "142"},
+        {7, 2, 10, 0, "07"},
+        {-5, 2, 10, 0, "0-5"},
+        {7, 4, 10, 0, "7"},
+        {255, 1, 16, 0, "ff"},
+        {15, 2, 16, 0, "0f"},
+        {-1, 1, 16, 0, "ffffffff"},
+        {1234567, 1, 10, u',', "1,234,567"},
+        {999, 1, 10, u',', "999"},
+        {-1234, 1, 10, u',', "-1234"},
+        {4096, 1, 16, u',', "1000"},
+        {lowest, 1, 10, 0, "-2147483648"},
+        {-1, 1, 2, 0, "11111111111111111111111111111111"},
     };
     for (const auto& c : cases) {
         EXPECT_EQ(Narrow(MString(c.value, c.minDigits, c.radix, c.separator)), c.text);
@@ -96,12 +107,26 @@ TEST(String, NumbersAsText) {
 
 TEST(String, TextAsNumbers) {
     const std::pair<const char*, std::int32_t> cases[] = {
-        {"", 0},          {"12ab", 12},     {" \t\n-7", -7},        {"+5", 5},        {"--5", 0},
-        {"x1F", 31},      {"X1F", 0},       {"0x1F", 0},            {"x", 0},         {"x0g", 0},
-        {"xg1", 1},       {"xFFFFFFFF", -1}, {"x100000001", 1},     {"99999999999", highest},
-        {"-99999999999", lowest},            {"-2147483648", lowest}, {"2147483647", highest},
+        {"", 0},
+        {"12ab", 12},
+        {" \t\n-7", -7},
+        {"+5", 5},
+        {"--5", 0},
+        {"x1F", 31},
+        {"X1F", 0},
+        {"0x1F", 0},
+        {"x", 0},
+        {"x0g", 0},
+        {"xg1", 1},
+        {"xFFFFFFFF", -1},
+        {"x100000001", 1},
+        {"99999999999", highest},
+        {"-99999999999", lowest},
+        {"-2147483648", lowest},
+        {"2147483647", highest},
     };
-    for (const auto& [text, value] : cases) EXPECT_EQ(MString(text).ToInt(), value) << text;
+    for (const auto& [text, value] : cases)
+        EXPECT_EQ(MString(text).ToInt(), value) << text;
     EXPECT_EQ(ParseInt(nullptr), 0);
 }
 
@@ -192,20 +217,34 @@ TEST(String, PathParts) {
 
 TEST(String, Extensions) {
     const std::pair<const char*, const char*> cases[] = {
-        {"x.y", "Y"},          {"a.", ""},     {"ab.", ""},          {"ab", ""},
-        {"a.tar.gz", "GZ"},    {"file.", ""},  {"a.png/", ""},       {"C:\\my.dir\\file", ""},
-        {"dir/c.png?x=1.2#y", "PNG"},          {"x.png#a/b", ""},    {"x.png#top", "PNG"},
-        {"site/page?x=1.2", ""},               {"a.html?q=a/b", "HTML"},
+        {"x.y", "Y"},
+        {"a.", ""},
+        {"ab.", ""},
+        {"ab", ""},
+        {"a.tar.gz", "GZ"},
+        {"file.", ""},
+        {"a.png/", ""},
+        {"C:\\my.dir\\file", ""},
+        {"dir/c.png?x=1.2#y", "PNG"},
+        {"x.png#a/b", ""},
+        {"x.png#top", "PNG"},
+        {"site/page?x=1.2", ""},
+        {"a.html?q=a/b", "HTML"},
     };
-    for (const auto& [path, extension] : cases) EXPECT_EQ(Narrow(MString(path).GetExtension()), extension) << path;
+    for (const auto& [path, extension] : cases)
+        EXPECT_EQ(Narrow(MString(path).GetExtension()), extension) << path;
 
     const struct {
         const char* path;
         const char* extension;
         const char* result;
     } settings[] = {
-        {"dir.d/file", "png", "dir.d/file.png"}, {"a.b.c", "png", "a.b.png"}, {"a.b", ".s.m", "a.sm"},
-        {"a.b", "..", "a."},                     {"", "png", ""},             {"a.b", "", "a.b"},
+        {"dir.d/file", "png", "dir.d/file.png"},
+        {"a.b.c", "png", "a.b.png"},
+        {"a.b", ".s.m", "a.sm"},
+        {"a.b", "..", "a."},
+        {"", "png", ""},
+        {"a.b", "", "a.b"},
         {"x:y", "png", "x:y.png"},
     };
     for (const auto& c : settings) {
@@ -230,7 +269,12 @@ TEST(String, CutsAndTrims) {
     EXPECT_EQ(Edited("a=b=c", [](MString& s) { s.KeepBefore("="); }), "a");
     EXPECT_EQ(Edited("a=b=c", [](MString& s) { s.KeepAfter("="); }), "b=c");
     EXPECT_EQ(Edited("=b", [](MString& s) { s.KeepBefore("="); }), "");
-    EXPECT_EQ(Edited("abc", [](MString& s) { s.KeepBefore(""); s.KeepAfter("x"); }), "abc");
+    EXPECT_EQ(Edited("abc",
+                     [](MString& s) {
+                         s.KeepBefore("");
+                         s.KeepAfter("x");
+                     }),
+              "abc");
 }
 
 TEST(String, CaseMapsUnitByUnit) {
@@ -249,13 +293,10 @@ TEST(String, Replaces) {
         const char* first;
         const char* all;
     } cases[] = {
-        {"aab", "ab", "b", "ab", "b"},                // a replacement forms the next occurrence
-        {"aaa", "a", "aa", "aaaa", "aaa"},            // all: `with` contains `find`
-        {"abab", "ab", "", "ab", ""},
-        {"aabb", "ab", "", "ab", ""},
-        {"abc", "x", "y", "abc", "abc"},
-        {"abc", "b", "b", "abc", "abc"},
-        {"abc", "", "y", "abc", "abc"},
+        {"aab", "ab", "b", "ab", "b"},     // a replacement forms the next occurrence
+        {"aaa", "a", "aa", "aaaa", "aaa"}, // all: `with` contains `find`
+        {"abab", "ab", "", "ab", ""},      {"aabb", "ab", "", "ab", ""},   {"abc", "x", "y", "abc", "abc"},
+        {"abc", "b", "b", "abc", "abc"},   {"abc", "", "y", "abc", "abc"},
     };
     for (const auto& c : cases) {
         EXPECT_EQ(Edited(c.text, [&](MString& s) { s.ReplaceFirst(c.find, c.with); }), c.first);
@@ -272,7 +313,8 @@ TEST(String, ReplaceAllIsTheFirstUntilNone) {
     std::mt19937 random(7);
     const auto text = [&](int longest) {
         MString result;
-        for (auto i = random() % static_cast<unsigned>(longest + 1); i > 0; --i) result += random() % 2 ? 'a' : 'b';
+        for (auto i = random() % static_cast<unsigned>(longest + 1); i > 0; --i)
+            result += random() % 2 ? 'a' : 'b';
         return result;
     };
     for (int round = 0; round < 20000; ++round) {
@@ -282,7 +324,8 @@ TEST(String, ReplaceAllIsTheFirstUntilNone) {
         if (with.length >= find.length && with.length > 0) continue; // could run for ever
         MString plain = fast;
         fast.ReplaceAll(find, with);
-        while (plain.Contains(find)) plain.ReplaceFirst(find, with);
+        while (plain.Contains(find))
+            plain.ReplaceFirst(find, with);
         ASSERT_EQ(fast, plain);
     }
 }
@@ -294,14 +337,16 @@ TEST(String, LineEnds) {
     const std::pair<const char*, std::int32_t> cases[] = {
         {"", 0}, {"a", 1}, {"a\n", 2}, {"\r\n\r\n", 3}, {"\n\r", 2}, {"\n\n", 3}, {"a\r", 2},
     };
-    for (const auto& [text, lines] : cases) EXPECT_EQ(MString(text).CountLines(), lines);
+    for (const auto& [text, lines] : cases)
+        EXPECT_EQ(MString(text).CountLines(), lines);
 }
 
 TEST(String, TrailingZeros) {
     const std::pair<const char*, const char*> cases[] = {
         {"4.0.0.0", "4.0"}, {"4.1.0", "4.1"}, {"4.0.0.8", "4.0.0.8"}, {".0", ""}, {"", ""},
     };
-    for (const auto& [text, result] : cases) EXPECT_EQ(Narrow(MString(text).WithoutTrailingZeros()), result);
+    for (const auto& [text, result] : cases)
+        EXPECT_EQ(Narrow(MString(text).WithoutTrailingZeros()), result);
 }
 
 } // namespace

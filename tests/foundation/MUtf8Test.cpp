@@ -1,8 +1,8 @@
 #include "foundation/MUtf8.h"
 
-#include <random>
-
 #include <gtest/gtest.h>
+
+#include <random>
 
 namespace {
 
@@ -26,11 +26,12 @@ TEST(Utf8, TextFilesReplaceWhatIsInvalid) {
         {"\xF0\x9F\x98\x80", u"\U0001F600"},
         {"\xFFz", u"\uFFFDz"},
         {"\xC3", u"\uFFFD"},
-        {"\xC0\x80", u"\uFFFD\uFFFD"},                 // overlong
-        {"\xED\xA0\x80", u"\uFFFD\uFFFD\uFFFD"},       // a surrogate
+        {"\xC0\x80", u"\uFFFD\uFFFD"},                     // overlong
+        {"\xED\xA0\x80", u"\uFFFD\uFFFD\uFFFD"},           // a surrogate
         {"\xF4\x90\x80\x80", u"\uFFFD\uFFFD\uFFFD\uFFFD"}, // beyond Unicode
     };
-    for (const auto& [bytes, units] : cases) EXPECT_EQ(DecodeUtf8(bytes, MLoneSurrogates::Replace), units);
+    for (const auto& [bytes, units] : cases)
+        EXPECT_EQ(DecodeUtf8(bytes, MLoneSurrogates::Replace), units);
     EXPECT_EQ(EncodeUtf8(u"\U0001F600\xD83D", MLoneSurrogates::Replace), "\xF0\x9F\x98\x80\xEF\xBF\xBD");
 }
 

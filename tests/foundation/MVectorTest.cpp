@@ -3,10 +3,10 @@
 #include "foundation/MDebug.h"
 #include "foundation/MString.h"
 
+#include <gtest/gtest.h>
+
 #include <new>
 #include <string>
-
-#include <gtest/gtest.h>
 
 namespace {
 
@@ -49,7 +49,8 @@ namespace {
 
 void FillUp(MVector<int>& vector, std::int32_t count) {
     ASSERT_TRUE(vector.Resize(count, false));
-    for (std::int32_t i = 0; i < count; ++i) vector.data[i] = i;
+    for (std::int32_t i = 0; i < count; ++i)
+        vector.data[i] = i;
 }
 
 TEST(Vector, KeepsWhatItIsTold) {

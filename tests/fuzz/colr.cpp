@@ -1,14 +1,14 @@
-// Feeds the reader and the painter of colour tables. The input is a COLR table with a CPAL table behind it: its first
-// two bytes are the length of the former.
+// Feeds the reader and the painter of colour tables. The input is a COLR table with a CPAL table behind it: its
+// first two bytes are the length of the former.
 #include "platform/text/MColourTable.h"
 #include "platform/text/MPaintTreePainter.h"
+
+#include <cairo.h>
 
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
-
-#include <cairo.h>
 
 namespace {
 

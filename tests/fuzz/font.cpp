@@ -1,4 +1,5 @@
-// Any bytes as a font file beside a good picture: the readers must stay whole, and so must the font that comes of it.
+// Any bytes as a font file beside a good picture: the readers must stay whole, and so must the font that comes
+// of it.
 
 #include "document/MColourFont.h"
 #include "document/MSettings.h"
@@ -62,7 +63,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     Settings = &settings;
     settings.Path(MPathKind::Temporary) = FromSystemPath(place.folder);
     const fs::path file = place.folder / ("f." + std::string(form));
-    std::ofstream(file, std::ios::binary) << Header() << std::string_view(reinterpret_cast<const char*>(data), size);
+    std::ofstream(file, std::ios::binary)
+        << Header() << std::string_view(reinterpret_cast<const char*>(data), size);
     {
         MColourFont font(nullptr);
         if (Read(font, FromSystemPath(file)) && font.Repack()) {

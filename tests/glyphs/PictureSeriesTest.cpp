@@ -3,17 +3,18 @@
 #include "TemporaryFolder.h"
 #include "Text.h"
 
-#include <utility>
-
 #include <gtest/gtest.h>
+
+#include <utility>
 
 namespace {
 
 TEST(PictureSeries, CharactersFromFileNames) {
     const std::pair<const char*, const char*> cases[] = {
-        {"/p/A.png", "A"},       {"font_B.png", "B"}, {"glyph65.png", "A"},  {"pic7.png", "7"},
-        {"7.png", "7"},          {"65.png", "A"},     {"x32.png", ""},       {"x65536.png", ""},
-        {"x99999999999.png", ""}, {"a.b65.png", "a"}, {".png", ""},          {"dir/", ""},
+        {"/p/A.png", "A"},         {"font_B.png", "B"}, {"glyph65.png", "A"},
+        {"pic7.png", "7"},         {"7.png", "7"},      {"65.png", "A"},
+        {"x32.png", ""},           {"x65536.png", ""},  {"x99999999999.png", ""},
+        {"a.b65.png", "a"},        {".png", ""},        {"dir/", ""},
         {"x8364", "\xE2\x82\xAC"},
     };
     for (const auto& [path, expected] : cases) {
@@ -25,7 +26,8 @@ TEST(PictureSeries, CharactersFromFileNames) {
 
 TEST(PictureSeries, GoesOnWhileFilesExist) {
     const TemporaryFolder folder;
-    for (const char* file : {"A.png", "B.PNG", "c.png", "x99.Gif", "x100.gif", "x065.png", "x66.png", "y.png", "k_Z.tar.png"}) {
+    for (const char* file :
+         {"A.png", "B.PNG", "c.png", "x99.Gif", "x100.gif", "x065.png", "x66.png", "y.png", "k_Z.tar.png"}) {
         folder.Write(file, "x");
     }
     std::filesystem::create_directory(folder.path / "D.png");
@@ -34,10 +36,10 @@ TEST(PictureSeries, GoesOnWhileFilesExist) {
         char16_t character;
         const char* next; // empty for the end
     } cases[] = {
-        {"A.png", u'A', "B.PNG"},  {"B.png", u'B', "C.PNG"},      {"c.png", u'c', ""},
+        {"A.png", u'A', "B.PNG"},    {"B.png", u'B', "C.PNG"},    {"c.png", u'c', ""},
         {"x99.gif", 99, "x100.GIF"}, {"x065.png", 65, "x66.PNG"}, // leading zeros are not kept
-        {"x66.png", 65, ""},       {"y.png", u'A', ""},           {"C.png", u'C', ""}, // a folder
-        {"k_Y.tar.png", u'Y', ""}, // asks for k_Z.PNG
+        {"x66.png", 65, ""},         {"y.png", u'A', ""},         {"C.png", u'C', ""}, // a folder
+        {"k_Y.tar.png", u'Y', ""},                                                     // asks for k_Z.PNG
     };
     for (const auto& c : cases) {
         MString path = folder.File(c.start);

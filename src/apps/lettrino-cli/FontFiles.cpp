@@ -36,7 +36,8 @@ bool HasAllRecords(const MString& path, const MColourFont& font) {
     const auto pairs = std::ranges::count_if(font.Kerning, [](const auto& pair) { return pair.Amount != 0; });
     MTextFile text(path, false, false, MTextEncoding::Ansi);
     std::int64_t lines = 0;
-    while (text.NextLine()) ++lines;
+    while (text.NextLine())
+        ++lines;
     return lines == others + font.GlyphCount() + pairs;
 }
 
@@ -75,7 +76,8 @@ std::string WhyNotOpened(const MString& path, const FontForm& form) {
     if (!form.hasHeader(text)) return "it is no font of this form: its first line is not the header";
     MString picture = path;
     picture.SetExtension("png");
-    return FileExists(picture) ? "its picture " + ToSystem(picture) + " can't be read" : "its picture is not there";
+    return FileExists(picture) ? "its picture " + ToSystem(picture) + " can't be read"
+                               : "its picture is not there";
 }
 
 // A folder of this run's own for the pictures that an import unpacks.
@@ -160,15 +162,18 @@ void WarnOfName(const std::string& step, const MString& name) {
         return (lower >= u'a' && lower <= u'z') || unit == u'_' || unit == u'$' || unit > 127;
     };
     const auto isDigit = [](char16_t unit) { return unit >= u'0' && unit <= u'9'; };
-    const bool valid = isLetter(name.GetChar(0)) &&
-                       std::ranges::all_of(name.View(), [&](char16_t unit) { return isLetter(unit) || isDigit(unit); });
+    const bool valid = isLetter(name.GetChar(0)) && std::ranges::all_of(name.View(), [&](char16_t unit) {
+                           return isLetter(unit) || isDigit(unit);
+                       });
     if (valid) return;
-    std::fprintf(stderr, "lettrino-cli: %s: warning: '%s' is no name that a script can use; the page will not work\n",
+    std::fprintf(stderr,
+                 "lettrino-cli: %s: warning: '%s' is no name that a script can use; the page will not work\n",
                  step.c_str(), ToSystem(name).c_str());
 }
 
 StepResult ExportPage(MColourFont& font, const std::string& file, bool minimal) {
-    if (file.find(' ') != std::string::npos) return StepFailure{file, "a font for the web takes no blanks in its path"};
+    if (file.find(' ') != std::string::npos)
+        return StepFailure{file, "a font for the web takes no blanks in its path"};
     const MString path = AbsolutePath(file);
     const fs::path folder = ToSystemPath(path).parent_path();
     if (!IsFolder(folder)) return StepFailure{file, "there is no folder " + folder.string()};
@@ -181,8 +186,8 @@ StepResult ExportPage(MColourFont& font, const std::string& file, bool minimal) 
         other.SetExtension(extension);
         return other;
     };
-    const bool whole = exported && IsWholePng(sibling("png")) && EndsAsWritten(sibling("js")) &&
-                       FileExists(sibling("html"));
+    const bool whole =
+        exported && IsWholePng(sibling("png")) && EndsAsWritten(sibling("js")) && FileExists(sibling("html"));
     if (!whole) return StepFailure{file, "the page, its script and its picture could not all be written"};
     if (!FileExists(JoinPath(FromSystemPath(folder), "lettrino-1.0.js"))) {
         return StepFailure{file, "the run-time script is missing beside the program, in Media/www"};
@@ -231,7 +236,8 @@ StepResult ExportCubes(MColourFont& font, const std::string& file) {
     MString first = path;
     first.KeepBefore(".");
     if (exported && IsWholePng(first + "1.png")) return {};
-    return StepFailure{file, exported ? "the pictures could not be written" : "there was no memory for the pictures"};
+    return StepFailure{file,
+                       exported ? "the pictures could not be written" : "there was no memory for the pictures"};
 }
 
 } // namespace

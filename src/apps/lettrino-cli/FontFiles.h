@@ -1,5 +1,5 @@
-// The steps that read and write files. Where the program itself stays silent about a failure, these look what came
-// of it and give the reason.
+// The steps that read and write files. Where the program itself stays silent about a failure, these look what
+// came of it and give the reason.
 #pragma once
 
 #include "apps/lettrino-cli/Steps.h"

@@ -4,12 +4,12 @@
 #include "glyphs/MFontList.h"
 #include "platform/text/MSystemFonts.h"
 
+#include <nlohmann/json.hpp>
+
 #include <cstdio>
 #include <map>
 #include <string>
 #include <tuple>
-
-#include <nlohmann/json.hpp>
 
 namespace {
 
@@ -54,7 +54,8 @@ std::map<FaceKey, Json> ColourForms() {
         Json& known = forms[{ToSystem(face.family), face.weight, face.italic}];
         if (!known.is_null() && !known.empty()) continue;
         known = Json::array();
-        for (const MString& form : face.colourForms) known.push_back(ToSystem(form));
+        for (const MString& form : face.colourForms)
+            known.push_back(ToSystem(form));
     }
     return forms;
 }

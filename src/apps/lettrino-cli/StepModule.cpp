@@ -5,9 +5,9 @@
 #include "foundation/MUtf8.h"
 #include "platform/headless/Headless.h"
 
-#include <cstdio>
-
 #include <unistd.h>
+
+#include <cstdio>
 
 namespace {
 
@@ -30,8 +30,8 @@ std::string Describe(const StepName& step, const StepFailure& failure) {
 }
 
 std::string DescribeUsage(const StepName& step, const std::string& argument) {
-    return std::string(step.name) + " '" + argument + "': wrong usage; it is " + step.name + " " + step.arguments +
-           ": " + step.help;
+    return std::string(step.name) + " '" + argument + "': wrong usage; it is " + step.name + " " +
+           step.arguments + ": " + step.help;
 }
 
 } // namespace

@@ -120,16 +120,23 @@ struct Preparation {
 };
 
 constexpr std::array preparations{
-    Preparation{"--family", [](StepArguments arguments) {
-             return Set<&MSettings::FontName>(std::optional(FromSystem(arguments[0])));
-         }},
-    Preparation{"--weight", [](StepArguments arguments) { return Set<&MSettings::Weight>(ReadNumber(arguments[0])); }},
+    Preparation{"--family",
+                [](StepArguments arguments) {
+                    return Set<&MSettings::FontName>(std::optional(FromSystem(arguments[0])));
+                }},
+    Preparation{"--weight",
+                [](StepArguments arguments) { return Set<&MSettings::Weight>(ReadNumber(arguments[0])); }},
     Preparation{"--italic", [](StepArguments) { return Set<&MSettings::Italic>(std::optional(true)); }},
     Preparation{"--height", SetHeight},
-    Preparation{"--colour", [](StepArguments arguments) { return Set<&MSettings::Colour>(ReadColour(arguments[0])); }},
-    Preparation{"--colour-font", [](StepArguments) { return Set<&MSettings::ColourFont>(std::optional(true)); }},
-    Preparation{"--background", [](StepArguments arguments) { return Set<&MSettings::BackgroundColour>(ReadColour(arguments[0])); }},
-    Preparation{"--select", [](StepArguments arguments) { return Set<&MSettings::Selected>(ReadSelection(arguments[0])); }},
+    Preparation{"--colour",
+                [](StepArguments arguments) { return Set<&MSettings::Colour>(ReadColour(arguments[0])); }},
+    Preparation{"--colour-font",
+                [](StepArguments) { return Set<&MSettings::ColourFont>(std::optional(true)); }},
+    Preparation{
+        "--background",
+        [](StepArguments arguments) { return Set<&MSettings::BackgroundColour>(ReadColour(arguments[0])); }},
+    Preparation{"--select",
+                [](StepArguments arguments) { return Set<&MSettings::Selected>(ReadSelection(arguments[0])); }},
     Preparation{"--font-file", PrepareFontFile},
     Preparation{"--generate", Generate},
     Preparation{"--open", PrepareOpen},

@@ -14,7 +14,8 @@
 std::optional<std::int32_t> ReadNumber(std::string_view text);
 // RRGGBB, hexadecimal; opaque.
 std::optional<MColour> ReadColour(std::string_view text);
-// One 16-bit unit: a character as itself, its decimal code (two digits or more), or U+ and its hexadecimal code.
+// One 16-bit unit: a character as itself, its decimal code (two digits or more), or U+ and its hexadecimal
+// code.
 std::optional<char16_t> ReadCharacter(std::string_view text);
 
 using Selection = std::array<std::uint8_t, 256>; // by code, 1: selected

@@ -1,5 +1,5 @@
-// lettrino-cli: the program's work without a window. Steps are done in the order given, on one document, starting
-// from the default settings; the user's own settings and folders play no part.
+// lettrino-cli: the program's work without a window. Steps are done in the order given, on one document,
+// starting from the default settings; the user's own settings and folders play no part.
 //
 // Status 0: all steps done. 1: a step failed; one line on standard error names it, its file and the reason.
 // 2: wrong usage.
@@ -7,15 +7,14 @@
 #include "apps/lettrino-cli/StepModule.h"
 #include "apps/lettrino-cli/StepNames.h"
 
+#include <CLI/CLI.hpp>
+#include <dlfcn.h>
+
 #include <algorithm>
 #include <cstdio>
 #include <string>
 #include <unordered_map>
 #include <vector>
-
-#include <dlfcn.h>
-
-#include <CLI/CLI.hpp>
 
 namespace {
 
