@@ -2,6 +2,7 @@
 // deeper ones 5 or 8. Each top-level picture is a frame, the primary one first.
 #include "imaging/codecs/MByteRows.h"
 #include "imaging/codecs/MCodec.h"
+#include "imaging/codecs/MHevcSize.h"
 
 #include <fcntl.h>
 #include <libheif/heif.h>
@@ -150,15 +151,18 @@ bool CopyImage(const heif_image* image, MPixelFormat format, bool premultiplied,
     return true;
 }
 
+// Before the decoder sees any of it. It holds pictures in several forms at once, about 16 bytes for each pixel.
+bool IsPlausible(std::uint64_t pixels, std::uint64_t fileSize) {
+    constexpr std::uint64_t bytesPerPixel = 16;
+    if (pixels <= fileSize * mostPixelsPerByte && pixels <= MemoryLimit() / bytesPerPixel) return true;
+    ReportCodec("HEIF", "larger than the file could hold");
+    return false;
+}
+
 bool DecodeHandle(const heif_image_handle* handle, std::uint64_t fileSize, MPicture& picture) {
     const std::uint64_t pixels = static_cast<std::uint64_t>(std::max(heif_image_handle_get_width(handle), 0)) *
                                  static_cast<std::uint64_t>(std::max(heif_image_handle_get_height(handle), 0));
-    // libheif holds the picture at least twice, in the form of the file and in ours.
-    if (pixels == 0 || pixels > fileSize * mostPixelsPerByte ||
-        pixels > MemoryLimit() / (2 * sizeof(MColour))) {
-        ReportCodec("HEIF", "larger than the file could hold");
-        return false;
-    }
+    if (pixels == 0 || !IsPlausible(pixels, fileSize)) return false;
     const bool alpha = heif_image_handle_has_alpha_channel(handle) != 0;
     // Premultiplied colours have lost depth already; they are brought back in bytes.
     const bool premultiplied = heif_image_handle_is_premultiplied_alpha(handle) != 0;
@@ -207,7 +211,8 @@ Image ImageOf(const MPicture& picture) {
 
 bool SniffHeif(std::span<const std::uint8_t> start) {
     constexpr std::size_t needed = 12;
-    return start.size() >= needed &&
+    // AVIF files have the same boxes, but another codec inside.
+    return start.size() >= needed && !StartsWith(start.subspan(8), "avi") &&
            heif_check_filetype(start.data(), static_cast<int>(start.size())) == heif_filetype_yes_supported;
 }
 
@@ -216,7 +221,7 @@ bool DecodeHeif(MByteSource& file, std::int32_t frame, MPicture& picture) {
     return Guarded([&] {
         const std::span<const std::uint8_t> bytes = file.All();
         const Context context(heif_context_alloc());
-        if (!context || bytes.empty()) return false;
+        if (!context || bytes.empty() || !IsPlausible(LargestHevcPicture(bytes), bytes.size())) return false;
         const heif_error error =
             heif_context_read_from_memory_without_copy(context.get(), bytes.data(), bytes.size(), nullptr);
         heif_item_id item = 0;

@@ -1,4 +1,6 @@
+#include "foundation/MDebug.h"
 #include "imaging/codecs/Coding.h"
+#include "imaging/codecs/MHevcSize.h"
 
 #include <gtest/gtest.h>
 #include <libheif/heif.h>
@@ -65,4 +67,47 @@ TEST(HeifCodec, EachPictureIsAFrameThePrimaryFirst) {
         EXPECT_EQ(picture.FrameDelay, 100);
     }
     EXPECT_FALSE(Decoded("HEIF", file, 3).IsValid());
+}
+
+TEST(HeifCodec, SizesAreReadOffTheCodedDataToo) {
+    for (const auto& [width, height] : {std::pair(32U, 32U), std::pair(301U, 77U), std::pair(4096U, 16U)}) {
+        const std::uint64_t coded =
+            LargestHevcPicture(Encoded("HEIF", SmoothPicture(width, height, FormatRGB8)));
+        EXPECT_GE(coded, width * height);
+        EXPECT_LE(coded, (width + 64) * (height + 64)) << "rounded up to whole blocks";
+    }
+    EXPECT_EQ(LargestHevcPicture({}), 0U);
+
+    // A parameter set of 65535 by 65535 pixels: two bytes of header, 104 bits of profile, then codes for 0, 1,
+    // 65535 and 65535. The decoder would take its memory before anything tells that there is no such picture.
+    Bytes hostile(15, 0x40);
+    hostile[0] = 0x42;
+    hostile[1] = 0x01;
+    hostile[2] = 0;
+    std::vector<bool> bits = {true, false, true, false};
+    for (int i = 0; i < 2; ++i) {
+        bits.insert(bits.end(), 16, false);
+        bits.push_back(true);
+        bits.insert(bits.end(), 16, false);
+    }
+    bits.resize(80);
+    for (std::size_t i = 0; i < bits.size(); i += 8) {
+        std::uint8_t byte = 0;
+        for (std::size_t j = 0; j < 8; ++j)
+            byte = static_cast<std::uint8_t>(byte << 1 | (bits[i + j] ? 1 : 0));
+        if (hostile.size() >= 2 && hostile.back() == 0 && hostile[hostile.size() - 2] == 0 && byte <= 3)
+            hostile.push_back(3);
+        hostile.push_back(byte);
+    }
+    EXPECT_EQ(LargestHevcPicture(hostile), 65535ULL * 65535);
+
+    Bytes file = Encoded("HEIF", SmoothPicture(32, 32, FormatRGB8));
+    file.insert(file.end(), hostile.begin(), hostile.end());
+    static int refusals;
+    refusals = 0;
+    SetDebugSink(
+        [](std::u16string_view message) { refusals += message.find(u"larger than") != message.npos ? 1 : 0; });
+    EXPECT_FALSE(Decoded("HEIF", file).IsValid());
+    SetDebugSink(nullptr);
+    EXPECT_EQ(refusals, 1);
 }
