@@ -5,11 +5,20 @@
 #include <cairo.h>
 
 #include <algorithm>
+#include <array>
 #include <cstring>
 
 namespace {
 
 constexpr std::int32_t largestSide = 32767; // Cairo's own limit
+
+// 2 to the 24th by each alpha, rounded up: with it a division of 16 bits by an alpha is exact.
+constexpr auto reciprocals = [] {
+    std::array<std::uint32_t, 256> table{};
+    for (std::uint32_t a = 1; a < 256; ++a)
+        table[a] = ((1U << 24) + a - 1) / a;
+    return table;
+}();
 
 void StorePremultiplied(MColour colour, std::uint8_t* to) {
     const auto channel = [&](std::uint8_t value) {
@@ -25,8 +34,10 @@ MColour Straight(MColour premultiplied) {
     const int a = premultiplied.a;
     if (a == 255) return premultiplied;
     if (a == 0) return {0, 0, 0, 0};
-    const auto channel = [a](int value) {
-        return static_cast<std::uint8_t>(std::min((value * 255 + a / 2) / a, 255));
+    const std::uint64_t factor = reciprocals[static_cast<std::size_t>(a)];
+    const auto channel = [&](int value) {
+        const auto rounded = static_cast<std::uint64_t>(value * 255 + a / 2) * factor >> 24;
+        return static_cast<std::uint8_t>(std::min<std::uint64_t>(rounded, 255));
     };
     return {channel(premultiplied.r), channel(premultiplied.g), channel(premultiplied.b), premultiplied.a};
 }

@@ -21,6 +21,16 @@ MGlyphPainter::MGlyphPainter(const MFontMatch& match) : face(match) {
     hasBitmaps = FT_HAS_FIXED_SIZES(face.face) && FT_HAS_COLOR(face.face);
 }
 
+std::shared_ptr<MGlyphPainter> MGlyphPainter::Shared(const MFontMatch& match) {
+    static std::vector<std::weak_ptr<MGlyphPainter>> painters;
+    std::erase_if(painters, [](const auto& painter) { return painter.expired(); });
+    for (const auto& known : painters)
+        if (auto painter = known.lock(); painter && painter->face.match == match) return painter;
+    auto painter = std::make_shared<MGlyphPainter>(match);
+    painters.push_back(painter);
+    return painter;
+}
+
 const MPaintTree* MGlyphPainter::TreeOf(std::uint32_t glyph) {
     if (!layers.valid || glyph > UINT16_MAX) return nullptr;
     if (glyph != treeGlyph) tree = layers.Read(static_cast<std::uint16_t>(glyph));

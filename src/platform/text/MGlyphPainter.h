@@ -16,6 +16,9 @@ class MGlyphPainter {
 public:
     MOpenFace face;
 
+    // One painter serves all that draw with the same face at the same time.
+    static std::shared_ptr<MGlyphPainter> Shared(const MFontMatch& match);
+
     explicit MGlyphPainter(const MFontMatch& match);
 
     // With the glyph's origin at (x, y) of the current coordinates, whose unit is the pixel with y downwards,

@@ -32,6 +32,10 @@ std::optional<std::string> Inflate(std::span<const std::uint8_t> bytes) {
     return text;
 }
 
+std::string IdOf(std::uint16_t glyph) {
+    return "#glyph" + std::to_string(glyph);
+}
+
 std::string CssColour(int r, int g, int b, int a) {
     return "rgba(" + std::to_string(r) + "," + std::to_string(g) + "," + std::to_string(b) + "," +
            std::to_string(a / 255.0) + ")";
@@ -103,8 +107,8 @@ MSvgGlyphs::MSvgGlyphs(std::vector<std::uint8_t> svgTable, std::vector<std::uint
     : svg(std::move(svgTable)), cpal(std::move(cpalTable)) {}
 
 MSvgGlyphs::~MSvgGlyphs() {
-    for (const auto& [offset, handle] : documents)
-        if (handle) g_object_unref(handle);
+    for (const auto& [offset, document] : documents)
+        if (document.handle) g_object_unref(document.handle);
 }
 
 // OpenType specification 1.9, chapter "SVG": a header, then the list of documents, sorted by glyph.
@@ -130,10 +134,12 @@ MSvgGlyphs::Place MSvgGlyphs::Find(std::uint16_t glyph) const {
     return {};
 }
 
-RsvgHandle* MSvgGlyphs::Open(const Place& place) {
+MSvgGlyphs::Document* MSvgGlyphs::Open(std::uint16_t glyph) {
+    const Place place = Find(glyph);
     if (place.length == 0) return nullptr;
-    if (const auto known = documents.find(place.offset); known != documents.end()) return known->second;
-    RsvgHandle*& handle = documents[place.offset];
+    if (const auto known = documents.find(place.offset); known != documents.end())
+        return known->second.handle ? &known->second : nullptr;
+    Document& document = documents[place.offset];
 
     const auto bytes = std::span(svg).subspan(place.offset, place.length);
     const bool compressed = bytes.size() > 2 && bytes[0] == 0x1F && bytes[1] == 0x8B;
@@ -141,30 +147,35 @@ RsvgHandle* MSvgGlyphs::Open(const Place& place) {
         compressed ? Inflate(bytes) : std::string(reinterpret_cast<const char*>(bytes.data()), bytes.size());
     if (!text || text->size() > maximumDocument) return nullptr;
     if (static_cast<std::size_t>(std::ranges::count(*text, '<')) > maximumElements) return nullptr;
-    const std::string document = WithPalette(*text, cpal);
+    const std::string content = WithPalette(*text, cpal);
     // Without a base, no reference that leaves the document is followed.
-    handle =
-        rsvg_handle_new_from_data(reinterpret_cast<const guint8*>(document.data()), document.size(), nullptr);
-    return handle;
+    document.handle =
+        rsvg_handle_new_from_data(reinterpret_cast<const guint8*>(content.data()), content.size(), nullptr);
+    return document.handle ? &document : nullptr;
 }
 
 bool MSvgGlyphs::Has(std::uint16_t glyph) {
     if (IsEmpty()) return false;
-    RsvgHandle* const handle = Open(Find(glyph));
-    const std::string id = "#glyph" + std::to_string(glyph);
-    return handle && rsvg_handle_has_sub(handle, id.c_str());
+    const Document* const document = Open(glyph);
+    return document && rsvg_handle_has_sub(document->handle, IdOf(glyph).c_str());
 }
 
 bool MSvgGlyphs::Draw(cairo_t* context, std::uint16_t glyph, std::int32_t unitsPerEm, MColour foreground) {
     if (!Has(glyph)) return false;
-    RsvgHandle* const handle = Open(Find(glyph));
-    const std::string id = "#glyph" + std::to_string(glyph);
-    const std::string style =
-        "svg{color:" + CssColour(foreground.r, foreground.g, foreground.b, foreground.a) + "}";
-    rsvg_handle_set_stylesheet(handle, reinterpret_cast<const guint8*>(style.data()), style.size(), nullptr);
+    Document& document = *Open(glyph);
+    // A style makes librsvg go through the whole document.
+    if (!document.coloured || !(document.foreground == foreground)) {
+        const std::string style =
+            "svg{color:" + CssColour(foreground.r, foreground.g, foreground.b, foreground.a) + "}";
+        rsvg_handle_set_stylesheet(document.handle, reinterpret_cast<const guint8*>(style.data()), style.size(),
+                                   nullptr);
+        document.coloured = true;
+        document.foreground = foreground;
+    }
     const RsvgRectangle viewport{0, 0, static_cast<double>(unitsPerEm), static_cast<double>(unitsPerEm)};
     cairo_save(context);
-    const bool drawn = rsvg_handle_render_layer(handle, context, id.c_str(), &viewport, nullptr);
+    const bool drawn =
+        rsvg_handle_render_layer(document.handle, context, IdOf(glyph).c_str(), &viewport, nullptr);
     cairo_restore(context);
     return drawn;
 }

@@ -40,10 +40,16 @@ private:
 
     std::vector<std::uint8_t> svg;
     std::vector<std::uint8_t> cpal;
-    std::map<std::size_t, _RsvgHandle*> documents; // by offset; null for one that can't be read
+    struct Document {
+        _RsvgHandle* handle = nullptr; // null for one that can't be read
+        bool coloured = false;         // has a foreground
+        MColour foreground;
+    };
+
+    std::map<std::size_t, Document> documents; // by offset
 
     Place Find(std::uint16_t glyph) const;
-    _RsvgHandle* Open(const Place& place);
+    Document* Open(std::uint16_t glyph); // null if there is none that can be read
 };
 
 // The document's text with palette entries in place of var(--colorN, ...), or with what stands after the comma

@@ -59,7 +59,7 @@ void MTextFormat::Unref::operator()(void* object) const {
 MTextFormat::MTextFormat(const MTextStyle& textStyle) : style(textStyle) {
     const auto match = MatchFont(style.family, style.weight, style.italic);
     if (!match || style.size < 1 || style.size > largestSize) return;
-    own = std::make_unique<MGlyphPainter>(*match);
+    own = MGlyphPainter::Shared(*match);
     if (!own->face.face) return;
     context.reset(MakeContext());
     layout.reset(pango_layout_new(context.get()));
@@ -123,7 +123,7 @@ MGlyphPainter& MTextFormat::PainterOf(PangoFont* font) {
     if (!painter) {
         g_object_ref(font);
         const auto match = ToMatch(pango_fc_font_get_pattern(PANGO_FC_FONT(font)));
-        painter = std::make_unique<MGlyphPainter>(match.value_or(MFontMatch{}));
+        painter = MGlyphPainter::Shared(match.value_or(MFontMatch{}));
     }
     return *painter;
 }

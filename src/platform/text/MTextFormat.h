@@ -60,14 +60,14 @@ private:
     };
 
     MTextStyle style;
-    std::unique_ptr<MGlyphPainter> own;
+    std::shared_ptr<MGlyphPainter> own;
     // Pango takes another font for the family, since it can't read files of this form (WOFF, Type 1). It then
     // lays the family's characters out as boxes of their advances, and they are drawn without its help.
     bool ownGlyphs = false;
     std::unique_ptr<_PangoContext, Unref> context;
     std::unique_ptr<_PangoLayout, Unref> layout;
     // One for each font that has come up. They stay while the format does.
-    std::map<_PangoFont*, std::unique_ptr<MGlyphPainter>> painters;
+    std::map<_PangoFont*, std::shared_ptr<MGlyphPainter>> painters;
 
     void SetOwnGlyphs(const std::string& utf8);
     void SetText(const MString& text, int width);
