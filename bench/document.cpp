@@ -112,9 +112,53 @@ void KerningPlain(benchmark::State& state) {
     if (!std::ranges::equal(fast, font.Kerning)) state.SkipWithError("the two lists differ");
 }
 
+// A picture of 4096 x 4096 as a glyph of height 512: blocks of 6 x 6 points, 8 apart.
+MPicture LargePicture() {
+    MPicture picture(4096, 4096, FormatRGBA8);
+    for (std::size_t i = 0; i < std::size_t{picture.Stride} * picture.Height; ++i) {
+        picture.Pixels[i] = static_cast<std::uint8_t>(i * 2654435761U >> 13);
+    }
+    return picture;
+}
+
+void AddPicture(benchmark::State& state) {
+    MSettings settings;
+    Settings = &settings;
+    settings.GlyphHeight = 512;
+    MColourFont font(nullptr);
+    MPicture picture = LargePicture();
+    for (auto _ : state)
+        font.AddPictureGlyph(u'x', picture, 0, 0, false);
+    picture.Free();
+    Settings = nullptr;
+}
+
+// One pass over the points that are needed.
+void AddPictureBound(benchmark::State& state) {
+    MPicture picture = LargePicture();
+    for (auto _ : state) {
+        std::uint32_t sums[4] = {};
+        for (std::size_t y = 0; y < 4096; y += 8) {
+            for (std::size_t j = 0; j < 6; ++j) {
+                const std::uint8_t* const row = picture.Pixels + (y + j) * picture.Stride;
+                for (std::size_t x = 0; x < 4096; x += 8) {
+                    for (std::size_t i = 0; i < 6; ++i) {
+                        for (std::size_t c = 0; c < 4; ++c)
+                            sums[c] += row[(x + i) * 4 + c];
+                    }
+                }
+            }
+        }
+        benchmark::DoNotOptimize(sums);
+    }
+    picture.Free();
+}
+
 } // namespace
 
 BENCHMARK(Repack)->Arg(100)->Arg(512)->Unit(benchmark::kMillisecond);
 BENCHMARK(RepackBound)->Arg(100)->Arg(512)->Unit(benchmark::kMillisecond);
 BENCHMARK(Kerning)->Arg(512)->Unit(benchmark::kMillisecond);
 BENCHMARK(KerningPlain)->Arg(512)->Iterations(1)->Unit(benchmark::kMillisecond);
+BENCHMARK(AddPicture)->Unit(benchmark::kMillisecond);
+BENCHMARK(AddPictureBound)->Unit(benchmark::kMillisecond);
