@@ -56,7 +56,7 @@ std::array<float, 6> Skew(float xHalfTurns, float yHalfTurns) {
 
 } // namespace
 
-// One reading of one glyph. The offsets and formats are those of the OpenType specification 1.9, chapter
+// One reading of one glyph. The offsets and formats are those of the OpenType 1.9, chapter
 // "COLR".
 class MPaintReader {
 public:

@@ -111,7 +111,7 @@ MSvgGlyphs::~MSvgGlyphs() {
         if (document.handle) g_object_unref(document.handle);
 }
 
-// OpenType specification 1.9, chapter "SVG": a header, then the list of documents, sorted by glyph.
+// OpenType 1.9, chapter "SVG": a header, then the list of documents, sorted by glyph.
 MSvgGlyphs::Place MSvgGlyphs::Find(std::uint16_t glyph) const {
     MTableView table(svg);
     const std::size_t list = table.U32(2);
