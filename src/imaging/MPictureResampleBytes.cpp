@@ -47,8 +47,11 @@ public:
             if (rows.first != summed.first || rows.count != summed.count) AddUpRows(rows);
             summed = rows;
             AddUpColumns(rows.count);
-            TakeMeans();
-            StoreMeans(y);
+            // Means of format 7 are the new row itself.
+            std::uint8_t* const row = target.Pixels + std::size_t{y} * target.Stride;
+            const bool inPlace = target.Format == FormatRGBA8;
+            TakeMeans(inPlace ? row : reinterpret_cast<std::uint8_t*>(means.Data()));
+            if (!inPlace) StoreMeans(row);
         }
     }
 
@@ -177,11 +180,10 @@ private:
     // sum / count in whole numbers, as (sum + 1) * (one / count) in the upper half of the product. With sums up
     // to 255 * count that is exact for counts to 16 in 16 bits, and to 1024 in 32: one unit is added to the
     // sum, and the rounded divisor takes away less than that and more than nothing.
-    void TakeMeans() {
+    void TakeMeans(std::uint8_t* mean) const {
         const std::size_t count = target.Width * channels;
         const Number* const sum = sums.Data()->data();
         const Number* const divisor = divisors.Data()->data();
-        auto* const mean = reinterpret_cast<std::uint8_t*>(means.Data());
         for (std::size_t i = 0; i < count; ++i) {
             if constexpr (N != 0) {
                 const auto increased = static_cast<std::uint16_t>(sum[i] + 1);
@@ -192,16 +194,11 @@ private:
         }
     }
 
-    void StoreMeans(std::size_t y) {
-        std::uint8_t* const row = target.Pixels + y * target.Stride;
+    void StoreMeans(std::uint8_t* row) const {
         pixels::WithFormat(target.Format, [&](auto constant) {
             constexpr MPixelFormat to = constant();
-            if constexpr (to == FormatRGBA8) {
-                std::memcpy(row, means.Data(), target.Width * sizeof(MColour));
-            } else {
-                for (std::size_t x = 0; x < target.Width; ++x) {
-                    pixels::Store<to>(row + x * pixels::bytesPerPixel<to>, means.Data()[x]);
-                }
+            for (std::size_t x = 0; x < target.Width; ++x) {
+                pixels::Store<to>(row + x * pixels::bytesPerPixel<to>, means.Data()[x]);
             }
         });
     }
