@@ -12,6 +12,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <filesystem>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -60,9 +61,15 @@ std::vector<StepCall> InOrder(const CLI::App& app, const StepOptions& options) {
     return calls;
 }
 
+// Beside the program; asked for by its full path, since a run path is not followed under every run time.
+std::string ModulePath() {
+    std::error_code error;
+    const auto program = std::filesystem::read_symlink("/proc/self/exe", error);
+    return (program.parent_path() / StepModuleFile).string();
+}
+
 int LoadAndRun(const std::vector<StepCall>& calls) {
-    // The module stands beside the program, where its run path leads; it stays loaded to the end.
-    void* const module = dlopen(StepModuleFile, RTLD_NOW | RTLD_LOCAL);
+    void* const module = dlopen(ModulePath().c_str(), RTLD_NOW | RTLD_LOCAL); // stays loaded to the end
     void* const function = module ? dlsym(module, RunStepsName) : nullptr;
     if (!function) {
         ReportError(dlerror());
