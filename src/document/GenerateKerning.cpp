@@ -10,7 +10,6 @@ namespace {
 
 // The start value of the search, and what an empty row counts: a sum with it is never smaller than it.
 constexpr std::int32_t noGap = 100000;
-constexpr char16_t firstCharacter = 33;
 
 // For each row of one glyph, the empty pixels before the first ink and after the last, at most noGap.
 struct Gaps {
@@ -73,7 +72,7 @@ void MColourFont::GenerateKerning() {
     ClearKerning();
     std::vector<Gaps> glyphs;
     for (const auto& slot : Glyphs) {
-        if (slot && slot->Height > 0 && slot->Character >= firstCharacter)
+        if (slot && slot->Height > 0 && slot->Character >= FirstCharacter)
             glyphs.push_back(MeasureGlyph(*slot));
     }
     // No two glyphs have the same character, so each pair is new and needs no look-up.

@@ -9,8 +9,6 @@ MColourFont* CurrentFont = nullptr;
 
 namespace {
 
-constexpr std::int32_t firstCharacter = 33; // below it there are no glyphs and no kerning
-
 std::int32_t HalfOf(std::int32_t height) {
     return ToInteger(height * 0.5);
 }
@@ -106,7 +104,7 @@ void MColourFont::SortGlyphs() {
 }
 
 bool MColourFont::SetKerning(std::int32_t left, std::uint32_t right, std::int32_t amount) {
-    if (left < firstCharacter || right < static_cast<std::uint32_t>(firstCharacter)) return false;
+    if (!TakesKerning(left, right)) return false;
     if (MKerningPair* const pair = FindKerning(static_cast<char16_t>(left), right)) {
         pair->Amount = amount;
         return true;

@@ -23,6 +23,13 @@ struct MKerningPair {
     friend bool operator==(const MKerningPair&, const MKerningPair&) = default;
 };
 
+// Characters below this have no glyph and take no kerning; the space is one of them.
+inline constexpr std::int32_t FirstCharacter = 33;
+
+constexpr bool TakesKerning(std::int32_t left, std::uint32_t right) {
+    return left >= FirstCharacter && right >= static_cast<std::uint32_t>(FirstCharacter);
+}
+
 class MColourFont {
 public:
     // As many as there are codes from 33 to 255, but a slot is a place and not a character: any 16-bit code

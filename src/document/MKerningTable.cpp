@@ -5,8 +5,6 @@
 
 namespace {
 
-constexpr std::int32_t firstCharacter = 33;
-
 std::uint64_t Key(std::uint32_t left, std::uint32_t right) {
     return std::uint64_t{left} << 32 | right;
 }
@@ -19,7 +17,7 @@ MKerningTable::MKerningTable(const MColourFont& font) : pairs(font.Kerning.begin
 }
 
 bool MKerningTable::Set(std::int32_t left, std::uint32_t right, std::int32_t amount) {
-    if (left < firstCharacter || right < static_cast<std::uint32_t>(firstCharacter)) return false;
+    if (!TakesKerning(left, right)) return false;
     const auto found = places.find(Key(static_cast<char16_t>(left), right));
     if (found != places.end()) {
         pairs[found->second].Amount = amount;
