@@ -1,0 +1,20 @@
+#include "editors/LetterCubeNames.h"
+
+#include "document/MSettings.h"
+#include "foundation/Product.h"
+
+#include <string>
+
+MString LetterCubeNamesTitle() {
+    return ProductName + " - Export as letter cubes";
+}
+
+void StoreLetterCubeNames(const MString& text) {
+    constexpr std::size_t longest = 1000;
+    std::u16string names;
+    for (const char16_t unit : text.View()) {
+        if (unit == u'\n') names += u'\r';
+        names += unit;
+    }
+    Settings->LetterCubesNames = MString(std::u16string_view(names).substr(0, longest));
+}
