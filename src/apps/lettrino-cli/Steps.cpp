@@ -16,10 +16,6 @@ namespace {
 
 using Prepared = std::optional<StepAction>;
 
-// The limits of the glyph height that the dialogs have too.
-constexpr std::int32_t smallestHeight = 16;
-constexpr std::int32_t largestHeight = 1024;
-
 // A step that does nothing but put a value into a field of the settings.
 template<auto Field, typename Value>
 Prepared Set(const std::optional<Value>& value) {
@@ -32,7 +28,7 @@ Prepared Set(const std::optional<Value>& value) {
 
 Prepared SetHeight(StepArguments arguments) {
     auto height = ReadNumber(arguments[0]);
-    if (height) Clamp(*height, smallestHeight, largestHeight);
+    if (height) Clamp(*height, SmallestGlyphHeight, LargestGlyphHeight);
     return Set<&MSettings::GlyphHeight>(height);
 }
 
