@@ -5,10 +5,6 @@
 
 #include <cstdint>
 
-// The limits of the height that a user chooses.
-inline constexpr std::int32_t SmallestGlyphHeight = 16;
-inline constexpr std::int32_t LargestGlyphHeight = 1024;
-
 // The glyph height at which a font of this cap height at `oldHeight` gets capitals of 70 % of `newHeight`. Not
 // limited. `capHeight` and `oldHeight` are above 0.
 std::int32_t NormalisedGlyphHeight(std::int32_t capHeight, std::int32_t oldHeight, std::int32_t newHeight);

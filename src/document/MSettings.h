@@ -1,5 +1,6 @@
 // The program's choices, and the one home of what the document's operations take from the user: the glyph
-// height, the selected characters, the font choice, the padding. A plain record; no value is validated.
+// height, the selected characters, the font choice, the padding. A plain record; no value is validated. Load and
+// Save are in shell/, with the program's start and end.
 #pragma once
 
 #include "foundation/MString.h"
@@ -22,6 +23,10 @@ enum class MPathKind : std::uint8_t {
     ImportHtml,
 };
 inline constexpr std::size_t PathKinds = 9;
+
+// What dialogs and the command line limit a glyph height to; files may bring any other.
+inline constexpr std::int32_t SmallestGlyphHeight = 16;
+inline constexpr std::int32_t LargestGlyphHeight = 1024;
 
 class MSettings {
 public:
@@ -55,6 +60,15 @@ public:
     void UseDefaultWindowRect();
     // Brings WindowRect into the virtual screen, at least 320 by 240.
     void ClampWindowRect();
+
+    // In the user's folder for program data.
+    MString SettingsFilePath() const;
+    // Reads the file, if there is one, over what stands here, and sets FileRead. A line with missing fields
+    // brings zeros or empty texts; unknown keys are passed over. Only the window's place is checked.
+    void Load();
+    // Writes the file anew. Does nothing if there is one that was not read: what could not be read is never
+    // overwritten. Tells the user if it can't be written.
+    void Save() const;
 
     // How many of the codes 33 to 255 are selected.
     std::int32_t SelectedCount() const;

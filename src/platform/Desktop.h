@@ -16,6 +16,23 @@ namespace Desktop {
 struct Window; // the desktop's own; never looked into by the program
 using WindowHandle = Window*;
 
+struct Rect {
+    std::int32_t left = 0;
+    std::int32_t top = 0;
+    std::int32_t right = 0;  // exclusive
+    std::int32_t bottom = 0; // exclusive
+
+    std::int32_t Width() const { return right - left; }
+    std::int32_t Height() const { return bottom - top; }
+    bool IsEmpty() const { return right <= left || bottom <= top; }
+};
+
+// The program's main window with its menu, empty and shown; null if it can't be made. `frame` is the place of
+// the whole window on the virtual screen, with its title bar.
+WindowHandle OpenMainWindow(const MString& title, const Rect& frame);
+// Runs until the main window is closed, or until all were. The program's exit code.
+int RunMessageLoop();
+
 enum class Buttons { Ok, OkCancel, YesNo, YesNoCancel };
 enum class Icon { None, Information, Warning, Error, Question };
 enum class Answer { Ok, Cancel, Yes, No };
@@ -41,6 +58,28 @@ struct FileDialog {
 // has none.
 MString ShowFileDialog(WindowHandle owner, FileDialog& dialog, const MString& extension);
 
+// Modal, starts with `colour` and writes it on OK, opaque; false if the user cancelled. The custom colours that
+// the dialog offers start white and are kept while the program runs.
+bool ChooseColour(WindowHandle owner, MColour& colour);
+
+// The program's own dialogs, by number.
+enum class DialogId : std::uint16_t {
+    About = 130,
+    LicenseKeys = 131,
+    AddGlyphs = 136,
+    AddPicture = 137,
+    LetterCubesNames = 139,
+    GlyphHeight = 140,
+    KerningEditor = 141,
+    GlyphEditor = 142,
+};
+
+// Modal. A dialog works on the process-wide settings and document; true if it ended with OK.
+bool RunDialog(WindowHandle owner, DialogId id);
+
+// Opens an address with the user's own program for it, which is the browser.
+void OpenInBrowser(const MString& url);
+
 // The one progress window. Opening is false if no window can be shown; the other three do nothing then. It
 // paints itself at once on every change, since the caller does not return to the message loop.
 bool OpenProgress(WindowHandle owner);
@@ -48,16 +87,14 @@ void SetProgressPercent(std::int32_t percent); // 0 to 100
 void SetProgressText(const MString& text);
 void CloseProgress();
 
-struct Rect {
-    std::int32_t left = 0;
-    std::int32_t top = 0;
-    std::int32_t right = 0;  // exclusive
-    std::int32_t bottom = 0; // exclusive
+// A window's client area in its own pixels, from (0, 0); empty for a minimised window.
+Rect ClientRect(WindowHandle window);
+MString WindowTitle(WindowHandle window);
+void SetWindowTitle(WindowHandle window, const MString& title);
+void CloseWindow(WindowHandle window);
 
-    std::int32_t Width() const { return right - left; }
-    std::int32_t Height() const { return bottom - top; }
-    bool IsEmpty() const { return right <= left || bottom <= top; }
-};
+// What buttons and the ground of dialogs are painted with.
+MColour ButtonColour();
 
 // The primary screen, from (0, 0), and the rectangle around all screens. Both in pixels.
 Rect PrimaryScreen();

@@ -42,6 +42,55 @@ MString ShowFileDialog(WindowHandle, FileDialog& dialog, const MString&) {
     return Headless::Take(script.files, MString());
 }
 
+bool ChooseColour(WindowHandle, MColour& colour) {
+    record.colourDialogs.push_back(colour);
+    const auto chosen = Headless::Take(script.colours, std::optional<MColour>());
+    if (chosen) colour = *chosen;
+    return chosen.has_value();
+}
+
+bool RunDialog(WindowHandle, DialogId id) {
+    record.dialogs.push_back(id);
+    const auto found = script.dialogs.find(id);
+    return found != script.dialogs.end() && found->second();
+}
+
+void OpenInBrowser(const MString& url) {
+    record.urls.push_back(url);
+}
+
+WindowHandle OpenMainWindow(const MString& title, const Rect& frame) {
+    static char window = 0;
+    if (!script.opensMainWindow) return nullptr;
+    record.mainWindows.push_back(frame);
+    record.titles.push_back(title);
+    return reinterpret_cast<WindowHandle>(&window);
+}
+
+int RunMessageLoop() {
+    return script.messageLoop ? script.messageLoop() : 0;
+}
+
+Rect ClientRect(WindowHandle) {
+    return script.client;
+}
+
+MString WindowTitle(WindowHandle) {
+    return record.titles.empty() ? MString() : record.titles.back();
+}
+
+void SetWindowTitle(WindowHandle, const MString& title) {
+    record.titles.push_back(title);
+}
+
+void CloseWindow(WindowHandle) {
+    ++record.closedWindows;
+}
+
+MColour ButtonColour() {
+    return script.buttonColour;
+}
+
 bool OpenProgress(WindowHandle) {
     return true;
 }

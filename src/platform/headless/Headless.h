@@ -5,6 +5,8 @@
 
 #include <deque>
 #include <functional>
+#include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -28,6 +30,13 @@ struct Painting {
 struct Script {
     std::deque<Desktop::Answer> answers; // taken in order; when they run out: Yes, or Ok where there is no Yes
     std::deque<MString> files;           // taken in order; when they run out: cancelled
+    std::deque<std::optional<MColour>> colours; // taken in order; none, and when they run out: cancelled
+    // What a person does in a dialog, and whether it ends with OK. One without an entry is cancelled.
+    std::map<Desktop::DialogId, std::function<bool()>> dialogs;
+    std::function<int()> messageLoop; // what happens between the opening of the window and its end
+    bool opensMainWindow = true;
+    Desktop::Rect client{0, 0, 640, 360}; // of every window
+    MColour buttonColour{240, 240, 240};
     Desktop::Rect primaryScreen{0, 0, 1920, 1080};
     Desktop::Rect virtualScreen{0, 0, 1920, 1080};
     // Follows the progress window, for whoever shows it in another way: percent and text on each change, and a
@@ -38,6 +47,12 @@ struct Script {
 struct Record {
     std::vector<Message> messages;
     std::vector<Desktop::FileDialog> fileDialogs;
+    std::vector<MColour> colourDialogs; // the colours they started with
+    std::vector<Desktop::DialogId> dialogs;
+    std::vector<MString> urls;
+    std::vector<Desktop::Rect> mainWindows; // where they were opened
+    std::vector<MString> titles;            // as they were set
+    std::int32_t closedWindows = 0;
     std::vector<std::int32_t> progressPercents;
     std::vector<MString> progressTexts;
     std::vector<Painting> paintings;

@@ -1,0 +1,3 @@
+#include "licensing/MLicense.h"
+
+MLicense* License = nullptr;

@@ -1,0 +1,106 @@
+// What the desktop asks the user for the program: message boxes, files, colours.
+
+#include "platform/Desktop.h"
+#include "platform/qt/MClientArea.h"
+#include "platform/qt/QtText.h"
+
+#include <QColorDialog>
+#include <QFileDialog>
+#include <QMessageBox>
+
+namespace {
+
+QMessageBox::StandardButtons ToQt(Desktop::Buttons buttons) {
+    switch (buttons) {
+    case Desktop::Buttons::OkCancel: return QMessageBox::Ok | QMessageBox::Cancel;
+    case Desktop::Buttons::YesNo: return QMessageBox::Yes | QMessageBox::No;
+    case Desktop::Buttons::YesNoCancel: return QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel;
+    case Desktop::Buttons::Ok: break;
+    }
+    return QMessageBox::Ok;
+}
+
+QMessageBox::Icon ToQt(Desktop::Icon icon) {
+    switch (icon) {
+    case Desktop::Icon::Information: return QMessageBox::Information;
+    case Desktop::Icon::Warning: return QMessageBox::Warning;
+    case Desktop::Icon::Error: return QMessageBox::Critical;
+    case Desktop::Icon::Question: return QMessageBox::Question;
+    case Desktop::Icon::None: break;
+    }
+    return QMessageBox::NoIcon;
+}
+
+// What closing the box means.
+QMessageBox::StandardButton EscapeOf(QMessageBox::StandardButtons buttons) {
+    for (const auto button : {QMessageBox::Cancel, QMessageBox::No}) {
+        if (buttons & button) return button;
+    }
+    return QMessageBox::Ok;
+}
+
+// "PNG Files (*.PNG)" and "*.PNG" as Qt has it. Names of files differ in case here, extensions need not.
+QString FilterText(const Desktop::FileFilter& filter) {
+    QStringList patterns;
+    const QStringList parts = ToQt(filter.pattern).split(';', Qt::SkipEmptyParts);
+    for (const QString& part : parts)
+        patterns << part << part.toLower();
+    patterns.removeDuplicates();
+    return ToQt(filter.name).section(" (", 0, 0) + " (" + patterns.join(' ') + ')';
+}
+
+// White at the first use; Qt keeps what the user makes of them.
+void PrepareCustomColours() {
+    static bool prepared = false;
+    if (prepared) return;
+    prepared = true;
+    for (int i = 0; i < QColorDialog::customCount(); ++i)
+        QColorDialog::setCustomColor(i, Qt::white);
+}
+
+} // namespace
+
+namespace Desktop {
+
+Answer ShowMessage(WindowHandle owner, const MString& text, const MString& caption, Buttons buttons,
+                   Icon icon) {
+    const QMessageBox::StandardButtons shown = ToQt(buttons);
+    QMessageBox box(ToQt(icon), ToQt(caption), ToQt(text), shown, WidgetOf(owner));
+    box.setTextFormat(Qt::PlainText);
+    box.setEscapeButton(EscapeOf(shown));
+    switch (box.exec()) {
+    case QMessageBox::Yes: return Answer::Yes;
+    case QMessageBox::No: return Answer::No;
+    case QMessageBox::Cancel: return Answer::Cancel;
+    default: return Answer::Ok;
+    }
+}
+
+MString ShowFileDialog(WindowHandle owner, FileDialog& dialog, const MString& extension) {
+    QFileDialog chooser(WidgetOf(owner), ToQt(dialog.title), ToQt(dialog.folder));
+    chooser.setAcceptMode(dialog.save ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
+    chooser.setFileMode(dialog.save ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
+    QStringList filters;
+    for (const FileFilter& filter : dialog.filters)
+        filters << FilterText(filter);
+    chooser.setNameFilters(filters);
+    chooser.setOption(QFileDialog::HideNameFilterDetails);
+    if (dialog.filterIndex >= 1 && dialog.filterIndex <= filters.size())
+        chooser.selectNameFilter(filters[dialog.filterIndex - 1]);
+    chooser.setDefaultSuffix(ToQt(extension));
+    chooser.selectFile(ToQt(dialog.fileName));
+    if (chooser.exec() != QDialog::Accepted || chooser.selectedFiles().isEmpty()) return {};
+    dialog.filterIndex = static_cast<std::int32_t>(filters.indexOf(chooser.selectedNameFilter())) + 1;
+    return FromQt(chooser.selectedFiles().constFirst());
+}
+
+bool ChooseColour(WindowHandle owner, MColour& colour) {
+    PrepareCustomColours();
+    const QColor chosen = QColorDialog::getColor(QColor(colour.r, colour.g, colour.b), WidgetOf(owner));
+    if (!chosen.isValid()) return false;
+    const auto channel = [](int value) { return static_cast<std::uint8_t>(value); };
+    colour = MColour(channel(chosen.red()), channel(chosen.green()), channel(chosen.blue()));
+    return true;
+}
+
+} // namespace Desktop

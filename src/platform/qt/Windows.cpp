@@ -1,0 +1,60 @@
+// What the desktop knows of windows, screens and colours.
+
+#include "platform/Desktop.h"
+#include "platform/qt/MClientArea.h"
+#include "platform/qt/QtText.h"
+
+#include <QApplication>
+#include <QDesktopServices>
+#include <QPalette>
+#include <QScreen>
+#include <QUrl>
+
+namespace Desktop {
+
+namespace {
+
+Rect FromQtRect(const QRect& rectangle) {
+    return {rectangle.x(), rectangle.y(), rectangle.x() + rectangle.width(),
+            rectangle.y() + rectangle.height()};
+}
+
+} // namespace
+
+MString WindowTitle(WindowHandle window) {
+    return window ? FromQt(WidgetOf(window)->window()->windowTitle()) : MString();
+}
+
+void SetWindowTitle(WindowHandle window, const MString& title) {
+    if (window) WidgetOf(window)->window()->setWindowTitle(ToQt(title));
+}
+
+void CloseWindow(WindowHandle window) {
+    if (window) WidgetOf(window)->window()->close();
+}
+
+MColour ButtonColour() {
+    const QColor colour = QApplication::palette().color(QPalette::Button);
+    const auto channel = [](int value) { return static_cast<std::uint8_t>(value); };
+    return {channel(colour.red()), channel(colour.green()), channel(colour.blue())};
+}
+
+void OpenInBrowser(const MString& url) {
+    QDesktopServices::openUrl(QUrl(ToQt(url)));
+}
+
+Rect PrimaryScreen() {
+    const QScreen* const screen = QApplication::primaryScreen();
+    return screen ? Rect{0, 0, screen->geometry().width(), screen->geometry().height()} : Rect{};
+}
+
+Rect VirtualScreen() {
+    const QScreen* const screen = QApplication::primaryScreen();
+    return screen ? FromQtRect(screen->virtualGeometry()) : Rect{};
+}
+
+int RunMessageLoop() {
+    return QApplication::exec();
+}
+
+} // namespace Desktop

@@ -1,0 +1,88 @@
+// What the tests of windows share: acting while a modal dialog runs, and pictures of what a user would see.
+#pragma once
+
+#include "document/MSettings.h"
+#include "platform/Desktop.h"
+
+#include <gtest/gtest.h>
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QDir>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPointer>
+#include <QTest>
+#include <QTimer>
+#include <QWidget>
+#include <functional>
+
+// The settings that a test's dialogs work on.
+class WindowTest : public testing::Test {
+protected:
+    MSettings settings;
+
+    void SetUp() override { Settings = &settings; }
+    void TearDown() override { Settings = nullptr; }
+};
+
+// Kept as an artefact of the test run.
+inline void Screenshot(QWidget& window, const QString& name) {
+    const QString folder = qEnvironmentVariable("LETTRINO_ARTEFACTS", QDir::tempPath()) + "/windows";
+    QDir().mkpath(folder);
+    EXPECT_TRUE(window.grab().save(folder + '/' + name + ".png"));
+}
+
+// Runs `open`, which shows a modal dialog, and `act` on that dialog as soon as it is there. A dialog that `act`
+// leaves open is closed. What `open` gives.
+template<typename Open>
+auto WhileOpen(const Open& open, const std::function<void(QWidget&)>& act) {
+    bool seen = false;
+    QTimer::singleShot(0, [&] {
+        const QPointer<QWidget> dialog = QApplication::activeModalWidget();
+        seen = dialog != nullptr;
+        if (!seen) return;
+        EXPECT_TRUE(QTest::qWaitForWindowExposed(dialog));
+        act(*dialog);
+        if (dialog && dialog->isVisible()) dialog->close();
+    });
+    const auto result = open();
+    EXPECT_TRUE(seen) << "no dialog was shown";
+    return result;
+}
+
+inline bool RunAnd(Desktop::DialogId id, const std::function<void(QWidget&)>& act) {
+    return WhileOpen([id] { return Desktop::RunDialog(nullptr, id); }, act);
+}
+
+// The control whose accessible name this is, as one who can't see would find it.
+template<typename Control>
+Control* Named(QWidget& window, const QString& name) {
+    for (Control* const control : window.findChildren<Control*>()) {
+        if (control->accessibleName() == name) return control;
+    }
+    ADD_FAILURE() << "no control is called " << name.toStdString();
+    return nullptr;
+}
+
+// Every label and button has room for its text, every field for a line, and all lie inside the window apart
+// from one another.
+inline void ExpectTextFits(QWidget& window) {
+    for (QWidget* const control : window.findChildren<QWidget*>(QString(), Qt::FindDirectChildrenOnly)) {
+        if (!control->isVisible() || control->isWindow()) continue;
+        const std::string name =
+            control->accessibleName().toStdString() + " " + control->metaObject()->className();
+        EXPECT_TRUE(window.rect().contains(control->geometry())) << name;
+        if (const auto* const label = qobject_cast<QLabel*>(control)) {
+            EXPECT_GE(label->width(), label->sizeHint().width()) << label->text().toStdString();
+        }
+        if (const auto* const button = qobject_cast<QAbstractButton*>(control)) {
+            const int text = button->fontMetrics().horizontalAdvance(button->text().remove('&'));
+            EXPECT_GE(button->width(), text + 8) << button->text().toStdString();
+            EXPECT_GE(button->height(), button->fontMetrics().height()) << button->text().toStdString();
+        }
+        if (const auto* const field = qobject_cast<QLineEdit*>(control)) {
+            EXPECT_GE(field->height(), field->fontMetrics().height() + 4) << name;
+        }
+    }
+}
