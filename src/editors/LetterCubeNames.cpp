@@ -1,13 +1,8 @@
 #include "editors/LetterCubeNames.h"
 
 #include "document/MSettings.h"
-#include "foundation/Product.h"
 
 #include <string>
-
-MString LetterCubeNamesTitle() {
-    return ProductName + " - Export as letter cubes";
-}
 
 void StoreLetterCubeNames(const MString& text) {
     constexpr std::size_t longest = 1000;

@@ -3,8 +3,6 @@
 
 #include "foundation/MString.h"
 
-MString LetterCubeNamesTitle();
-
 // The text of the box, whose lines end in "\n", into the settings: with "\r\n" between the lines, and at most
 // 1000 units of that.
 void StoreLetterCubeNames(const MString& text);

@@ -2,7 +2,6 @@
 
 #include "document/MSettings.h"
 #include "editors/FieldText.h"
-#include "foundation/Product.h"
 #include "glyphs/MWindowSurface.h"
 
 namespace {
@@ -25,10 +24,6 @@ MGlyphEditor::MGlyphEditor(MColourFont& font)
     SelectionChanged(0);
 }
 
-MString MGlyphEditor::Title() {
-    return ProductName + " - Glyph editor";
-}
-
 Desktop::Rect MGlyphEditor::AreaBeside(const Desktop::Rect& list, const Desktop::Rect& group) {
     return {list.top, list.top, list.left - group.top, list.bottom};
 }
@@ -43,6 +38,7 @@ void MGlyphEditor::FillList() {
         if (slot) Lines.push_back(slot->Character);
     }
     Position = -1;
+    ++Fillings;
 }
 
 void MGlyphEditor::Show(char16_t character) {

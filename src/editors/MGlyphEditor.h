@@ -29,6 +29,7 @@ public:
     // The controls.
     std::vector<char16_t> Lines; // the list: one character for each glyph, in the order of the slots
     std::int32_t Position = -1;  // the selected line, -1 for none
+    std::int32_t Fillings = 0;   // how often the list was filled
     MString Character;
     MString Unicode;
     MString Resolution;
@@ -41,7 +42,6 @@ public:
     // Makes the backup, fills the list and shows the first glyph, undrawn.
     explicit MGlyphEditor(MColourFont& font);
 
-    static MString Title();
     // The preview's place: left of the list and as high as it; `group` is the box of the glyph's fields.
     static Desktop::Rect AreaBeside(const Desktop::Rect& list, const Desktop::Rect& group);
 

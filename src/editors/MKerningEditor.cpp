@@ -4,7 +4,6 @@
 #include "document/MSettings.h"
 #include "editors/FieldText.h"
 #include "foundation/MNumbers.h"
-#include "foundation/Product.h"
 
 namespace {
 
@@ -19,10 +18,6 @@ MKerningEditor::MKerningEditor(MColourFont& font)
     : Font(font), Backup(font.Kerning.begin(), font.Kerning.end()) {
     FillList();
     SelectionChanged(0);
-}
-
-MString MKerningEditor::Title() {
-    return ProductName + " - Kerning editor";
 }
 
 Desktop::Rect MKerningEditor::AreaBeside(const Desktop::Rect& list, const Desktop::Rect& leftField) {
@@ -45,6 +40,7 @@ MPairPreview MKerningEditor::LayOutPair(const Desktop::Rect& area, float scale, 
 void MKerningEditor::FillList() {
     Lines.Fill({Font.Kerning.data, static_cast<std::size_t>(Font.Kerning.count)});
     Position = -1;
+    ++Fillings;
 }
 
 MKerningPair* MKerningEditor::SelectedPair() const {

@@ -32,6 +32,7 @@ public:
     // The controls.
     MKerningLines Lines;
     std::int32_t Position = -1; // the selected line, -1 for none
+    std::int32_t Fillings = 0;  // how often the list was filled
     MString Left;
     MString Right;
     MString Amount;
@@ -39,7 +40,6 @@ public:
     // Makes the backup, fills the list and shows the first pair, undrawn.
     explicit MKerningEditor(MColourFont& font);
 
-    static MString Title();
     // The preview's place: left of the list, from the top of the field of the left character to the list's
     // bottom.
     static Desktop::Rect AreaBeside(const Desktop::Rect& list, const Desktop::Rect& leftField);

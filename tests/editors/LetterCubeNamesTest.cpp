@@ -7,7 +7,6 @@ namespace {
 using LetterCubeNamesTest = EditorTest;
 
 TEST_F(LetterCubeNamesTest, LinesEndAsInTheSettingsFile) {
-    EXPECT_EQ(Narrow(LetterCubeNamesTitle()), "Lettrino - Export as letter cubes");
     StoreLetterCubeNames("Anna\nBob\n\n");
     EXPECT_EQ(Narrow(settings.LetterCubesNames), "Anna\r\nBob\r\n\r\n");
     StoreLetterCubeNames("");

@@ -37,7 +37,6 @@ TEST_F(MGlyphEditorTest, OpensOnTheFirstGlyph) {
     AddUpTo(u'C');
     font.RemoveGlyph(u'A');
     const MGlyphEditor editor(font);
-    EXPECT_EQ(Narrow(MGlyphEditor::Title()), "Lettrino - Glyph editor");
     EXPECT_EQ(editor.Lines, (std::vector<char16_t>{u'B', u'C'}));
     EXPECT_EQ(editor.Position, 0);
     EXPECT_EQ(Narrow(editor.Character + " " + editor.Unicode + " " + editor.Resolution), "B 66 40 x 50");

@@ -75,7 +75,6 @@ TEST_F(MKerningEditorTest, OpensOnTheFirstPair) {
     font.SetKerning('T', 'o', -7);
     font.SetKerning('A', 'V', 0);
     MKerningEditor editor(font);
-    EXPECT_EQ(Narrow(MKerningEditor::Title()), "Lettrino - Kerning editor");
     EXPECT_EQ(Narrow(editor.Lines.Text(0)), "T    o");
     EXPECT_EQ(Fields(editor), "T|o|-7");
     EXPECT_EQ(editor.Position, 0);
