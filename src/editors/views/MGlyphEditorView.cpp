@@ -28,17 +28,21 @@ void MGlyphEditorView::LayOut() {
         QLineEdit& field;
         int top;
     } rows[] = {
-        {"&Character", character, 20},        {"&Unicode", unicode, 38},
-        {"&Resolution", resolution, 56},      {"Spacing &before", spacingBefore, 74},
-        {"Spacing &after", spacingAfter, 92}, {"Base&line", baseline, 137},
-        {"Cap &height", capHeight, 155},      {"&Space character width", spaceWidth, 173},
+        {"&Character", character, 24},        {"&Unicode", unicode, 42},
+        {"&Resolution", resolution, 60},      {"Spacing &before", spacingBefore, 78},
+        {"Spacing &after", spacingAfter, 96}, {"Base&line", baseline, 141},
+        {"Cap &height", capHeight, 159},      {"&Space character width", spaceWidth, 177},
     };
     for (const auto& row : rows) {
         Place(row.field, 555, row.top, 63, 14);
         AddLabel(row.label, row.field, 462, row.top, 92, 14);
     }
-    unicode.setReadOnly(true);
-    resolution.setReadOnly(true);
+    for (QLineEdit* const field : {&unicode, &resolution}) {
+        field->setReadOnly(true);
+        QPalette flat = field->palette();
+        flat.setColor(QPalette::Base, flat.color(QPalette::Window));
+        field->setPalette(flat);
+    }
     Place(deleteGlyph, 455, 205, 75, 14);
     AddButtons(532, 316, 580, 316);
 }
@@ -81,7 +85,7 @@ void MGlyphEditorView::ShowControls() {
         Repaint(editor.Area);
     }
     list.Select(editor.Position);
-    Fill(character, editor.Character);
+    character.Show(editor.Character);
     Fill(unicode, editor.Unicode);
     Fill(resolution, editor.Resolution);
     Fill(spacingBefore, editor.SpacingBefore);

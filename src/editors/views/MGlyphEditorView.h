@@ -2,7 +2,7 @@
 #pragma once
 
 #include "editors/MGlyphEditor.h"
-#include "editors/views/MDialogView.h"
+#include "editors/views/MCharacterField.h"
 #include "editors/views/MLineList.h"
 
 #include <QGroupBox>
@@ -18,7 +18,7 @@ private:
     QGroupBox glyphBox{"Glyph properties"};
     QGroupBox fontBox{"Font properties"};
     MLineList list;
-    QLineEdit character;
+    MCharacterField character;
     QLineEdit unicode;
     QLineEdit resolution;
     QLineEdit spacingBefore;

@@ -87,8 +87,8 @@ void MKerningEditorView::ShowControls() {
         list.Refill(editor.Lines.Count());
     }
     list.Select(editor.Position);
-    Fill(left, editor.Left);
-    Fill(right, editor.Right);
+    left.Show(editor.Left);
+    right.Show(editor.Right);
     Fill(amount, editor.Amount);
     editor.updating = true;
 }

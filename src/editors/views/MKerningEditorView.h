@@ -2,7 +2,7 @@
 #pragma once
 
 #include "editors/MKerningEditor.h"
-#include "editors/views/MDialogView.h"
+#include "editors/views/MCharacterField.h"
 #include "editors/views/MLineList.h"
 
 class MKerningEditorView : public MDialogView {
@@ -16,8 +16,8 @@ private:
     MKerningEditor editor;
     std::int32_t fillings = 0;   // of the list, that are shown
     bool previewPainted = false; // the paint event at hand covers a part of the preview
-    QLineEdit left;
-    QLineEdit right;
+    MCharacterField left;
+    MCharacterField right;
     QLineEdit amount;
     MLineList list;
     QPushButton generate{"&Generate"};
