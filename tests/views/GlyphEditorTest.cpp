@@ -112,7 +112,7 @@ TEST_F(GlyphEditor, DeletingAndEscape) {
         EXPECT_EQ(list->model()->rowCount(), 3);
         EXPECT_EQ(list->currentIndex().row(), 0);
         EXPECT_EQ(Named<QLineEdit>(dialog, "Character")->text(), "B");
-        QTest::keyClick(&dialog, Qt::Key_Escape);
+        QTest::keyClick(list, Qt::Key_Escape);
     }));
     EXPECT_EQ(font->GlyphCount(), 3);
     EXPECT_EQ(font->GetGlyph(u'B')->SpacingBefore, u'A'); // what stood at its place
