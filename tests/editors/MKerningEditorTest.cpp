@@ -11,7 +11,6 @@ namespace {
 
 constexpr Desktop::Rect list{616, 8, 690, 508};
 constexpr Desktop::Rect leftField{690, 8, 740, 30};
-constexpr MColour red{255, 0, 0};
 constexpr MColour green{0, 255, 0};
 constexpr MColour blue{0, 0, 255};
 
