@@ -1,5 +1,7 @@
 #include "document/ChooseFile.h"
 
+#include "imaging/MFileTypes.h"
+
 #include <optional>
 
 namespace {
@@ -11,15 +13,28 @@ struct DialogKind {
     const char* extension; // forced on what a save dialog gives; added to a bare name in an open dialog
 };
 
+// Of all extensions of a category of the table of file types, which programs without a window don't build.
+Desktop::FileFilter FilterOf(std::int32_t category) {
+    const auto index = static_cast<std::size_t>(category);
+    MFileTypes built;
+    const MVector<MString>* extensions = &FileTypes.Extensions[index];
+    if (extensions->count == 0 && built.BuildFileTypes()) extensions = &built.Extensions[index];
+    MString pattern;
+    for (const MString& extension : *extensions) {
+        if (!pattern.IsEmpty()) pattern += ";";
+        pattern += "*." + extension;
+    }
+    return {MString(MFileTypes::GetTypeName(category)) + " (" + pattern + ")", pattern};
+}
+
 std::optional<DialogKind> DialogOf(MPathKind kind) {
-    const Desktop::FileFilter fonts{"Showmarquee colour fonts (*.SM)", "*.SM"};
-    // The picture filter is every form that can be read.
-    const Desktop::FileFilter pictures{"Picture files", "*.*"};
+    constexpr std::int32_t colourFonts = 4;
+    constexpr std::int32_t pictureFiles = 14;
     switch (kind) {
-    case MPathKind::OpenFont: return DialogKind{"Open Font", false, fonts, "sm"};
-    case MPathKind::SaveFont: return DialogKind{"Save Font", true, fonts, "sm"};
+    case MPathKind::OpenFont: return DialogKind{"Open Font", false, FilterOf(colourFonts), "sm"};
+    case MPathKind::SaveFont: return DialogKind{"Save Font", true, FilterOf(colourFonts), "sm"};
     case MPathKind::FindPicture:
-    case MPathKind::GlyphPicture: return DialogKind{"Load Picture", false, pictures, ""};
+    case MPathKind::GlyphPicture: return DialogKind{"Load Picture", false, FilterOf(pictureFiles), ""};
     case MPathKind::SavePicture: return DialogKind{"Save Picture", true, {"PNG Files (*.PNG)", "*.PNG"}, "png"};
     case MPathKind::SaveHtml: return DialogKind{"Save HTML", true, {"HTML Files (*.HTML)", "*.HTML"}, "html"};
     case MPathKind::ImportPhotofont:

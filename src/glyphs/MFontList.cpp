@@ -7,6 +7,16 @@
 #include <cstdlib>
 #include <tuple>
 
+std::unique_ptr<MFontList> FontList;
+
+const MFontList& InstalledFonts() {
+    if (!FontList) {
+        FontList = std::make_unique<MFontList>();
+        FontList->Enumerate();
+    }
+    return *FontList;
+}
+
 namespace {
 
 bool Before(const MFontFace& first, const MFontFace& second) {

@@ -38,3 +38,8 @@ public:
 
 // "Semi bold Italic" and the like: the name of the weight, and whether it is italic.
 MString FaceStyleName(const MFontFace& face);
+
+// The one list, made when it is first asked for and kept until the program ends, which resets it; null until
+// then.
+extern std::unique_ptr<MFontList> FontList;
+const MFontList& InstalledFonts();

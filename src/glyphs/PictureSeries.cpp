@@ -2,6 +2,7 @@
 
 #include "document/MSettings.h"
 #include "foundation/MFolders.h"
+#include "foundation/Product.h"
 
 #include <algorithm>
 
@@ -65,4 +66,25 @@ std::int32_t AddSuccessivePictures(MColourFont& font, MString path, char16_t cha
         }
     }
     return added;
+}
+
+bool AddPicture(MColourFont& font, bool isNew, char16_t character, const MPicture& picture) {
+    if (isNew) Settings->GlyphHeight = static_cast<std::int32_t>(picture.Height);
+    return font.AddPictureGlyph(character, picture, Settings->SpacingBefore, Settings->SpacingAfter,
+                                Settings->Trim);
+}
+
+void AddChosenPictures(MColourFont& font, bool isNew) {
+    const MString& path = Settings->Path(MPathKind::GlyphPicture);
+    const auto character = static_cast<char16_t>(Settings->Char);
+    if (MPicture picture(path); picture.IsValid()) {
+        AddPicture(font, isNew, character, picture);
+        picture.Free();
+    }
+    const auto answer =
+        Desktop::ShowMessage(font.Owner, "Would you like to add all successive pictures as well?", ProductName,
+                             Desktop::Buttons::YesNo, Desktop::Icon::Question);
+    if (answer == Desktop::Answer::Yes) AddSuccessivePictures(font, path, character);
+    font.SortGlyphs();
+    font.Repack();
 }

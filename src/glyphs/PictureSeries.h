@@ -17,3 +17,11 @@ bool NextSuccessivePicture(MString& path, char16_t& character);
 // Adds the rest of a series, from the picture just used on, with the spacings and the trim of the settings. How
 // many pictures became glyphs; those that didn't don't end the walk.
 std::int32_t AddSuccessivePictures(MColourFont& font, MString path, char16_t character);
+
+// Adds one picture with the spacings and the trim of the settings. The first picture of a font that is new
+// gives the glyphs their height, whatever it is. False if it became no glyph.
+bool AddPicture(MColourFont& font, bool isNew, char16_t character, const MPicture& picture);
+
+// Adds the picture that the settings name, and asks the user whether to go on with the rest of its series; then
+// sorts and repacks. A file that is no picture is passed over without a word. The caller draws.
+void AddChosenPictures(MColourFont& font, bool isNew);

@@ -1,4 +1,5 @@
-// File extensions sorted into named categories. What asks is the opener of links, whether a link is a web page.
+// File extensions sorted into named categories. What asks are the opener of links, whether a link is a web
+// page, and the file dialogs, for what they offer.
 #pragma once
 
 #include "foundation/MString.h"

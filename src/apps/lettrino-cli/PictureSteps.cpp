@@ -28,9 +28,7 @@ StepResult AddPictures(Run& run, const CharacterFile& wanted, bool series) {
     MColourFont& font = run.FontOrNew();
     MPicture picture(path);
     if (!picture.IsValid()) return StepFailure{wanted.file, "it is no picture that can be read"};
-    if (isNew) run.settings.GlyphHeight = static_cast<std::int32_t>(picture.Height);
-    const bool added = font.AddPictureGlyph(wanted.character, picture, run.settings.SpacingBefore,
-                                            run.settings.SpacingAfter, run.settings.Trim);
+    const bool added = AddPicture(font, isNew, wanted.character, picture);
     picture.Free();
     if (!added) {
         const bool full = font.ClaimSlot(wanted.character) < 0;

@@ -1,0 +1,97 @@
+#include "editors/MAddGlyphs.h"
+
+#include "document/MSettings.h"
+#include "foundation/MNumbers.h"
+#include "glyphs/MFontList.h"
+#include "glyphs/MWindowSurface.h"
+
+MAddGlyphs::MAddGlyphs() {
+    const MFontList& list = InstalledFonts();
+    for (std::int32_t i = 0; i < list.count; ++i) {
+        const MString& family = list.Face(i)->family;
+        if (!Families.empty() && Families.back().Equals(family)) continue;
+        if (FamilyIndex < 0 && family.Equals(Settings->FontName))
+            FamilyIndex = static_cast<std::int32_t>(Families.size());
+        Families.push_back(family);
+    }
+    FillStyles();
+    Grid.Face = Desktop::ButtonColour();
+}
+
+void MAddGlyphs::FillStyles() {
+    const MFontList& list = InstalledFonts();
+    Styles.clear();
+    for (std::int32_t i = 0; i < list.count; ++i) {
+        if (list.Face(i)->family.Equals(Settings->FontName)) Styles.push_back(FaceStyleName(*list.Face(i)));
+    }
+    std::int32_t index = -1;
+    list.ClosestFace(Settings->FontName, Settings->Weight, Settings->Italic, index, StyleIndex);
+}
+
+Desktop::Rect MAddGlyphs::GridArea(const Desktop::Rect& familyList, const Desktop::Rect& cancelButton,
+                                   std::int32_t margin) {
+    return {margin, margin, familyList.left - margin, cancelButton.bottom};
+}
+
+Desktop::Rect MAddGlyphs::SwatchArea(const Desktop::Rect& cancelButton, const Desktop::Rect& colourLabel) {
+    return {cancelButton.left, colourLabel.top, cancelButton.right, colourLabel.bottom};
+}
+
+bool MAddGlyphs::HitsSwatch(const Desktop::Rect& swatch, std::int32_t x, std::int32_t y) {
+    return x > swatch.left && x < swatch.right && y > swatch.top && y < swatch.bottom;
+}
+
+void MAddGlyphs::PaintSwatch(Desktop::WindowHandle window, const Desktop::Rect& swatch) {
+    MWindowSurface surface;
+    if (!surface.Bind(window, swatch) || !surface.surface->Begin()) return;
+    surface.surface->Clear(Settings->Colour);
+    surface.surface->End();
+}
+
+void MAddGlyphs::ChangeFamily(std::int32_t index) {
+    if (index < 0 || index >= static_cast<std::int32_t>(Families.size())) return;
+    FamilyIndex = index;
+    Settings->FontName = Families[static_cast<std::size_t>(index)];
+    Settings->Weight = 400;
+    Settings->Italic = false;
+    FillStyles();
+}
+
+void MAddGlyphs::ChangeStyle(std::int32_t index) {
+    const MFontList& list = InstalledFonts();
+    std::int32_t seen = 0;
+    for (std::int32_t i = 0; i < list.count; ++i) {
+        const MFontFace& face = *list.Face(i);
+        if (!face.family.Equals(Settings->FontName) || seen++ != index) continue;
+        Settings->Weight = face.weight;
+        Settings->Italic = face.italic;
+        StyleIndex = index;
+        return;
+    }
+}
+
+void MAddGlyphs::ChangeColourFont(bool on) {
+    Settings->ColourFont = on;
+}
+
+bool MAddGlyphs::ChooseColour(Desktop::WindowHandle window) {
+    return Desktop::ChooseColour(window, Settings->Colour);
+}
+
+bool MAddGlyphs::Drag(std::int32_t x, std::int32_t y, bool leftButton, bool rightButton) {
+    const std::int32_t code = Grid.HitTest(x, y);
+    if ((!leftButton && !rightButton) || !MCharacterGrid::Counts(code)) return false;
+    Grid.Cursor = code;
+    return MCharacterGrid::Mark(code, leftButton);
+}
+
+bool MAddGlyphs::ToggleAtCursor() {
+    return MCharacterGrid::Mark(Grid.Cursor, Settings->Selected[static_cast<std::size_t>(Grid.Cursor)] == 0);
+}
+
+void MAddGlyphs::Accept(const MString& family, std::int32_t glyphHeight, bool colourFont) {
+    if (!family.IsEmpty()) Settings->FontName = family;
+    Settings->GlyphHeight = glyphHeight;
+    Clamp(Settings->GlyphHeight, SmallestGlyphHeight, LargestGlyphHeight);
+    Settings->ColourFont = colourFont;
+}

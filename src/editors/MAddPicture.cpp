@@ -1,0 +1,53 @@
+#include "editors/MAddPicture.h"
+
+#include "document/ChooseFile.h"
+#include "glyphs/PictureSeries.h"
+
+#include <string_view>
+
+MAddPicture::MAddPicture()
+    : Path(Settings->Path(MPathKind::GlyphPicture)), PaddingTop(Settings->PaddingTop),
+      PaddingBottom(Settings->PaddingBottom), SpacingBefore(Settings->SpacingBefore),
+      SpacingAfter(Settings->SpacingAfter), Trim(Settings->Trim) {
+    const auto unit = static_cast<char16_t>(Settings->Char);
+    Character = MString(std::u16string_view(&unit, 1));
+}
+
+bool MAddPicture::Browse(Desktop::WindowHandle window) {
+    const MString chosen = ChooseFile(window, MPathKind::GlyphPicture);
+    if (chosen.IsEmpty()) return false;
+    Path = chosen;
+    CharacterFromFileName(Path, Character);
+    preview.Release(); // the file may be another one under the same name
+    return true;
+}
+
+void MAddPicture::Accept() const {
+    constexpr std::int32_t longestPath = 260;
+    MString& path = Settings->Path(MPathKind::GlyphPicture);
+    path = Path;
+    path.Truncate(longestPath);
+    Settings->Char = Character.GetChar(0);
+    Settings->PaddingTop = PaddingTop;
+    Settings->PaddingBottom = PaddingBottom;
+    Settings->SpacingBefore = SpacingBefore;
+    Settings->SpacingAfter = SpacingAfter;
+    Settings->Trim = Trim;
+}
+
+Desktop::Rect MAddPicture::PreviewArea(const Desktop::Rect& previewLabel, const Desktop::Rect& characterField,
+                                       const Desktop::Rect& okButton) {
+    return {previewLabel.left, characterField.top, okButton.left - previewLabel.top, okButton.bottom};
+}
+
+void MAddPicture::PaintPreview(Desktop::WindowHandle window, const Desktop::Rect& area) {
+    if (Path.IsEmpty()) return;
+    const MDirect2DSurface* const before = preview.surface.get();
+    if (!preview.Bind(window, area) || !preview.surface->Begin()) return;
+    if (preview.surface.get() != before || !previewPath.Equals(Path)) {
+        preview.surface->Clear(Settings->BackgroundColour);
+        preview.surface->DrawPictureFile(Path, area, true);
+        previewPath = Path;
+    }
+    preview.surface->End();
+}

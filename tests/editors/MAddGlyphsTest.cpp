@@ -1,0 +1,149 @@
+#include "editors/MAddGlyphs.h"
+
+#include "DocumentFixture.h"
+#include "Text.h"
+#include "glyphs/MFontList.h"
+#include "glyphs/Pixels.h"
+
+namespace {
+
+class AddGlyphs : public DocumentTest {
+protected:
+    AddGlyphs() {
+        FontList = std::make_unique<MFontList>();
+        FontList->Assign({{"Alpha", 400, false},
+                          {"Alpha", 700, true},
+                          {"Gamma", 300, false},
+                          {"Gamma", 310, false},
+                          {"Gamma", 900, false},
+                          {"gamma", 400, false}});
+        settings.FontName = "Gamma";
+    }
+    ~AddGlyphs() override { FontList.reset(); }
+    AddGlyphs(const AddGlyphs&) = delete;
+    AddGlyphs& operator=(const AddGlyphs&) = delete;
+};
+
+std::vector<std::string> Narrow(const std::vector<MString>& texts) {
+    std::vector<std::string> narrow;
+    for (const MString& text : texts)
+        narrow.push_back(Narrow(text));
+    return narrow;
+}
+
+using Names = std::vector<std::string>;
+
+} // namespace
+
+TEST_F(AddGlyphs, OpensWithTheNearestFace) {
+    settings.Weight = 600;
+    settings.Italic = true;
+    const MAddGlyphs dialog;
+    // A name that differs in case only stands between the faces of the other.
+    EXPECT_EQ(Narrow(dialog.Families), (Names{"Alpha", "Gamma", "gamma", "Gamma"}));
+    EXPECT_EQ(dialog.FamilyIndex, 1);
+    EXPECT_EQ(Narrow(dialog.Styles), (Names{"Light", "Light", "Black"})) << "one name may stand for two faces";
+    EXPECT_EQ(dialog.StyleIndex, 1) << "290 from the second, 300 from the last";
+    EXPECT_EQ(settings.Weight, 310) << "at once, also if the dialog is cancelled";
+    EXPECT_FALSE(settings.Italic);
+}
+
+TEST_F(AddGlyphs, AFamilyThatIsNotInstalledStays) {
+    settings.FontName = "Arial Black";
+    settings.Weight = 650;
+    MAddGlyphs dialog;
+    EXPECT_EQ(dialog.FamilyIndex, -1);
+    EXPECT_TRUE(dialog.Styles.empty());
+    EXPECT_EQ(dialog.StyleIndex, -1);
+    EXPECT_EQ(settings.Weight, 650);
+    dialog.ChangeStyle(0);
+    dialog.ChangeFamily(-1);
+    dialog.ChangeFamily(4);
+    MAddGlyphs::Accept("", 100, false);
+    EXPECT_EQ(Narrow(settings.FontName), "Arial Black");
+    EXPECT_EQ(settings.Weight, 650);
+}
+
+TEST_F(AddGlyphs, ChangesStandInTheSettingsAtOnce) {
+    MAddGlyphs dialog;
+    dialog.ChangeStyle(2);
+    EXPECT_EQ(settings.Weight, 900);
+    EXPECT_EQ(dialog.StyleIndex, 2);
+    dialog.ChangeFamily(0);
+    EXPECT_EQ(Narrow(settings.FontName), "Alpha");
+    EXPECT_EQ(Narrow(dialog.Styles), (Names{"Normal", "Bold Italic"}));
+    EXPECT_EQ(settings.Weight, 400);
+    EXPECT_EQ(dialog.StyleIndex, 0);
+    dialog.ChangeStyle(1);
+    EXPECT_EQ(settings.Weight, 700);
+    EXPECT_TRUE(settings.Italic);
+    dialog.ChangeStyle(2);
+    EXPECT_EQ(settings.Weight, 700);
+    dialog.ChangeFamily(3);
+    EXPECT_EQ(settings.Weight, 310) << "the nearest to 400";
+    EXPECT_FALSE(settings.Italic);
+    MAddGlyphs::ChangeColourFont(true);
+    EXPECT_TRUE(settings.ColourFont);
+}
+
+TEST_F(AddGlyphs, DragsMarkAndUnmark) {
+    MAddGlyphs dialog;
+    dialog.Grid.Area = {10, 10, 170, 150}; // cells of 10 pixels
+    settings.Selected.fill(0);
+    EXPECT_TRUE(dialog.Drag(25, 15, true, false));
+    EXPECT_FALSE(dialog.Drag(26, 16, true, false)) << "marked already";
+    EXPECT_TRUE(dialog.Drag(35, 15, true, true)) << "the left button decides";
+    EXPECT_FALSE(dialog.Drag(45, 15, false, false));
+    EXPECT_EQ(settings.SelectedCount(), 2);
+    EXPECT_EQ(dialog.Grid.Cursor, 34) << "the keyboard goes on where the mouse was";
+    EXPECT_TRUE(dialog.Drag(25, 15, false, true));
+    EXPECT_EQ(settings.Selected[33], 0);
+    EXPECT_EQ(settings.Selected[34], 1);
+    EXPECT_FALSE(dialog.Drag(15, 15, true, false)) << "the empty cell";
+    EXPECT_FALSE(dialog.Drag(100, 150, true, false)) << "the lower limit";
+    EXPECT_TRUE(dialog.Drag(170, 15, true, false));
+    EXPECT_EQ(settings.Selected[48], 1) << "the right limit belongs to the next row";
+    EXPECT_TRUE(dialog.ToggleAtCursor());
+    EXPECT_EQ(settings.Selected[48], 0);
+    EXPECT_TRUE(dialog.ToggleAtCursor());
+    EXPECT_EQ(settings.Selected[48], 1);
+    settings.Selected[48] = 7; // any value but 0 is a mark
+    EXPECT_FALSE(dialog.Drag(170, 15, true, false));
+    EXPECT_TRUE(dialog.ToggleAtCursor());
+    EXPECT_EQ(settings.Selected[48], 0);
+}
+
+TEST_F(AddGlyphs, OkLimitsTheHeight) {
+    for (const auto& [given, taken] :
+         {std::pair{5, 16}, {16, 16}, {100, 100}, {1024, 1024}, {5000, 1024}, {-7, 16}}) {
+        MAddGlyphs::Accept("Alpha", given, given == 100);
+        EXPECT_EQ(settings.GlyphHeight, taken);
+        EXPECT_EQ(settings.ColourFont, given == 100);
+        EXPECT_EQ(Narrow(settings.FontName), "Alpha");
+    }
+}
+
+TEST_F(AddGlyphs, PlacesBesideTheControls) {
+    const Desktop::Rect list{600, 20, 800, 40};
+    const Desktop::Rect cancel{700, 500, 790, 525};
+    EXPECT_EQ(MAddGlyphs::GridArea(list, cancel), (Desktop::Rect{10, 10, 590, 525}));
+    EXPECT_EQ(MAddGlyphs::GridArea(list, cancel, 20), (Desktop::Rect{20, 20, 580, 525}));
+    const Desktop::Rect swatch = MAddGlyphs::SwatchArea(cancel, {600, 200, 650, 215});
+    EXPECT_EQ(swatch, (Desktop::Rect{700, 200, 790, 215}));
+    EXPECT_TRUE(MAddGlyphs::HitsSwatch(swatch, 701, 214));
+    for (const auto& [x, y] : {std::pair{700, 205}, {790, 205}, {750, 200}, {750, 215}})
+        EXPECT_FALSE(MAddGlyphs::HitsSwatch(swatch, x, y));
+}
+
+TEST_F(AddGlyphs, TheSwatchShowsTheTextColour) {
+    EXPECT_FALSE(MAddGlyphs::ChooseColour(AnyWindow()));
+    EXPECT_EQ(settings.Colour, MColour(255, 0, 0));
+    Headless::script.colours = {MColour(1, 2, 3)};
+    EXPECT_TRUE(MAddGlyphs::ChooseColour(AnyWindow()));
+    EXPECT_EQ(settings.Colour, MColour(1, 2, 3));
+    EXPECT_EQ(Headless::record.colourDialogs.back(), MColour(255, 0, 0));
+    MAddGlyphs::PaintSwatch(AnyWindow(), {5, 5, 10, 10});
+    ASSERT_EQ(Headless::record.paintings.size(), 1U);
+    EXPECT_EQ(Headless::record.paintings[0].pixels[0], 3);
+    EXPECT_EQ(Headless::record.paintings[0].pixels[98], 1);
+}

@@ -1,0 +1,230 @@
+#include "editors/MCharacterGrid.h"
+
+#include "DocumentFixture.h"
+#include "glyphs/Pixels.h"
+#include "platform_text/FontFixture.h"
+#include "platform_text/PaintFont.h"
+
+#include <algorithm>
+#include <vector>
+
+namespace {
+
+class CharacterGrid : public DocumentTest {
+protected:
+    MCharacterGrid grid;
+
+    CharacterGrid() {
+        settings.FontName = "Liberation Sans";
+        grid.Area = {10, 10, 710, 610};
+    }
+
+    // What the window shows after a painting.
+    std::vector<std::uint8_t> Painted() {
+        Headless::record.paintings.clear();
+        grid.Paint(AnyWindow());
+        return Headless::record.paintings.empty() ? std::vector<std::uint8_t>()
+                                                  : Headless::record.paintings.back().pixels;
+    }
+    std::vector<std::uint8_t> DrawnFromScratch() const {
+        const auto drawn = grid.Draw(MCharacterGrid::CurrentMarks());
+        return {drawn->pixels, drawn->pixels + std::ptrdiff_t{drawn->stride} * drawn->height};
+    }
+    // At a place of the window.
+    MColour At(const std::vector<std::uint8_t>& pixels, std::int32_t x, std::int32_t y) const {
+        const std::int64_t place = (std::int64_t{y} - grid.Area.top) * grid.Area.Width() + x - grid.Area.left;
+        MColour colour;
+        std::memcpy(&colour, pixels.data() + place * 4, 4);
+        return colour;
+    }
+    bool HasInk(const std::vector<std::uint8_t>& pixels, std::int32_t code, const MColour& ground) const {
+        const Desktop::Rect cell = grid.Cell(code);
+        for (std::int32_t y = cell.top; y < cell.bottom; ++y)
+            for (std::int32_t x = cell.left; x < cell.right; ++x)
+                if (!(At(pixels, x, y) == ground)) return true;
+        return false;
+    }
+};
+
+// "A" in a colour, far larger than its em; "B" and "a" plain, also over their neighbours.
+fonts::Font Overflowing(const std::string& family) {
+    fonts::Font font;
+    font.family = family;
+    const int outline = font.Add({{fonts::Box(-1500, -1200, 1700, 2100)}}, u'A');
+    font.Add({{fonts::Circle(400, 300, 900)}}, u'B');
+    font.Add({{fonts::Box(-700, 100, 2000, 500)}}, u'a');
+    fonts::ColourTables tables;
+    tables.palette = {{255, 0, 0, 120}};
+    tables.layers = {fonts::Outline(outline, fonts::Solid(0))};
+    tables.glyphs[outline] = fonts::Layers(0, 1);
+    font.tables["COLR"] = tables.Colr();
+    font.tables["CPAL"] = tables.Cpal();
+    return font;
+}
+
+} // namespace
+
+TEST_F(CharacterGrid, Cells) {
+    const struct {
+        Desktop::Rect area;
+        std::int32_t code;
+        Desktop::Rect cell;
+    } cases[] = {
+        // 700 / 16 is 43 and 600 / 14 is 42; where a cell begins is told by the whole product.
+        {{10, 10, 710, 610}, 32, {11, 11, 52, 51}},      {{10, 10, 710, 610}, 33, {54, 11, 95, 51}},
+        {{10, 10, 710, 610}, 47, {667, 11, 708, 51}},    {{10, 10, 710, 610}, 48, {11, 53, 52, 93}},
+        {{10, 10, 710, 610}, 255, {667, 568, 708, 608}}, {{10, 10, 26, 24}, 255, {26, 24, 25, 23}},
+    };
+    for (const auto& c : cases) {
+        grid.Area = c.area;
+        EXPECT_EQ(grid.Cell(c.code), c.cell) << c.code;
+    }
+}
+
+TEST_F(CharacterGrid, HitTest) {
+    const struct {
+        std::int32_t x, y, code;
+    } cases[] = {
+        {10, 10, 32},
+        {9, 10, -1},
+        {10, 9, -1},
+        {53, 10, 32},
+        {54, 10, 33},
+        {10, 52, 32},
+        {10, 53, 48},
+        {709, 609, 255},
+        {711, 300, -1},
+        {300, 611, -1},
+        {710, 10, 48}, // the limit is the
+                       // next row
+        {710, 609, 256},
+        {10, 610, 256},
+        {709, 610, 271},
+    };
+    for (const auto& c : cases)
+        EXPECT_EQ(grid.HitTest(c.x, c.y), c.code) << c.x << ", " << c.y;
+    grid.Area = {};
+    EXPECT_EQ(grid.HitTest(0, 0), -1);
+}
+
+TEST_F(CharacterGrid, EveryCellIsHitInItsMiddle) {
+    for (std::int32_t code = 32; code <= 255; ++code) {
+        const Desktop::Rect cell = grid.Cell(code);
+        EXPECT_EQ(grid.HitTest((cell.left + cell.right) / 2, (cell.top + cell.bottom) / 2), code);
+    }
+}
+
+TEST_F(CharacterGrid, SelectedShade) {
+    for (int channel = 0; channel < 256; ++channel) {
+        const auto value = static_cast<std::uint8_t>(channel);
+        const int expected = (8 * channel + (channel <= 128 ? 2 * 255 : 0)) / 10;
+        EXPECT_EQ(MCharacterGrid::SelectedShade(MColour(value, 128, 129, 0)),
+                  MColour(static_cast<std::uint8_t>(expected), 153, 103));
+    }
+}
+
+TEST_F(CharacterGrid, OnlyCodesOfGlyphsAreMarked) {
+    for (const std::int32_t code : {-1, 0, 32, 256, 271})
+        EXPECT_FALSE(MCharacterGrid::Mark(code, true)) << code;
+    EXPECT_EQ(settings.Selected[32], 0);
+    for (const std::int32_t code : {33, 127, 128, 159, 255}) {
+        EXPECT_TRUE(MCharacterGrid::Mark(code, true)) << code;
+        EXPECT_FALSE(MCharacterGrid::Mark(code, true)) << code;
+        EXPECT_EQ(settings.Selected[static_cast<std::size_t>(code)], 1);
+        EXPECT_TRUE(MCharacterGrid::Mark(code, false)) << code;
+    }
+}
+
+TEST_F(CharacterGrid, TheCursorStaysInTheGrid) {
+    const struct {
+        std::int32_t from, columns, rows, to;
+    } cases[] = {{65, 1, 0, 66},  {65, 0, 1, 81},   {79, 1, 0, 79},   {64, -1, 0, 64}, {33, -1, 0, 33},
+                 {48, 0, -1, 48}, {255, 0, 1, 255}, {255, 1, 1, 255}, {33, 0, -1, 33}, {65, -99, 0, 64},
+                 {65, 99, 0, 79}, {65, 0, 99, 241}, {65, 0, -99, 33}};
+    for (const auto& c : cases) {
+        grid.Cursor = c.from;
+        grid.MoveCursor(c.columns, c.rows);
+        EXPECT_EQ(grid.Cursor, c.to) << c.from << " by " << c.columns << ", " << c.rows;
+    }
+}
+
+TEST_F(CharacterGrid, ShowsCharactersOnShades) {
+    for (const bool colourFont : {false, true}) {
+        SCOPED_TRACE(colourFont);
+        settings.ColourFont = colourFont;
+        const auto pixels = Painted();
+        ASSERT_FALSE(pixels.empty());
+        const MColour face(240, 240, 240);
+        const MColour shade(192, 192, 192);
+        EXPECT_EQ(At(pixels, 10, 10), face);
+        const Desktop::Rect a = grid.Cell('A');
+        EXPECT_EQ(At(pixels, a.left, a.top), shade);
+        EXPECT_EQ(At(pixels, a.right - 1, a.bottom - 1), shade);
+        EXPECT_EQ(At(pixels, a.right, a.bottom), face) << "between cells";
+        EXPECT_EQ(At(pixels, grid.Cell('a').left, grid.Cell('a').top), face);
+        EXPECT_TRUE(HasInk(pixels, 'A', shade));
+        EXPECT_TRUE(HasInk(pixels, 'a', face));
+        EXPECT_FALSE(HasInk(pixels, 32, face));
+    }
+    grid.Release();
+    settings.FontName = MString();
+    EXPECT_TRUE(Painted().empty());
+    settings.FontName = "Liberation Sans";
+    grid.Area = {10, 10, 10, 610};
+    EXPECT_TRUE(Painted().empty());
+}
+
+TEST_F(CharacterGrid, SizesAreThoseOfCellsAndOfEms) {
+    const auto heightOfH = [&] {
+        const auto pixels = Painted();
+        const Desktop::Rect cell = grid.Cell('h');
+        std::int32_t rows = 0;
+        for (std::int32_t y = cell.top; y < cell.bottom; ++y)
+            for (std::int32_t x = cell.left; x < cell.right; ++x)
+                if (At(pixels, x, y).r < 100) {
+                    ++rows;
+                    break;
+                }
+        return rows;
+    };
+    grid.Area = {0, 0, 1600, 1428}; // cells of 100 pixels: sizes of 75
+    EXPECT_NEAR(heightOfH(), 75 * 1466 / 2288, 1);
+    settings.ColourFont = true;
+    EXPECT_NEAR(heightOfH(), 75 * 1466 / 2048, 1);
+}
+
+// Rows have no gaps in both.
+TEST_F(CharacterGrid, ChangesShowWhatDrawingFromScratchDoes) {
+    const AddedFonts added;
+    ASSERT_TRUE(added.Add("overflowing.ttf", Overflowing("Laboratory Giant").Build()));
+    std::mt19937 random(7);
+    for (const char* family : {"Liberation Sans", "Laboratory Giant", "Noto Color Emoji"}) {
+        for (const bool colourFont : {false, true}) {
+            SCOPED_TRACE(family);
+            settings.FontName = family;
+            settings.ColourFont = colourFont;
+            for (int step = 0; step < 12; ++step) {
+                for (int changes = step % 4; changes > 0; --changes)
+                    MCharacterGrid::Mark(33 + static_cast<std::int32_t>(random() % 223), random() % 2 == 0);
+                // Where the giant letters reach.
+                MCharacterGrid::Mark(64 + static_cast<std::int32_t>(random() % 20), random() % 2 == 0);
+                ASSERT_TRUE(Painted() == DrawnFromScratch()) << "step " << step;
+            }
+        }
+    }
+    // Everything else that shows.
+    settings.FontName = "Liberation Sans";
+    settings.ColourFont = false;
+    auto before = Painted();
+    const std::vector<std::function<void()>> changes = {
+        [&] { settings.Weight = 700; },           [&] { settings.Italic = true; },
+        [&] { settings.ColourFont = true; },      [&] { settings.FontName = "DejaVu Serif"; },
+        [&] { grid.Face = MColour(50, 60, 70); }, [&] { grid.Area.right -= 33; }};
+    for (const auto& change : changes) {
+        change();
+        const auto now = Painted();
+        EXPECT_TRUE(now != before);
+        EXPECT_TRUE(now == DrawnFromScratch());
+        before = now;
+    }
+}

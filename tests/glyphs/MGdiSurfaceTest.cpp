@@ -1,0 +1,118 @@
+#include "glyphs/MGdiSurface.h"
+
+#include "glyphs/Pixels.h"
+#include "platform/headless/Headless.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+constexpr MColour white(255, 255, 255);
+constexpr MColour black(0, 0, 0);
+constexpr const char* family = "Liberation Sans";
+
+class GdiSurface : public testing::Test {
+protected:
+    MGdiSurface surface{nullptr, {100, 50, 300, 150}};
+    const Desktop::Rect all{0, 0, 200, 100};
+
+    GdiSurface() { Headless::Reset(); }
+
+    // Around what is not white, after drawing on white.
+    Desktop::Rect InkOfText(const char* text, const Desktop::Rect& rectangle, float size,
+                            std::int32_t alignment = -1) {
+        surface.FillRectangle(all, white);
+        surface.DrawText(rectangle, text, family, size, 400, false, black, alignment);
+        Desktop::Rect ink{200, 100, 0, 0};
+        for (std::int32_t y = 0; y < 100; ++y) {
+            for (std::int32_t x = 0; x < 200; ++x) {
+                if (PixelAt(*surface.bitmap, x, y) == white) continue;
+                ink = {std::min(ink.left, x), std::min(ink.top, y), std::max(ink.right, x + 1),
+                       std::max(ink.bottom, y + 1)};
+            }
+        }
+        return ink;
+    }
+};
+
+} // namespace
+
+TEST_F(GdiSurface, FillsInItsOwnCoordinatesAndIsShownInOneGo) {
+    ASSERT_TRUE(surface.valid);
+    surface.FillRectangle(all, white);
+    surface.FillRectangle({-5, 90, 10, 500}, MColour(10, 20, 30, 0));
+    surface.FillRectangle({50, 50, 40, 60}, black);
+    EXPECT_EQ(PixelAt(*surface.bitmap, 9, 90), MColour(10, 20, 30)) << "alpha means nothing";
+    EXPECT_EQ(PixelAt(*surface.bitmap, 9, 89), white);
+    EXPECT_EQ(PixelAt(*surface.bitmap, 10, 90), white);
+    EXPECT_EQ(PixelAt(*surface.bitmap, 45, 55), white) << "turned inside out";
+    EXPECT_TRUE(Headless::record.paintings.empty());
+    surface.Present();
+    ASSERT_EQ(Headless::record.paintings.size(), 1U);
+    EXPECT_EQ(Headless::record.paintings[0].area, surface.area);
+    EXPECT_EQ(Headless::record.paintings[0].pixels[(95 * 200 + 5) * 4], 30);
+}
+
+TEST_F(GdiSurface, TheSizeOfTextIsThatOfItsCell) {
+    // The cell of Liberation Sans is 2288 units high, 1854 of them above the baseline; "H" is 1409 high, 1479
+    // wide.
+    const auto leading = InkOfText("H", {20, 10, 180, 90}, 64.9F);
+    EXPECT_EQ(surface.fontKey.size, 64);
+    EXPECT_EQ(leading.bottom, 10 + 52) << "the baseline";
+    EXPECT_NEAR(leading.bottom - leading.top, 39.4, 1);
+    EXPECT_NEAR(leading.left, 20 + 4.7, 1);
+    EXPECT_EQ(InkOfText("H", {20, 10, 180, 90}, 64, 0).bottom, 10 + 8 + 52);
+    EXPECT_NEAR(InkOfText("H", {20, 10, 180, 90}, 64, 0).left, 100 - 20.7 + 4.7, 1);
+    EXPECT_EQ(InkOfText("H", {20, 10, 180, 90}, 64, 1).bottom, 90 - 64 + 52);
+    EXPECT_NEAR(InkOfText("H", {20, 10, 180, 90}, 64, 1).right, 180 - 4.7, 1);
+}
+
+TEST_F(GdiSurface, TextIsCutAtItsRectangle) {
+    const auto cut = InkOfText("HHHHHHHH", {30, 5, 70, 30}, 40);
+    EXPECT_GE(cut.left, 30);
+    EXPECT_EQ(cut.right, 70);
+    EXPECT_EQ(cut.bottom, 30);
+    EXPECT_NEAR(InkOfText("HHHH", {150, 0, 400, 100}, 40).right, 199, 1) << "and at the surface";
+    EXPECT_LT(InkOfText("HHHH", {70, 0, 30, 100}, 40).right, 1);
+    const auto lines = InkOfText("H\n\nH", {0, 0, 200, 100}, 30, 1);
+    EXPECT_EQ(lines.bottom, 60 + InkOfText("H", {0, 0, 200, 30}, 30).bottom)
+        << "several lines start at the top";
+}
+
+TEST_F(GdiSurface, CoverageBlends) {
+    surface.FillRectangle(all, MColour(100, 0, 200));
+    surface.DrawText(all, "H", family, 64, 400, false, MColour(255, 255, 255), -1);
+    std::int32_t mixed = 0;
+    for (std::int32_t x = 0; x < 60; ++x) {
+        const MColour colour = PixelAt(*surface.bitmap, x, 30);
+        // Red goes 155 of the way that green goes 255.
+        EXPECT_NEAR((colour.r - 100) * 255, colour.g * 155, 255);
+        mixed += colour.g > 0 && colour.g < 255 ? 1 : 0;
+    }
+    EXPECT_GT(mixed, 0);
+}
+
+TEST_F(GdiSurface, DefaultsOfTextAndOneFontWhileNothingChanges) {
+    surface.DrawText(all, "A", MString(), 0, 0, false, black, 0);
+    EXPECT_TRUE(surface.fontKey.family.Equals(u"MS Shell Dlg"));
+    EXPECT_EQ(surface.fontKey.size, 12);
+    EXPECT_EQ(surface.fontKey.weight, 400);
+    const auto* font = surface.font.get();
+    surface.DrawText(all, "B", MString(), 12.9F, 400, false, white, 1);
+    EXPECT_EQ(surface.font.get(), font);
+    surface.DrawText(all, "B", MString(), 12, 700, false, white, 1);
+    EXPECT_EQ(surface.fontKey.weight, 700);
+    for (const float size : {-3.0F, 0.4F, 1e30F})
+        surface.DrawText(all, "A", family, size, 400, false, black, 0);
+}
+
+TEST(GdiSurfaces, ThatCannotBeMadeDoNothing) {
+    for (const Desktop::Rect& area :
+         {Desktop::Rect{5, 5, 5, 10}, Desktop::Rect{5, 5, 2, 10}, Desktop::Rect{INT32_MIN, 0, INT32_MAX, 10}}) {
+        MGdiSurface surface(nullptr, area);
+        EXPECT_FALSE(surface.valid);
+        surface.FillRectangle({0, 0, 10, 10}, black);
+        surface.DrawText({0, 0, 10, 10}, "A", family, 10, 400, false, black, 0);
+        surface.Present();
+    }
+}
