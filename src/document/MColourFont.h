@@ -2,7 +2,7 @@
 // all glyphs are packed into. The glyph height is not here: it is MSettings::GlyphHeight.
 //
 // The members stand in the folders whose business they are: packing and edits in document/, rendering in
-// glyphs/, files in formats/.
+// glyphs/, files in formats/, the preview in shell/.
 #pragma once
 
 #include "document/MGlyph.h"
@@ -43,6 +43,7 @@ public:
     // The order of the slots is that of packing, of the font file and of all exports.
     std::array<std::unique_ptr<MGlyph>, SlotCount> Glyphs;
     MPicture Picture; // format 7, owned; the glyphs as the last Repack placed them
+    std::uint64_t PictureRevision = 0; // another one for each Repack of any font
     std::int32_t PictureWidth = 0;
     std::int32_t PictureHeight = 0;
     MVector<MKerningPair> Kerning; // in no guaranteed order
@@ -100,6 +101,11 @@ public:
     // Finds the size of the packed picture, places every glyph and copies it there. False without memory for
     // it: the places stay as they were, and there is no picture.
     bool Repack();
+
+    // Repaints the owner, which shows the packed picture centred, shrunk if it doesn't fit and never enlarged, on
+    // the background colour; and its title, with the number of glyphs and the size of the picture. Does nothing
+    // without an owner, and for a minimised one.
+    void Draw() const;
 
     // Multiplies the metrics, the glyphs with their spacings, and the kerning, each as a 32-bit float truncated
     // toward zero. The settings' glyph height is the caller's to set.

@@ -105,6 +105,8 @@ void CopyPixelByPixel(MPicture& picture, const MGlyph& glyph) {
 } // namespace
 
 bool MColourFont::Repack() {
+    static std::uint64_t repacks = 0;
+    PictureRevision = ++repacks;
     Picture.Free();
     Size size{startSize, startSize};
     bool fits = Fits(*this, size);

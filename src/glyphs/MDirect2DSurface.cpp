@@ -195,21 +195,26 @@ void MDirect2DSurface::DrawRectangle(Desktop::Rect rectangle, const MColour& col
     }
 }
 
-void MDirect2DSurface::DrawPictureFitted(const MPicture& picture, Desktop::Rect rectangle,
-                                         bool mapCoordinates) {
-    if (!valid || !target || rectangle.IsEmpty() || !picture.IsValid()) return;
-    if (mapCoordinates) rectangle = Map(rectangle);
+MPixelSize MDirect2DSurface::FittedSize(const MPicture& picture, const Desktop::Rect& rectangle) {
     const auto width = static_cast<float>(picture.Width);
     const auto height = static_cast<float>(picture.Height);
     const float scale = std::min(static_cast<float>(rectangle.Width()) / width,
                                  static_cast<float>(rectangle.Height()) / height);
-    if (scale >= 1.0F) {
+    if (scale >= 1.0F) return {picture.Width, picture.Height};
+    return {static_cast<std::uint32_t>(std::max(ToInteger(width * scale), 0)),
+            static_cast<std::uint32_t>(std::max(ToInteger(height * scale), 0))};
+}
+
+void MDirect2DSurface::DrawPictureFitted(const MPicture& picture, Desktop::Rect rectangle,
+                                         bool mapCoordinates) {
+    if (!valid || !target || rectangle.IsEmpty() || !picture.IsValid()) return;
+    if (mapCoordinates) rectangle = Map(rectangle);
+    const MPixelSize size = FittedSize(picture, rectangle);
+    if (size.width == picture.Width && size.height == picture.Height) {
         DrawBitmap(picture, rectangle);
         return;
     }
-    MPicture smaller(picture, static_cast<std::uint32_t>(std::max(ToInteger(width * scale), 0)),
-                     static_cast<std::uint32_t>(std::max(ToInteger(height * scale), 0)), picture.Format, true,
-                     false);
+    MPicture smaller(picture, size.width, size.height, picture.Format, true, false);
     if (smaller.IsValid()) DrawBitmap(smaller, rectangle);
     smaller.Free();
 }

@@ -39,6 +39,11 @@ struct MPointF {
     float y = 0;
 };
 
+struct MPixelSize {
+    std::uint32_t width;
+    std::uint32_t height;
+};
+
 class MDirect2DSurface {
 public:
     bool valid = false;
@@ -79,6 +84,7 @@ public:
     void DrawRectangle(Desktop::Rect rectangle, const MColour& colour, bool filled, float strokeWidth,
                        bool mapCoordinates);
     // Centred, shrunk if it doesn't fit and never enlarged.
+    static MPixelSize FittedSize(const MPicture& picture, const Desktop::Rect& rectangle); // of a valid picture
     void DrawPictureFitted(const MPicture& picture, Desktop::Rect rectangle, bool mapCoordinates);
     void DrawPictureAt(const MPicture& picture, std::int32_t x, std::int32_t y, bool mapCoordinates);
     // The picture in a file, fitted.

@@ -52,7 +52,6 @@ void MDialogView::AddButtons(int okX, int okY, int cancelX, int cancelY) {
     Place(ok, okX, okY, 45, 14);
     Place(cancel, cancelX, cancelY, 45, 14);
     ok.setDefault(true);
-    cancel.setAutoDefault(false);
     connect(&ok, &QPushButton::clicked, this, [this] {
         if (onOk) onOk();
         accept();
@@ -73,27 +72,20 @@ void MDialogView::paintEvent(QPaintEvent* event) {
     client.Paint();
 }
 
+// With all buttons that are down, also at the press of one.
+void MDialogView::Tell(const QMouseEvent& event, bool moved) {
+    const QPoint at = ToScreenPixels(*this, event.position());
+    const bool left = event.buttons().testFlag(Qt::LeftButton);
+    const bool right = event.buttons().testFlag(Qt::RightButton);
+    if (onMouse && (left || right)) onMouse({at.x(), at.y(), left, right, moved});
+}
+
 void MDialogView::mousePressEvent(QMouseEvent* event) {
-    const QPoint at = ToScreenPixels(*this, event->position());
-    const bool left = event->button() == Qt::LeftButton;
-    const bool right = event->button() == Qt::RightButton;
-    if (onMouse && (left || right)) onMouse({at.x(), at.y(), left, right, false});
+    if (event->button() == Qt::LeftButton || event->button() == Qt::RightButton) Tell(*event, false);
 }
 
 void MDialogView::mouseMoveEvent(QMouseEvent* event) {
-    const QPoint at = ToScreenPixels(*this, event->position());
-    const bool left = event->buttons().testFlag(Qt::LeftButton);
-    const bool right = event->buttons().testFlag(Qt::RightButton);
-    if (onMouse && (left || right)) onMouse({at.x(), at.y(), left, right, true});
-}
-
-std::int32_t NumberIn(const QLineEdit& field) {
-    constexpr int longest = 15;
-    return ParseInt(FromQt(field.text().left(longest)).View().data());
-}
-
-char16_t CharacterIn(const QLineEdit& field) {
-    return field.text().isEmpty() ? u'?' : field.text().front().unicode();
+    Tell(*event, true);
 }
 
 void Fill(QLineEdit& field, const MString& text) {

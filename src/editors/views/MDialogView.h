@@ -18,7 +18,7 @@
 struct MMouse {
     std::int32_t x; // pixels of the screen, from the dialog's corner
     std::int32_t y;
-    bool left; // pressed, or held while moving
+    bool left; // down, by this press or before
     bool right;
     bool moved; // else it was just pressed
 };
@@ -56,12 +56,11 @@ protected:
     void paintEvent(QPaintEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
+
+private:
+    void Tell(const QMouseEvent& event, bool moved);
 };
 
-// The number in a field: at most its first 15 characters, 0 if it isn't one.
-std::int32_t NumberIn(const QLineEdit& field);
-// Its first character, '?' if it is empty.
-char16_t CharacterIn(const QLineEdit& field);
 // Leave the field alone if it shows just that, so that nothing is told of a change.
 void Fill(QLineEdit& field, const MString& text);
 void Fill(QLineEdit& field, std::int32_t number);

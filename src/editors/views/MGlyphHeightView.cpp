@@ -1,7 +1,9 @@
 #include "editors/views/MGlyphHeightView.h"
 
 #include "document/MSettings.h"
+#include "editors/FieldText.h"
 #include "foundation/MNumbers.h"
+#include "platform/qt/QtText.h"
 
 MGlyphHeightView::MGlyphHeightView(QWidget* owner) : MDialogView(owner, "Change glyph height", 165, 45) {
     Place(height, 85, 6, 70, 14);
@@ -11,7 +13,7 @@ MGlyphHeightView::MGlyphHeightView(QWidget* owner) : MDialogView(owner, "Change 
     height.selectAll();
     height.setFocus();
     onOk = [this] {
-        Settings->GlyphHeight = NumberIn(height);
+        Settings->GlyphHeight = FieldNumber(FromQt(height.text()));
         Clamp(Settings->GlyphHeight, SmallestGlyphHeight, LargestGlyphHeight);
     };
 }

@@ -53,8 +53,4 @@ Rect VirtualScreen() {
     return screen ? FromQtRect(screen->virtualGeometry()) : Rect{};
 }
 
-int RunMessageLoop() {
-    return QApplication::exec();
-}
-
 } // namespace Desktop

@@ -1,0 +1,47 @@
+// The window: lettrino [FILE].
+
+#include "foundation/Product.h"
+#include "platform/qt/QtText.h"
+#include "shell/Program.h"
+
+#include <QApplication>
+#include <QIcon>
+
+#include <cstdio>
+#include <string_view>
+
+namespace {
+
+void Print(const QString& text) {
+    std::fputs(text.toLocal8Bit().constData(), stdout);
+}
+
+// Help and version are told on the terminal, also where there is no screen to open a window on.
+bool AnswerOnTerminal(int argc, char** argv) {
+    const std::string_view first = argc > 1 ? argv[1] : "";
+    if (first == "--version") {
+        Print(ToQt(ProductName) + ' ' + ToQt(ProductVersion) + '\n');
+        return true;
+    }
+    if (first == "--help" || first == "-h") {
+        Print("Usage: lettrino [FILE]\n\n"
+              "Makes and edits colour fonts. FILE is a texture font (.sm) to open.\n\n"
+              "  -h, --help   this text\n"
+              "  --version    the program's version\n\n"
+              "The same work without a window: lettrino-cli --help\n");
+        return true;
+    }
+    return false;
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    if (AnswerOnTerminal(argc, argv)) return 0;
+    QApplication application(argc, argv);
+    QApplication::setApplicationName(ToQt(ProductName));
+    QApplication::setDesktopFileName(QStringLiteral("lettrino"));
+    QApplication::setWindowIcon(QIcon::fromTheme(QStringLiteral("lettrino")));
+    const QStringList arguments = QApplication::arguments();
+    return RunProgram(arguments.size() > 1 ? FromQt(arguments[1]) : MString());
+}

@@ -1,0 +1,69 @@
+#include "shell/Program.h"
+
+#include "document/MSettings.h"
+#include "foundation/Product.h"
+#include "glyphs/MFontList.h"
+#include "imaging/MFileTypes.h"
+#include "licensing/MLicense.h"
+#include "shell/CurrentFont.h"
+#include "shell/OpenFontFile.h"
+#include "shell/Preview.h"
+#include "shell/Shell.h"
+
+#include <memory>
+
+Desktop::WindowHandle MainWindow = nullptr;
+MString CommandLineFile;
+
+namespace {
+
+void OpenTextureFont(const MString& path) {
+    if (path.GetExtension().Equals("SM")) OpenFontFile(path);
+}
+
+// What the user meets between the opening of the window and its end.
+int RunWindow(const MString& file) {
+    if (License->Name.IsEmpty()) Desktop::RunDialog(MainWindow, Desktop::DialogId::About);
+    CommandLineFile = file;
+    OpenTextureFont(CommandLineFile);
+    const int code = Desktop::RunMessageLoop();
+    DestroyCurrentFont();
+    ForgetPreview();
+    return code;
+}
+
+} // namespace
+
+int RunProgram(const MString& file) {
+    const auto settings = std::make_unique<MSettings>();
+    Settings = settings.get();
+    settings->UseUserFolders();
+    settings->UseDefaultWindowRect();
+    settings->Load();
+    const auto license = std::make_unique<MLicense>(*settings);
+    License = license.get();
+
+    int code = 0;
+    MainWindow = Desktop::OpenMainWindow(ProductName, settings->WindowRect);
+    if (MainWindow) {
+        if (FileTypes.BuildFileTypes()) code = RunWindow(file);
+        FontList.reset();
+        settings->Save();
+    }
+    MainWindow = nullptr;
+    Settings = nullptr;
+    License = nullptr;
+    return code;
+}
+
+void RecordWindowRect(const Desktop::Rect& frame) {
+    if (Settings) Settings->WindowRect = frame;
+}
+
+void PaintMainWindow() {
+    if (CurrentFont) CurrentFont->Draw();
+}
+
+void OpenDroppedFile(const MString& path) {
+    OpenTextureFont(path);
+}

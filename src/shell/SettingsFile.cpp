@@ -1,0 +1,194 @@
+// The settings file: one line for each key, the key first and then its values. It is read at the start and
+// written at the end of the program, and at no other time.
+
+#include "document/MSettings.h"
+#include "formats/MTextFile.h"
+#include "foundation/MFolders.h"
+#include "foundation/Product.h"
+
+#include <array>
+#include <string_view>
+
+namespace {
+
+constexpr std::size_t firstCode = 33;
+
+// The line of one key, as it is read and as it is written.
+struct Field {
+    std::u16string_view key;
+    void (*read)(const MTextFile& file, MSettings& settings);
+    void (*write)(MTextFile& file, const MSettings& settings);
+};
+
+template<auto Member>
+constexpr Field NumberField(std::u16string_view key) {
+    return {key,
+            [](const MTextFile& file, MSettings& settings) {
+                settings.*Member = static_cast<std::decay_t<decltype(settings.*Member)>>(file.GetInt(1));
+            },
+            [](MTextFile& file, const MSettings& settings) {
+                file.WriteInt(static_cast<std::int32_t>(settings.*Member));
+            }};
+}
+
+template<auto Member>
+constexpr Field BoolField(std::u16string_view key) {
+    return {key, [](const MTextFile& file, MSettings& settings) { settings.*Member = file.GetBool(1); },
+            [](MTextFile& file, const MSettings& settings) { file.WriteBool(settings.*Member); }};
+}
+
+template<auto Member>
+constexpr Field TextField(std::u16string_view key) {
+    return {key, [](const MTextFile& file, MSettings& settings) { settings.*Member = file.GetString(1); },
+            [](MTextFile& file, const MSettings& settings) { file.WriteString(settings.*Member); }};
+}
+
+// Red, green and blue; opaque.
+template<auto Member>
+constexpr Field ColourField(std::u16string_view key) {
+    return {key,
+            [](const MTextFile& file, MSettings& settings) {
+                const auto channel = [&](int index) { return static_cast<std::uint8_t>(file.GetInt(index)); };
+                settings.*Member = MColour(channel(1), channel(2), channel(3));
+            },
+            [](MTextFile& file, const MSettings& settings) {
+                const MColour& colour = settings.*Member;
+                for (const std::uint8_t channel : {colour.r, colour.g, colour.b})
+                    file.WriteInt(channel);
+            }};
+}
+
+// The padding and the spacings share a line.
+constexpr std::array pictureAmounts{&MSettings::PaddingTop, &MSettings::PaddingBottom,
+                                    &MSettings::SpacingBefore, &MSettings::SpacingAfter};
+
+constexpr Field paddingField{u"Padding",
+                             [](const MTextFile& file, MSettings& settings) {
+                                 int index = 0;
+                                 for (const auto amount : pictureAmounts)
+                                     settings.*amount = file.GetInt(++index);
+                             },
+                             [](MTextFile& file, const MSettings& settings) {
+                                 for (const auto amount : pictureAmounts)
+                                     file.WriteInt(settings.*amount);
+                             }};
+
+constexpr Field windowField{
+    u"WindowRect",
+    [](const MTextFile& file, MSettings& settings) {
+        settings.WindowRect = {file.GetInt(1), file.GetInt(2), file.GetInt(3), file.GetInt(4)};
+        settings.ClampWindowRect();
+    },
+    [](MTextFile& file, const MSettings& settings) {
+        const Desktop::Rect& rect = settings.WindowRect;
+        for (const std::int32_t edge : {rect.left, rect.top, rect.right, rect.bottom})
+            file.WriteInt(edge);
+    }};
+
+constexpr Field keysField{u"Keys",
+                          [](const MTextFile& file, MSettings& settings) {
+                              int index = 0;
+                              for (MString& key : settings.Keys)
+                                  key = file.GetString(++index);
+                          },
+                          [](MTextFile& file, const MSettings& settings) {
+                              for (const MString& key : settings.Keys)
+                                  file.WriteString(key);
+                          }};
+
+constexpr std::array firstFields{
+    ColourField<&MSettings::BackgroundColour>(u"BackgroundColour"),
+    TextField<&MSettings::FontName>(u"FontName"),
+    NumberField<&MSettings::Weight>(u"Weight"),
+    BoolField<&MSettings::Italic>(u"Italic"),
+    BoolField<&MSettings::ColourFont>(u"ColourFont"),
+    ColourField<&MSettings::Colour>(u"Colour"),
+    NumberField<&MSettings::GlyphHeight>(u"GlyphHeight"),
+    NumberField<&MSettings::Char>(u"Char"),
+    paddingField,
+    BoolField<&MSettings::Trim>(u"Trim"),
+    TextField<&MSettings::LetterCubesNames>(u"LetterCubesNames"),
+};
+
+// "Path" or "S" with a number.
+MString NumberedKey(const char* name, std::size_t number) {
+    return MString(name) + MString(static_cast<std::int32_t>(number));
+}
+
+bool ReadField(const Field& field, const MTextFile& file, const MString& key, MSettings& settings) {
+    if (key.View() != field.key) return false;
+    field.read(file, settings);
+    return true;
+}
+
+void WriteField(const Field& field, MTextFile& file, const MSettings& settings) {
+    file.WriteString(MString(field.key));
+    field.write(file, settings);
+    file.EndLine();
+}
+
+bool ReadPath(const MTextFile& file, const MString& key, MSettings& settings) {
+    for (std::size_t kind = 0; kind < PathKinds; ++kind) {
+        if (!key.Equals(NumberedKey("Path", kind))) continue;
+        // The temporary folder is always that of the defaults.
+        if (static_cast<MPathKind>(kind) != MPathKind::Temporary) settings.Paths[kind] = file.GetString(1);
+        return true;
+    }
+    return false;
+}
+
+void ReadSelected(const MTextFile& file, const MString& key, MSettings& settings) {
+    for (std::size_t code = firstCode; code < settings.Selected.size(); ++code) {
+        if (key.Equals(NumberedKey("S", code))) settings.Selected[code] = file.GetBool(1) ? 1 : 0;
+    }
+}
+
+void ReadLine(const MTextFile& file, MSettings& settings) {
+    const MString key = file.GetString(0);
+    for (const Field& field : firstFields) {
+        if (ReadField(field, file, key, settings)) return;
+    }
+    if (ReadField(windowField, file, key, settings) || ReadField(keysField, file, key, settings)) return;
+    if (!ReadPath(file, key, settings)) ReadSelected(file, key, settings);
+}
+
+} // namespace
+
+MString MSettings::SettingsFilePath() const {
+    return JoinPath(GetAppDataFolder(MakerName, ProductName), ProductName + ".txt");
+}
+
+void MSettings::Load() {
+    const MString path = SettingsFilePath();
+    if (!FileExists(path)) return;
+    MTextFile file(path, false, true, MTextEncoding::Utf16Le);
+    if (!file.ok) return;
+    FileRead = true;
+    while (file.NextLine())
+        ReadLine(file, *this);
+}
+
+void MSettings::Save() const {
+    const MString path = SettingsFilePath();
+    if (FileExists(path) && !FileRead) return;
+    MTextFile file(path, true, false, MTextEncoding::Utf16Le);
+    if (!file.ok) {
+        Desktop::ShowMessage(nullptr, "Could not open:\n\n\"" + path + "\"", ProductName, Desktop::Buttons::Ok,
+                             Desktop::Icon::Error);
+        return;
+    }
+    for (const Field& field : firstFields)
+        WriteField(field, file, *this);
+    for (std::size_t kind = 0; kind < PathKinds; ++kind) {
+        file.WriteString(NumberedKey("Path", kind));
+        file.WriteString(Paths[kind]);
+        file.EndLine();
+    }
+    for (std::size_t code = firstCode; code < Selected.size(); ++code) {
+        file.WriteString(NumberedKey("S", code));
+        file.WriteBool(Selected[code] != 0);
+        file.EndLine();
+    }
+    WriteField(windowField, file, *this);
+    if (!Keys[0].IsEmpty()) WriteField(keysField, file, *this);
+}

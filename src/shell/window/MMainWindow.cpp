@@ -1,0 +1,124 @@
+#include "shell/window/MMainWindow.h"
+
+#include "platform/qt/QtText.h"
+#include "shell/Commands.h"
+#include "shell/Preview.h"
+#include "shell/Program.h"
+
+#include <QApplication>
+#include <QDragEnterEvent>
+#include <QMenuBar>
+#include <QMimeData>
+#include <QWindow>
+
+#include <memory>
+
+namespace {
+
+constexpr int settled = 150; // milliseconds without a new size, after which it counts as the last one
+constexpr QSize smallestClient(240, 120);
+
+// The local path of the first file in what is dragged; empty if there is none.
+QString FirstFile(const QMimeData& data) {
+    const QList<QUrl> urls = data.urls();
+    return urls.isEmpty() ? QString() : urls.constFirst().toLocalFile();
+}
+
+} // namespace
+
+MPreviewWidget::MPreviewWidget() : client(*this) {
+    client.draw = [this] {
+        if (resized.isActive()) {
+            DrawPreviewQuickly();
+        } else {
+            PaintMainWindow();
+        }
+    };
+    resized.setSingleShot(true);
+    resized.setInterval(settled);
+    resized.callOnTimeout(this, [this] { update(); });
+    setMinimumSize(smallestClient);
+    setAccessibleName(QStringLiteral("Preview of the font"));
+}
+
+void MPreviewWidget::paintEvent(QPaintEvent*) {
+    client.Paint();
+}
+
+void MPreviewWidget::resizeEvent(QResizeEvent*) {
+    if (IsPreviewSlow()) resized.start();
+}
+
+MMainWindow::MMainWindow(const QString& title, const QRect& frame) : wanted(frame) {
+    setWindowTitle(title);
+    setCentralWidget(&preview);
+    setAcceptDrops(true);
+    BuildMenus();
+    setGeometry(frame);
+}
+
+void MMainWindow::BuildMenus() {
+    for (const Menu& menu : menus) {
+        QMenu* const popup = menuBar()->addMenu(menu.title);
+        for (const MenuItem& item : menu.items) {
+            if (!*item.text) {
+                popup->addSeparator();
+                continue;
+            }
+            QAction* const action = popup->addAction(item.text);
+            action->setShortcut(QKeySequence(QString(item.key), QKeySequence::PortableText));
+            // Desktops that move items by their names shall leave these where they are.
+            action->setMenuRole(QAction::NoRole);
+            connect(action, &QAction::triggered, this, [command = item.command] { RunCommand(command); });
+        }
+    }
+}
+
+bool MMainWindow::event(QEvent* event) {
+    const bool result = QMainWindow::event(event);
+    if (event->type() == QEvent::Move || event->type() == QEvent::Resize) TakeFrame();
+    return result;
+}
+
+// The frame is the desktop's, which tells its thickness only some time after the window is shown.
+void MMainWindow::TakeFrame() {
+    if (!isVisible()) return;
+    if (!framed && windowHandle() && !windowHandle()->frameMargins().isNull()) {
+        framed = true;
+        setGeometry(wanted.marginsRemoved(windowHandle()->frameMargins()));
+    }
+    const QRect frame = frameGeometry();
+    RecordWindowRect({frame.x(), frame.y(), frame.x() + frame.width(), frame.y() + frame.height()});
+}
+
+void MMainWindow::dragEnterEvent(QDragEnterEvent* event) {
+    if (!FirstFile(*event->mimeData()).isEmpty()) event->acceptProposedAction();
+}
+
+void MMainWindow::dropEvent(QDropEvent* event) {
+    event->acceptProposedAction();
+    OpenDroppedFile(FromQt(FirstFile(*event->mimeData())));
+}
+
+namespace Desktop {
+
+namespace {
+
+std::unique_ptr<MMainWindow> window;
+
+} // namespace
+
+WindowHandle OpenMainWindow(const MString& title, const Rect& frame) {
+    window = std::make_unique<MMainWindow>(ToQt(title),
+                                           QRect(frame.left, frame.top, frame.Width(), frame.Height()));
+    window->show();
+    return window->Handle();
+}
+
+int RunMessageLoop() {
+    const int code = window->isVisible() ? QApplication::exec() : 0;
+    window.reset();
+    return code;
+}
+
+} // namespace Desktop

@@ -1,0 +1,110 @@
+#include "shell/Preview.h"
+
+#include "shell/Program.h"
+#include "shell/ShellFixture.h"
+
+#include <gmock/gmock.h>
+
+#include <cstring>
+
+namespace {
+
+class Preview : public RunningTest {
+protected:
+    ~Preview() override { ForgetPreview(); }
+
+    // A font whose packed picture is this.
+    static MColourFont& FontWith(std::uint32_t width, std::uint32_t height, MColour colour) {
+        MColourFont& font = CurrentOrNewFont();
+        font.Repack();
+        font.Picture.Free();
+        font.Picture = MPicture(width, height, FormatRGBA8);
+        font.Picture.Fill(colour);
+        return font;
+    }
+    static MColour Shown(std::int32_t x, std::int32_t y) {
+        const Headless::Painting& painting = Headless::record.paintings.back();
+        MColour colour;
+        std::memcpy(&colour,
+                    painting.pixels.data() +
+                        (static_cast<std::size_t>(y) * static_cast<std::size_t>(painting.width) +
+                         static_cast<std::size_t>(x)) *
+                            4,
+                    4);
+        colour.a = 255;
+        return colour;
+    }
+    static constexpr MColour red{255, 0, 0};
+    static constexpr MColour green{0, 255, 0};
+};
+
+} // namespace
+
+TEST_F(Preview, ShowsThePictureCentredAndNeverEnlarged) {
+    settings.BackgroundColour = green;
+    const struct {
+        std::uint32_t width;
+        std::uint32_t height;
+        Desktop::Rect client;
+        Desktop::Rect picture; // where it shall stand
+    } cases[] = {
+        {10, 6, {0, 0, 40, 20}, {15, 7, 25, 13}},  {80, 20, {0, 0, 40, 20}, {0, 5, 40, 15}},
+        {40, 20, {0, 0, 40, 20}, {0, 0, 40, 20}},  {10, 200, {0, 0, 40, 20}, {19, 0, 20, 20}},
+        {10, 400, {0, 0, 40, 20}, {20, 0, 20, 0}}, // as broad as half a pixel: nothing is left of it
+    };
+    for (const auto& [width, height, client, picture] : cases) {
+        SCOPED_TRACE(width);
+        Headless::script.client = client;
+        FontWith(width, height, red).Draw();
+        for (std::int32_t y = 0; y < client.bottom; ++y) {
+            for (std::int32_t x = 0; x < client.right; ++x) {
+                const bool inside =
+                    x >= picture.left && x < picture.right && y >= picture.top && y < picture.bottom;
+                ASSERT_EQ(Shown(x, y) == red, inside) << x << ' ' << y;
+                ASSERT_EQ(Shown(x, y) == green, !inside) << x << ' ' << y;
+            }
+        }
+    }
+}
+
+TEST_F(Preview, TheTitleCountsAndMeasures) {
+    MColourFont& font = CurrentOrNewFont();
+    font.Draw();
+    font.Repack();
+    font.Draw();
+    AddBlock(font, u'A', 30, 100);
+    font.Draw();
+    font.Draw();
+    using testing::ElementsAre;
+    EXPECT_THAT(Headless::record.titles,
+                ElementsAre(MString("Lettrino - 0 Glyphs"), MString("Lettrino - 0 Glyphs (128 x 128)"),
+                            MString("Lettrino - 1 Glyphs (128 x 128)")))
+        << "the same title is not set again";
+
+    Headless::script.client = {}; // minimised
+    font.RemoveGlyph(u'A');
+    const std::size_t paintings = Headless::record.paintings.size();
+    font.Draw();
+    EXPECT_EQ(Headless::record.titles.size(), 3U);
+    EXPECT_EQ(Headless::record.paintings.size(), paintings);
+    MColourFont(nullptr).Draw();
+    EXPECT_EQ(Headless::record.titles.size(), 3U) << "a font without a window";
+}
+
+TEST_F(Preview, PaintingAgainWithNothingChangedResamplesNothing) {
+    Headless::script.client = {0, 0, 40, 20};
+    MColourFont& font = FontWith(400, 200, red);
+    font.Draw();
+    // What is painted now can't come from the picture.
+    font.Picture.Fill(green);
+    PaintMainWindow();
+    EXPECT_EQ(Shown(20, 10), red) << "the shrunk picture is kept";
+    Headless::script.client = {0, 0, 60, 30};
+    DrawPreviewQuickly();
+    EXPECT_EQ(Shown(30, 15), red) << "also in place of one of another size, while the window is resized";
+    PaintMainWindow();
+    EXPECT_EQ(Shown(30, 15), green) << "until its size stands";
+    font.Repack();
+    font.Draw();
+    EXPECT_EQ(Shown(30, 15), settings.BackgroundColour) << "a repack brings another picture";
+}

@@ -1,0 +1,111 @@
+#include "shell/Program.h"
+
+#include "glyphs/MFontList.h"
+#include "imaging/MFileTypes.h"
+#include "licensing/MLicense.h"
+#include "shell/Commands.h"
+#include "shell/ShellFixture.h"
+
+namespace {
+
+using Desktop::DialogId;
+
+class Program : public ShellTest {
+protected:
+    static bool SettingsWritten() { return std::filesystem::exists(Home().path / SettingsFile()); }
+    // A texture font of the letter "A".
+    static MString SomeFont() {
+        MSettings settings;
+        Settings = &settings;
+        MColourFont font(nullptr);
+        font.Glyphs[0] = std::make_unique<MGlyph>(u'A', 5, 100, 0, 0, false);
+        font.Glyphs[0]->Picture.Fill(MColour(0, 0, 255));
+        font.Repack();
+        const MString path = Home().File("some.sm");
+        EXPECT_TRUE(font.Save(path));
+        Settings = nullptr;
+        return path;
+    }
+};
+
+} // namespace
+
+TEST_F(Program, StartsAndEndsInOrder) {
+    Headless::script.messageLoop = [] {
+        EXPECT_EQ(Headless::record.mainWindows.size(), 1U);
+        EXPECT_EQ(Headless::record.mainWindows[0].right, 1781);
+        EXPECT_NE(MainWindow, nullptr);
+        EXPECT_NE(Settings, nullptr);
+        EXPECT_NE(License, nullptr);
+        EXPECT_TRUE(FileTypes.IsWebPage("HTML")) << "the table is built";
+        EXPECT_EQ(Headless::record.dialogs, std::vector{DialogId::About})
+            << "at every start of an unlicensed copy";
+        EXPECT_FALSE(SettingsWritten()) << "settings are written at the end only";
+        EXPECT_EQ(CurrentFont, nullptr);
+        CurrentOrNewFont();
+        RecordWindowRect({40, 50, 900, 700});
+        return 7;
+    };
+    EXPECT_EQ(RunProgram({}), 7);
+    EXPECT_EQ(CurrentFont, nullptr);
+    EXPECT_EQ(Settings, nullptr);
+    EXPECT_TRUE(SettingsWritten());
+    EXPECT_TRUE(Headless::record.messages.empty()) << "a changed font is lost without a question";
+
+    // The next start finds what the last one left.
+    Headless::script.messageLoop = [] {
+        EXPECT_EQ(Headless::record.mainWindows.back().left, 40);
+        Settings->Keys[0] = "Ann";
+        return 0;
+    };
+    RunProgram({});
+    Headless::script.messageLoop = [] {
+        EXPECT_EQ(License->Name, MString("Ann"));
+        return 0;
+    };
+    const std::size_t before = Headless::record.dialogs.size();
+    RunProgram({});
+    EXPECT_EQ(Headless::record.dialogs.size(), before) << "a licensed copy opens without the About box";
+}
+
+TEST_F(Program, WithoutAWindowNothingIsWritten) {
+    Headless::script.opensMainWindow = false;
+    EXPECT_EQ(RunProgram({}), 0);
+    EXPECT_FALSE(SettingsWritten());
+    EXPECT_TRUE(Headless::record.dialogs.empty());
+}
+
+TEST_F(Program, OpensTheTextureFontItIsGiven) {
+    const MString font = SomeFont();
+    const struct {
+        MString file;
+        std::int32_t glyphs; // -1: no font
+    } cases[] = {{font, 1},
+                 {Home().File("SOME.SM"), 1},
+                 {Home().File("none.sm"), 0},
+                 {Home().File("some.png"), -1},
+                 {{}, -1}};
+    for (const auto& [file, glyphs] : cases) {
+        SCOPED_TRACE(ToSystem(file));
+        Headless::script.messageLoop = [glyphs = glyphs] {
+            EXPECT_EQ(CurrentFont ? CurrentFont->GlyphCount() : -1, glyphs);
+            return 0;
+        };
+        RunProgram(file);
+    }
+}
+
+TEST_F(Program, OpensADroppedTextureFont) {
+    const MString font = SomeFont();
+    Headless::script.messageLoop = [&] {
+        OpenDroppedFile(Home().File("some.js"));
+        EXPECT_EQ(CurrentFont, nullptr) << "the import of scripts is a command of its own";
+        OpenDroppedFile({});
+        EXPECT_EQ(CurrentFont, nullptr);
+        OpenDroppedFile(font);
+        EXPECT_EQ(CurrentFont->GlyphCount(), 1);
+        EXPECT_EQ(Headless::record.titles.back(), MString("Lettrino - 1 Glyphs (128 x 256)"));
+        return 0;
+    };
+    RunProgram({});
+}
