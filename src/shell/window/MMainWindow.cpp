@@ -16,6 +16,8 @@
 namespace {
 
 constexpr int settled = 150; // milliseconds without a new size, after which it counts as the last one
+// The frame is the desktop's, which tells its thickness only some time after the window is shown.
+constexpr int frameKnown = 100; // milliseconds
 constexpr QSize smallestClient(240, 120);
 
 // The local path of the first file in what is dragged; empty if there is none.
@@ -76,19 +78,24 @@ void MMainWindow::BuildMenus() {
 
 bool MMainWindow::event(QEvent* event) {
     const bool result = QMainWindow::event(event);
-    if (event->type() == QEvent::Move || event->type() == QEvent::Resize) TakeFrame();
+    const bool placed = event->type() == QEvent::Move || event->type() == QEvent::Resize;
+    if (placed && isVisible()) {
+        const QRect frame = frameGeometry();
+        RecordWindowRect({frame.x(), frame.y(), frame.x() + frame.width(), frame.y() + frame.height()});
+    }
     return result;
 }
 
-// The frame is the desktop's, which tells its thickness only some time after the window is shown.
-void MMainWindow::TakeFrame() {
-    if (!isVisible()) return;
-    if (!framed && windowHandle() && !windowHandle()->frameMargins().isNull()) {
-        framed = true;
-        setGeometry(wanted.marginsRemoved(windowHandle()->frameMargins()));
-    }
-    const QRect frame = frameGeometry();
-    RecordWindowRect({frame.x(), frame.y(), frame.x() + frame.width(), frame.y() + frame.height()});
+void MMainWindow::showEvent(QShowEvent* event) {
+    QMainWindow::showEvent(event);
+    QTimer::singleShot(frameKnown, this, [this] { LeaveRoomForFrame(); });
+}
+
+// Until here the window was placed as if it had no frame.
+void MMainWindow::LeaveRoomForFrame() {
+    if (geometry() != wanted) return;
+    const QMargins frame = windowHandle()->frameMargins();
+    if (!frame.isNull()) setGeometry(wanted.marginsRemoved(frame));
 }
 
 void MMainWindow::dragEnterEvent(QDragEnterEvent* event) {

@@ -29,14 +29,14 @@ public:
 
 protected:
     bool event(QEvent* event) override;
+    void showEvent(QShowEvent* event) override;
     void dragEnterEvent(QDragEnterEvent* event) override;
     void dropEvent(QDropEvent* event) override;
 
 private:
     MPreviewWidget preview;
-    QRect wanted;        // where the frame shall be, as long as its thickness isn't known
-    bool framed = false; // it is known
+    const QRect wanted; // where the frame shall be when the window opens
 
     void BuildMenus();
-    void TakeFrame();
+    void LeaveRoomForFrame();
 };

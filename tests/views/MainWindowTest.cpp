@@ -1,0 +1,225 @@
+// The whole program in its window, driven by keys and clicks as a person would.
+
+#include "TemporaryFolder.h"
+#include "Text.h"
+#include "document/MColourFont.h"
+#include "platform/qt/MClientArea.h"
+#include "shell/Program.h"
+#include "shell/Shell.h"
+#include "views/Windows.h"
+
+#include <QApplication>
+#include <QDropEvent>
+#include <QElapsedTimer>
+#include <QListView>
+#include <QMainWindow>
+#include <QMenu>
+#include <QMenuBar>
+#include <QMessageBox>
+#include <QMimeData>
+#include <deque>
+
+namespace {
+
+// Does one step after another, each as soon as the window or dialog that it waits for is in front.
+class Person {
+public:
+    struct Step {
+        QString title; // that the window in front ends with; empty for the main window with nothing before it
+        std::function<void(QWidget&)> act;
+    };
+
+    explicit Person(std::deque<Step> toDo) : steps(std::move(toDo)) {
+        timer.callOnTimeout([this] { Look(); });
+        timer.start(10);
+        waited.start();
+    }
+
+    bool IsDone() const { return steps.empty(); }
+
+private:
+    std::deque<Step> steps;
+    QTimer timer;
+    QElapsedTimer waited;
+
+    void Look() {
+        QWidget* const modal = QApplication::activeModalWidget();
+        QWidget* const main = MainWindow ? WidgetOf(MainWindow)->window() : nullptr;
+        if (!main || steps.empty()) return;
+        // Nobody waits for the box that an unlicensed copy starts with.
+        if (modal && modal->windowTitle().endsWith(" - About") && !steps.front().title.endsWith("About"))
+            return static_cast<void>(modal->close());
+        if (waited.elapsed() > 20000) {
+            ADD_FAILURE() << "nothing came with the title " << steps.front().title.toStdString() << ", but "
+                          << (modal ? modal->windowTitle().toStdString() : "the main window");
+            steps.clear();
+            if (modal) modal->close();
+            main->close();
+            return;
+        }
+        QWidget* const front = modal ? modal : main;
+        if (modal ? steps.front().title.isEmpty() || !front->windowTitle().endsWith(steps.front().title)
+                  : !steps.front().title.isEmpty())
+            return;
+        const Step step = steps.front();
+        steps.pop_front();
+        waited.restart();
+        step.act(*front);
+    }
+};
+
+class MainWindowTest : public testing::Test {
+protected:
+    // The system is asked for the user's folders once only, so that all tests share them.
+    static TemporaryFolder& Home() {
+        static TemporaryFolder home;
+        return home;
+    }
+
+    MainWindowTest() {
+        for (const auto& entry : std::filesystem::directory_iterator(Home().path))
+            std::filesystem::remove_all(entry.path());
+        setenv("HOME", Home().path.c_str(), 1);
+        setenv("XDG_CONFIG_HOME", (Home().path / "config").c_str(), 1);
+    }
+
+    static void Run(const MString& file, std::deque<Person::Step> steps) {
+        steps.push_back({"", [](QWidget& window) { window.close(); }});
+        const Person person(std::move(steps));
+        EXPECT_EQ(RunProgram(file), 0);
+        EXPECT_TRUE(person.IsDone());
+    }
+    static Person::Step Key(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
+        return {"", [=](QWidget& window) { QTest::keyClick(&window, key, modifiers); }};
+    }
+    // Presses Enter in a dialog.
+    static Person::Step Enter(const char* title) {
+        return {title, [](QWidget& dialog) { QTest::keyClick(&dialog, Qt::Key_Return); }};
+    }
+    static Person::Step ChooseFile(const char* title, const MString& path) {
+        return {title, [path](QWidget& dialog) {
+                    auto* const name = dialog.findChild<QLineEdit*>("fileNameEdit");
+                    ASSERT_NE(name, nullptr);
+                    name->clear();
+                    QTest::keyClicks(name, QString::fromStdString(ToSystem(path)));
+                    QTest::keyClick(name, Qt::Key_Return);
+                }};
+    }
+    static Person::Step Look(const std::function<void(QWidget&)>& look) { return {"", look}; }
+};
+
+} // namespace
+
+TEST_F(MainWindowTest, TheMenuIsAsItWasTold) {
+    Run({}, {Look([](QWidget& window) {
+            auto* const bar = static_cast<QMainWindow&>(window).menuBar();
+            QStringList lines;
+            for (const QAction* const menu : bar->actions()) {
+                lines << menu->text();
+                for (const QAction* const item : menu->menu()->actions()) {
+                    EXPECT_TRUE(item->isEnabled());
+                    lines << (item->isSeparator() ? "-" : item->text() + '\t' + item->shortcut().toString());
+                }
+            }
+            EXPECT_EQ(lines.join('\n').toStdString(),
+                      "FILE\nNew...\tF2\nOpen...\tCtrl+O\nSave as...\tCtrl+S\n-\nImport HTML...\t\n"
+                      "Import photofont...\t\n-\nExport as HTML...\t\nExport as single files...\t\nExport as "
+                      "cubes...\t\n-\nExit\t\n"
+                      "EDIT\nAdd/change characters...\tF3\nAdd/change picture...\tF4\nGlyphs editor...\tF5\n"
+                      "Kerning editor...\tF6\nChange glyph height...\tF7\n-\nRemove non-ASCII characters\t\n"
+                      "Trim vertically\t\n"
+                      "SETTINGS\nSet background colour...\t\nEnter license keys...\t\n"
+                      "HELP\nUser guide\tF1\nCommunity\t\n-\nOrdering information...\t\nAbout Lettrino\t");
+            Screenshot(window, "main-window-empty");
+        })});
+}
+
+TEST_F(MainWindowTest, TheWholeRoad) {
+    const MString saved = Home().File("road.sm");
+    Run({}, {Key(Qt::Key_S, Qt::ControlModifier), // without a font nothing happens
+             Key(Qt::Key_F2),
+             {"Add/Change characters",
+              [](QWidget& dialog) {
+                  QTest::keyClicks(Named<QListView>(dialog, "Font family"), "DejaVu Sans");
+                  auto* const height = Named<QLineEdit>(dialog, "Glyph height");
+                  height->selectAll();
+                  QTest::keyClicks(height, "64");
+                  QTest::keyClick(height, Qt::Key_Return);
+              }},
+             Look([](QWidget& window) {
+                 EXPECT_TRUE(window.windowTitle().startsWith("Lettrino - 26 Glyphs ("))
+                     << window.windowTitle().toStdString();
+                 Screenshot(window, "main-window");
+             }),
+             Key(Qt::Key_F6),
+             {"Kerning editor",
+              [](QWidget& dialog) {
+                  for (auto* const button : dialog.findChildren<QAbstractButton*>()) {
+                      if (button->text().remove('&') == "Generate") QTest::mouseClick(button, Qt::LeftButton);
+                  }
+                  QTest::keyClick(&dialog, Qt::Key_Return);
+              }},
+             Key(Qt::Key_S, Qt::ControlModifier),
+             ChooseFile("Save Font", Home().File("road.txt")),
+             {"Lettrino",
+              [&](QWidget& box) {
+                  auto& message = static_cast<QMessageBox&>(box);
+                  EXPECT_EQ(message.icon(), QMessageBox::Information);
+                  EXPECT_EQ(FromSystem(message.text().toStdString()),
+                            "Colour font successfully saved as:\n\n\"" + saved + "\"");
+                  QTest::keyClick(&box, Qt::Key_Escape);
+              }},
+             Key(Qt::Key_O, Qt::ControlModifier),
+             ChooseFile("Open Font", saved),
+             Look([](QWidget&) {
+                 ASSERT_NE(CurrentFont, nullptr);
+                 EXPECT_EQ(CurrentFont->GlyphCount(), 26);
+                 EXPECT_NE(CurrentFont->FindKerning(u'A', u'V'), nullptr);
+                 EXPECT_EQ(Settings->GlyphHeight, 64);
+             })});
+    EXPECT_TRUE(std::filesystem::exists(Home().path / "config/Northbank Softworks/Lettrino/Lettrino.txt"));
+}
+
+TEST_F(MainWindowTest, ADroppedTextureFontIsOpened) {
+    MSettings settings;
+    Settings = &settings;
+    MColourFont font(nullptr);
+    font.Glyphs[0] = std::make_unique<MGlyph>(u'A', 20, 100, 0, 0, false);
+    font.Glyphs[0]->Picture.Fill(MColour(0, 0, 255));
+    font.Repack();
+    const MString path = Home().File("drop.sm");
+    font.Save(path);
+    Settings = nullptr;
+    Run({}, {Look([&](QWidget& window) {
+            QMimeData data;
+            data.setUrls(
+                {QUrl::fromLocalFile(QString::fromStdString(ToSystem(path))), QUrl("http://x/second.sm")});
+            QDragEnterEvent enter(QPoint(5, 5), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+            QApplication::sendEvent(&window, &enter);
+            EXPECT_TRUE(enter.isAccepted());
+            QDropEvent drop(QPointF(5, 5), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+            QApplication::sendEvent(&window, &drop);
+            ASSERT_NE(CurrentFont, nullptr);
+            EXPECT_EQ(CurrentFont->GlyphCount(), 1);
+            EXPECT_EQ(window.windowTitle().toStdString(), "Lettrino - 1 Glyphs (128 x 256)");
+        })});
+}
+
+TEST_F(MainWindowTest, OpensWhereItWasLeft) {
+    // What the desktop says of a window comes a little later.
+    constexpr int soon = 200;
+    QRect left;
+    Run({}, {Look([&](QWidget& window) {
+            QTest::qWait(soon);
+            window.setGeometry(60, 70, 500, 400);
+            QTest::qWait(soon);
+            left = window.frameGeometry();
+            EXPECT_EQ(window.geometry(), QRect(60, 70, 500, 400));
+        })});
+    for (int i = 0; i < 2; ++i) {
+        Run({}, {Look([&](QWidget& window) {
+                QTest::qWait(soon);
+                EXPECT_EQ(window.frameGeometry(), left);
+            })});
+    }
+}
