@@ -139,6 +139,8 @@ TEST(Cli, FailuresNameStepFileAndReason) {
         {"--select none --generate", "--generate: ", "no character is selected"},
         {"--family 'DejaVu Sans' --select U+00A0 --generate", "--generate: ", "no glyph"},
         {"--save f.sm", "--save: ", "no font yet"},
+        {"--resize 50", "--resize: ", "no font yet"},
+        {"--open good.sm --remove A --trim-rows --resize 50", "--resize: ", "below 1"},
         {"--font-file good.sm", "--font-file: good.sm: ", "no font"},
         {"--font-file missing.ttf", "--font-file: missing.ttf: ", "no such file"},
     };
@@ -157,7 +159,7 @@ TEST(Cli, WrongUsageDoesNothing) {
     for (const char* arguments :
          {"", "--nonsense", "--height", "--height tall", "--colour red", "--colour 12345G", "--select A-",
           "--select Z-A", "--select U+20AC", "--select A,,B", "--set-kerning A,B", "--remove AB",
-          "--generate=no", "stray", "--weight 9999999999"}) {
+          "--generate=no", "stray", "--resize", "--resize-normalised big", "--weight 9999999999"}) {
         EXPECT_EQ(
             cli.Run("--family 'DejaVu Sans' --select A --generate --save made.sm " + std::string(arguments)),
             arguments[0] ? 2 : 0)
@@ -203,6 +205,33 @@ TEST(Cli, HeightsAreLimitedAsInTheDialogs) {
         EXPECT_EQ(cli.Info("--height " + std::to_string(asked) + " --select A --generate")["glyphHeight"],
                   given);
     }
+}
+
+TEST(Cli, ChangesTheGlyphHeight) {
+    Cli cli;
+    const auto made =
+        cli.Info("--family 'DejaVu Sans' --height 100 --select A,V --generate --kern --save f.sm");
+    ASSERT_EQ(cli.status, 0) << cli.error;
+    const auto half = cli.Info("--open f.sm --resize 50");
+    EXPECT_EQ(half["glyphHeight"], 50);
+    EXPECT_EQ(half["capHeight"], made["capHeight"].get<int>() / 2);
+    EXPECT_EQ(half["glyphs"][0]["height"], 50);
+    EXPECT_EQ(half["glyphs"][0]["width"], made["glyphs"][0]["width"].get<int>() / 2);
+    EXPECT_LT(half["picture"]["height"], made["picture"]["height"]); // packed anew
+    const auto normal = cli.Info("--open f.sm --resize-normalised 200");
+    EXPECT_NEAR(normal["capHeight"], 140, 2);
+    EXPECT_EQ(cli.Info("--open f.sm --resize 100"), made);
+    EXPECT_EQ(cli.Info("--open f.sm --resize 5")["glyphHeight"], 16);
+    EXPECT_EQ(cli.Info("--open f.sm --resize 1024")["glyphHeight"], 1024);
+    // Without a cap height there is nothing to normalise by, and the answer goes to no later question.
+    EXPECT_EQ(cli.Info("--family 'DejaVu Sans' --select V --generate --resize 50")["glyphHeight"], 50);
+    EXPECT_EQ(cli.Info("--family 'DejaVu Sans' --select V --generate --resize-normalised 50")["glyphHeight"],
+              50);
+    cli.folder.Write("names.txt", "AV");
+    EXPECT_EQ(cli.Run("--family 'DejaVu Sans' --select B-Z --generate --resize 50 --select A --height 50 "
+                      "--generate --names names.txt --cubes cube.png"),
+              0)
+        << cli.error;
 }
 
 TEST(Cli, HelpVersionAndFonts) {

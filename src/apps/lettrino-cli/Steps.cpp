@@ -5,8 +5,10 @@
 #include "apps/lettrino-cli/Report.h"
 #include "apps/lettrino-cli/StepNames.h"
 #include "apps/lettrino-cli/Words.h"
+#include "document/ChangeGlyphHeight.h"
 #include "foundation/MNumbers.h"
 #include "foundation/MUtf8.h"
+#include "platform/headless/Headless.h"
 
 #include <algorithm>
 #include <array>
@@ -26,15 +28,23 @@ Prepared Set(const std::optional<Value>& value) {
     };
 }
 
-Prepared SetHeight(StepArguments arguments) {
-    auto height = ReadNumber(arguments[0]);
+std::optional<std::int32_t> ReadHeight(const std::string& text) {
+    auto height = ReadNumber(text);
     if (height) Clamp(*height, SmallestGlyphHeight, LargestGlyphHeight);
-    return Set<&MSettings::GlyphHeight>(height);
+    return height;
+}
+
+Prepared SetHeight(StepArguments arguments) {
+    return Set<&MSettings::GlyphHeight>(ReadHeight(arguments[0]));
+}
+
+StepResult PackedResult(bool packed) {
+    if (packed) return {};
+    return StepFailure{{}, "the glyphs don't fit a picture that memory can hold"};
 }
 
 StepResult RepackResult(MColourFont& font) {
-    if (font.Repack()) return {};
-    return StepFailure{{}, "the glyphs don't fit a picture that memory can hold"};
+    return PackedResult(font.Repack());
 }
 
 Prepared Generate(StepArguments) {
@@ -110,6 +120,22 @@ Prepared EditAll(StepArguments) {
     });
 }
 
+// Change glyph height; `Normalise` answers its question.
+template<Desktop::Answer Normalise>
+Prepared Resize(StepArguments arguments) {
+    const auto wanted = ReadHeight(arguments[0]);
+    if (!wanted) return std::nullopt;
+    return OnFont([wanted = *wanted](Run& run, MColourFont& font) -> StepResult {
+        const std::int32_t oldHeight = run.settings.GlyphHeight;
+        if (oldHeight < 1) return StepFailure{{}, "the font's glyph height is below 1"};
+        run.settings.GlyphHeight = wanted;
+        Headless::script.answers = {Normalise};
+        const bool changed = ChangeGlyphHeight(font, oldHeight);
+        Headless::script.answers.clear(); // a font without a cap height raises no question
+        return PackedResult(!changed || font.Picture.IsValid());
+    });
+}
+
 struct Preparation {
     std::string_view name;
     PrepareStep prepare;
@@ -146,6 +172,8 @@ constexpr std::array preparations{
     Preparation{"--remove", Remove},
     Preparation{"--ascii-only", EditAll<&MColourFont::RemoveNonAscii>},
     Preparation{"--trim-rows", EditAll<&MColourFont::TrimVertically>},
+    Preparation{"--resize", Resize<Desktop::Answer::No>},
+    Preparation{"--resize-normalised", Resize<Desktop::Answer::Yes>},
     Preparation{"--save", PrepareSave},
     Preparation{"--single-files", PrepareSingleFiles},
     Preparation{"--html", PrepareHtml},

@@ -1,6 +1,10 @@
 // Which view shows which dialog.
 
+#include "document/MColourFont.h"
+#include "editors/views/MGlyphEditorView.h"
 #include "editors/views/MGlyphHeightView.h"
+#include "editors/views/MKerningEditorView.h"
+#include "editors/views/MLetterCubeNamesView.h"
 #include "editors/views/MLicenseKeysView.h"
 #include "platform/Desktop.h"
 
@@ -18,12 +22,12 @@ bool Desktop::RunDialog(WindowHandle owner, DialogId id) {
     switch (id) {
     case DialogId::GlyphHeight: return Run<MGlyphHeightView>(owner);
     case DialogId::LicenseKeys: return Run<MLicenseKeysView>(owner);
+    case DialogId::LetterCubesNames: return Run<MLetterCubeNamesView>(owner);
+    case DialogId::KerningEditor: return CurrentFont && Run<MKerningEditorView>(owner);
+    case DialogId::GlyphEditor: return CurrentFont && Run<MGlyphEditorView>(owner);
     case DialogId::About:
     case DialogId::AddGlyphs:
-    case DialogId::AddPicture:
-    case DialogId::LetterCubesNames:
-    case DialogId::KerningEditor:
-    case DialogId::GlyphEditor: break;
+    case DialogId::AddPicture: break;
     }
     return false;
 }

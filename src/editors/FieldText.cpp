@@ -1,0 +1,14 @@
+#include "editors/FieldText.h"
+
+char16_t FieldCharacter(const MString& text) {
+    return text.GetChar(0);
+}
+
+std::int32_t FieldNumber(const MString& text) {
+    constexpr std::int32_t longest = 15;
+    return ParseInt(MString(text.Chars(), 0, longest - 1).Chars());
+}
+
+void ShowNumber(MString& text, std::int32_t value) {
+    if (FieldNumber(text) != value) text = MString(value);
+}

@@ -1,0 +1,29 @@
+// The window of the kerning editor, on the current document.
+#pragma once
+
+#include "editors/MKerningEditor.h"
+#include "editors/views/MCharacterField.h"
+#include "editors/views/MLineList.h"
+
+class MKerningEditorView : public MDialogView {
+public:
+    explicit MKerningEditorView(QWidget* owner);
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    MKerningEditor editor;
+    std::int32_t fillings = 0;   // of the list, that are shown
+    bool previewPainted = false; // the paint event at hand covers a part of the preview
+    MCharacterField left;
+    MCharacterField right;
+    QLineEdit amount;
+    MLineList list;
+    QPushButton generate{"&Generate"};
+    QPushButton clear{"C&lear"};
+
+    void LayOut();
+    void Connect();
+    void ShowControls();
+};

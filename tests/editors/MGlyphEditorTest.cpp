@@ -1,0 +1,261 @@
+#include "editors/MGlyphEditor.h"
+
+#include "EditorTest.h"
+
+#include <tuple>
+
+namespace {
+
+constexpr Desktop::Rect list{630, 8, 675, 508};
+constexpr Desktop::Rect group{690, 12, 940, 200};
+
+class MGlyphEditorTest : public EditorTest {
+protected:
+    MGlyphEditorTest() {
+        font.Baseline = 7;
+        font.CapHeight = 30;
+        font.SpaceWidth = 25;
+        settings.BackgroundColour = {0, 255, 0};
+    }
+
+    // Glyphs A to the last one, 40 by 50, with spacings of 1 and 2, then 11 and 12, and so on.
+    void AddUpTo(char16_t last) {
+        for (char16_t c = u'A'; c <= last; ++c) {
+            MGlyph& glyph = Add(c, 40, 50);
+            glyph.SpacingBefore = (c - u'A') * 10 + 1;
+            glyph.SpacingAfter = (c - u'A') * 10 + 2;
+        }
+    }
+
+    static void Place(MGlyphEditor& editor) {
+        editor.Window = AnyWindow();
+        editor.Area = MGlyphEditor::AreaBeside(list, group);
+    }
+};
+
+TEST_F(MGlyphEditorTest, OpensOnTheFirstGlyph) {
+    AddUpTo(u'C');
+    font.RemoveGlyph(u'A');
+    const MGlyphEditor editor(font);
+    EXPECT_EQ(editor.Lines, (std::vector<char16_t>{u'B', u'C'}));
+    EXPECT_EQ(editor.Position, 0);
+    EXPECT_EQ(Narrow(editor.Character + " " + editor.Unicode + " " + editor.Resolution), "B 66 40 x 50");
+    EXPECT_EQ(Narrow(editor.SpacingBefore + " " + editor.SpacingAfter), "11 12");
+    EXPECT_EQ(Narrow(editor.Baseline + " " + editor.CapHeight + " " + editor.SpaceWidth), "7 30 25");
+}
+
+TEST_F(MGlyphEditorTest, AnEmptyFontShowsNothing) {
+    MGlyphEditor editor(font);
+    Place(editor);
+    EXPECT_TRUE(editor.Lines.empty());
+    EXPECT_EQ(editor.Position, -1);
+    EXPECT_TRUE((editor.Character + editor.Unicode + editor.Baseline + editor.SpaceWidth).IsEmpty());
+    editor.DrawPreview();
+    editor.Mouse({300, 300}, true, true);
+    editor.DeleteGlyph();
+    EXPECT_EQ(editor.Position, -1);
+    editor.Cancel();
+    EXPECT_EQ(Paintings(), 0U);
+    EXPECT_EQ(font.Baseline, 7);
+}
+
+TEST_F(MGlyphEditorTest, DrawsTheGlyphAndTheGuidesInside) {
+    AddUpTo(u'A');
+    MGlyph& glyph = *font.GetGlyph(u'A');
+    glyph.SpacingBefore = 3;
+    glyph.SpacingAfter = -2;
+    MGlyphEditor editor(font);
+    Place(editor);
+    editor.DrawPreview();
+    ASSERT_EQ(Paintings(), 1U);
+    EXPECT_EQ(Headless::record.paintings[0].width, 610);
+    EXPECT_EQ(Headless::record.paintings[0].height, 500);
+    // At scale 8 the glyph covers (153, 58) to (473, 458); a line lies on both sides of its place.
+    const MColour blue{0, 0, 255};
+    const MColour green{0, 255, 0};
+    const struct {
+        std::int32_t x, y;
+        bool red;
+        MColour colour; // where it is not red
+    } points[] = {
+        {9, 9, false, green},     {152, 100, false, green}, {153, 100, false, blue}, {300, 57, false, green},
+        {300, 58, false, blue},   {128, 100, true, {}},     {129, 100, true, {}},    {126, 100, false, green},
+        {456, 507, true, {}},     {457, 100, true, {}},     {459, 100, false, blue}, {472, 100, false, blue},
+        {473, 100, false, green}, {300, 401, true, {}},     {617, 402, true, {}},    {300, 162, true, {}},
+        {8, 161, true, {}},       {300, 165, false, blue},  {472, 457, false, blue}, {472, 458, false, green},
+    };
+    for (const auto& p : points) {
+        const MColour painted = Painted(p.x, p.y);
+        if (p.red) {
+            EXPECT_NEAR(painted.r, 128, 10) << p.x << ", " << p.y;
+        } else {
+            EXPECT_EQ(painted, p.colour) << p.x << ", " << p.y;
+        }
+    }
+    // Guides on the edge or outside are not drawn; their values stay.
+    glyph.SpacingBefore = glyph.SpacingAfter = font.Baseline = Most;
+    font.CapHeight = Least;
+    editor.DrawPreview();
+    const auto& pixels = Headless::record.paintings.back().pixels;
+    for (std::size_t i = 2; i < pixels.size(); i += 4)
+        ASSERT_EQ(pixels[i], 0);
+}
+
+TEST_F(MGlyphEditorTest, NothingIsDrawnWithoutRoomOrPicture) {
+    AddUpTo(u'A');
+    AddGlyph(font, u'0', 0, 50);
+    MGlyphEditor editor(font);
+    Place(editor);
+    editor.Area = {0, 0, 100, 500};
+    editor.DrawPreview();
+    editor.Mouse({50, 50}, true, false);
+    Place(editor);
+    editor.Show(u'0');
+    EXPECT_EQ(Paintings(), 0U);
+    EXPECT_EQ(font.GetGlyph(u'A')->SpacingBefore, 1);
+    EXPECT_EQ(Narrow(editor.Resolution), "0 x 50");
+}
+
+TEST_F(MGlyphEditorTest, FieldsChangeTheGlyphAndTheFont) {
+    AddUpTo(u'B');
+    MGlyphEditor editor(font);
+    Place(editor);
+    using Change = void (MGlyphEditor::*)(const MString&);
+    const MGlyph& a = *font.GetGlyph(u'A');
+    const struct {
+        Change change;
+        const std::int32_t& value;
+        const char* text;
+        std::int32_t expected;
+        std::size_t drawn;
+    } cases[] = {
+        {&MGlyphEditor::SpacingBeforeChanged, a.SpacingBefore, "-3", -3, 1},
+        {&MGlyphEditor::SpacingBeforeChanged, a.SpacingBefore, "-03", -3, 0}, // unchanged
+        {&MGlyphEditor::SpacingAfterChanged, a.SpacingAfter, "many", 0, 1},
+        {&MGlyphEditor::SpacingAfterChanged, a.SpacingAfter, "0000000000000012", 1, 1}, // 15 characters count
+        {&MGlyphEditor::BaselineChanged, font.Baseline, "99999999999", Most, 1},
+        {&MGlyphEditor::BaselineChanged, font.Baseline, "99999999999", Most, 1},
+        {&MGlyphEditor::CapHeightChanged, font.CapHeight, "", 0, 1},
+        {&MGlyphEditor::SpaceWidthChanged, font.SpaceWidth, "-40", -40, 0},
+    };
+    for (const auto& c : cases) {
+        const std::size_t before = Paintings();
+        (editor.*c.change)(c.text);
+        EXPECT_EQ(c.value, c.expected) << c.text;
+        EXPECT_EQ(Paintings() - before, c.drawn) << c.text;
+    }
+    // What was typed stays as long as it reads as the value; an empty field is filled.
+    editor.Show(u'A');
+    EXPECT_EQ(Narrow(editor.SpacingBefore + " " + editor.SpacingAfter), "-03 0000000000000012");
+    EXPECT_EQ(Narrow(editor.CapHeight + " " + editor.Baseline), "0 99999999999");
+    editor.updating = false;
+    editor.BaselineChanged("5");
+    editor.CharacterChanged("B");
+    editor.SelectionChanged(1);
+    EXPECT_EQ(font.Baseline, Most);
+    EXPECT_EQ(Narrow(editor.Character), "A");
+}
+
+TEST_F(MGlyphEditorTest, TypedCharactersSelectGlyphs) {
+    AddUpTo(u'C');
+    Add(u'?', 10, 50);
+    MGlyphEditor editor(font);
+    const struct {
+        const char16_t* text;
+        const char* unicode;
+        std::int32_t position;
+    } cases[] = {
+        {u"C", "67", 2}, {u"BB", "67", 2}, {u"", "67", 2}, {u"B", "66", 1}, {u"x", "66", 1}, {u"?", "63", 3},
+    };
+    for (const auto& c : cases) {
+        editor.CharacterChanged(c.text);
+        EXPECT_EQ(Narrow(editor.Unicode), c.unicode);
+        EXPECT_EQ(editor.Position, c.position);
+        EXPECT_EQ(editor.Character, MString(c.text));
+    }
+    // The numbers go to the glyph that the field names: none, the first of two, or "?" for an empty one.
+    editor.CharacterChanged(u"x");
+    editor.SpacingBeforeChanged("77");
+    editor.CharacterChanged(u"BC");
+    editor.SpacingBeforeChanged("78");
+    editor.CharacterChanged(u"");
+    editor.SpacingBeforeChanged("79");
+    std::vector<std::int32_t> spacings;
+    for (const char16_t c : editor.Lines)
+        spacings.push_back(font.GetGlyph(c)->SpacingBefore);
+    EXPECT_EQ(spacings, (std::vector<std::int32_t>{1, 78, 21, 79}));
+}
+
+TEST_F(MGlyphEditorTest, TheMouseDragsGuides) {
+    AddUpTo(u'B');
+    MGlyphEditor editor(font);
+    Place(editor);
+    editor.Mouse({129, 300}, true, false); // the glyph starts at 153, the scale is 8
+    EXPECT_EQ(font.GetGlyph(u'A')->SpacingBefore, 3);
+    EXPECT_EQ(Narrow(editor.SpacingBefore), "3");
+    EXPECT_EQ(Paintings(), 1U);
+    editor.Mouse({617, 300}, true, false);
+    EXPECT_EQ(font.GetGlyph(u'A')->SpacingAfter, 18);
+    editor.Mouse({100, 418}, true, true); // the right button decides
+    EXPECT_EQ(font.Baseline, 5);
+    editor.Mouse({100, 58}, false, true);
+    EXPECT_EQ(font.CapHeight, 45);
+    const std::size_t drawn = Paintings();
+    for (const MPoint edge : {MPoint{8, 300}, {618, 300}, {300, 8}, {300, 508}})
+        editor.Mouse(edge, true, true);
+    editor.Mouse({300, 300}, false, false);
+    editor.CharacterChanged("x");
+    editor.Mouse({300, 300}, true, false);
+    EXPECT_EQ(Paintings(), drawn);
+    EXPECT_EQ(font.GetGlyph(u'B')->SpacingBefore, 11);
+}
+
+TEST_F(MGlyphEditorTest, DeletingKeepsThePositionBeforeTheLastTwo) {
+    const struct {
+        std::int32_t position;
+        std::int32_t next; // of the four that are left
+    } cases[] = {{0, 0}, {1, 1}, {2, 0}, {3, 0}, {4, 0}};
+    for (const auto& c : cases) {
+        font.Clear();
+        AddUpTo(u'E');
+        font.SetKerning('A' + c.position, 'A', 1);
+        font.SetKerning('Z', 'Z', 2);
+        MGlyphEditor editor(font);
+        editor.SelectionChanged(c.position);
+        editor.DeleteGlyph();
+        EXPECT_EQ(editor.Lines.size(), 4U);
+        EXPECT_EQ(editor.Position, c.next);
+        EXPECT_EQ(editor.Character.GetChar(0), editor.Lines[static_cast<std::size_t>(c.next)]);
+        EXPECT_EQ(font.KerningCount(), 1);
+    }
+    MGlyphEditor editor(font);
+    editor.CharacterChanged("");
+    editor.DeleteGlyph(); // there is no "?"
+    EXPECT_EQ(editor.Lines.size(), 4U);
+    Add(u'?', 1, 50);
+    editor.CharacterChanged("");
+    editor.DeleteGlyph();
+    EXPECT_EQ(font.GetGlyph(u'?'), nullptr);
+    for (int i = 0; i < 4; ++i)
+        editor.DeleteGlyph();
+    EXPECT_EQ(editor.Position, -1);
+}
+
+TEST_F(MGlyphEditorTest, CancelRestoresByPosition) {
+    AddUpTo(u'D');
+    MGlyphEditor editor(font);
+    editor.SelectionChanged(1);
+    editor.SpacingBeforeChanged("99");
+    editor.DeleteGlyph(); // B
+    editor.BaselineChanged("1");
+    editor.CapHeightChanged("2");
+    editor.SpaceWidthChanged("3");
+    editor.Cancel();
+    EXPECT_EQ(std::tuple(font.Baseline, font.CapHeight, font.SpaceWidth), std::tuple(7, 30, 25));
+    EXPECT_EQ(font.GetGlyph(u'B'), nullptr);
+    EXPECT_EQ(font.GetGlyph(u'A')->SpacingBefore, 1);
+    EXPECT_EQ(font.GetGlyph(u'C')->SpacingBefore, 11); // that of B, in whose place it moved
+    EXPECT_EQ(font.GetGlyph(u'D')->SpacingAfter, 22);
+}
+
+} // namespace

@@ -1,0 +1,337 @@
+#include "editors/MKerningEditor.h"
+
+#include "EditorTest.h"
+
+#include <algorithm>
+#include <set>
+#include <string>
+#include <tuple>
+
+namespace {
+
+constexpr Desktop::Rect list{616, 8, 690, 508};
+constexpr Desktop::Rect leftField{690, 8, 740, 30};
+constexpr MColour green{0, 255, 0};
+constexpr MColour blue{0, 0, 255};
+
+class MKerningEditorTest : public EditorTest {
+protected:
+    MKerningEditorTest() { settings.BackgroundColour = green; }
+
+    static void Place(MKerningEditor& editor) {
+        editor.Window = AnyWindow();
+        editor.Area = MKerningEditor::AreaBeside(list, leftField);
+    }
+
+    std::vector<MKerningPair> Pairs() const { return {font.Kerning.begin(), font.Kerning.end()}; }
+
+    static std::string Fields(const MKerningEditor& editor) {
+        return Narrow(editor.Left + "|" + editor.Right + "|" + editor.Amount);
+    }
+};
+
+// As a list box that looks through all its lines before it takes a new one.
+std::vector<MString> PlainLines(const std::vector<MKerningPair>& pairs) {
+    std::vector<MString> lines;
+    for (const MKerningPair& pair : pairs) {
+        MString text = "X    X";
+        text.SetChar(0, static_cast<char16_t>(pair.Left));
+        text.SetChar(5, static_cast<char16_t>(pair.Right));
+        if (std::ranges::find(lines, text) == lines.end()) lines.push_back(text);
+    }
+    return lines;
+}
+
+TEST_F(MKerningEditorTest, LinesAreThoseOfAListThatTakesNoTextTwice) {
+    std::mt19937 random(3);
+    std::vector<MKerningPair> pairs;
+    for (int i = 0; i < 600; ++i) {
+        // Few characters, some of them beyond 16 bits, 0x10000 showing as none at all.
+        const auto character = [&] {
+            return static_cast<std::uint32_t>(33 + random() % 12 + (random() % 4 == 0 ? 65503 : 0));
+        };
+        pairs.push_back({character(), character(), 0});
+    }
+    MKerningLines lines;
+    const MKerningPair forgotten{'A', 'B', 1};
+    lines.Fill({&forgotten, 1});
+    lines.Fill(pairs);
+    const std::vector<MString> plain = PlainLines(pairs);
+    ASSERT_EQ(lines.Count(), static_cast<std::int32_t>(plain.size()));
+    for (std::int32_t i = 0; i < lines.Count(); ++i)
+        EXPECT_EQ(lines.Text(i), plain[static_cast<std::size_t>(i)]);
+    for (const MKerningPair& pair : pairs) {
+        MString text = "X    X";
+        text.SetChar(0, static_cast<char16_t>(pair.Left));
+        text.SetChar(5, static_cast<char16_t>(pair.Right));
+        EXPECT_EQ(lines.Text(lines.Find(pair.Left, pair.Right)), text);
+    }
+    EXPECT_EQ(lines.Find('A', 'B'), -1);
+    EXPECT_TRUE(lines.Text(-1).IsEmpty() && lines.Text(lines.Count()).IsEmpty());
+}
+
+TEST_F(MKerningEditorTest, OpensOnTheFirstPair) {
+    font.SetKerning('T', 'o', -7);
+    font.SetKerning('A', 'V', 0);
+    MKerningEditor editor(font);
+    EXPECT_EQ(Narrow(editor.Lines.Text(0)), "T    o");
+    EXPECT_EQ(Fields(editor), "T|o|-7");
+    EXPECT_EQ(editor.Position, 0);
+    editor.Amount = "";
+    editor.SelectionChanged(1);
+    EXPECT_EQ(Fields(editor), "A|V|"); // 0 into an empty field writes nothing
+    editor.SelectionChanged(2);
+    EXPECT_EQ(editor.Position, -1);
+    EXPECT_EQ(Fields(editor), "A|V|");
+    font.ClearKerning();
+    const MKerningEditor empty(font);
+    EXPECT_EQ(empty.Position, -1);
+    EXPECT_EQ(Fields(empty), "||");
+}
+
+// The right glyph stands by the left one's height and spacing before, its own are never looked at.
+TEST_F(MKerningEditorTest, TheLeftGlyphPlacesBoth) {
+    constexpr Desktop::Rect area{8, 8, 608, 508}; // half its size is (300, 250)
+    const struct {
+        float scale;
+        std::int32_t width, height, before, after, amount;
+        std::int32_t leftX, rightX, y;
+    } cases[] = {
+        {8, 20, 50, 3, 2, 0, 124, 324, 50},
+        {8, 20, 50, 3, 2, -7, 148, 300, 50}, // half of -7 is -3
+        {8, 20, 50, 3, 2, 7, 100, 348, 50},
+        {0.5F, 33, 31, -3, 1, 1, 283, 298, 242}, // each step is truncated by itself
+        {1, 20, 50, Least, Least, Least, Least, Least, 225},
+        {0.1F, 20, 50, Most, Most, Most, -322122256, 322122848, 247},
+    };
+    for (const auto& c : cases) {
+        const MGlyph glyph('A', c.width, c.height, c.before, c.after, false);
+        const MPairPreview p = MKerningEditor::LayOutPair(area, c.scale, glyph, c.amount);
+        EXPECT_EQ(std::tuple(p.RightX, p.Y), std::tuple(c.rightX, c.y));
+        EXPECT_NEAR(p.LeftX, c.leftX, c.amount == Most ? 64 : 0); // floats this large go in steps
+    }
+}
+
+TEST_F(MKerningEditorTest, DrawsThePair) {
+    MGlyph& left = Add(u'L', 20, 50, blue);
+    left.SpacingBefore = 3;
+    left.SpacingAfter = 2;
+    MGlyph& right = Add(u'R', 10, 25, {10, 20, 30});
+    right.SpacingBefore = right.SpacingAfter = 999;
+    font.SetKerning('L', 'R', 0);
+    font.SetKerning('x', 'L', 0);
+    MKerningEditor editor(font);
+    Place(editor);
+    editor.Paint();
+    ASSERT_EQ(Paintings(), 1U);
+    // At scale 8 the left glyph covers (124, 50) to (284, 450), the right one (324, 50) to (404, 250).
+    const struct {
+        std::int32_t x, y;
+        MColour colour;
+    } points[] = {
+        {9, 9, green},     {123, 50, green},        {124, 49, green},
+        {124, 50, blue},   {283, 449, blue},        {284, 449, green},
+        {323, 60, green},  {324, 50, {10, 20, 30}}, {403, 249, {10, 20, 30}},
+        {403, 250, green}, {404, 60, green},        {300, 507, green},
+    };
+    for (const auto& p : points)
+        EXPECT_EQ(Painted(p.x, p.y), p.colour) << p.x << ", " << p.y;
+    // The line stands at half the area's width, though the area begins at 8, and ends 8 above its bottom.
+    EXPECT_NEAR(Painted(299, 8).r, 128, 10);
+    EXPECT_NEAR(Painted(300, 499).r, 128, 10);
+
+    editor.SelectionChanged(1); // its left character has no glyph: nothing is drawn
+    EXPECT_EQ(Paintings(), 1U);
+    EXPECT_EQ(Fields(editor), "x|L|");
+    editor.SelectionChanged(0);
+    const MDirect2DSurface* const surface = editor.Surface.surface.get();
+    editor.Paint();
+    EXPECT_EQ(editor.Surface.surface.get(), surface); // held from paint to paint
+    editor.Ok();
+    EXPECT_EQ(editor.Surface.surface, nullptr);
+}
+
+TEST_F(MKerningEditorTest, HostileNumbersDrawToo) {
+    MGlyph& left = Add(u'L', 20, 50);
+    MGlyph& none = AddGlyph(font, u'N', 10, 10);
+    none.Picture.Free();
+    for (const std::int32_t number : {Least, Most}) {
+        left.SpacingBefore = left.SpacingAfter = number;
+        for (const std::int32_t amount : {Least, 0, Most}) {
+            font.SetKerning('L', 'L', amount);
+            font.SetKerning('L', 'N', amount);
+            MKerningEditor editor(font);
+            Place(editor);
+            for (std::int32_t i = 0; i < editor.Lines.Count(); ++i) {
+                editor.SelectionChanged(i);
+                editor.MousePressed({9, 9});
+                editor.MouseMoved({600, 9});
+            }
+        }
+    }
+    EXPECT_EQ(Paintings(), 12U);
+}
+
+TEST_F(MKerningEditorTest, WithoutAPairANoticeIsDrawnInWhite) {
+    MKerningEditor editor(font);
+    Place(editor);
+    editor.Paint();
+    ASSERT_EQ(Paintings(), 1U);
+    const auto whiteIn = [](std::int32_t left, std::int32_t top, std::int32_t right, std::int32_t bottom) {
+        std::int32_t white = 0;
+        for (std::int32_t y = top; y < bottom; ++y) {
+            for (std::int32_t x = left; x < right; ++x)
+                white += Painted(x, y).b > 200 ? 1 : 0;
+        }
+        return white;
+    };
+    EXPECT_GT(whiteIn(200, 240, 416, 276), 50); // in the middle of the area
+    EXPECT_EQ(whiteIn(8, 8, 608, 240) + whiteIn(8, 276, 608, 508), 0);
+    settings.BackgroundColour = {255, 255, 255};
+    editor.Paint();
+    const auto& pixels = Headless::record.paintings.back().pixels;
+    EXPECT_EQ(std::ranges::count(pixels, 255), static_cast<std::ptrdiff_t>(pixels.size()));
+}
+
+TEST_F(MKerningEditorTest, TypingMakesPairs) {
+    font.SetKerning('A', 'B', -2);
+    MKerningEditor editor(font);
+    const struct {
+        void (MKerningEditor::*change)(const MString&);
+        const char16_t* text;
+        const char* fields;
+        std::int32_t position;
+        std::int32_t count;
+    } cases[] = {
+        {&MKerningEditor::LeftChanged, u"A", "A|B|-2", 0, 1},
+        {&MKerningEditor::LeftChanged, u"xA", "x|B|0", 1, 2}, // the font has no "x"
+        {&MKerningEditor::RightChanged, u"", "x|?|0", 2, 3},
+        {&MKerningEditor::RightChanged, u" ", "x| |0", 2, 3}, // a blank takes no kerning
+        {&MKerningEditor::AmountChanged, u"5", "x| |5", 2, 3},
+        {&MKerningEditor::RightChanged, u"B", "x|B|0", 1, 3},
+        {&MKerningEditor::AmountChanged, u"-", "x|B|-", 1, 3}, // stays, so that a number can follow
+        {&MKerningEditor::AmountChanged, u"-8", "x|B|-8", 1, 3},
+        {&MKerningEditor::AmountChanged, u"", "x|B|", 1, 3},
+        {&MKerningEditor::LeftChanged, u"A", "A|B|-2", 0, 3},
+        {&MKerningEditor::AmountChanged, u"-99999999999", "A|B|-99999999999", 0, 3},
+    };
+    for (const auto& c : cases) {
+        (editor.*c.change)(c.text);
+        EXPECT_EQ(Fields(editor), c.fields);
+        EXPECT_EQ(editor.Position, c.position) << c.fields;
+        EXPECT_EQ(editor.Lines.Count(), c.count) << c.fields;
+    }
+    EXPECT_EQ(Pairs(), (std::vector<MKerningPair>{{'A', 'B', Least}, {'x', 'B', 0}, {'x', '?', 0}}));
+    editor.updating = false;
+    editor.LeftChanged("Q");
+    editor.RightChanged("Q");
+    editor.AmountChanged("1");
+    editor.SelectionChanged(1);
+    EXPECT_EQ(font.KerningCount(), 3);
+    EXPECT_EQ(Narrow(editor.Left), "A");
+}
+
+// A look-up cuts its left character to 16 bits, and would never find this pair.
+TEST_F(MKerningEditorTest, ShowingAPairBeyond16BitsAddsNone) {
+    font.SetKerning(0x10041, 'B', 4);
+    font.SetKerning(0x41, 'B', 5);
+    MKerningEditor editor(font);
+    Place(editor);
+    for (int i = 0; i < 3; ++i)
+        editor.Paint();
+    EXPECT_EQ(font.KerningCount(), 2);
+    EXPECT_EQ(Fields(editor), "A|B|4");
+    EXPECT_EQ(editor.Lines.Count(), 1);
+}
+
+TEST_F(MKerningEditorTest, DraggingMultipliesByTheScaleAndShowsNothing) {
+    const struct {
+        std::int32_t size; // of the glyph; 400 pixels are free for it
+        std::vector<std::int32_t> way;
+        std::int32_t amount;
+    } cases[] = {
+        {50, {101}, 8 - 5},                           // scale 8
+        {50, {98}, -16 - 5},        {800, {101}, -4}, // scale 0.5: -4.5, truncated
+        {800, {101, 102, 103}, -2},                   // truncated at every move
+        {800, {103}, -3},           {800, {110}, 0},
+    };
+    for (const auto& c : cases) {
+        font.Clear();
+        Add(u'A', 1, c.size);
+        font.SetKerning('A', 'B', 6);
+        font.SetKerning('A', 'A', -5);
+        MKerningEditor editor(font);
+        Place(editor);
+        editor.SelectionChanged(1);
+        const std::size_t drawn = Paintings();
+        editor.MousePressed({100, 100});
+        for (const std::int32_t x : c.way)
+            editor.MouseMoved({x, 400});
+        EXPECT_EQ(font.Kerning.data[0].Amount, 6);
+        EXPECT_EQ(font.Kerning.data[1].Amount, c.amount) << c.size;
+        EXPECT_EQ(Paintings(), drawn);
+        EXPECT_EQ(Fields(editor), "A|A|-5");
+        // A place outside is neither a press nor a move.
+        editor.MousePressed({8, 100});
+        editor.MouseMoved({608, 100});
+        EXPECT_EQ(editor.MouseX, c.way.back());
+        editor.Paint();
+        EXPECT_EQ(Narrow(editor.Amount), std::to_string(c.amount));
+    }
+}
+
+TEST_F(MKerningEditorTest, GenerateAndClearShowNothing) {
+    // Ink from column 2 on, and up to the right edge: gaps of 2 and of 0 in every row.
+    for (const char16_t c : {u'A', u'B'}) {
+        MGlyph& glyph = Add(c, 10, 20);
+        for (std::int32_t y = 0; y < 20; ++y) {
+            for (std::int32_t x = 0; x < (c == u'A' ? 2 : 5); ++x)
+                glyph.SetPixel(x, y, {0, 0, 0, 0});
+        }
+    }
+    font.SetKerning('A', 'B', 77);
+    MKerningEditor editor(font);
+    Place(editor);
+    editor.Generate();
+    EXPECT_EQ(Pairs(),
+              (std::vector<MKerningPair>{{'A', 'B', -5}, {'B', 'B', -5}, {'A', 'A', -2}, {'B', 'A', -2}}));
+    EXPECT_EQ(editor.Lines.Count(), 4);
+    EXPECT_EQ(Narrow(editor.Lines.Text(2)), "A    A");
+    EXPECT_EQ(editor.Position, -1);
+    EXPECT_EQ(Fields(editor), "A|B|77");
+    editor.Clear();
+    EXPECT_EQ(font.KerningCount(), 0);
+    EXPECT_EQ(editor.Lines.Count(), 0);
+    EXPECT_EQ(Fields(editor), "A|B|77");
+    EXPECT_EQ(Paintings(), 0U);
+    editor.AmountChanged("5"); // the pair of the fields is there again, without an amount
+    EXPECT_EQ(Pairs(), (std::vector<MKerningPair>{{'A', 'B', 0}}));
+}
+
+// Against one SetKerning after another, on pairs that no font should have, too.
+TEST_F(MKerningEditorTest, CancelSetsTheOldPairsInTheirOrder) {
+    std::mt19937 random(11);
+    constexpr std::int32_t count = 300;
+    ASSERT_TRUE(font.Kerning.Resize(count, false));
+    for (MKerningPair& pair : font.Kerning) {
+        const auto character = [&] {
+            return static_cast<std::uint32_t>(30 + random() % 20 + (random() % 5 == 0 ? 0x10000 : 0));
+        };
+        pair = {character(), character(), static_cast<std::int32_t>(random())};
+    }
+    const std::vector<MKerningPair> old = Pairs();
+    MKerningEditor editor(font);
+    Place(editor);
+    editor.Clear();
+    editor.LeftChanged("q");
+    editor.Cancel();
+    const std::vector<MKerningPair> fast = Pairs();
+    font.ClearKerning();
+    for (const MKerningPair& pair : old)
+        font.SetKerning(static_cast<std::int32_t>(pair.Left), pair.Right, pair.Amount);
+    EXPECT_EQ(fast, Pairs());
+    EXPECT_LT(font.KerningCount(), count);
+    EXPECT_EQ(editor.Surface.surface, nullptr);
+}
+
+} // namespace

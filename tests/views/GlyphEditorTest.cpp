@@ -1,0 +1,143 @@
+// The glyph editor as a user has it.
+
+#include "views/Fonts.h"
+
+#include <QGroupBox>
+#include <QListView>
+
+using Desktop::DialogId;
+
+namespace {
+
+class GlyphEditor : public EditorWindowTest {
+protected:
+    // The preview, from the controls around it.
+    static QRect Preview(QWidget& dialog) {
+        const QRect list = Named<QListView>(dialog, "Glyphs")->geometry();
+        for (const auto* const box : dialog.findChildren<QGroupBox*>()) {
+            if (box->title() != "Glyph properties") continue;
+            return {QPoint(list.top(), list.top()),
+                    QPoint(list.left() - box->geometry().top() - 1, list.bottom())};
+        }
+        return {};
+    }
+
+    static QString Shown(QWidget& dialog) {
+        QStringList texts;
+        for (const char* name : {"Character", "Unicode", "Resolution", "Spacing before", "Spacing after",
+                                 "Baseline", "Cap height", "Space character width"})
+            texts += Named<QLineEdit>(dialog, name)->text();
+        return texts.join('|');
+    }
+};
+
+TEST_F(GlyphEditor, LooksAsAUserExpects) {
+    AddLetters();
+    EXPECT_FALSE(RunAnd(DialogId::GlyphEditor, [&](QWidget& dialog) {
+        EXPECT_EQ(dialog.windowTitle(), "Lettrino - Glyph editor");
+        EXPECT_TRUE(Named<QListView>(dialog, "Glyphs")->hasFocus());
+        EXPECT_EQ(Named<QListView>(dialog, "Glyphs")->model()->rowCount(), 52);
+        ExpectTextFits(dialog);
+        Screenshot(dialog, "glyph-editor");
+        EXPECT_EQ(TabOrder(dialog), (QStringList{"Glyphs", "Character", "Unicode", "Resolution",
+                                                 "Spacing before", "Spacing after", "Baseline", "Cap height",
+                                                 "Space character width", "Delete glyph", "OK", "Cancel"}));
+        QTest::keyClicks(Named<QListView>(dialog, "Glyphs"), "G"); // goes to the line of that letter
+        EXPECT_EQ(Named<QLineEdit>(dialog, "Unicode")->text(), "71");
+        Screenshot(dialog, "glyph-editor-g");
+    }));
+}
+
+TEST_F(GlyphEditor, ShowsTheGlyphInTheMiddleOfThePreview) {
+    AddBlock(u'A');
+    settings.BackgroundColour = {0, 255, 0};
+    RunAnd(DialogId::GlyphEditor, [&](QWidget& dialog) {
+        const QRect preview = Preview(dialog);
+        const QRect ground = Find(dialog, QColor(0, 255, 0));
+        EXPECT_EQ(ground, preview);
+        const double scale = std::min((preview.width() - 100) / 40.0, (preview.height() - 100) / 50.0);
+        const QRect ink = Find(dialog, QColor(0, 0, 255));
+        EXPECT_NEAR(ink.width(), 40 * scale, 3); // a guide lies on the edge at either side
+        EXPECT_NEAR(ink.height(), 50 * scale, 3);
+        EXPECT_NEAR(ink.center().x(), preview.center().x(), 2);
+        EXPECT_NEAR(ink.center().y(), preview.center().y(), 2);
+    });
+}
+
+TEST_F(GlyphEditor, KeysAndMouseChangeTheFont) {
+    AddBlock(u'A');
+    AddBlock(u'B');
+    font->Baseline = 9;
+    EXPECT_TRUE(RunAnd(DialogId::GlyphEditor, [&](QWidget& dialog) {
+        EXPECT_EQ(Shown(dialog), "A|65|40 x 50|0|0|9|0|50");
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Down);
+        EXPECT_EQ(Shown(dialog), "B|66|40 x 50|0|0|9|0|50");
+        TypeInto(Named<QLineEdit>(dialog, "Spacing before"), "-3");
+        TypeInto(Named<QLineEdit>(dialog, "Cap height"), "30");
+        TypeInto(Named<QLineEdit>(dialog, "Space character width"), "17");
+        EXPECT_EQ(font->GetGlyph(u'B')->SpacingBefore, -3);
+        EXPECT_EQ(font->CapHeight, 30);
+
+        const QRect preview = Preview(dialog);
+        const double scale = std::min((preview.width() - 100) / 40.0, (preview.height() - 100) / 50.0);
+        const QPoint middle = preview.center();
+        const auto at = [&](double x, double y) {
+            return middle + QPoint(static_cast<int>(x * scale), static_cast<int>(y * scale));
+        };
+        Drag(dialog, Qt::LeftButton, {at(10, 3), at(22.5, 3)}); // 2 and a half right of the glyph
+        EXPECT_EQ(font->GetGlyph(u'B')->SpacingAfter, 2);
+        EXPECT_EQ(Named<QLineEdit>(dialog, "Spacing after")->text(), "2");
+        Drag(dialog, Qt::RightButton, {at(5, 24), at(5, 17.5)}); // 7 and a half above its bottom
+        EXPECT_EQ(font->Baseline, 7);
+        Drag(dialog, Qt::RightButton, {at(5, -14.5)}); // that high above the middle
+        EXPECT_EQ(font->CapHeight, 25 - 7 + 14);
+        Screenshot(dialog, "glyph-editor-dragged");
+
+        TypeInto(Named<QLineEdit>(dialog, "Character"), "A");
+        EXPECT_EQ(Named<QListView>(dialog, "Glyphs")->currentIndex().row(), 0);
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+    }));
+    EXPECT_EQ(font->SpaceWidth, 17);
+    EXPECT_EQ(font->GetGlyph(u'A')->SpacingBefore, 0);
+}
+
+TEST_F(GlyphEditor, DeletingAndEscape) {
+    for (char16_t c = u'A'; c <= u'D'; ++c)
+        AddBlock(c).SpacingBefore = c;
+    EXPECT_FALSE(RunAnd(DialogId::GlyphEditor, [&](QWidget& dialog) {
+        auto* const list = Named<QListView>(dialog, "Glyphs");
+        TypeInto(Named<QLineEdit>(dialog, "Spacing before"), "1");
+        TypeInto(Named<QLineEdit>(dialog, "Baseline"), "1");
+        PressMnemonic(Qt::Key_D);
+        EXPECT_EQ(list->model()->rowCount(), 3);
+        EXPECT_EQ(list->currentIndex().row(), 0);
+        EXPECT_EQ(Named<QLineEdit>(dialog, "Character")->text(), "B");
+        QTest::keyClick(list, Qt::Key_Escape);
+    }));
+    EXPECT_EQ(font->GlyphCount(), 3);
+    EXPECT_EQ(font->GetGlyph(u'B')->SpacingBefore, u'A'); // what stood at its place
+    EXPECT_EQ(font->Baseline, 0);
+}
+
+TEST_F(GlyphEditor, TheLastGlyphLeavesNoPreview) {
+    AddBlock(u'A');
+    RunAnd(DialogId::GlyphEditor, [&](QWidget& dialog) {
+        EXPECT_FALSE(Find(dialog, QColor(0, 0, 255)).isNull());
+        PressMnemonic(Qt::Key_D);
+        EXPECT_TRUE(Find(dialog, QColor(0, 0, 255)).isNull());
+        EXPECT_EQ(Named<QListView>(dialog, "Glyphs")->model()->rowCount(), 0);
+    });
+    RunAnd(DialogId::GlyphEditor, [&](QWidget& dialog) {
+        EXPECT_EQ(Shown(dialog), "|||||||");
+        ExpectTextFits(dialog);
+        Screenshot(dialog, "glyph-editor-empty");
+    });
+}
+
+TEST_F(GlyphEditor, NeedsADocument) {
+    CurrentFont = nullptr;
+    EXPECT_FALSE(Desktop::RunDialog(nullptr, DialogId::GlyphEditor));
+    EXPECT_FALSE(Desktop::RunDialog(nullptr, DialogId::KerningEditor));
+}
+
+} // namespace
