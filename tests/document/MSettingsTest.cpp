@@ -2,6 +2,7 @@
 #include "TemporaryFolder.h"
 #include "Text.h"
 #include "document/ChooseFile.h"
+#include "imaging/MFileTypes.h"
 
 #include <cstdlib>
 
@@ -69,6 +70,38 @@ TEST_F(SettingsTest, ChosenFilesAreRemembered) {
     EXPECT_TRUE(ChooseFile(nullptr, MPathKind::OpenFont).IsEmpty());
     EXPECT_TRUE(ChooseFile(AnyWindow(), MPathKind::Temporary).IsEmpty());
     EXPECT_EQ(Headless::record.fileDialogs.size(), asked);
+}
+
+TEST_F(SettingsTest, FileDialogsOfferWhatTheTableOfFileTypesHolds) {
+    const auto filter = [](MPathKind kind) {
+        ChooseFile(AnyWindow(), kind);
+        const Desktop::FileDialog& dialog = Headless::record.fileDialogs.back();
+        EXPECT_EQ(dialog.filters.size(), 1U);
+        EXPECT_EQ(dialog.filterIndex, 1);
+        return Narrow(dialog.filters[0].name) + "|" + Narrow(dialog.filters[0].pattern);
+    };
+    const struct {
+        MPathKind kind;
+        const char* filter;
+    } cases[] = {
+        {MPathKind::OpenFont, "Showmarquee colour fonts (*.SM)|*.SM"},
+        {MPathKind::SaveFont, "Showmarquee colour fonts (*.SM)|*.SM"},
+        {MPathKind::SavePicture, "PNG Files (*.PNG)|*.PNG"},
+        {MPathKind::SaveHtml, "HTML Files (*.HTML)|*.HTML"},
+        {MPathKind::ImportPhotofont, "PHF Files (*.PHF)|*.PHF"},
+        {MPathKind::ImportHtml, "Javascript Files (*.JS)|*.JS"},
+    };
+    for (const auto& c : cases)
+        EXPECT_EQ(filter(c.kind), c.filter);
+    // Also where the table was not built, as in programs without a window.
+    ASSERT_EQ(FileTypes.Extensions[14].count, 0);
+    const std::string pictures =
+        "*.BMP;*.DDS;*.GIF;*.HEIC;*.HEIF;*.JFIF;*.JPE;*.JPEG;*.JPG;*.PNG;*.TGA;*.TIF;*.TIFF";
+    EXPECT_EQ(filter(MPathKind::FindPicture), "Picture files (" + pictures + ")|" + pictures);
+    ASSERT_TRUE(FileTypes.BuildFileTypes());
+    FileTypes.AddExtension(14, "zzz");
+    EXPECT_EQ(filter(MPathKind::GlyphPicture), "Picture files (" + pictures + ";*.ZZZ)|" + pictures + ";*.ZZZ");
+    FileTypes = {};
 }
 
 } // namespace

@@ -116,3 +116,12 @@ TEST(FontList, EnumeratesThisMachine) {
     list.Enumerate();
     EXPECT_EQ(list.count, count);
 }
+
+TEST(FontList, OfTheProgramIsMadeOnce) {
+    FontList.reset();
+    const MFontList* const list = &InstalledFonts();
+    EXPECT_GT(list->count, 0);
+    EXPECT_EQ(&InstalledFonts(), list);
+    EXPECT_EQ(FontList.get(), list);
+    FontList.reset();
+}

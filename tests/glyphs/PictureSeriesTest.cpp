@@ -1,5 +1,6 @@
 #include "glyphs/PictureSeries.h"
 
+#include "DocumentFixture.h"
 #include "TemporaryFolder.h"
 #include "Text.h"
 
@@ -52,6 +53,77 @@ TEST(PictureSeries, GoesOnWhileFilesExist) {
     MString last = folder.File("x65535.png");
     char16_t character = 65535;
     EXPECT_FALSE(NextSuccessivePicture(last, character));
+}
+
+class ChosenPictures : public DocumentTest {
+protected:
+    TemporaryFolder folder;
+    MColourFont font{AnyWindow()};
+
+    ChosenPictures() {
+        for (const auto& [name, height] :
+             {std::pair{"b.png", 30U}, {"c.png", 60U}, {"d.png", 15U}, {"f.png", 5U}}) {
+            MPicture picture(20, height, FormatRGBA8);
+            picture.Fill(MColour(1, 2, 3));
+            picture.Save(folder.File(name));
+            picture.Free();
+        }
+        Choose("b.png", u'b');
+    }
+    void Choose(const char* file, char16_t character) {
+        settings.Path(MPathKind::GlyphPicture) = folder.File(file);
+        settings.Char = character;
+        settings.SpacingBefore = 4;
+    }
+    std::string Characters() const {
+        std::string all;
+        for (const auto& glyph : font.Glyphs)
+            all += glyph ? static_cast<char>(glyph->Character) : '.';
+        return all.substr(0, all.find_last_not_of('.') + 1);
+    }
+};
+
+TEST_F(ChosenPictures, TheFirstOfANewFontGivesTheHeight) {
+    AddGlyph(font, u'z', 5, 30);
+    Headless::script.answers = {Desktop::Answer::No};
+    AddChosenPictures(font, true);
+    EXPECT_EQ(settings.GlyphHeight, 30);
+    EXPECT_EQ(Characters(), "bz") << "sorted";
+    EXPECT_EQ(font.GetGlyph(u'b')->Width, 20);
+    EXPECT_EQ(font.GetGlyph(u'b')->SpacingBefore, 4);
+    EXPECT_TRUE(font.Picture.IsValid()) << "repacked";
+    ASSERT_EQ(Headless::record.messages.size(), 1U);
+    const Headless::Message& question = Headless::record.messages[0];
+    EXPECT_EQ(Narrow(question.text), "Would you like to add all successive pictures as well?");
+    EXPECT_EQ(Narrow(question.caption), "Lettrino");
+    EXPECT_EQ(question.buttons, Desktop::Buttons::YesNo);
+    EXPECT_EQ(question.icon, Desktop::Icon::Question);
+
+    Choose("c.png", u'c');
+    Headless::script.answers = {Desktop::Answer::No};
+    AddChosenPictures(font, false);
+    EXPECT_EQ(settings.GlyphHeight, 30) << "of the first only";
+    EXPECT_EQ(font.GetGlyph(u'c')->Width, 10);
+}
+
+TEST_F(ChosenPictures, YesAddsTheRestOfTheSeries) {
+    AddChosenPictures(font, true);
+    EXPECT_EQ(Characters(), "bcd");
+    EXPECT_EQ(font.GetGlyph(u'd')->Height, 30);
+    EXPECT_EQ(Narrow(settings.Path(MPathKind::GlyphPicture).GetFileName()), "b.png") << "stays the chosen one";
+    EXPECT_EQ(settings.Char, std::uint32_t{'b'});
+}
+
+TEST_F(ChosenPictures, AFileThatIsNoPictureIsPassedOver) {
+    folder.Write("a.png", "no picture");
+    Choose("a.png", u'a');
+    AddChosenPictures(font, true);
+    EXPECT_EQ(settings.GlyphHeight, 100);
+    EXPECT_EQ(Characters(), "bcd") << "its series is not";
+    EXPECT_EQ(Headless::record.messages.size(), 1U);
+    Choose("none.png", u'e');
+    AddChosenPictures(font, false);
+    EXPECT_EQ(Characters(), "bcd");
 }
 
 } // namespace

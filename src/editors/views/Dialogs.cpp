@@ -1,6 +1,9 @@
 // Which view shows which dialog.
 
 #include "document/MColourFont.h"
+#include "editors/views/MAboutView.h"
+#include "editors/views/MAddGlyphsView.h"
+#include "editors/views/MAddPictureView.h"
 #include "editors/views/MGlyphEditorView.h"
 #include "editors/views/MGlyphHeightView.h"
 #include "editors/views/MKerningEditorView.h"
@@ -25,9 +28,9 @@ bool Desktop::RunDialog(WindowHandle owner, DialogId id) {
     case DialogId::LetterCubesNames: return Run<MLetterCubeNamesView>(owner);
     case DialogId::KerningEditor: return CurrentFont && Run<MKerningEditorView>(owner);
     case DialogId::GlyphEditor: return CurrentFont && Run<MGlyphEditorView>(owner);
-    case DialogId::About:
-    case DialogId::AddGlyphs:
-    case DialogId::AddPicture: break;
+    case DialogId::About: return Run<MAboutView>(owner);
+    case DialogId::AddGlyphs: return Run<MAddGlyphsView>(owner);
+    case DialogId::AddPicture: return Run<MAddPictureView>(owner);
     }
     return false;
 }

@@ -1,0 +1,33 @@
+#include "editors/views/MAboutView.h"
+
+#include "licensing/MLicense.h"
+#include "platform/qt/QtText.h"
+
+#include <QApplication>
+#include <QScreen>
+
+namespace {
+
+MAbout About(float scale) {
+    return {License ? License->Name : MString(), scale};
+}
+
+} // namespace
+
+MAboutView::MAboutView(QWidget* owner) : MDialogView(owner, "About", 356, 222) {
+    const MAbout about = About(1);
+    setFixedSize(about.Client().Width(), about.Client().Height());
+    Place(ok, 0, 0, 45, 14);
+    const Desktop::Rect place = about.OkButton(ok.width(), ok.height());
+    ok.move(place.left, place.top);
+    ok.setDefault(true);
+    if (const QScreen* const primary = QApplication::primaryScreen())
+        move(primary->geometry().center() - rect().center());
+    // The texts are painted, for those who can see.
+    setAccessibleDescription(ToQt(about.Heading + "\n" + about.Body));
+    connect(&ok, &QPushButton::clicked, this, &QDialog::accept);
+    client.draw = [this] { About(static_cast<float>(devicePixelRatioF())).Paint(Handle()); };
+    onMouse = [this](const MMouse& mouse) {
+        if (mouse.left && !mouse.moved) accept();
+    };
+}

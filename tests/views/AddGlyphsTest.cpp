@@ -1,0 +1,191 @@
+// The choice of font and characters as a user has it.
+
+#include "editors/MCharacterGrid.h"
+#include "glyphs/MFontList.h"
+#include "views/Fonts.h"
+
+#include <QCheckBox>
+#include <QColorDialog>
+#include <QComboBox>
+
+using Desktop::DialogId;
+
+namespace {
+
+class AddGlyphsWindow : public WindowTest {
+protected:
+    void SetUp() override {
+        WindowTest::SetUp();
+        settings.FontName = "DejaVu Sans";
+    }
+    void TearDown() override {
+        FontList.reset();
+        WindowTest::TearDown();
+    }
+
+    static void ChooseFamily(QWidget& dialog, const QString& name) {
+        auto* const family = Named<QComboBox>(dialog, "Font family");
+        family->setCurrentIndex(family->findText(name));
+    }
+    // Where a character stands in the grid.
+    static QPoint CellOf(QWidget& dialog, char16_t character) {
+        const QRect grid = Named<QWidget>(dialog, "Characters")->geometry();
+        const int place = character - 32;
+        return {grid.left() + (place % 16 * 2 + 1) * grid.width() / 32,
+                grid.top() + (place / 16 * 2 + 1) * grid.height() / 28};
+    }
+    std::string Selected() const {
+        std::string all;
+        for (std::size_t code = 33; code < 127; ++code)
+            if (settings.Selected[code] != 0) all += static_cast<char>(code);
+        return all;
+    }
+    static QImage Shown(QWidget& dialog) { return dialog.grab().toImage(); }
+};
+
+} // namespace
+
+TEST_F(AddGlyphsWindow, LooksAsAUserExpects) {
+    settings.FontName = "DejaVu Serif";
+    EXPECT_FALSE(RunAnd(DialogId::AddGlyphs, [&](QWidget& dialog) {
+        EXPECT_EQ(dialog.windowTitle(), "Lettrino - Add/Change characters");
+        auto* const family = Named<QComboBox>(dialog, "Font family");
+        EXPECT_TRUE(family->hasFocus());
+        EXPECT_EQ(family->currentText(), "DejaVu Serif");
+        EXPECT_EQ(Named<QComboBox>(dialog, "Style")->currentText(), "Normal");
+        EXPECT_EQ(Named<QLineEdit>(dialog, "Glyph height")->text(), "100");
+        ExpectTextFits(dialog);
+        Screenshot(dialog, "add-glyphs");
+        EXPECT_EQ(TabOrder(dialog), (QStringList{"Font family", "Style", "Glyph height", "Colour",
+                                                 "Colour font", "Characters", "OK", "Cancel"}));
+        const QRect grid = Named<QWidget>(dialog, "Characters")->geometry();
+        EXPECT_EQ(grid.topLeft(), QPoint(10, 10));
+        EXPECT_EQ(grid.right() + 1, family->x() - 10);
+        // The marked letters stand on their shade, red shows the colour.
+        const MColour face = Desktop::ButtonColour();
+        const MColour shade = MCharacterGrid::SelectedShade(face);
+        const QImage image = Shown(dialog);
+        EXPECT_EQ(image.pixelColor(CellOf(dialog, u'A') - QPoint(grid.width() / 32 - 3, 0)),
+                  QColor(shade.r, shade.g, shade.b));
+        EXPECT_EQ(image.pixelColor(CellOf(dialog, u'a') - QPoint(grid.width() / 32 - 3, 0)),
+                  QColor(face.r, face.g, face.b));
+        EXPECT_EQ(image.pixelColor(Named<QWidget>(dialog, "Colour")->geometry().center()), QColor(255, 0, 0));
+    }));
+}
+
+TEST_F(AddGlyphsWindow, ChangesStayAfterCancelButTheHeight) {
+    EXPECT_FALSE(RunAnd(DialogId::AddGlyphs, [&](QWidget& dialog) {
+        const QImage before = Shown(dialog);
+        ChooseFamily(dialog, "Liberation Serif");
+        EXPECT_TRUE(settings.FontName.Equals(u"Liberation Serif"));
+        EXPECT_NE(Shown(dialog), before);
+        auto* const style = Named<QComboBox>(dialog, "Style");
+        EXPECT_EQ(style->count(), 4);
+        style->setFocus();
+        QTest::keyClick(style, Qt::Key_End);
+        EXPECT_EQ(style->currentText(), "Bold Italic");
+        QTest::keyClick(style, Qt::Key_F, Qt::AltModifier);
+        EXPECT_TRUE(Named<QComboBox>(dialog, "Font family")->hasFocus());
+        QTest::mouseClick(Named<QCheckBox>(dialog, "Colour font"), Qt::LeftButton, {}, QPoint(8, 8));
+        TypeInto(Named<QLineEdit>(dialog, "Glyph height"), "77");
+        QTest::keyClick(&dialog, Qt::Key_Escape);
+    }));
+    EXPECT_EQ(settings.Weight, 700);
+    EXPECT_TRUE(settings.Italic);
+    EXPECT_TRUE(settings.ColourFont);
+    EXPECT_EQ(settings.GlyphHeight, 100);
+}
+
+TEST_F(AddGlyphsWindow, OkTakesTheHeight) {
+    const struct {
+        const char* typed;
+        std::int32_t height;
+    } cases[] = {{"64", 64}, {"5", 16}, {"5000", 1024}, {"", 16}, {"-a7b", 16}};
+    for (const auto& [typed, height] : cases) {
+        EXPECT_TRUE(RunAnd(DialogId::AddGlyphs, [&](QWidget& dialog) {
+            TypeInto(Named<QLineEdit>(dialog, "Glyph height"), typed);
+            QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+        }));
+        EXPECT_EQ(settings.GlyphHeight, height) << typed;
+    }
+}
+
+TEST_F(AddGlyphsWindow, DragsMarkAndUnmark) {
+    RunAnd(DialogId::AddGlyphs, [&](QWidget& dialog) {
+        const auto cell = [&](char16_t character) { return CellOf(dialog, character); };
+        Drag(dialog, Qt::LeftButton, {cell(u'a'), cell(u'b'), cell(u'c')});
+        EXPECT_EQ(Selected(), "ABCDEFGHIJKLMNOPQRSTUVWXYZabc");
+        Drag(dialog, Qt::RightButton, {cell(u'b'), cell(u'B'), cell(u'C')});
+        EXPECT_EQ(Selected(), "ADEFGHIJKLMNOPQRSTUVWXYZac");
+        EXPECT_TRUE(Named<QWidget>(dialog, "Characters")->hasFocus());
+        QTest::mouseMove(&dialog, cell(u'e'));
+        EXPECT_EQ(Selected().size(), 26U) << "no button is held";
+        Screenshot(dialog, "add-glyphs-marked");
+    });
+}
+
+TEST_F(AddGlyphsWindow, TheGridWorksByKeyboard) {
+    settings.Selected.fill(0);
+    EXPECT_TRUE(RunAnd(DialogId::AddGlyphs, [&](QWidget& dialog) {
+        auto* const grid = Named<QWidget>(dialog, "Characters");
+        const QImage before = Shown(dialog);
+        grid->setFocus();
+        EXPECT_NE(Shown(dialog), before) << "a frame shows where the keyboard is";
+        EXPECT_EQ(grid->accessibleDescription(), "A (65), not selected");
+        QTest::keyClick(grid, Qt::Key_Space);
+        EXPECT_EQ(grid->accessibleDescription(), "A (65), selected");
+        for (const auto key : {Qt::Key_Right, Qt::Key_Space, Qt::Key_Down, Qt::Key_Space, Qt::Key_Left,
+                               Qt::Key_Up, Qt::Key_Space, Qt::Key_End, Qt::Key_Space})
+            QTest::keyClick(grid, key);
+        EXPECT_EQ(Selected(), "BOR");
+        QTest::keyClicks(grid, "z");
+        QTest::keyClick(grid, Qt::Key_Space);
+        EXPECT_EQ(Selected(), "BORz");
+        EXPECT_TRUE(grid->hasFocus()) << "arrows stay in the grid";
+        Screenshot(dialog, "add-glyphs-keyboard");
+        QTest::keyClick(grid, Qt::Key_Return);
+    }));
+}
+
+TEST_F(AddGlyphsWindow, TheSwatchOpensTheChoiceOfColours) {
+    const auto choose = [](QWidget& colours) {
+        auto* const chooser = qobject_cast<QColorDialog*>(&colours);
+        ASSERT_TRUE(chooser);
+        chooser->setCurrentColor(QColor(1, 200, 3));
+        chooser->accept();
+    };
+    RunAnd(DialogId::AddGlyphs, [&](QWidget& dialog) {
+        auto* const swatch = Named<QWidget>(dialog, "Colour");
+        for (const auto key : {Qt::Key_Space, Qt::Key_Return}) {
+            settings.Colour = MColour(9, 9, 9);
+            dialog.activateWindow(); // which this screen leaves undone when a dialog on it ends
+            EXPECT_TRUE(QTest::qWaitForWindowActive(&dialog));
+            Named<QLineEdit>(dialog, "Glyph height")->setFocus();
+            PressMnemonic(Qt::Key_C);
+            EXPECT_TRUE(swatch->hasFocus());
+            WhileOpen([&] { return QTest::keyClick(swatch, key), 0; }, choose);
+            EXPECT_EQ(settings.Colour, MColour(1, 200, 3));
+            EXPECT_EQ(Shown(dialog).pixelColor(swatch->geometry().center()), QColor(1, 200, 3));
+        }
+        settings.Colour = MColour(9, 9, 9);
+        for (const auto button : {Qt::LeftButton, Qt::RightButton})
+            WhileOpen([&] { return QTest::mousePress(&dialog, button, {}, swatch->geometry().center()), 0; },
+                      button == Qt::LeftButton ? std::function<void(QWidget&)>([](QWidget&) {}) : choose);
+        EXPECT_EQ(settings.Colour, MColour(1, 200, 3));
+        Screenshot(dialog, "add-glyphs-colour");
+        EXPECT_TRUE(dialog.isVisible());
+    });
+}
+
+TEST_F(AddGlyphsWindow, ShowsAFontInItsColours) {
+    settings.FontName = "Noto Color Emoji";
+    settings.ColourFont = true;
+    RunAnd(DialogId::AddGlyphs, [&](QWidget& dialog) { Screenshot(dialog, "add-glyphs-in-colour"); });
+    settings.FontName = "No Such Font";
+    RunAnd(DialogId::AddGlyphs, [&](QWidget& dialog) {
+        EXPECT_EQ(Named<QComboBox>(dialog, "Font family")->currentIndex(), -1);
+        EXPECT_EQ(Named<QComboBox>(dialog, "Style")->count(), 0);
+        QTest::keyClick(&dialog, Qt::Key_Return);
+    });
+    EXPECT_TRUE(settings.FontName.Equals(u"No Such Font"));
+}
