@@ -17,8 +17,12 @@
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QMimeData>
+#include <QProgressBar>
+#include <QScreen>
+#include <QWindow>
 #include <algorithm>
 #include <deque>
+#include <set>
 #include <vector>
 
 namespace {
@@ -191,6 +195,38 @@ TEST_F(MainWindowTest, TheWholeRoad) {
                  EXPECT_EQ(Settings->GlyphHeight, 64);
              })});
     EXPECT_TRUE(std::filesystem::exists(Home().path / "config/Northbank Softworks/Lettrino/Lettrino.txt"));
+}
+
+TEST_F(MainWindowTest, TheProgressWindowIsSeenAndMoves) {
+    std::set<int> percents;
+    std::set<QRgb> middles; // of the bar, as the screen shows it
+    QTimer look;
+    look.callOnTimeout([&] {
+        for (QWidget* const window : QApplication::topLevelWidgets()) {
+            auto* const bar = window->findChild<QProgressBar*>();
+            if (!bar || !window->isVisible() || !window->windowHandle()->isExposed()) continue;
+            percents.insert(bar->value());
+            const QPoint corner = window->mapToGlobal(QPoint(0, 0));
+            const QPixmap shown =
+                window->screen()->grabWindow(0, corner.x(), corner.y(), window->width(), window->height());
+            if (shown.isNull()) continue;
+            middles.insert(shown.toImage().pixel(bar->geometry().center() + QPoint(0, bar->height() / 4)));
+            if (bar->value() > 60 && bar->value() < 90) Keep(shown, "progress");
+        }
+    });
+    look.start(0);
+    Run({}, {Key(Qt::Key_F3),
+             {"Add/Change characters",
+              [](QWidget& dialog) {
+                  Settings->Selected.fill(1);
+                  auto* const height = Named<QLineEdit>(dialog, "Glyph height");
+                  height->selectAll();
+                  QTest::keyClicks(height, "1024");
+                  Click(dialog, "OK");
+              }},
+             Look([](QWidget&) { EXPECT_GT(CurrentFont->GlyphCount(), 180); })});
+    EXPECT_GT(percents.size(), 50U) << "of 0 to 100";
+    EXPECT_NE(middles.size(), 1U) << "the bar goes past its middle, where the screen can be looked at";
 }
 
 TEST_F(MainWindowTest, ADroppedTextureFontIsOpened) {
