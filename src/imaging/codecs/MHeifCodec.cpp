@@ -159,6 +159,26 @@ bool IsPlausible(std::uint64_t pixels, std::uint64_t fileSize) {
     return false;
 }
 
+// AV1 pictures are refused under every brand, as AVIF files are by theirs: their decoder too allocates by a
+// size within the coded data, and where those lie a hostile file can tell in several ways. But whatever else it
+// says, each such picture has an entry of this type (ISO/IEC 14496-12, 8.11.6).
+bool HoldsAv1(std::span<const std::uint8_t> file) {
+    constexpr std::string_view entry = "infe";
+    // Of the type behind the name: the item's number takes two bytes or four, and a long size eight in front.
+    constexpr std::size_t typeOffsets[] = {12, 14, 20, 22};
+    for (auto rest = file;; rest = rest.subspan(entry.size())) {
+        const auto found = std::ranges::search(rest, entry);
+        if (found.empty()) return false;
+        rest = rest.subspan(static_cast<std::size_t>(found.begin() - rest.begin()));
+        for (const std::size_t offset : typeOffsets) {
+            if (offset < rest.size() && StartsWith(rest.subspan(offset), "av01")) {
+                ReportCodec("HEIF", "AV1 pictures are not read");
+                return true;
+            }
+        }
+    }
+}
+
 bool DecodeHandle(const heif_image_handle* handle, std::uint64_t fileSize, MPicture& picture) {
     const std::uint64_t pixels = static_cast<std::uint64_t>(std::max(heif_image_handle_get_width(handle), 0)) *
                                  static_cast<std::uint64_t>(std::max(heif_image_handle_get_height(handle), 0));
@@ -221,7 +241,8 @@ bool DecodeHeif(MByteSource& file, std::int32_t frame, MPicture& picture) {
     return Guarded([&] {
         const std::span<const std::uint8_t> bytes = file.All();
         const Context context(heif_context_alloc());
-        if (!context || bytes.empty() || !IsPlausible(LargestHevcPicture(bytes), bytes.size())) return false;
+        if (!context || bytes.empty() || HoldsAv1(bytes)) return false;
+        if (!IsPlausible(LargestHevcPicture(bytes), bytes.size())) return false;
         const heif_error error =
             heif_context_read_from_memory_without_copy(context.get(), bytes.data(), bytes.size(), nullptr);
         heif_item_id item = 0;
