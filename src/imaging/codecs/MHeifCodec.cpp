@@ -231,9 +231,13 @@ Image ImageOf(const MPicture& picture) {
 
 bool SniffHeif(std::span<const std::uint8_t> start) {
     constexpr std::size_t needed = 12;
-    // AVIF files have the same boxes, but another codec inside.
-    return start.size() >= needed && !StartsWith(start.subspan(8), "avi") &&
-           heif_check_filetype(start.data(), static_cast<int>(start.size())) == heif_filetype_yes_supported;
+    if (start.size() < needed) return false;
+    // Phones write the brand of pictures in any coding too (ISO/IEC 23008-12, 10.2), here for HEVC; AVIF files
+    // have the same boxes, but another codec inside.
+    const auto brand = start.subspan(8);
+    const heif_filetype_result type = heif_check_filetype(start.data(), static_cast<int>(start.size()));
+    return StartsWith(brand, "mif1") ? type != heif_filetype_no
+                                     : type == heif_filetype_yes_supported && !StartsWith(brand, "avi");
 }
 
 bool DecodeHeif(MByteSource& file, std::int32_t frame, MPicture& picture) {

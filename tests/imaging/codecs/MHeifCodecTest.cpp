@@ -119,6 +119,15 @@ TEST(HeifCodec, SizesAreReadOffTheCodedDataToo) {
     EXPECT_EQ(Refusals(file, u"larger than"), 1);
 }
 
+TEST(HeifCodec, TheBrandOfAnyCodingIsTaken) {
+    Bytes file = Encoded("HEIF", SmoothPicture(32, 32, FormatRGB8));
+    std::ranges::copy(std::string_view("mif1"), file.begin() + 8);
+    EXPECT_EQ(CodecForContent(file), &CodecNamed("HEIF"));
+    EXPECT_TRUE(Decoded("HEIF", file).IsValid());
+    std::ranges::copy(std::string_view("avif"), file.begin() + 8);
+    EXPECT_EQ(CodecForContent(file), nullptr);
+}
+
 TEST(HeifCodec, Av1IsNotDecoded) {
     Bytes file = Encoded("HEIF", SmoothPicture(32, 32, FormatRGB8));
     const auto entry = std::ranges::search(file, std::string_view("infe")).begin();
