@@ -1,8 +1,6 @@
 #include "formats/LetterCubes.h"
 
-#include "DocumentFixture.h"
-#include "TemporaryFolder.h"
-#include "Text.h"
+#include "formats/FontFile.h"
 #include "foundation/MFolders.h"
 
 #include <algorithm>
@@ -58,11 +56,8 @@ TEST(LetterCubes, NoMoreThanAHundred) {
     EXPECT_EQ(result.cubes.size(), 100U);
 }
 
-class LetterCubesExportTest : public DocumentTest {
+class LetterCubesExportTest : public FontFileTest {
 protected:
-    TemporaryFolder folder;
-    MColourFont font{AnyWindow()};
-
     LetterCubesExportTest() {
         settings.LetterCubesNames = "Bo";
         settings.BackgroundColour = MColour(200, 100, 51);
