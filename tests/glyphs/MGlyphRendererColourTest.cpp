@@ -1,8 +1,6 @@
-#include "document/MColourFont.h"
-#include "document/MSettings.h"
+#include "DocumentFixture.h"
 #include "glyphs/MGlyphRenderer.h"
 #include "glyphs/Pixels.h"
-#include "platform/headless/Headless.h"
 #include "platform_text/FontFixture.h"
 #include "platform_text/PaintFont.h"
 
@@ -12,20 +10,15 @@
 
 namespace {
 
-class ColourGlyphs : public testing::Test {
+class ColourGlyphs : public DocumentTest {
 protected:
-    MSettings settings;
     AddedFonts added;
 
     ColourGlyphs() {
-        Settings = &settings;
         settings.ColourFont = true;
         settings.Colour = MColour(1, 2, 3);
         settings.GlyphHeight = 60;
     }
-    ~ColourGlyphs() override { Settings = nullptr; }
-    ColourGlyphs(const ColourGlyphs&) = delete;
-    ColourGlyphs& operator=(const ColourGlyphs&) = delete;
 };
 
 // "A" as red on blue, "B" without an outline but with paints, "C" plain; "I" and "j" plain, 700 and 900 units

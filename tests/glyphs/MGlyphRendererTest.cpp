@@ -1,10 +1,8 @@
 #include "glyphs/MGlyphRenderer.h"
 
-#include "document/MColourFont.h"
-#include "document/MSettings.h"
+#include "DocumentFixture.h"
 #include "foundation/MMemory.h"
 #include "glyphs/PlainRenderer.h"
-#include "platform/headless/Headless.h"
 #include "platform_text/FontFixture.h"
 
 #include <gtest/gtest.h>
@@ -13,19 +11,12 @@
 
 namespace {
 
-class GlyphRenderer : public testing::Test {
+class GlyphRenderer : public DocumentTest {
 protected:
-    MSettings settings;
-
     GlyphRenderer() {
-        Settings = &settings;
         settings.FontName = "Liberation Sans";
         settings.Colour = MColour(10, 20, 30);
-        Headless::Reset();
     }
-    ~GlyphRenderer() override { Settings = nullptr; }
-    GlyphRenderer(const GlyphRenderer&) = delete;
-    GlyphRenderer& operator=(const GlyphRenderer&) = delete;
 
     void SelectAll() { std::fill(settings.Selected.begin(), settings.Selected.end(), std::uint8_t{1}); }
 };

@@ -29,12 +29,12 @@ inline std::ostream& operator<<(std::ostream& out, const Rect& r) {
 }
 } // namespace Desktop
 
-// Around all pixels that are not fully transparent; empty if there are none.
-inline Desktop::Rect InkOf(const MSurfaceBitmap& bitmap) {
+// Around all pixels that differ from the ground; empty if there are none.
+inline Desktop::Rect InkOf(const MSurfaceBitmap& bitmap, MColour ground = {0, 0, 0, 0}) {
     Desktop::Rect ink{bitmap.width, bitmap.height, 0, 0};
     for (std::int32_t y = 0; y < bitmap.height; ++y) {
         for (std::int32_t x = 0; x < bitmap.width; ++x) {
-            if (PixelAt(bitmap, x, y).a == 0) continue;
+            if (PixelAt(bitmap, x, y) == ground) continue;
             ink = {std::min(ink.left, x), std::min(ink.top, y), std::max(ink.right, x + 1),
                    std::max(ink.bottom, y + 1)};
         }
