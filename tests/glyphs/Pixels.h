@@ -1,6 +1,7 @@
 // Looking at what was drawn.
 #pragma once
 
+#include "document/MGlyph.h"
 #include "glyphs/MSurfaceBitmap.h"
 #include "platform/Desktop.h"
 
@@ -40,4 +41,19 @@ inline Desktop::Rect InkOf(const MSurfaceBitmap& bitmap, MColour ground = {0, 0,
         }
     }
     return ink;
+}
+
+// The inked rows of a glyph, from `top` up to but not including `end`.
+struct MRows {
+    std::int32_t top = 0;
+    std::int32_t end = 0;
+
+    std::int32_t Count() const { return end - top; }
+};
+
+inline MRows RowsOf(const MGlyph& glyph) {
+    std::uint32_t top = 0;
+    std::uint32_t bottom = 0;
+    glyph.GetVerticalMargins(top, bottom);
+    return {static_cast<std::int32_t>(top), static_cast<std::int32_t>(glyph.Picture.Height - bottom)};
 }
