@@ -147,27 +147,10 @@ TEST_F(ColourGlyphs, TheReferenceFamilyKeepsItsSize) {
     ASSERT_TRUE(added.Add("black.ttf", font.Build()));
     settings.FontName = "Arial Black";
     MGlyphRenderer renderer(nullptr);
-    EXPECT_EQ(renderer.colourSizeFactor, 1.0F);
-    EXPECT_EQ(renderer.verticalOffset, 0);
     const auto a = renderer.RenderGlyph(u'A');
     ASSERT_TRUE(a);
     // An em of twice the height on the canvas, so 0.7 of the height here; the outline's own cell is as high.
     EXPECT_EQ(RowsOf(*a).Count(), 42);
     EXPECT_EQ(RowsOf(*a).end, 60 - 12);
     EXPECT_EQ(a->Width, 42);
-}
-
-TEST_F(ColourGlyphs, ARunMakesThemAll) {
-    settings.FontName = "Liberation Serif";
-    settings.Selected.fill(1);
-    MColourFont font(nullptr);
-    ASSERT_TRUE(font.GenerateSelectedCharacters());
-    EXPECT_GE(font.GlyphCount(), 185);
-    EXPECT_GT(font.CapHeight, 20);
-    const MGlyph* const letter = font.GetGlyph(u'H');
-    ASSERT_TRUE(letter);
-    for (std::int32_t i = 0; i < letter->Width * letter->Height; ++i) {
-        const MColour colour = letter->GetPixel(i % letter->Width, i / letter->Width);
-        ASSERT_TRUE(colour.a == 0 || (colour.r == 255 && colour.g == 255 && colour.b == 255)) << i;
-    }
 }
