@@ -83,7 +83,8 @@ Bytes BareTiff(const Kind& kind) {
             TIFFSetField(tiff, TIFFTAG_ROWSPERSTRIP, 6);
         }
         const std::uint16_t extra = kind.extra;
-        if (kind.samples == 4 || kind.samples == 2) TIFFSetField(tiff, TIFFTAG_EXTRASAMPLES, 1, &extra);
+        if (kind.samples % 2 == 0 || extra == EXTRASAMPLE_ASSOCALPHA)
+            TIFFSetField(tiff, TIFFTAG_EXTRASAMPLES, 1, &extra);
         std::vector<std::uint16_t> map;
         for (std::uint32_t i = 0; i < 256; ++i)
             map.push_back(static_cast<std::uint16_t>(i * 257));
@@ -148,6 +149,7 @@ TEST(TiffCodec, KeepsTheDepthOfTheFile) {
         {"32-bit grey with alpha", 32, 2, black, 7, floats},
         {"32-bit RGB", 32, 3, rgb, 7, floats},
         {"32-bit RGBA", 32, 4, rgb, 7, floats},
+        {"32-bit RGB that claims an alpha", 32, 3, rgb, 7, floats, EXTRASAMPLE_ASSOCALPHA},
         {"32 bits deflated", 32, 4, rgb, 7, floats, straight, COMPRESSION_ADOBE_DEFLATE},
         {"32 bits in planes", 32, 3, rgb, 7, floats, 0, COMPRESSION_NONE, true},
         {"32 bits in tiles", 32, 4, rgb, 7, floats, straight, COMPRESSION_NONE, false, true},
@@ -180,6 +182,8 @@ TEST(TiffCodec, KeepsTheDepthOfTheFile) {
     const Kind inverted{"white is 0", 8, 1, white, 1};
     EXPECT_EQ(Decoded("TIFF", BareTiff(inverted)).GetPixel(2, 3).r, 255 - ByteAt(2, 3, 0));
     EXPECT_FALSE(Decoded("TIFF", BareTiff(inverted), 1).IsValid());
+    const Kind withAlpha{"white is 0, with alpha", 16, 2, white, 8};
+    EXPECT_EQ(Decoded("TIFF", BareTiff(withAlpha)).GetPixel16(2, 3).g, 65535 - (ByteAt(2, 3, 0) << 8 | 0x5A));
 }
 
 TEST(TiffCodec, FloatsAreBytesFromZeroToOne) {
