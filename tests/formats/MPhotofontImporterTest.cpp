@@ -20,12 +20,6 @@ struct Glyph {
     int baseX, baseY, deltaX;
 };
 
-std::string ReplaceAll(std::string text, const std::string& find, const std::string& with) {
-    for (std::size_t at = 0; (at = text.find(find, at)) != std::string::npos; at += with.size())
-        text.replace(at, find.size(), with);
-    return text;
-}
-
 std::string Base64Of(const std::string& bytes) {
     gchar* const encoded = g_base64_encode(reinterpret_cast<const guchar*>(bytes.data()), bytes.size());
     const std::string text(encoded);

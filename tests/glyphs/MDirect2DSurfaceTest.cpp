@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <tuple>
 
 namespace {
 
@@ -80,12 +81,15 @@ TEST_F(Direct2DSurface, CachesHoldUntilSomethingChanges) {
     surface.DrawLine({0, 0}, {5, 5}, 1, red, false);
     EXPECT_TRUE(surface.strokeStyle);
 
+    // Whether the format is made anew.
     const auto keyAfter = [&](float size, std::int32_t weight, bool italic, std::int32_t across, bool wrap) {
-        const MTextFormatKey before = surface.textFormatKey;
+        const auto key = [&] {
+            const MTextFormatKey& k = surface.textFormatKey;
+            return std::tuple(k.size, k.weight, k.italic, k.textAlignment, k.wrap);
+        };
+        const auto before = key();
         surface.DrawText(all, "C", family, size, weight, italic, black, across, -1, false, false, false, wrap);
-        const MTextFormatKey& after = surface.textFormatKey;
-        return before.size != after.size || before.weight != after.weight || before.italic != after.italic ||
-               before.textAlignment != after.textAlignment || before.wrap != after.wrap;
+        return key() != before;
     };
     EXPECT_TRUE(keyAfter(38, 400, false, -1, true));
     EXPECT_TRUE(keyAfter(38, 700, false, -1, true));
