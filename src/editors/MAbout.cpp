@@ -23,8 +23,7 @@ MString DomainOf(const MString& address) {
 }
 
 // Fitting never enlarges, but on a screen of high density the picture must grow with the window.
-void DrawBackground(MDirect2DSurface& surface, const Desktop::Rect& client) {
-    const MString path = JoinPath(JoinPath(JoinPath(GetProgramFolder(), "Media"), "skins"), "About.png");
+void DrawGround(MDirect2DSurface& surface, const MString& path, const Desktop::Rect& client) {
     if (!FileExists(path)) return;
     MPicture picture(path);
     const auto clientWidth = static_cast<std::uint32_t>(client.Width());
@@ -43,6 +42,7 @@ void DrawBackground(MDirect2DSurface& surface, const Desktop::Rect& client) {
 
 MAbout::MAbout(const MString& licensedTo, float scale) : Scale(scale > 0 ? scale : 1.0F) {
     Heading = ProductName + " " + ProductVersion.WithoutTrailingZeros();
+    Picture = JoinPath(JoinPath(JoinPath(GetProgramFolder(), "Media"), "skins"), "About.png");
     Body = MString(legalNotice) + "\n" + DomainOf(MakerSite) + "\n\n\n";
     Body += licensedTo.IsEmpty() ? MString("This evaluation version may be\nfreely copied and distributed")
                                  : "This copy is licensed to:\n" + licensedTo;
@@ -71,7 +71,7 @@ void MAbout::Paint(Desktop::WindowHandle window) const {
     if (!bound.Bind(window, client) || !bound.surface->Begin()) return;
     MDirect2DSurface& surface = *bound.surface;
     surface.Clear(MColour(255, 255, 255));
-    DrawBackground(surface, client);
+    DrawGround(surface, Picture, client);
     const auto draw = [&](const MString& text, std::int32_t top, const char* family, std::int32_t size) {
         if (text.IsEmpty()) return;
         const Desktop::Rect place{Scaled(margin), Scaled(top), client.right - Scaled(margin), client.bottom};

@@ -30,7 +30,7 @@ struct Rect {
 // The program's main window with its menu, empty and shown; null if it can't be made. `frame` is the place of
 // the whole window on the virtual screen, with its title bar.
 WindowHandle OpenMainWindow(const MString& title, const Rect& frame);
-// Runs until the main window is closed, or until all were. The program's exit code.
+// Runs until the main window is closed, after which it is gone. The program's exit code.
 int RunMessageLoop();
 
 enum class Buttons { Ok, OkCancel, YesNo, YesNoCancel };

@@ -7,6 +7,7 @@
 #include "foundation/Product.h"
 
 #include <array>
+#include <optional>
 #include <string_view>
 
 namespace {
@@ -127,19 +128,22 @@ void WriteField(const Field& field, MTextFile& file, const MSettings& settings) 
     file.EndLine();
 }
 
-bool ReadPath(const MTextFile& file, const MString& key, MSettings& settings) {
-    for (std::size_t kind = 0; kind < PathKinds; ++kind) {
-        if (!key.Equals(NumberedKey("Path", kind))) continue;
-        // The temporary folder is always that of the defaults.
-        if (static_cast<MPathKind>(kind) != MPathKind::Temporary) settings.Paths[kind] = file.GetString(1);
-        return true;
-    }
-    return false;
+// The number of a key "Path" or "S" within these bounds.
+std::optional<std::size_t> NumberOf(const MString& key, const char* name, std::size_t first, std::size_t end) {
+    const MString digits(key.Chars(), MString(name).Length(), -1);
+    const std::int32_t number = ParseInt(digits.Chars());
+    if (number < static_cast<std::int32_t>(first) || number >= static_cast<std::int32_t>(end))
+        return std::nullopt;
+    const auto index = static_cast<std::size_t>(number);
+    return key.Equals(NumberedKey(name, index)) ? std::optional(index) : std::nullopt;
 }
 
-void ReadSelected(const MTextFile& file, const MString& key, MSettings& settings) {
-    for (std::size_t code = firstCode; code < settings.Selected.size(); ++code) {
-        if (key.Equals(NumberedKey("S", code))) settings.Selected[code] = file.GetBool(1) ? 1 : 0;
+void ReadNumbered(const MTextFile& file, const MString& key, MSettings& settings) {
+    if (const auto code = NumberOf(key, "S", firstCode, settings.Selected.size())) {
+        settings.Selected[*code] = file.GetBool(1) ? 1 : 0;
+    } else if (const auto kind = NumberOf(key, "Path", 0, PathKinds)) {
+        // The temporary folder is always that of the defaults.
+        if (static_cast<MPathKind>(*kind) != MPathKind::Temporary) settings.Paths[*kind] = file.GetString(1);
     }
 }
 
@@ -149,7 +153,7 @@ void ReadLine(const MTextFile& file, MSettings& settings) {
         if (ReadField(field, file, key, settings)) return;
     }
     if (ReadField(windowField, file, key, settings) || ReadField(keysField, file, key, settings)) return;
-    if (!ReadPath(file, key, settings)) ReadSelected(file, key, settings);
+    ReadNumbered(file, key, settings);
 }
 
 } // namespace

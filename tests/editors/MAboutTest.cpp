@@ -1,6 +1,7 @@
 #include "editors/MAbout.h"
 
 #include "DocumentFixture.h"
+#include "TemporaryFolder.h"
 #include "Text.h"
 #include "foundation/Product.h"
 #include "glyphs/Pixels.h"
@@ -47,10 +48,10 @@ TEST_F(About, SizesGrowWithTheScreensDensity) {
         EXPECT_EQ(MAbout("", scale).Client().right, 680);
 }
 
-// There is no Media folder beside this program, and so no picture.
 TEST_F(About, TextsStandAtTheRightOnWhite) {
     for (const float scale : {1.0F, 2.0F}) {
         MAbout about("", scale);
+        about.Picture = "/none.png";
         Headless::Reset();
         about.Paint(AnyWindow());
         ASSERT_EQ(Headless::record.paintings.size(), 1U);
@@ -66,5 +67,31 @@ TEST_F(About, TextsStandAtTheRightOnWhite) {
         about.Body = MString();
         about.Paint(AnyWindow());
         EXPECT_LT(InkOf(Headless::record.paintings[2]).right, 1) << "empty texts are left out";
+    }
+}
+
+// A small one is enlarged only with the density of the screen.
+TEST_F(About, ThePictureCoversTheGround) {
+    const TemporaryFolder folder;
+    const struct {
+        std::uint32_t width, height;
+        float scale;
+        Desktop::Rect covered;
+    } cases[] = {{680, 420, 1, {0, 0, 680, 420}},
+                 {1360, 840, 1, {0, 0, 680, 420}},
+                 {1360, 840, 1.5F, {0, 0, 1020, 630}},
+                 {680, 420, 2, {0, 0, 1360, 840}},
+                 {68, 42, 1, {306, 189, 374, 231}}};
+    for (const auto& c : cases) {
+        MPicture picture(c.width, c.height, FormatRGBA8);
+        picture.Fill(MColour(0, 0, 0));
+        picture.Save(folder.File("ground.png"));
+        picture.Free();
+        MAbout about("", c.scale);
+        about.Picture = folder.File("ground.png");
+        about.Heading = about.Body = MString();
+        Headless::Reset();
+        about.Paint(AnyWindow());
+        EXPECT_EQ(InkOf(Headless::record.paintings[0]), c.covered) << c.width << " at " << c.scale;
     }
 }

@@ -2,6 +2,8 @@
 
 #include "TemporaryFolder.h"
 #include "imaging/Pictures.h"
+#include "platform/text/MPaintTreePainter.h"
+#include "platform/text/MSystemFonts.h"
 #include "platform_text/FontFixture.h"
 #include "platform_text/PaintFont.h"
 
@@ -210,6 +212,29 @@ TEST(GlyphPainter, GeometryThatSaysNothingPaintsNothing) {
         AddPaint(font, fonts::Outline(1, paint));
         EXPECT_TRUE(Drawing(FontFile(font).File(), u'A', true).IsEmpty()) << int{paint[0]};
     }
+}
+
+TEST(GlyphPainter, AGradientTooSmallForTheImageLibraryHarmsNoOther) {
+    MPaint tiny;
+    tiny.kind = MPaintKind::Transform;
+    tiny.numbers = {0.0158691F, 0, 0, 0.0158691F, 2268.42F, 0.984131F};
+    MPaint gradient;
+    gradient.kind = MPaintKind::Radial;
+    gradient.numbers = {0, 16385, 1033, 256, 25, 20995};
+    gradient.stops = {{}};
+    MPaintTree tree;
+    tree.paints = {tiny, tiny, gradient};
+    tree.paints[0].children = {1};
+    tree.paints[1].children = {2};
+
+    cairo_surface_t* const image = cairo_image_surface_create(CAIRO_FORMAT_ARGB32, 24, 24);
+    cairo_t* const context = cairo_create(image);
+    cairo_translate(context, 2, 20);
+    cairo_scale(context, 20.0 / 2048, -20.0 / 2048);
+    PaintTree(context, tree, MOpenFace(*MatchFont("Liberation Sans", 400, false)), MColour(1, 2, 3));
+    EXPECT_EQ(cairo_status(context), CAIRO_STATUS_SUCCESS);
+    cairo_destroy(context);
+    cairo_surface_destroy(image);
 }
 
 TEST(GlyphPainter, PaintsThatCostTooMuchAreNotPainted) {

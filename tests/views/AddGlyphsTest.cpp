@@ -101,12 +101,12 @@ TEST_F(AddGlyphsWindow, OkTakesTheHeight) {
         const char* typed;
         std::int32_t height;
     } cases[] = {{"64", 64}, {"5", 16}, {"5000", 1024}, {"", 16}, {"-a7b", 16}};
-    for (const auto& [typed, height] : cases) {
+    for (const auto& c : cases) {
         EXPECT_TRUE(RunAnd(DialogId::AddGlyphs, [&](QWidget& dialog) {
-            TypeInto(Named<QLineEdit>(dialog, "Glyph height"), typed);
+            TypeInto(Named<QLineEdit>(dialog, "Glyph height"), c.typed);
             QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
         }));
-        EXPECT_EQ(settings.GlyphHeight, height) << typed;
+        EXPECT_EQ(settings.GlyphHeight, c.height) << c.typed;
     }
 }
 

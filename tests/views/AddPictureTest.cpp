@@ -49,7 +49,6 @@ TEST_F(AddPictureWindow, LooksAsAUserExpects) {
             EXPECT_EQ(Named<QLineEdit>(dialog, name)->text(), "0");
         EXPECT_TRUE(Named<QCheckBox>(dialog, "Trim horizontally")->isChecked());
         ExpectTextFits(dialog);
-        Screenshot(dialog, "add-picture");
         EXPECT_EQ(TabOrder(dialog),
                   (QStringList{"Picture", "Browse", "Character", "Padding top", "Padding bottom",
                                "Spacing before", "Spacing after", "Trim horizontally", "OK", "Cancel"}));
@@ -64,6 +63,16 @@ TEST_F(AddPictureWindow, LooksAsAUserExpects) {
             EXPECT_FALSE(control->isVisible() && control->geometry().intersects(ground));
     }));
     EXPECT_EQ(settings.Char, 35U);
+}
+
+TEST_F(AddPictureWindow, AcceptsARelativePath) {
+    std::filesystem::current_path(ToSystemPath(GetProgramFolder()));
+    Path() = "Media/icons/lettrino-256.png";
+    settings.BackgroundColour = MColour(244, 240, 232);
+    EXPECT_FALSE(RunAnd(DialogId::AddPicture, [&](QWidget& dialog) {
+        Screenshot(dialog, "add-picture");
+        EXPECT_FALSE(Find(dialog, QColor(38, 48, 74)).isEmpty()) << "the ground of the icon";
+    }));
 }
 
 TEST_F(AddPictureWindow, OkTakesWhatIsThere) {

@@ -9,15 +9,21 @@
 #include "views/Windows.h"
 
 #include <QApplication>
+#include <QComboBox>
 #include <QDropEvent>
 #include <QElapsedTimer>
-#include <QListView>
 #include <QMainWindow>
 #include <QMenu>
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QMimeData>
+#include <QProgressBar>
+#include <QScreen>
+#include <QWindow>
+#include <algorithm>
 #include <deque>
+#include <set>
+#include <vector>
 
 namespace {
 
@@ -41,6 +47,7 @@ private:
     std::deque<Step> steps;
     QTimer timer;
     QElapsedTimer waited;
+    std::vector<QWidget*> busy; // with a step each, of which the last one goes on
 
     void Look() {
         QWidget* const modal = QApplication::activeModalWidget();
@@ -61,10 +68,16 @@ private:
         if (modal ? steps.front().title.isEmpty() || !front->windowTitle().endsWith(steps.front().title)
                   : !steps.front().title.isEmpty())
             return;
+        // A command that opens a dialog ends with that dialog, whose own steps come meanwhile.
+        if (std::find(busy.begin(), busy.end(), front) != busy.end()) return;
+        busy.push_back(front);
         const Step step = steps.front();
         steps.pop_front();
         waited.restart();
-        step.act(*front);
+        QTimer::singleShot(0, [this, step, front = QPointer(front)] {
+            if (front) step.act(*front);
+            busy.pop_back();
+        });
     }
 };
 
@@ -90,11 +103,17 @@ protected:
         EXPECT_TRUE(person.IsDone());
     }
     static Person::Step Key(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
-        return {"", [=](QWidget& window) { QTest::keyClick(&window, key, modifiers); }};
+        return {"", [=](QWidget& window) {
+                    window.activateWindow();
+                    EXPECT_TRUE(QTest::qWaitForWindowActive(&window));
+                    QTest::keyClick(&window, key, modifiers);
+                }};
     }
-    // Presses Enter in a dialog.
-    static Person::Step Enter(const char* title) {
-        return {title, [](QWidget& dialog) { QTest::keyClick(&dialog, Qt::Key_Return); }};
+    static void Click(QWidget& dialog, const char* text) {
+        for (auto* const button : dialog.findChildren<QAbstractButton*>()) {
+            if (button->text().remove('&') == text) return QTest::mouseClick(button, Qt::LeftButton);
+        }
+        ADD_FAILURE() << "no button " << text;
     }
     static Person::Step ChooseFile(const char* title, const MString& path) {
         return {title, [path](QWidget& dialog) {
@@ -140,7 +159,7 @@ TEST_F(MainWindowTest, TheWholeRoad) {
              Key(Qt::Key_F2),
              {"Add/Change characters",
               [](QWidget& dialog) {
-                  QTest::keyClicks(Named<QListView>(dialog, "Font family"), "DejaVu Sans");
+                  QTest::keyClicks(Named<QComboBox>(dialog, "Font family"), "DejaVu Sans");
                   auto* const height = Named<QLineEdit>(dialog, "Glyph height");
                   height->selectAll();
                   QTest::keyClicks(height, "64");
@@ -154,10 +173,8 @@ TEST_F(MainWindowTest, TheWholeRoad) {
              Key(Qt::Key_F6),
              {"Kerning editor",
               [](QWidget& dialog) {
-                  for (auto* const button : dialog.findChildren<QAbstractButton*>()) {
-                      if (button->text().remove('&') == "Generate") QTest::mouseClick(button, Qt::LeftButton);
-                  }
-                  QTest::keyClick(&dialog, Qt::Key_Return);
+                  Click(dialog, "Generate");
+                  Click(dialog, "OK");
               }},
              Key(Qt::Key_S, Qt::ControlModifier),
              ChooseFile("Save Font", Home().File("road.txt")),
@@ -178,6 +195,38 @@ TEST_F(MainWindowTest, TheWholeRoad) {
                  EXPECT_EQ(Settings->GlyphHeight, 64);
              })});
     EXPECT_TRUE(std::filesystem::exists(Home().path / "config/Northbank Softworks/Lettrino/Lettrino.txt"));
+}
+
+TEST_F(MainWindowTest, TheProgressWindowIsSeenAndMoves) {
+    std::set<int> percents;
+    std::set<QRgb> middles; // of the bar, as the screen shows it
+    QTimer look;
+    look.callOnTimeout([&] {
+        for (QWidget* const window : QApplication::topLevelWidgets()) {
+            auto* const bar = window->findChild<QProgressBar*>();
+            if (!bar || !window->isVisible() || !window->windowHandle()->isExposed()) continue;
+            percents.insert(bar->value());
+            const QPoint corner = window->mapToGlobal(QPoint(0, 0));
+            const QPixmap shown =
+                window->screen()->grabWindow(0, corner.x(), corner.y(), window->width(), window->height());
+            if (shown.isNull()) continue;
+            middles.insert(shown.toImage().pixel(bar->geometry().center() + QPoint(0, bar->height() / 4)));
+            if (bar->value() > 60 && bar->value() < 90) Keep(shown, "progress");
+        }
+    });
+    look.start(0);
+    Run({}, {Key(Qt::Key_F3),
+             {"Add/Change characters",
+              [](QWidget& dialog) {
+                  Settings->Selected.fill(1);
+                  auto* const height = Named<QLineEdit>(dialog, "Glyph height");
+                  height->selectAll();
+                  QTest::keyClicks(height, "1024");
+                  Click(dialog, "OK");
+              }},
+             Look([](QWidget&) { EXPECT_GT(CurrentFont->GlyphCount(), 180); })});
+    EXPECT_GT(percents.size(), 50U) << "of 0 to 100";
+    EXPECT_NE(middles.size(), 1U) << "the bar goes past its middle, where the screen can be looked at";
 }
 
 TEST_F(MainWindowTest, ADroppedTextureFontIsOpened) {

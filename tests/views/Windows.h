@@ -27,10 +27,14 @@ protected:
 };
 
 // Kept as an artefact of the test run.
-inline void Screenshot(QWidget& window, const QString& name) {
+inline void Keep(const QPixmap& picture, const QString& name) {
     const QString folder = qEnvironmentVariable("LETTRINO_ARTEFACTS", QDir::tempPath()) + "/windows";
     QDir().mkpath(folder);
-    EXPECT_TRUE(window.grab().save(folder + '/' + name + ".png"));
+    EXPECT_TRUE(picture.save(folder + '/' + name + ".png"));
+}
+
+inline void Screenshot(QWidget& window, const QString& name) {
+    Keep(window.grab(), name);
 }
 
 // Runs `open`, which shows a modal dialog, and `act` on that dialog as soon as it is there. A dialog that `act`

@@ -6,7 +6,6 @@
 
 #include <QApplication>
 #include <QIcon>
-
 #include <cstdio>
 #include <string_view>
 
@@ -34,6 +33,14 @@ bool AnswerOnTerminal(int argc, char** argv) {
     return false;
 }
 
+QIcon ProgramIcon() {
+    QIcon icon;
+    for (const int size : {16, 32, 48, 128, 256})
+        icon.addFile(QApplication::applicationDirPath() +
+                     QStringLiteral("/Media/icons/lettrino-%1.png").arg(size));
+    return icon;
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
@@ -41,7 +48,7 @@ int main(int argc, char** argv) {
     QApplication application(argc, argv);
     QApplication::setApplicationName(ToQt(ProductName));
     QApplication::setDesktopFileName(QStringLiteral("lettrino"));
-    QApplication::setWindowIcon(QIcon::fromTheme(QStringLiteral("lettrino")));
+    QApplication::setWindowIcon(ProgramIcon());
     const QStringList arguments = QApplication::arguments();
     return RunProgram(arguments.size() > 1 ? FromQt(arguments[1]) : MString());
 }

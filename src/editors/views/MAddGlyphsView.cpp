@@ -58,7 +58,8 @@ void MAddGlyphsView::Connect() {
     onMouse = [this](const MMouse& mouse) {
         if (!mouse.moved && MAddGlyphs::HitsSwatch(SwatchArea(), mouse.x, mouse.y)) return ChooseColour();
         if (!mouse.moved && dialog.Grid.HitTest(mouse.x, mouse.y) >= 0) grid.setFocus();
-        if (dialog.Drag(mouse.x, mouse.y, mouse.left, mouse.right)) Repaint(dialog.Grid.Area);
+        if (dialog.Drag(mouse.x, mouse.y, mouse.left && !mouse.rightPress, mouse.right))
+            Repaint(dialog.Grid.Area);
         TellCursor();
     };
     swatch.onKey = [this](const QKeyEvent& event) {

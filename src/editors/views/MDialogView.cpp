@@ -1,5 +1,6 @@
 #include "editors/views/MDialogView.h"
 
+#include "editors/FieldText.h"
 #include "foundation/Product.h"
 #include "platform/qt/QtText.h"
 
@@ -77,7 +78,8 @@ void MDialogView::Tell(const QMouseEvent& event, bool moved) {
     const QPoint at = ToScreenPixels(*this, event.position());
     const bool left = event.buttons().testFlag(Qt::LeftButton);
     const bool right = event.buttons().testFlag(Qt::RightButton);
-    if (onMouse && (left || right)) onMouse({at.x(), at.y(), left, right, moved});
+    const bool rightPress = !moved && event.button() == Qt::RightButton;
+    if (onMouse && (left || right)) onMouse({at.x(), at.y(), left, right, moved, rightPress});
 }
 
 void MDialogView::mousePressEvent(QMouseEvent* event) {
@@ -86,6 +88,10 @@ void MDialogView::mousePressEvent(QMouseEvent* event) {
 
 void MDialogView::mouseMoveEvent(QMouseEvent* event) {
     Tell(*event, true);
+}
+
+std::int32_t NumberIn(const QLineEdit& field) {
+    return FieldNumber(FromQt(field.text()));
 }
 
 void Fill(QLineEdit& field, const MString& text) {

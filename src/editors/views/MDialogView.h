@@ -20,7 +20,8 @@ struct MMouse {
     std::int32_t y;
     bool left; // down, by this press or before
     bool right;
-    bool moved; // else it was just pressed
+    bool moved;      // else a button was just pressed
+    bool rightPress; // which was the right one
 };
 
 class MDialogView : public QDialog {
@@ -61,6 +62,8 @@ private:
     void Tell(const QMouseEvent& event, bool moved);
 };
 
+// The number in a field, as FieldNumber reads it.
+std::int32_t NumberIn(const QLineEdit& field);
 // Leave the field alone if it shows just that, so that nothing is told of a change.
 void Fill(QLineEdit& field, const MString& text);
 void Fill(QLineEdit& field, std::int32_t number);

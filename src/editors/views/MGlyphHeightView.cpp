@@ -1,9 +1,7 @@
 #include "editors/views/MGlyphHeightView.h"
 
 #include "document/MSettings.h"
-#include "editors/FieldText.h"
 #include "foundation/MNumbers.h"
-#include "platform/qt/QtText.h"
 
 MGlyphHeightView::MGlyphHeightView(QWidget* owner) : MDialogView(owner, "Change glyph height", 165, 45) {
     Place(height, 85, 6, 70, 14);
@@ -13,7 +11,7 @@ MGlyphHeightView::MGlyphHeightView(QWidget* owner) : MDialogView(owner, "Change 
     height.selectAll();
     height.setFocus();
     onOk = [this] {
-        Settings->GlyphHeight = FieldNumber(FromQt(height.text()));
+        Settings->GlyphHeight = NumberIn(height);
         Clamp(Settings->GlyphHeight, SmallestGlyphHeight, LargestGlyphHeight);
     };
 }

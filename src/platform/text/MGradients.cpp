@@ -5,6 +5,7 @@
 #include <cairo.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 
 namespace {
@@ -112,6 +113,26 @@ bool AvoidNegativeRadii(const Circles& circles, Stops& stops, MExtend extend) {
     return true;
 }
 
+// Pixels for one unit, on average. A gradient is described in pixels, so that the matrix from the image to it
+// stays near 1 however much the font is scaled.
+double PixelScale(cairo_t* context) {
+    cairo_matrix_t matrix;
+    cairo_get_matrix(context, &matrix);
+    return std::sqrt(std::abs(matrix.xx * matrix.yy - matrix.xy * matrix.yx));
+}
+
+// Whether the matrix from pixels to a pattern has numbers that Cairo's image backend can hold, which are 16
+// bits with a sign before the point. Others it answers with the error that it is out of memory, for good.
+bool IsInReach(cairo_t* context, const cairo_matrix_t& toPattern) {
+    constexpr double farthest = 32000;
+    cairo_matrix_t matrix;
+    cairo_get_matrix(context, &matrix);
+    if (cairo_matrix_invert(&matrix) != CAIRO_STATUS_SUCCESS) return false;
+    cairo_matrix_multiply(&matrix, &matrix, &toPattern);
+    return std::ranges::all_of(std::array{matrix.xx, matrix.yx, matrix.xy, matrix.yy, matrix.x0, matrix.y0},
+                               [](double number) { return std::abs(number) < farthest; });
+}
+
 bool SetRadial(cairo_t* context, const MPaint& paint, Stops stops) {
     const auto& [x0, y0, r0, x1, y1, r1] = paint.numbers;
     const Circles circles{x0, y0, r0, double{x1} - x0, double{y1} - y0, double{r1} - r0};
@@ -125,10 +146,15 @@ bool SetRadial(cairo_t* context, const MPaint& paint, Stops stops) {
     if (!AvoidNegativeRadii(circles, stops, paint.extend)) return false;
     const double first = stops.front().offset;
     const double last = LastOffset(stops);
-    const auto radius = [&](double t) { return std::max(circles.Radius(t), 0.0); };
+    const double scale = PixelScale(context);
+    cairo_matrix_t toPattern;
+    cairo_matrix_init_scale(&toPattern, scale, scale);
+    if (!IsInReach(context, toPattern)) return false;
+    const auto radius = [&](double t) { return std::max(circles.Radius(t), 0.0) * scale; };
     cairo_pattern_t* const pattern = cairo_pattern_create_radial(
-        circles.x + circles.dx * first, circles.y + circles.dy * first, radius(first),
-        circles.x + circles.dx * last, circles.y + circles.dy * last, radius(last));
+        (circles.x + circles.dx * first) * scale, (circles.y + circles.dy * first) * scale, radius(first),
+        (circles.x + circles.dx * last) * scale, (circles.y + circles.dy * last) * scale, radius(last));
+    cairo_pattern_set_matrix(pattern, &toPattern);
     return SetPattern(context, pattern, stops, paint.extend);
 }
 

@@ -10,7 +10,6 @@
 #include <QMenuBar>
 #include <QMimeData>
 #include <QWindow>
-
 #include <memory>
 
 namespace {
@@ -20,10 +19,12 @@ constexpr int settled = 150; // milliseconds without a new size, after which it 
 constexpr int frameKnown = 100; // milliseconds
 constexpr QSize smallestClient(240, 120);
 
-// The local path of the first file in what is dragged; empty if there is none.
+// The local path of the first file in what is dragged. Empty if there is none, and while a dialog works on the
+// font, which must not be replaced below it.
 QString FirstFile(const QMimeData& data) {
     const QList<QUrl> urls = data.urls();
-    return urls.isEmpty() ? QString() : urls.constFirst().toLocalFile();
+    if (urls.isEmpty() || QApplication::activeModalWidget()) return {};
+    return urls.constFirst().toLocalFile();
 }
 
 } // namespace
@@ -116,8 +117,8 @@ std::unique_ptr<MMainWindow> window;
 } // namespace
 
 WindowHandle OpenMainWindow(const MString& title, const Rect& frame) {
-    window = std::make_unique<MMainWindow>(ToQt(title),
-                                           QRect(frame.left, frame.top, frame.Width(), frame.Height()));
+    window =
+        std::make_unique<MMainWindow>(ToQt(title), QRect(frame.left, frame.top, frame.Width(), frame.Height()));
     window->show();
     return window->Handle();
 }
