@@ -167,9 +167,9 @@ bool HoldsAv1(std::span<const std::uint8_t> file) {
     // Of the type behind the name: the item's number takes two bytes or four, and a long size eight in front.
     constexpr std::size_t typeOffsets[] = {12, 14, 20, 22};
     for (auto rest = file;; rest = rest.subspan(entry.size())) {
-        const auto found = std::ranges::search(rest, entry);
-        if (found.empty()) return false;
-        rest = rest.subspan(static_cast<std::size_t>(found.begin() - rest.begin()));
+        const auto found = std::search(rest.begin(), rest.end(), entry.begin(), entry.end());
+        if (found == rest.end()) return false;
+        rest = rest.subspan(static_cast<std::size_t>(found - rest.begin()));
         for (const std::size_t offset : typeOffsets) {
             if (offset < rest.size() && StartsWith(rest.subspan(offset), "av01")) {
                 ReportCodec("HEIF", "AV1 pictures are not read");

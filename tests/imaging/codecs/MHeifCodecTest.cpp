@@ -130,7 +130,8 @@ TEST(HeifCodec, TheBrandOfAnyCodingIsTaken) {
 
 TEST(HeifCodec, Av1IsNotDecoded) {
     Bytes file = Encoded("HEIF", SmoothPicture(32, 32, FormatRGB8));
-    const auto entry = std::ranges::search(file, std::string_view("infe")).begin();
+    constexpr std::string_view name = "infe";
+    const auto entry = std::search(file.begin(), file.end(), name.begin(), name.end());
     ASSERT_EQ(std::string(entry + 12, entry + 16), "hvc1");
     std::ranges::copy(std::string_view("av01"), entry + 12);
     EXPECT_EQ(Refusals(file, u"AV1"), 1);

@@ -188,9 +188,12 @@ TEST(EveryForm, EnormousByHeader) {
     SetDebugSink([](std::u16string_view message) { messages.emplace_back(message); });
     for (const auto& header : headers) {
         Bytes file = Sample(CodecNamed(header.name));
-        auto at = std::ranges::search(file, header.mark).begin();
+        const auto after = [&](Bytes::iterator place) {
+            return std::search(place, file.end(), header.mark.begin(), header.mark.end());
+        };
+        auto at = after(file.begin());
         ASSERT_NE(at, file.end()) << header.name;
-        for (; at != file.end(); at = std::search(at + 1, file.end(), header.mark.begin(), header.mark.end())) {
+        for (; at != file.end(); at = after(at + 1)) {
             for (const std::size_t offset : header.offsets) {
                 for (std::size_t i = 0; i < header.bytes; ++i) {
                     const std::size_t place = offset + (header.bigEndian ? header.bytes - 1 - i : i);
