@@ -88,9 +88,12 @@ struct MPixel {
 };
 
 // value * 255 (65535), truncated toward zero and clamped; 0 for what is not a number.
-inline std::uint8_t ToByte(Imath::half value) {
-    const float scaled = static_cast<float>(value) * 255.0F;
+inline std::uint8_t ToByte(float value) {
+    const float scaled = value * 255.0F;
     return static_cast<std::uint8_t>(scaled > 0.0F ? ToInteger(std::min(scaled, 255.0F)) : 0);
+}
+inline std::uint8_t ToByte(Imath::half value) {
+    return ToByte(static_cast<float>(value));
 }
 
 inline std::uint16_t ToWord(Imath::half value) {

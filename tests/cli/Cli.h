@@ -2,6 +2,7 @@
 #pragma once
 
 #include "TemporaryFolder.h"
+#include "imaging/Pictures.h"
 
 #include <nlohmann/json.hpp>
 #include <sys/wait.h>
@@ -32,6 +33,8 @@ public:
         Run(arguments + " --info");
         return nlohmann::json::parse(out, nullptr, false);
     }
+
+    OwnedPicture Picture(const char* file) const { return {MPicture(folder.File(file))}; }
 
     bool Has(const char* file) const { return std::filesystem::exists(folder.path / file); }
 };

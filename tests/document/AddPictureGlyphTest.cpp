@@ -1,4 +1,5 @@
 #include "DocumentFixture.h"
+#include "imaging/Pictures.h"
 
 #include <algorithm>
 #include <random>
@@ -54,8 +55,8 @@ TEST_F(AddPictureGlyphTest, ResamplesByPointSets) {
     for (const MPixelFormat format : {FormatRGBA8, FormatRGB8, FormatR16, FormatRGBAHalf}) {
         for (int round = 0; round < 25; ++round) {
             const auto pick = [&](unsigned most) { return static_cast<std::int32_t>(random() % most); };
-            MPicture picture(static_cast<std::uint32_t>(1 + pick(90)),
-                             static_cast<std::uint32_t>(1 + pick(200)), format);
+            OwnedPicture picture = BlankPicture(static_cast<std::uint32_t>(1 + pick(90)),
+                                                static_cast<std::uint32_t>(1 + pick(200)), format);
             FillWithNoise(picture, static_cast<unsigned>(round));
             settings.GlyphHeight = 1 + pick(60);
             settings.PaddingTop = pick(20);
@@ -71,20 +72,18 @@ TEST_F(AddPictureGlyphTest, ResamplesByPointSets) {
                 for (std::int32_t x = 0; x < glyph.Width; ++x)
                     ASSERT_EQ(glyph.GetPixel(x, y), PlainPixel(picture, glyph, x, y));
             }
-            picture.Free();
         }
     }
 }
 
 TEST_F(AddPictureGlyphTest, ExactSizeIsCopiedAndPaddingStaysTransparent) {
-    MPicture picture(50, 100, FormatRGBA8);
+    OwnedPicture picture = BlankPicture(50, 100, FormatRGBA8);
     FillWithNoise(picture, 1);
     ASSERT_TRUE(font.AddPictureGlyph(u'x', picture, 0, 0, false));
     for (std::int32_t i = 0; i < 50; ++i)
         EXPECT_EQ(font.GetGlyph(u'x')->GetPixel(i, 2 * i), picture.GetPixel(i, 2 * i));
-    picture.Free();
 
-    picture = MPicture(100, 100, FormatRGB8);
+    picture = BlankPicture(100, 100, FormatRGB8);
     picture.Fill(MColour(9, 9, 9));
     settings.GlyphHeight = 60;
     settings.PaddingTop = settings.PaddingBottom = 10;
@@ -95,12 +94,10 @@ TEST_F(AddPictureGlyphTest, ExactSizeIsCopiedAndPaddingStaysTransparent) {
         EXPECT_EQ(glyph.GetPixel(25, y).a, 0) << y;
     for (const std::int32_t y : {4, 54})
         EXPECT_NE(glyph.GetPixel(25, y).a, 0) << y;
-    picture.Free();
 }
 
 TEST_F(AddPictureGlyphTest, LetterAIsMeasuredOnTheSource) {
-    MPicture picture(10, 40, FormatRGBA8);
-    picture.Fill(MColour(0, 0, 0, 0));
+    OwnedPicture picture = BlankPicture(10, 40, FormatRGBA8);
     for (std::int32_t y = 5; y < 30; ++y)
         picture.SetPixel(3, y, MColour(1, 1, 1));
     font.CapHeight = font.Baseline = 999;
@@ -109,11 +106,10 @@ TEST_F(AddPictureGlyphTest, LetterAIsMeasuredOnTheSource) {
     ASSERT_TRUE(font.AddPictureGlyph(u'A', picture, 0, 0, true));
     EXPECT_EQ(std::pair(font.CapHeight, font.Baseline), std::pair(25, 10));
     EXPECT_LT(font.GetGlyph(u'A')->Width, 25); // trimmed
-    picture.Free();
 }
 
 TEST_F(AddPictureGlyphTest, WhatIsRefused) {
-    MPicture picture(10, 10, FormatRGBA8);
+    OwnedPicture picture = BlankPicture(10, 10, FormatRGBA8);
     picture.Fill(MColour(1, 1, 1));
     settings.PaddingTop = -1;
     EXPECT_FALSE(font.AddPictureGlyph(u'x', picture, 0, 0, false));
@@ -129,7 +125,6 @@ TEST_F(AddPictureGlyphTest, WhatIsRefused) {
     for (char16_t c = 1; c < 223; ++c)
         AddGlyph(font, static_cast<char16_t>(1000 + c), 1, 1);
     EXPECT_FALSE(font.AddPictureGlyph(u'y', picture, 0, 0, false));
-    picture.Free();
 }
 
 } // namespace

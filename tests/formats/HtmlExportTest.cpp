@@ -1,6 +1,4 @@
-#include "DocumentFixture.h"
-#include "TemporaryFolder.h"
-#include "Text.h"
+#include "formats/FontFile.h"
 #include "formats/WebFont.h"
 #include "foundation/MFolders.h"
 
@@ -10,11 +8,8 @@ namespace {
 
 constexpr const char* product = "https://northbank-softworks.example/lettrino";
 
-class HtmlExportTest : public DocumentTest {
+class HtmlExportTest : public FontFileTest {
 protected:
-    TemporaryFolder folder;
-    MColourFont font{AnyWindow()};
-
     HtmlExportTest() {
         settings.GlyphHeight = 100;
         font.Baseline = 20;

@@ -1,9 +1,8 @@
 #include "formats/LetterCubes.h"
 
-#include "DocumentFixture.h"
-#include "TemporaryFolder.h"
-#include "Text.h"
+#include "formats/FontFile.h"
 #include "foundation/MFolders.h"
+#include "imaging/Pictures.h"
 
 #include <algorithm>
 #include <string>
@@ -58,11 +57,8 @@ TEST(LetterCubes, NoMoreThanAHundred) {
     EXPECT_EQ(result.cubes.size(), 100U);
 }
 
-class LetterCubesExportTest : public DocumentTest {
+class LetterCubesExportTest : public FontFileTest {
 protected:
-    TemporaryFolder folder;
-    MColourFont font{AnyWindow()};
-
     LetterCubesExportTest() {
         settings.LetterCubesNames = "Bo";
         settings.BackgroundColour = MColour(200, 100, 51);
@@ -134,15 +130,8 @@ TEST_F(LetterCubesExportTest, TheNetPixelForPixel) {
     ASSERT_TRUE(font.ExportLetterCubes(folder.File("cube.png")));
     // The turn of the spare letters goes on from cube to cube.
     for (const auto& [file, cube] : {std::pair("cube1.png", "BCDEFG"), std::pair("cube2.png", "OHIJKL")}) {
-        MPicture saved(folder.File(file));
-        MPicture plain = PlainNet(cube);
-        ASSERT_TRUE(saved.IsValid() && plain.IsValid());
-        ASSERT_EQ(std::pair(saved.Width, saved.Height), std::pair(plain.Width, plain.Height));
-        EXPECT_TRUE(
-            std::equal(saved.Pixels, saved.Pixels + std::size_t{saved.Stride} * saved.Height, plain.Pixels))
+        EXPECT_TRUE(SamePicture(OwnedPicture(MPicture(folder.File(file))), OwnedPicture(PlainNet(cube))))
             << file;
-        saved.Free();
-        plain.Free();
     }
     EXPECT_FALSE(FileExists(folder.File("cube3.png")));
 }

@@ -1,9 +1,7 @@
 #include "formats/MPhotofontImporter.h"
 
-#include "DocumentFixture.h"
-#include "TemporaryFolder.h"
-#include "Text.h"
 #include "formats/Base64.h"
+#include "formats/FontFile.h"
 
 #include <glib.h>
 
@@ -22,17 +20,15 @@ struct Glyph {
     int baseX, baseY, deltaX;
 };
 
-std::string ReplaceAll(std::string text, const std::string& find, const std::string& with) {
-    for (std::size_t at = 0; (at = text.find(find, at)) != std::string::npos; at += with.size())
-        text.replace(at, find.size(), with);
+std::string Base64Of(const std::string& bytes) {
+    gchar* const encoded = g_base64_encode(reinterpret_cast<const guchar*>(bytes.data()), bytes.size());
+    const std::string text(encoded);
+    g_free(encoded);
     return text;
 }
 
-class PhotofontTest : public DocumentTest {
+class PhotofontTest : public FontFileTest {
 protected:
-    TemporaryFolder folder;
-    MColourFont font{AnyWindow()};
-
     PhotofontTest() { settings.Path(MPathKind::Temporary) = FromSystemPath(folder.path); }
 
     // A picture with ink in columns 2 to width - 3 of all rows, each row its own red, as base64 in 76 columns.
@@ -45,15 +41,10 @@ protected:
         }
         EXPECT_TRUE(picture.Save(folder.File("payload.png")));
         picture.Free();
-        const std::string bytes = folder.Read("payload.png");
-        gchar* const encoded = g_base64_encode(reinterpret_cast<const guchar*>(bytes.data()), bytes.size());
-        std::string lines;
-        for (std::size_t i = 0; encoded[i]; ++i) {
-            lines += encoded[i];
-            if (i % 76 == 75) lines += '\n';
-        }
-        g_free(encoded);
-        return lines + "\n";
+        std::string lines = Base64Of(folder.Read("payload.png")) + "\n";
+        for (std::size_t at = 76; at < lines.size(); at += 77)
+            lines.insert(at, 1, '\n');
+        return lines;
     }
 
     std::string Head(const std::vector<Glyph>& glyphs, const std::string& pairs) const {
@@ -117,15 +108,13 @@ TEST_F(PhotofontTest, PlacesGlyphsOnOneBaseline) {
               std::tuple(21, 1, 9, 0));
     const MGlyph& a = *font.GetGlyph(u'A');
     const MGlyph& g = *font.GetGlyph(u'g');
-    EXPECT_EQ(std::tuple(a.Width, a.Height, a.SpacingBefore, a.SpacingAfter),
-              std::tuple(8, 21, 1, 13 - 12 + 2 + 1));
-    EXPECT_EQ(std::tuple(g.Width, g.SpacingBefore, g.SpacingAfter), std::tuple(6, 2, 3));
+    EXPECT_EQ(NumbersOf(a), std::tuple(8, 21, 1, 13 - 12 + 2 + 1));
+    EXPECT_EQ(NumbersOf(g), std::tuple(6, 21, 2, 3));
     EXPECT_EQ(a.GetPixel(0, 14).r, 14);
     EXPECT_EQ(a.GetPixel(0, 20).a, 0);
     EXPECT_EQ(g.GetPixel(0, 4).a, 0);
     EXPECT_EQ(g.GetPixel(0, 14).r, 9);
-    EXPECT_EQ(std::vector(font.Kerning.begin(), font.Kerning.end()),
-              (std::vector<MKerningPair>{{'A', 'g', -5}}));
+    EXPECT_EQ(Pairs(), (std::vector<MKerningPair>{{'A', 'g', -5}}));
     EXPECT_EQ(Headless::record.progressPercents.back(), 66);
 }
 
@@ -227,11 +216,9 @@ TEST(Base64, EveryLengthAndPadding) {
         std::string bytes;
         for (std::size_t i = 0; i < length; ++i)
             bytes += static_cast<char>(i * 37 + length);
-        gchar* const encoded = g_base64_encode(reinterpret_cast<const guchar*>(bytes.data()), bytes.size());
-        const auto decoded = DecodeBase64(encoded);
+        const auto decoded = DecodeBase64(Base64Of(bytes));
         ASSERT_TRUE(decoded);
         EXPECT_EQ(std::string(decoded->begin(), decoded->end()), bytes);
-        g_free(encoded);
     }
     EXPECT_FALSE(DecodeBase64(""));
     EXPECT_FALSE(DecodeBase64("A"));

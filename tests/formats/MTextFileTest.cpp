@@ -44,43 +44,31 @@ protected:
     }
 };
 
+void Put(MTextFile& file, const char* text) {
+    file.WriteString(text);
+}
+void Put(MTextFile& file, int number) {
+    file.WriteInt(number);
+}
+void Put(MTextFile& file, bool flag) {
+    file.WriteBool(flag);
+}
+
 TEST_F(TextFileTest, WritesFieldsByTheirRules) {
-    const auto line = [&](auto write) {
+    const auto line = [&](auto... fields) {
         return Written(MTextEncoding::Ansi, [&](MTextFile& file) {
-            write(file);
+            (Put(file, fields), ...);
             file.EndLine();
         });
     };
-    EXPECT_EQ(line([](MTextFile& f) {
-                  f.WriteString("A");
-                  f.WriteInt(-3);
-                  f.WriteBool(true);
-              }),
-              "A\t-3\tY\r\n");
-    EXPECT_EQ(line([](MTextFile& f) {
-                  f.WriteString("");
-                  f.WriteInt(1);
-              }),
-              "\t\"\"\t1\r\n");
-    EXPECT_EQ(line([](MTextFile& f) {
-                  f.WriteInt(1);
-                  f.WriteString("");
-              }),
-              "1\t\"\"\r\n");
-    EXPECT_EQ(line([](MTextFile& f) {
-                  f.WriteInt(1);
-                  f.WriteString("\t");
-                  f.WriteInt(2);
-              }),
-              "1\t\t2\r\n");
-    EXPECT_EQ(line([](MTextFile& f) {
-                  f.WriteString("a b");
-                  f.WriteString("a\tb");
-              }),
-              "\"a b\"\t\"a\tb\"\r\n");
-    EXPECT_EQ(line([](MTextFile& f) { f.WriteString("\"<&"); }), "&#34;<&\r\n");
-    EXPECT_EQ(line([](MTextFile& f) { f.WriteString("a\r\nb\nc\rd"); }), "\"a<br />b<br />c<br />d\"\r\n");
-    EXPECT_EQ(line([](MTextFile&) {}), "\r\n");
+    EXPECT_EQ(line("A", -3, true), "A\t-3\tY\r\n");
+    EXPECT_EQ(line("", 1), "\t\"\"\t1\r\n");
+    EXPECT_EQ(line(1, ""), "1\t\"\"\r\n");
+    EXPECT_EQ(line(1, "\t", 2), "1\t\t2\r\n");
+    EXPECT_EQ(line("a b", "a\tb"), "\"a b\"\t\"a\tb\"\r\n");
+    EXPECT_EQ(line("\"<&"), "&#34;<&\r\n");
+    EXPECT_EQ(line("a\r\nb\nc\rd"), "\"a<br />b<br />c<br />d\"\r\n");
+    EXPECT_EQ(line(), "\r\n");
     EXPECT_EQ(Written(MTextEncoding::Ansi,
                       [](MTextFile& f) {
                           f.WriteInt(1);

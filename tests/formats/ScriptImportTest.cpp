@@ -1,6 +1,4 @@
-#include "DocumentFixture.h"
-#include "TemporaryFolder.h"
-#include "Text.h"
+#include "formats/FontFile.h"
 #include "formats/WebFont.h"
 #include "foundation/MFolders.h"
 
@@ -11,24 +9,13 @@
 
 namespace {
 
-class ScriptImportTest : public DocumentTest {
+class ScriptImportTest : public FontFileTest {
 protected:
-    TemporaryFolder folder;
-    MColourFont font{AnyWindow()};
-
-    // A script of these lines over a picture of 4 x 4 pixels, whose red is x and green y.
+    // A script of these lines over the grid.
     MString WriteScript(const std::string& lines, const std::string& header = Narrow(ScriptHeader())) {
-        MPicture picture(4, 4, FormatRGBA8);
-        for (std::int32_t y = 0; y < 4; ++y) {
-            for (std::int32_t x = 0; x < 4; ++x)
-                picture.SetPixel(x, y, {static_cast<std::uint8_t>(x), static_cast<std::uint8_t>(y), 0});
-        }
-        EXPECT_TRUE(picture.Save(folder.File("f.png")));
-        picture.Free();
+        SaveGrid("f.png");
         return folder.Write("f.js", header + "\r\n\r\n" + lines);
     }
-
-    std::vector<MKerningPair> Pairs() const { return {font.Kerning.begin(), font.Kerning.end()}; }
 };
 
 TEST_F(ScriptImportTest, AnExportComesBackButForItsSpace) {
@@ -50,21 +37,7 @@ TEST_F(ScriptImportTest, AnExportComesBackButForItsSpace) {
     ASSERT_TRUE(loaded.ImportJavascript(folder.File("f.js")));
     EXPECT_EQ(std::tuple(settings.GlyphHeight, loaded.Baseline, loaded.CapHeight), std::tuple(9, 2, 7));
     EXPECT_EQ(loaded.SpaceWidth, 20); // its own: the exported line has no brackets
-    EXPECT_EQ(loaded.GlyphCount(), 3);
-    for (const auto& slot : font.Glyphs) {
-        if (!slot) continue;
-        const MGlyph* const glyph = loaded.GetGlyph(slot->Character);
-        ASSERT_TRUE(glyph && glyph->Width == slot->Width && glyph->SpacingBefore == -4 &&
-                    glyph->SpacingAfter == 2);
-        for (std::int32_t y = 0; y < 9; ++y) {
-            for (std::int32_t x = 0; x < slot->Width; ++x) {
-                ASSERT_EQ(glyph->GetPixel(x, y).a, slot->GetPixel(x, y).a);
-                if (slot->GetPixel(x, y).a != 0) {
-                    ASSERT_EQ(glyph->GetPixel(x, y), slot->GetPixel(x, y));
-                }
-            }
-        }
-    }
+    ExpectSameGlyphs(font, loaded);
     EXPECT_TRUE(
         std::ranges::equal(loaded.Kerning, std::vector<MKerningPair>{{'A', 0x20AC, -3}, {'A', 'A', 2}}));
 }
@@ -78,8 +51,7 @@ TEST_F(ScriptImportTest, NumbersAreOneFlatList) {
     EXPECT_EQ(font.SpaceWidth, 5);
     EXPECT_EQ(font.Baseline, 0);
     const MGlyph& glyph = *font.GetGlyph(u'A');
-    EXPECT_EQ(std::tuple(glyph.Width, glyph.Height, glyph.SpacingBefore, glyph.SpacingAfter),
-              std::tuple(2, 1, -3, 4));
+    EXPECT_EQ(NumbersOf(glyph), std::tuple(2, 1, -3, 4));
     EXPECT_EQ(glyph.GetPixel(1, 0), MColour(2, 2, 0));
     EXPECT_EQ(font.GetGlyph(u'B')->SpacingAfter, 0); // the number that is missing
     EXPECT_EQ(Pairs(), (std::vector<MKerningPair>{{'A', 'B', -7}, {'B', 'B', 9}}));
@@ -96,8 +68,7 @@ TEST_F(ScriptImportTest, ResolutionScalesTheGlyphsThatFollow) {
                                                   "x['Glyph']=[[66,3,1,5,1,-3,3]];\nx['CapHeight']=[9];\n")));
     const MGlyph& glyph = *font.GetGlyph(u'B');
     EXPECT_EQ(font.GetGlyph(u'A')->Width, 2);
-    EXPECT_EQ(std::tuple(glyph.Width, glyph.Height, glyph.SpacingBefore, glyph.SpacingAfter),
-              std::tuple(2, 2, -1, 1));
+    EXPECT_EQ(NumbersOf(glyph), std::tuple(2, 2, -1, 1));
     EXPECT_EQ(font.CapHeight, 9);
 }
 

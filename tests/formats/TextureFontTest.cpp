@@ -1,6 +1,4 @@
-#include "DocumentFixture.h"
-#include "TemporaryFolder.h"
-#include "Text.h"
+#include "formats/FontFile.h"
 #include "formats/MTextFile.h"
 #include "foundation/MMemory.h"
 
@@ -18,11 +16,8 @@ std::string Utf16(std::string_view text) {
     return bytes;
 }
 
-class TextureFontTest : public DocumentTest {
+class TextureFontTest : public FontFileTest {
 protected:
-    TemporaryFolder folder;
-    MColourFont font{AnyWindow()};
-
     void MakeFont(char16_t first, char16_t last) {
         font.Clear();
         for (char16_t c = first; c <= last; ++c) {
@@ -38,42 +33,9 @@ protected:
         ASSERT_TRUE(font.Repack());
     }
 
-    bool Reload(MColourFont& loaded, const char* name) {
-        settings.GlyphHeight = 0;
-        return loaded.Load(folder.File(name));
-    }
-
-    static void ExpectSameGlyphs(const MColourFont& a, const MColourFont& b) {
-        ASSERT_EQ(a.GlyphCount(), b.GlyphCount());
-        for (std::uint32_t i = 0; i < static_cast<std::uint32_t>(a.GlyphCount()); ++i) {
-            const MGlyph& x = *a.GetGlyphByIndex(i);
-            const MGlyph& y = *b.GetGlyphByIndex(i);
-            ASSERT_EQ(x.Character, y.Character);
-            ASSERT_EQ(std::tuple(x.Width, x.Height, x.SpacingBefore, x.SpacingAfter),
-                      std::tuple(y.Width, y.Height, y.SpacingBefore, y.SpacingAfter));
-            for (std::int32_t row = 0; row < x.Height; ++row) {
-                for (std::int32_t column = 0; column < x.Width; ++column) {
-                    const MColour p = x.GetPixel(column, row);
-                    const MColour q = y.GetPixel(column, row);
-                    // Saving gives invisible pixels the colour of their neighbours.
-                    ASSERT_EQ(p.a, q.a);
-                    if (p.a != 0) {
-                        ASSERT_EQ(p, q);
-                    }
-                }
-            }
-        }
-    }
-
-    // A texture font of these records over a picture of 4 x 4 pixels, whose red is x and green y.
+    // A texture font of these records over the grid.
     MString WriteFont(std::string_view records, const char* header = "Showmarquee TextureFont 1.0\r\n") {
-        MPicture picture(4, 4, FormatRGBA8);
-        for (std::int32_t y = 0; y < 4; ++y) {
-            for (std::int32_t x = 0; x < 4; ++x)
-                picture.SetPixel(x, y, {static_cast<std::uint8_t>(x), static_cast<std::uint8_t>(y), 0});
-        }
-        EXPECT_TRUE(picture.Save(folder.File("f.png")));
-        picture.Free();
+        SaveGrid("f.png");
         return folder.Write("f.sm", header + std::string(records));
     }
 };
@@ -117,7 +79,8 @@ TEST_F(TextureFontTest, EveryCharacterComesBack) {
     ASSERT_TRUE(font.Repack());
     ASSERT_TRUE(font.Save(folder.File("f.sm")));
     MColourFont loaded(nullptr);
-    ASSERT_TRUE(Reload(loaded, "f.sm"));
+    settings.GlyphHeight = 0;
+    ASSERT_TRUE(loaded.Load(folder.File("f.sm")));
     ExpectSameGlyphs(font, loaded);
     EXPECT_EQ(settings.GlyphHeight, 20);
     EXPECT_EQ(std::tuple(loaded.Baseline, loaded.CapHeight, loaded.SpaceWidth), std::tuple(4, 13, 9));
@@ -167,8 +130,7 @@ TEST_F(TextureFontTest, APictureOfAnotherSizeScalesGlyphsAlone) {
                                    "CHA\tA\t3\t1\t5\t1\t-3\t3\r\nSPA\t9\r\nKER\tA\tA\t-9\r\n");
     ASSERT_TRUE(font.Load(path));
     const MGlyph& glyph = *font.GetGlyph(u'A');
-    EXPECT_EQ(std::tuple(glyph.Width, glyph.Height, glyph.SpacingBefore, glyph.SpacingAfter),
-              std::tuple(2, 2, -1, 1));
+    EXPECT_EQ(NumbersOf(glyph), std::tuple(2, 2, -1, 1));
     EXPECT_EQ(glyph.GetPixel(0, 0), MColour(1, 2, 0));
     EXPECT_EQ(std::tuple(settings.GlyphHeight, font.Baseline, font.CapHeight, font.SpaceWidth),
               std::tuple(9, 7, 5, 9));
@@ -196,8 +158,7 @@ TEST_F(TextureFontTest, LenientWithRecords) {
     EXPECT_FALSE(font.GetGlyph(u'B')->Picture.IsValid());
     EXPECT_EQ(font.GetGlyph(u'C')->SpacingAfter, 5);
     EXPECT_NE(font.GetGlyph(u'?'), nullptr); // what an empty character reads as
-    const std::vector<MKerningPair> pairs{{'A', 'C', -1}, {'A', '?', 0}, {'?', 'A', 3}};
-    EXPECT_TRUE(std::ranges::equal(font.Kerning, pairs));
+    EXPECT_EQ(Pairs(), (std::vector<MKerningPair>{{'A', 'C', -1}, {'A', '?', 0}, {'?', 'A', 3}}));
 }
 
 TEST_F(TextureFontTest, HeadersThatAreWrong) {

@@ -3,11 +3,13 @@
 #include "TemporaryFolder.h"
 #include "glyphs/MWindowSurface.h"
 #include "glyphs/Pixels.h"
+#include "imaging/Pictures.h"
 #include "platform/headless/Headless.h"
 
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <tuple>
 
 namespace {
 
@@ -21,8 +23,9 @@ Desktop::WindowHandle SomeWindow() {
     return reinterpret_cast<Desktop::WindowHandle>(&window);
 }
 
-MPicture Filled(std::uint32_t width, std::uint32_t height, MColour colour, MPixelFormat format = FormatRGBA8) {
-    MPicture picture(width, height, format);
+OwnedPicture Filled(std::uint32_t width, std::uint32_t height, MColour colour,
+                    MPixelFormat format = FormatRGBA8) {
+    OwnedPicture picture = BlankPicture(width, height, format);
     picture.Fill(colour);
     return picture;
 }
@@ -78,12 +81,15 @@ TEST_F(Direct2DSurface, CachesHoldUntilSomethingChanges) {
     surface.DrawLine({0, 0}, {5, 5}, 1, red, false);
     EXPECT_TRUE(surface.strokeStyle);
 
+    // Whether the format is made anew.
     const auto keyAfter = [&](float size, std::int32_t weight, bool italic, std::int32_t across, bool wrap) {
-        const MTextFormatKey before = surface.textFormatKey;
+        const auto key = [&] {
+            const MTextFormatKey& k = surface.textFormatKey;
+            return std::tuple(k.size, k.weight, k.italic, k.textAlignment, k.wrap);
+        };
+        const auto before = key();
         surface.DrawText(all, "C", family, size, weight, italic, black, across, -1, false, false, false, wrap);
-        const MTextFormatKey& after = surface.textFormatKey;
-        return before.size != after.size || before.weight != after.weight || before.italic != after.italic ||
-               before.textAlignment != after.textAlignment || before.wrap != after.wrap;
+        return key() != before;
     };
     EXPECT_TRUE(keyAfter(38, 400, false, -1, true));
     EXPECT_TRUE(keyAfter(38, 700, false, -1, true));
@@ -203,14 +209,13 @@ TEST_F(Direct2DSurface, CoordinatesOfTheWindowAreMapped) {
     part.Clear(black);
     part.DrawRectangle({10, 10, 15, 12}, red, true, 0, false);
     EXPECT_EQ(painted(), (Desktop::Rect{10, 10, 15, 12}));
-    MPicture picture = Filled(4, 3, red);
+    OwnedPicture picture = Filled(4, 3, red);
     part.Clear(black);
     part.DrawPictureAt(picture, 120, 70, true);
     EXPECT_EQ(painted(), (Desktop::Rect{20, 20, 24, 23}));
     part.Clear(black);
     part.DrawPictureFitted(picture, {100, 50, 160, 90}, true);
     EXPECT_EQ(painted(), (Desktop::Rect{28, 18, 32, 21}));
-    picture.Free();
 }
 
 TEST_F(Direct2DSurface, PicturesAreCentredAndNeverEnlarged) {
@@ -227,9 +232,8 @@ TEST_F(Direct2DSurface, PicturesAreCentredAndNeverEnlarged) {
           Case{200, 100, {10, 10, 60, 60}, {10, 22, 60, 47}}, Case{100, 200, {0, 0, 50, 50}, {12, 0, 37, 50}},
           Case{30, 300, {20, 0, 60, 33}, {38, 0, 41, 32}}, Case{7, 1, {0, 0, 5, 90}, {}}}) {
         surface.Clear(MColour(0, 0, 0, 0));
-        MPicture picture = Filled(c.width, c.height, red);
+        OwnedPicture picture = Filled(c.width, c.height, red);
         surface.DrawPictureFitted(picture, c.rectangle, false);
-        picture.Free();
         const Desktop::Rect ink = InkOf(bitmap);
         if (c.expected.IsEmpty()) {
             EXPECT_LT(ink.Width(), 0) << "less than a row is nothing";
@@ -242,27 +246,14 @@ TEST_F(Direct2DSurface, PicturesAreCentredAndNeverEnlarged) {
 }
 
 TEST_F(Direct2DSurface, PicturesComeOutToThePixel) {
-    MPicture picture(40, 30, FormatRGBA8);
-    for (std::int32_t y = 0; y < 30; ++y)
-        for (std::int32_t x = 0; x < 40; ++x)
-            picture.SetPixel(x, y,
-                             MColour(static_cast<std::uint8_t>(x * 6), static_cast<std::uint8_t>(y * 8), 77,
-                                     static_cast<std::uint8_t>(x * 255 / 39)));
+    const OwnedPicture picture = RandomPicture(40, 30, FormatRGBA8, 1);
     surface.Clear(MColour(0, 0, 0, 0));
     surface.DrawPictureAt(picture, 10, 20, false);
     const auto expectPremultiplied = [&](const MPicture& source, std::int32_t left, std::int32_t top) {
-        for (std::uint32_t y = 0; y < source.Height; ++y) {
-            for (std::uint32_t x = 0; x < source.Width; ++x) {
-                MColour colour = source.GetPixel(static_cast<std::int32_t>(x), static_cast<std::int32_t>(y));
-                if (colour.a < 255)
-                    colour = MColour(static_cast<std::uint8_t>(colour.r * colour.a >> 8),
-                                     static_cast<std::uint8_t>(colour.g * colour.a >> 8),
-                                     static_cast<std::uint8_t>(colour.b * colour.a >> 8), colour.a);
-                ASSERT_EQ(
-                    PixelAt(bitmap, left + static_cast<std::int32_t>(x), top + static_cast<std::int32_t>(y)),
-                    colour)
-                    << x << ", " << y;
-            }
+        const OwnedPicture expected(source.CreateWicBitmap());
+        for (std::int32_t y = 0; y < static_cast<std::int32_t>(source.Height); ++y) {
+            for (std::int32_t x = 0; x < static_cast<std::int32_t>(source.Width); ++x)
+                ASSERT_EQ(PixelAt(bitmap, left + x, top + y), expected.GetPixel(x, y)) << x << ", " << y;
         }
     };
     expectPremultiplied(picture, 10, 20);
@@ -270,30 +261,25 @@ TEST_F(Direct2DSurface, PicturesComeOutToThePixel) {
     // A picture that must shrink is what smooth scaling makes of it.
     surface.Clear(MColour(0, 0, 0, 0));
     surface.DrawPictureFitted(picture, {0, 0, 16, 90}, false);
-    MPicture smaller(picture, 16, 12, FormatRGBA8, true, false);
+    const OwnedPicture smaller(MPicture(picture, 16, 12, FormatRGBA8, true, false));
     expectPremultiplied(smaller, 0, 39);
-    smaller.Free();
-    picture.Free();
 
     // Over what is there already, and from a format without alpha.
     surface.Clear(white);
-    MPicture veil = Filled(10, 10, MColour(0, 0, 0, 128));
+    const OwnedPicture veil = Filled(10, 10, MColour(0, 0, 0, 128));
     surface.DrawPictureAt(veil, 0, 0, false);
     EXPECT_EQ(PixelAt(bitmap, 5, 5), MColour(127, 127, 127));
-    veil.Free();
-    MPicture grey = Filled(10, 10, MColour(90, 120, 150), FormatRGB8);
+    const OwnedPicture grey = Filled(10, 10, MColour(90, 120, 150), FormatRGB8);
     surface.DrawPictureAt(grey, 0, 0, false);
     EXPECT_EQ(PixelAt(bitmap, 5, 5), MColour(90, 120, 150));
-    grey.Free();
     surface.DrawPictureAt(MPicture(), 0, 0, false);
     surface.DrawPictureAt(grey, INT32_MAX, INT32_MIN, true);
 }
 
 TEST_F(Direct2DSurface, PictureFiles) {
     const TemporaryFolder folder;
-    MPicture picture = Filled(10, 10, red);
+    OwnedPicture picture = Filled(10, 10, red);
     ASSERT_TRUE(picture.Save(folder.File("red.png")));
-    picture.Free();
     surface.DrawPictureFile(folder.File("red.png"), {0, 0, 30, 30}, true);
     EXPECT_EQ(InkOf(bitmap), (Desktop::Rect{10, 10, 20, 20}));
     surface.Clear(MColour(0, 0, 0, 0));
@@ -317,7 +303,7 @@ TEST(Direct2DSurfaces, InvalidOnesDoNothing) {
     EXPECT_FALSE(onEmpty.valid);
     EXPECT_FALSE(onHuge.valid);
     EXPECT_TRUE(onNoWindow.valid) << "without a window there is just nowhere to draw";
-    MPicture picture = Filled(2, 2, red);
+    OwnedPicture picture = Filled(2, 2, red);
     Headless::Reset();
     for (MDirect2DSurface* surface : {&onNone, &onEmpty, &onHuge, &onNoWindow}) {
         EXPECT_EQ(surface->Begin(), surface->valid);
@@ -332,7 +318,6 @@ TEST(Direct2DSurfaces, InvalidOnesDoNothing) {
         surface->End();
     }
     EXPECT_TRUE(Headless::record.paintings.empty());
-    picture.Free();
 }
 
 TEST(WindowSurface, KeepsItsSurfaceWhileNothingChanges) {

@@ -23,15 +23,7 @@ protected:
                             std::int32_t alignment = -1) {
         surface.FillRectangle(all, white);
         surface.DrawText(rectangle, text, family, size, 400, false, black, alignment);
-        Desktop::Rect ink{200, 100, 0, 0};
-        for (std::int32_t y = 0; y < 100; ++y) {
-            for (std::int32_t x = 0; x < 200; ++x) {
-                if (PixelAt(*surface.bitmap, x, y) == white) continue;
-                ink = {std::min(ink.left, x), std::min(ink.top, y), std::max(ink.right, x + 1),
-                       std::max(ink.bottom, y + 1)};
-            }
-        }
-        return ink;
+        return InkOf(*surface.bitmap, white);
     }
 };
 

@@ -1,8 +1,7 @@
-#include "document/MColourFont.h"
-#include "document/MSettings.h"
+#include "DocumentFixture.h"
 #include "glyphs/MGlyphRenderer.h"
 #include "glyphs/Pixels.h"
-#include "platform/headless/Headless.h"
+#include "imaging/Pictures.h"
 #include "platform_text/FontFixture.h"
 #include "platform_text/PaintFont.h"
 
@@ -12,20 +11,15 @@
 
 namespace {
 
-class ColourGlyphs : public testing::Test {
+class ColourGlyphs : public DocumentTest {
 protected:
-    MSettings settings;
     AddedFonts added;
 
     ColourGlyphs() {
-        Settings = &settings;
         settings.ColourFont = true;
         settings.Colour = MColour(1, 2, 3);
         settings.GlyphHeight = 60;
     }
-    ~ColourGlyphs() override { Settings = nullptr; }
-    ColourGlyphs(const ColourGlyphs&) = delete;
-    ColourGlyphs& operator=(const ColourGlyphs&) = delete;
 };
 
 // "A" as red on blue, "B" without an outline but with paints, "C" plain; "I" and "j" plain, 700 and 900 units
@@ -65,10 +59,8 @@ TEST_F(ColourGlyphs, ComeInTheFontsOwnColours) {
     const auto b = renderer.RenderGlyph(u'B');
     const auto c = renderer.RenderGlyph(u'C');
     ASSERT_TRUE(a && b && c);
-    std::uint32_t top = 0;
-    std::uint32_t bottom = 0;
-    a->GetVerticalMargins(top, bottom);
-    const auto middle = static_cast<std::int32_t>((60 + top - bottom) / 2);
+    const MRows rows = RowsOf(*a);
+    const std::int32_t middle = (rows.top + rows.end) / 2;
     EXPECT_EQ(At(*a, 0.1, middle), MColour(0, 0, 255));
     EXPECT_EQ(At(*a, 0.5, middle), MColour(255, 0, 0));
     EXPECT_EQ(At(*a, 0.5, 0), MColour(0, 0, 0, 0));
@@ -121,15 +113,14 @@ TEST_F(ColourGlyphs, AreThoseOfTheWholeBitmap) {
             {-ink.a, renderer.verticalOffset, ink.b, 2 * renderer.fontHeight + renderer.verticalOffset},
             MString(std::u16string_view(&code, 1)), settings.FontName, h * 2.0F * renderer.colourSizeFactor,
             400, false, MColour(255, 255, 255), -1, -1, true, false, true, true);
-        MPicture whole = bitmap.ToPicture();
-        MPicture halved(whole, static_cast<std::uint32_t>(renderer.canvasWidth / 2),
-                        static_cast<std::uint32_t>(renderer.canvasHeight / 2), FormatRGBA8, true, false);
+        const OwnedPicture whole(bitmap.ToPicture());
+        const OwnedPicture halved(MPicture(whole, static_cast<std::uint32_t>(renderer.canvasWidth / 2),
+                                           static_cast<std::uint32_t>(renderer.canvasHeight / 2), FormatRGBA8,
+                                           true, false));
         for (std::int32_t y = 0; y < glyph->Height; ++y)
             for (std::int32_t x = 0; x < glyph->Width; ++x)
                 ASSERT_EQ(glyph->GetPixel(x, y), halved.GetPixel(x, y))
                     << int{code} << " at " << x << ", " << y;
-        halved.Free();
-        whole.Free();
     }
 }
 
@@ -143,10 +134,7 @@ TEST_F(ColourGlyphs, BitmapsAloneHaveWidthsToo) {
     EXPECT_GT(copyright->Width, nine->Width);
     EXPECT_GT(copyright->Width, 40);
     EXPECT_LT(copyright->Width, 90);
-    std::uint32_t top = 0;
-    std::uint32_t bottom = 0;
-    copyright->GetVerticalMargins(top, bottom);
-    EXPECT_GT(60 - top - bottom, 35U);
+    EXPECT_GT(RowsOf(*copyright).Count(), 35);
     EXPECT_EQ(renderer.RenderGlyph(u' '), nullptr);
     settings.ColourFont = false;
     MGlyphRenderer plain(nullptr);
@@ -159,33 +147,10 @@ TEST_F(ColourGlyphs, TheReferenceFamilyKeepsItsSize) {
     ASSERT_TRUE(added.Add("black.ttf", font.Build()));
     settings.FontName = "Arial Black";
     MGlyphRenderer renderer(nullptr);
-    EXPECT_EQ(renderer.colourSizeFactor, 1.0F);
-    EXPECT_EQ(renderer.verticalOffset, 0);
     const auto a = renderer.RenderGlyph(u'A');
     ASSERT_TRUE(a);
     // An em of twice the height on the canvas, so 0.7 of the height here; the outline's own cell is as high.
-    std::uint32_t top = 0;
-    std::uint32_t bottom = 0;
-    a->GetVerticalMargins(top, bottom);
-    EXPECT_EQ(60 - top - bottom, 42U);
-    EXPECT_EQ(bottom, 12U);
+    EXPECT_EQ(RowsOf(*a).Count(), 42);
+    EXPECT_EQ(RowsOf(*a).end, 60 - 12);
     EXPECT_EQ(a->Width, 42);
-}
-
-TEST_F(ColourGlyphs, ARunMakesThemAll) {
-    settings.FontName = "Liberation Serif";
-    settings.Selected.fill(1);
-    MColourFont font(nullptr);
-    ASSERT_TRUE(font.GenerateSelectedCharacters());
-    EXPECT_GE(font.GlyphCount(), 185);
-    EXPECT_GT(font.CapHeight, 20);
-    const MGlyph* const letter = font.GetGlyph(u'H');
-    ASSERT_TRUE(letter);
-    bool allWhite = true;
-    for (std::int32_t y = 0; y < letter->Height; ++y)
-        for (std::int32_t x = 0; x < letter->Width; ++x) {
-            const MColour colour = letter->GetPixel(x, y);
-            allWhite = allWhite && (colour.a == 0 || (colour.r == 255 && colour.g == 255 && colour.b == 255));
-        }
-    EXPECT_TRUE(allWhite);
 }

@@ -1,10 +1,9 @@
 #include "glyphs/MGlyphRenderer.h"
 
-#include "document/MColourFont.h"
-#include "document/MSettings.h"
+#include "DocumentFixture.h"
 #include "foundation/MMemory.h"
+#include "glyphs/Pixels.h"
 #include "glyphs/PlainRenderer.h"
-#include "platform/headless/Headless.h"
 #include "platform_text/FontFixture.h"
 
 #include <gtest/gtest.h>
@@ -13,19 +12,12 @@
 
 namespace {
 
-class GlyphRenderer : public testing::Test {
+class GlyphRenderer : public DocumentTest {
 protected:
-    MSettings settings;
-
     GlyphRenderer() {
-        Settings = &settings;
         settings.FontName = "Liberation Sans";
         settings.Colour = MColour(10, 20, 30);
-        Headless::Reset();
     }
-    ~GlyphRenderer() override { Settings = nullptr; }
-    GlyphRenderer(const GlyphRenderer&) = delete;
-    GlyphRenderer& operator=(const GlyphRenderer&) = delete;
 
     void SelectAll() { std::fill(settings.Selected.begin(), settings.Selected.end(), std::uint8_t{1}); }
 };
@@ -53,13 +45,6 @@ void ExpectSame(const MGlyph* actual, const PlainGlyph& expected) {
     const auto [at, other] = std::mismatch(expected.pixels.begin(), expected.pixels.end(), pixels);
     EXPECT_EQ(at, expected.pixels.end()) << "pixel " << at - expected.pixels.begin() << ": alpha "
                                          << int{other->a} << " instead of " << int{at->a};
-}
-
-int VisibleRows(const MGlyph& glyph) {
-    std::uint32_t top = 0;
-    std::uint32_t bottom = 0;
-    glyph.GetVerticalMargins(top, bottom);
-    return static_cast<int>(glyph.Picture.Height - top - bottom);
 }
 
 } // namespace
@@ -130,14 +115,8 @@ TEST_F(GlyphRenderer, AllFamiliesComeOutEquallyTall) {
         const auto capital = renderer.RenderGlyph(u'I');
         const auto small = renderer.RenderGlyph(u'j');
         ASSERT_TRUE(capital && small) << family;
-        std::uint32_t capitalTop = 0;
-        std::uint32_t smallTop = 0;
-        std::uint32_t bottom = 0;
-        capital->GetVerticalMargins(capitalTop, bottom);
-        small->GetVerticalMargins(smallTop, bottom);
-        const auto top = static_cast<int>(std::min(capitalTop, smallTop));
-        EXPECT_NEAR(top, ReferenceTop(300), 1) << family;
-        EXPECT_NEAR(299 - static_cast<int>(bottom), ReferenceBottom(300), 1) << family;
+        EXPECT_NEAR(std::min(RowsOf(*capital).top, RowsOf(*small).top), ReferenceTop(300), 1) << family;
+        EXPECT_NEAR(RowsOf(*small).end - 1, ReferenceBottom(300), 1) << family;
     }
 }
 
@@ -245,11 +224,9 @@ TEST_F(GlyphRenderer, RunFillsSlotsAndTakesMetricsFromA) {
     EXPECT_GE(font.GlyphCount(), 188);
     EXPECT_EQ(font.GetGlyph(0xA0), nullptr);
     ASSERT_TRUE(font.GetGlyph(u'A'));
-    std::uint32_t top = 0;
-    std::uint32_t bottom = 0;
-    font.GetGlyph(u'A')->GetVerticalMargins(top, bottom);
-    EXPECT_EQ(font.Baseline, static_cast<std::int32_t>(bottom));
-    EXPECT_EQ(font.CapHeight, VisibleRows(*font.GetGlyph(u'A')));
+    const MRows rows = RowsOf(*font.GetGlyph(u'A'));
+    EXPECT_EQ(font.Baseline, font.GetGlyph(u'A')->Height - rows.end);
+    EXPECT_EQ(font.CapHeight, rows.Count());
     EXPECT_GT(font.CapHeight, 40);
     EXPECT_TRUE(Headless::record.progressTexts.back().Equals(u"Creating characters..."));
     EXPECT_EQ(Headless::record.progressPercents.back(), 100);

@@ -3,6 +3,7 @@
 #include "DocumentFixture.h"
 #include "TemporaryFolder.h"
 #include "Text.h"
+#include "imaging/Pictures.h"
 
 #include <gtest/gtest.h>
 
@@ -63,10 +64,9 @@ protected:
     ChosenPictures() {
         for (const auto& [name, height] :
              {std::pair{"b.png", 30U}, {"c.png", 60U}, {"d.png", 15U}, {"f.png", 5U}}) {
-            MPicture picture(20, height, FormatRGBA8);
+            OwnedPicture picture = BlankPicture(20, height, FormatRGBA8);
             picture.Fill(MColour(1, 2, 3));
             picture.Save(folder.File(name));
-            picture.Free();
         }
         Choose("b.png", u'b');
     }

@@ -1,6 +1,7 @@
 // Looking at what was drawn.
 #pragma once
 
+#include "document/MGlyph.h"
 #include "glyphs/MSurfaceBitmap.h"
 #include "platform/Desktop.h"
 
@@ -29,15 +30,30 @@ inline std::ostream& operator<<(std::ostream& out, const Rect& r) {
 }
 } // namespace Desktop
 
-// Around all pixels that are not fully transparent; empty if there are none.
-inline Desktop::Rect InkOf(const MSurfaceBitmap& bitmap) {
+// Around all pixels that differ from the ground; empty if there are none.
+inline Desktop::Rect InkOf(const MSurfaceBitmap& bitmap, MColour ground = {0, 0, 0, 0}) {
     Desktop::Rect ink{bitmap.width, bitmap.height, 0, 0};
     for (std::int32_t y = 0; y < bitmap.height; ++y) {
         for (std::int32_t x = 0; x < bitmap.width; ++x) {
-            if (PixelAt(bitmap, x, y).a == 0) continue;
+            if (PixelAt(bitmap, x, y) == ground) continue;
             ink = {std::min(ink.left, x), std::min(ink.top, y), std::max(ink.right, x + 1),
                    std::max(ink.bottom, y + 1)};
         }
     }
     return ink;
+}
+
+// The inked rows of a glyph, from `top` up to but not including `end`.
+struct MRows {
+    std::int32_t top = 0;
+    std::int32_t end = 0;
+
+    std::int32_t Count() const { return end - top; }
+};
+
+inline MRows RowsOf(const MGlyph& glyph) {
+    std::uint32_t top = 0;
+    std::uint32_t bottom = 0;
+    glyph.GetVerticalMargins(top, bottom);
+    return {static_cast<std::int32_t>(top), static_cast<std::int32_t>(glyph.Picture.Height - bottom)};
 }

@@ -53,41 +53,23 @@ TEST(Pixel, ChangesClassChannelByChannel) {
     const MColour16 words{0xFFFF, 0x10FF, 0x0100, 0x8000};
     const MColourHalf halves(1.0F, 0.5F, 300.0F, -2.0F);
 
-    MPixel pixel(bytes, FormatRGBA8);
-    pixel.SetFormat(FormatRGBA16);
-    EXPECT_EQ(pixel.colour16, (MColour16{0xFF00, 0x1000, 0x0100, 0x8000}));
-
-    pixel = MPixel(bytes, FormatRGBA8);
-    pixel.SetFormat(FormatRHalf);
-    EXPECT_EQ(pixel.colourHalf, MColourHalf(255, 16, 1, 128));
-
-    pixel = MPixel(words, FormatRGB16);
-    pixel.SetFormat(FormatRGB8);
-    EXPECT_EQ(pixel.colour, MColour(255, 16, 1, 128));
-
-    pixel = MPixel(words, FormatRGB16);
-    pixel.SetFormat(FormatRGBHalf);
-    EXPECT_EQ(pixel.colourHalf, MColourHalf(256, 17, 1, 128)); // 65535 / 256 and 4351 / 256 round up in 11 bits
-
-    pixel = MPixel(halves, FormatRGBAHalf);
-    pixel.SetFormat(FormatRGBA8);
-    EXPECT_EQ(pixel.colour, MColour(255, 127, 255, 0));
-
-    pixel = MPixel(halves, FormatRGBAHalf);
-    pixel.SetFormat(FormatR16);
-    EXPECT_EQ(pixel.colour16, (MColour16{65535, 32767, 65535, 0}));
-}
-
-TEST(Pixel, KeepsItsValueWithinAClassAndFromNoFormat) {
-    MPixel pixel(MColour(1, 2, 3, 4), FormatRGBA8);
-    pixel.SetFormat(FormatR8);
-    EXPECT_EQ(pixel.format, FormatR8);
-    EXPECT_EQ(pixel.colour, MColour(1, 2, 3, 4));
-
-    MPixel none;
-    none.SetFormat(FormatRGBA16);
-    EXPECT_EQ(none.format, FormatRGBA16);
-    EXPECT_EQ(none.colour16, MColour16());
+    const auto changed = [](const auto& colour, MPixelFormat from, MPixelFormat to) {
+        MPixel pixel(colour, from);
+        pixel.SetFormat(to);
+        return pixel;
+    };
+    EXPECT_EQ(changed(bytes, FormatRGBA8, FormatRGBA16).colour16, (MColour16{0xFF00, 0x1000, 0x0100, 0x8000}));
+    EXPECT_EQ(changed(bytes, FormatRGBA8, FormatRHalf).colourHalf, MColourHalf(255, 16, 1, 128));
+    EXPECT_EQ(changed(words, FormatRGB16, FormatRGB8).colour, MColour(255, 16, 1, 128));
+    // 65535 / 256 and 4351 / 256 round up in 11 bits.
+    EXPECT_EQ(changed(words, FormatRGB16, FormatRGBHalf).colourHalf, MColourHalf(256, 17, 1, 128));
+    EXPECT_EQ(changed(halves, FormatRGBAHalf, FormatRGBA8).colour, MColour(255, 127, 255, 0));
+    EXPECT_EQ(changed(halves, FormatRGBAHalf, FormatR16).colour16, (MColour16{65535, 32767, 65535, 0}));
+    // Within a class, and from no format, only the format changes.
+    EXPECT_EQ(changed(bytes, FormatRGBA8, FormatR8).format, FormatR8);
+    EXPECT_EQ(changed(bytes, FormatRGBA8, FormatR8).colour, bytes);
+    EXPECT_EQ(changed(bytes, FormatNone, FormatRGBA16).format, FormatRGBA16);
+    EXPECT_EQ(changed(bytes, FormatNone, FormatRGBA16).colour16, MColour16());
 }
 
 TEST(Colour, Defaults) {

@@ -82,12 +82,7 @@ TEST(CopyPixels, EqualBlocksAreCopiedWithoutAskingForTheFormat) {
 TEST(CopyPixels, IntoAViewWithLongerRows) {
     const OwnedPicture source = RandomPicture(3, 4, FormatRGBA8, 5);
     std::vector<std::uint8_t> buffer(4 * 20, 0xEE);
-    MPicture view;
-    view.Width = 3;
-    view.Height = 4;
-    view.Format = FormatRGBA8;
-    view.Stride = 20;
-    view.Pixels = buffer.data();
+    MPicture view = ViewOf(buffer, 3, 4);
     EXPECT_TRUE(view.CopyPixels(source));
     EXPECT_TRUE(SamePicture(view, source));
     EXPECT_EQ(buffer[12], 0xEE);

@@ -8,6 +8,7 @@
 #include <memory>
 #include <ostream>
 #include <random>
+#include <vector>
 
 // A seeded generator of 32-bit numbers.
 class Random {
@@ -78,6 +79,17 @@ inline OwnedPicture RandomPicture(std::uint32_t width, std::uint32_t height, MPi
         }
     }
     return picture;
+}
+
+// A picture of format 7 whose rows divide the buffer, which stays the caller's.
+inline MPicture ViewOf(std::vector<std::uint8_t>& buffer, std::uint32_t width, std::uint32_t height) {
+    MPicture view;
+    view.Width = width;
+    view.Height = height;
+    view.Format = FormatRGBA8;
+    view.Stride = static_cast<std::uint32_t>(buffer.size() / height);
+    view.Pixels = buffer.data();
+    return view;
 }
 
 // Size, format and every byte of the rows.

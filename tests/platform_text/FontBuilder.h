@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <initializer_list>
 #include <map>
 #include <string>
 #include <vector>
@@ -25,6 +26,11 @@ public:
     }
     Bytes& U8(std::int64_t value) { return Number(value, 1); }
     Bytes& U16(std::int64_t value) { return Number(value, 2); }
+    Bytes& U16s(std::initializer_list<std::int64_t> values) {
+        for (const std::int64_t value : values)
+            U16(value);
+        return *this;
+    }
     Bytes& U24(std::int64_t value) { return Number(value, 3); }
     Bytes& U32(std::int64_t value) { return Number(value, 4); }
     Bytes& F2Dot14(double value) { return U16(std::llround(value * 16384)); }
@@ -151,27 +157,18 @@ private:
     }
 
     std::string Head() const {
-        Bytes head;
-        head.U32(0x00010000).U32(0x00010000).U32(0).U32(0x5F0F3CF5).U16(3).U16(unitsPerEm);
-        head.U32(0).U32(0).U32(0).U32(0).U16(-1000).U16(-1000).U16(2000).U16(2000);
-        head.U16(0).U16(8).U16(2).U16(1).U16(0);
-        return head;
+        return Bytes()
+            .U32(0x00010000)
+            .U32(0x00010000)
+            .U32(0)
+            .U32(0x5F0F3CF5)
+            .U16s({3, unitsPerEm, 0, 0, 0, 0, 0, 0, 0, 0, -1000, -1000, 2000, 2000, 0, 8, 2, 1, 0});
     }
     std::string Hhea() const {
-        Bytes hhea;
-        hhea.U32(0x00010000)
-            .U16(ascent)
-            .U16(-descent)
-            .U16(0)
-            .U16(2000)
-            .U16(0)
-            .U16(0)
-            .U16(2000)
-            .U16(1)
-            .U16(0)
-            .U16(0);
-        hhea.U32(0).U32(0).U16(0).U16(static_cast<int>(glyphs.size()));
-        return hhea;
+        return Bytes()
+            .U32(0x00010000)
+            .U16s({ascent, -descent, 0, 2000, 0, 0, 2000, 1, 0, 0, 0, 0, 0, 0, 0,
+                   static_cast<std::int64_t>(glyphs.size())});
     }
     std::string Hmtx() const {
         Bytes hmtx;
@@ -188,10 +185,9 @@ private:
         return hmtx;
     }
     std::string Maxp() const {
-        Bytes maxp;
-        maxp.U32(0x00010000).U16(static_cast<int>(glyphs.size())).U16(200).U16(8);
-        maxp.U16(0).U16(0).U16(2).U16(0).U16(0).U16(0).U16(0).U16(0).U16(0).U16(0).U16(0);
-        return maxp;
+        return Bytes()
+            .U32(0x00010000)
+            .U16s({static_cast<std::int64_t>(glyphs.size()), 200, 8, 0, 0, 2, 0, 0, 0, 0, 0, 0, 0, 0});
     }
     std::string Cmap() const {
         const auto segments = static_cast<int>(characters.size()) + 1;
@@ -231,23 +227,11 @@ private:
     }
     std::string Os2() const {
         Bytes os2;
-        os2.U16(4).U16(600).U16(400).U16(5).U16(0);
-        for (int i = 0; i < 11; ++i)
-            os2.U16(0);
-        for (int i = 0; i < 10; ++i)
-            os2.U8(0);
-        os2.U32(1).U32(0).U32(0).U32(0).Add("TEST").U16(0x40).U16(32).U16(0xFFFF);
-        os2.U16(ascent).U16(-descent).U16(0).U16(ascent).U16(descent);
-        os2.U32(1).U32(0).U16(500).U16(700).U16(0).U16(32).U16(1);
-        return os2;
+        os2.U16s({4, 600, 400, 5, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 1, 0, 0, 0, 0, 0, 0});
+        os2.Add("TEST").U16s({0x40, 32, 0xFFFF, ascent, -descent, 0, ascent, descent});
+        return os2.U16s({0, 1, 0, 0, 500, 700, 0, 32, 1});
     }
-    static std::string Post() {
-        Bytes post;
-        post.U32(0x00030000);
-        for (int i = 0; i < 7; ++i)
-            post.U32(0);
-        return post;
-    }
+    static std::string Post() { return Bytes().U16s({3, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0}); }
 };
 
 } // namespace fonts

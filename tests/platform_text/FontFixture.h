@@ -1,7 +1,7 @@
 // Fonts for tests: the installed ones by their files, and copies under another name.
 #pragma once
 
-#include "foundation/MUtf8.h"
+#include "Text.h"
 #include "platform/text/MSystemFonts.h"
 
 #include <fontconfig/fontconfig.h>
@@ -19,11 +19,6 @@ inline std::string FontPath(std::string_view name) {
     return "/usr/share/fonts/truetype/" + folder + std::string(name) + ".ttf";
 }
 
-inline void ReplaceAll(std::string& bytes, const std::string& from, const std::string& to) {
-    for (std::size_t at = 0; (at = bytes.find(from, at)) != std::string::npos; at += to.size())
-        bytes.replace(at, from.size(), to);
-}
-
 inline std::string Widened(std::string_view text) {
     std::string wide;
     for (const char c : text) {
@@ -36,10 +31,8 @@ inline std::string Widened(std::string_view text) {
 // A font file's bytes with one name in place of another of the same length.
 inline std::string Renamed(const std::string& file, std::string_view from, std::string_view to) {
     std::ifstream in(file, std::ios::binary);
-    std::string bytes{std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
-    ReplaceAll(bytes, std::string(from), std::string(to));
-    ReplaceAll(bytes, Widened(from), Widened(to));
-    return bytes;
+    const std::string bytes{std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+    return ReplaceAll(ReplaceAll(bytes, from, to), Widened(from), Widened(to));
 }
 
 // The number of `size` bytes, most significant first, that stands at `at`.

@@ -1,7 +1,7 @@
 #include "platform/text/MGlyphPainter.h"
 
 #include "TemporaryFolder.h"
-#include "imaging/MPicture.h"
+#include "imaging/Pictures.h"
 #include "platform/text/MPaintTreePainter.h"
 #include "platform/text/MSystemFonts.h"
 #include "platform_text/FontFixture.h"
@@ -79,9 +79,7 @@ fonts::Font OneBox() {
 std::string SvgTable(const std::string& shape) {
     const std::string document =
         "<svg xmlns='http://www.w3.org/2000/svg'><g id='glyph1'>" + shape + "</g></svg>";
-    fonts::Bytes table;
-    table.U16(0).U32(10).U32(0).U16(1).U16(1).U16(1).U32(14).U32(static_cast<std::int64_t>(document.size()));
-    return table.Add(document);
+    return fonts::SvgTable(document, 1, 1);
 }
 
 void AddPaint(fonts::Font& font, const fonts::Bytes& paint) {
@@ -95,13 +93,10 @@ void AddPaint(fonts::Font& font, const fonts::Bytes& paint) {
 // A PNG of 20 by 20 pixels.
 std::string Png(MColour colour) {
     const TemporaryFolder folder;
-    const MString path = folder.File("bitmap.png");
-    MPicture picture(20, 20, FormatRGBA8);
+    OwnedPicture picture = BlankPicture(20, 20, FormatRGBA8);
     picture.Fill(colour);
-    EXPECT_TRUE(picture.Save(path));
-    picture.Free();
-    std::ifstream in(ToSystem(path), std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+    EXPECT_TRUE(picture.Save(folder.File("bitmap.png")));
+    return folder.Read("bitmap.png");
 }
 
 // Strikes of 20 and 200 pixels an em, whose glyph 1 is a bitmap of 20 by 20 pixels at (left, bottom).

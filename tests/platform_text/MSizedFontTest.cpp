@@ -8,42 +8,12 @@
 #include <cmath>
 #include <numeric>
 #include FT_FREETYPE_H
+#include FT_BBOX_H
 #include FT_OUTLINE_H
 #include FT_TRUETYPE_TABLES_H
 #include <gtest/gtest.h>
 
 namespace {
-
-// The extent of an outline in font units, with the extremes of its curves solved for.
-struct Extent {
-    double low[2] = {1e9, 1e9};
-    double high[2] = {-1e9, -1e9};
-    double pen[2] = {};
-
-    void Add(double x, double y) {
-        low[0] = std::min(low[0], x);
-        low[1] = std::min(low[1], y);
-        high[0] = std::max(high[0], x);
-        high[1] = std::max(high[1], y);
-    }
-    void To(const FT_Vector* to) {
-        pen[0] = static_cast<double>(to->x);
-        pen[1] = static_cast<double>(to->y);
-        Add(pen[0], pen[1]);
-    }
-    void Curve(const FT_Vector* control, const FT_Vector* to) {
-        const double c[2] = {static_cast<double>(control->x), static_cast<double>(control->y)};
-        const double e[2] = {static_cast<double>(to->x), static_cast<double>(to->y)};
-        for (const int axis : {0, 1}) {
-            const double t = (pen[axis] - c[axis]) / (pen[axis] - 2 * c[axis] + e[axis]);
-            if (!(t > 0 && t < 1)) continue;
-            const double at = (1 - t) * (1 - t) * pen[axis] + 2 * t * (1 - t) * c[axis] + t * t * e[axis];
-            low[axis] = std::min(low[axis], at);
-            high[axis] = std::max(high[axis], at);
-        }
-        To(to);
-    }
-};
 
 class RawFace {
 public:
@@ -62,19 +32,14 @@ public:
         const auto* const os2 = static_cast<const TT_OS2*>(FT_Get_Sfnt_Table(face, FT_SFNT_OS2));
         return os2->usWinAscent + os2->usWinDescent;
     }
-    Extent Measure(char16_t character) const {
+    // The ink of a character in 64ths of a font unit, with the extremes of its curves.
+    FT_BBox Measure(char16_t character) const {
         EXPECT_EQ(FT_Load_Glyph(face, FT_Get_Char_Index(face, character), FT_LOAD_NO_SCALE), 0);
-        FT_Outline_Funcs walk{};
-        walk.move_to = [](const FT_Vector* to, void* extent) {
-            return static_cast<Extent*>(extent)->To(to), 0;
-        };
-        walk.line_to = walk.move_to;
-        walk.conic_to = [](const FT_Vector* control, const FT_Vector* to, void* extent) {
-            return static_cast<Extent*>(extent)->Curve(control, to), 0;
-        };
-        Extent extent;
-        FT_Outline_Decompose(&face->glyph->outline, &walk, &extent);
-        return extent;
+        const FT_Matrix larger{64 << 16, 0, 0, 64 << 16};
+        FT_Outline_Transform(&face->glyph->outline, &larger);
+        FT_BBox box{};
+        FT_Outline_Get_BBox(&face->glyph->outline, &box);
+        return box;
     }
 };
 
@@ -151,15 +116,16 @@ TEST(SizedFont, WidthsAreThoseOfTheOutline) {
             ASSERT_TRUE(font.SetHeight(height));
             const double scale = height / raw.Cell();
             for (char16_t code = 33; code < 256; ++code) {
-                const Extent extent = raw.Measure(code);
-                if (extent.high[0] < extent.low[0]) continue;
+                const FT_BBox box = raw.Measure(code);
+                if (box.xMax <= box.xMin) continue;
+                const auto scaled = [&](FT_Pos units) { return static_cast<double>(units) / 64 * scale; };
                 SCOPED_TRACE(testing::Message() << wish.file << " " << height << " code " << int{code});
                 MInk ink;
                 ASSERT_TRUE(font.GetInk(code, ink));
-                ExpectWhole(ink.a, extent.low[0] * scale, Floor, "a");
-                ExpectWhole(ink.a + ink.b, extent.high[0] * scale, Ceil, "b");
-                ExpectWhole(ink.above, extent.high[1] * scale, Ceil, "above");
-                ExpectWhole(-ink.below, extent.low[1] * scale, Floor, "below");
+                ExpectWhole(ink.a, scaled(box.xMin), Floor, "a");
+                ExpectWhole(ink.a + ink.b, scaled(box.xMax), Ceil, "b");
+                ExpectWhole(ink.above, scaled(box.yMax), Ceil, "above");
+                ExpectWhole(-ink.below, scaled(box.yMin), Floor, "below");
                 ExpectWhole(ink.a + ink.b + ink.c,
                             static_cast<double>(raw.face->glyph->metrics.horiAdvance) * scale, Round,
                             "advance");

@@ -1,7 +1,7 @@
 #include "platform/text/MSvgGlyphs.h"
 
 #include "TemporaryFolder.h"
-#include "imaging/MPicture.h"
+#include "imaging/Pictures.h"
 #include "platform_text/PaintBuilder.h"
 
 #include <cairo.h>
@@ -16,9 +16,7 @@ constexpr int units = 1000;
 
 // A table with one document, for glyphs 3 to 5.
 std::vector<std::uint8_t> Table(const std::string& document) {
-    fonts::Bytes table;
-    table.U16(0).U32(10).U32(0).U16(1).U16(3).U16(5).U32(14).U32(static_cast<std::int64_t>(document.size()));
-    table.Add(document);
+    const fonts::Bytes table = fonts::SvgTable(document, 3, 5);
     return {table.begin(), table.end()};
 }
 
@@ -109,12 +107,10 @@ TEST(SvgGlyphs, PaletteStandsForVariables) {
 
 TEST(SvgGlyphs, NothingOutsideTheDocumentIsRead) {
     const TemporaryFolder folder;
-    const MString png = folder.File("red.png");
-    MPicture red(100, 100, FormatRGBA8);
+    OwnedPicture red = BlankPicture(100, 100, FormatRGBA8);
     red.Fill(MColour(255, 0, 0));
-    ASSERT_TRUE(red.Save(png));
-    red.Free();
-    const std::string path = ToSystem(png);
+    ASSERT_TRUE(red.Save(folder.File("red.png")));
+    const std::string path = ToSystem(folder.File("red.png"));
     const std::string shape = "<rect width='1000' height='1000' y='-1000' fill='#00ff00'/>";
     const auto image = [&](const std::string& reference) {
         return Document("<g id='glyph3'>" + shape + "<image width='1000' height='1000' y='-1000' xlink:href='" +

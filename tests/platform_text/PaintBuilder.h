@@ -144,4 +144,10 @@ struct ColourTables {
     }
 };
 
+// The table "SVG " of one document, for the glyphs `first` to `last`.
+inline Bytes SvgTable(const std::string& document, int first, int last) {
+    Bytes table = Bytes().U16(0).U32(10).U32(0).U16s({1, first, last});
+    return table.U32(14).U32(static_cast<std::int64_t>(document.size())).Add(document);
+}
+
 } // namespace fonts

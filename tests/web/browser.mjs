@@ -1,6 +1,6 @@
 // A real browser on pages of the tests' own: served from loopback, with jQuery answered from the installed package.
 import { spawnSync } from 'node:child_process';
-import { mkdtempSync, readFileSync, rmSync } from 'node:fs';
+import { mkdirSync, mkdtempSync, readFileSync, rmSync, writeFileSync } from 'node:fs';
 import { createServer } from 'node:http';
 import { tmpdir } from 'node:os';
 import { extname, join, normalize } from 'node:path';
@@ -8,6 +8,12 @@ import { chromium } from 'playwright-core';
 
 const types = { '.html': 'text/html; charset=utf-8', '.js': 'text/javascript', '.css': 'text/css', '.png': 'image/png' };
 const jQuery = readFileSync(new URL('./node_modules/jquery/dist/jquery.min.js', import.meta.url));
+
+export const launch = () => chromium.launch({
+    executablePath: process.env.CHROMIUM ?? '/usr/bin/chromium',
+    args: ['--no-sandbox', '--disable-gpu', '--disable-quic', '--no-first-run', '--disable-background-networking',
+        '--disable-component-update', '--disable-sync', '--force-color-profile=srgb'],
+});
 
 export class Site {
     folder = mkdtempSync(join(tmpdir(), 'lettrino-web-'));
@@ -23,11 +29,7 @@ export class Site {
             }
         });
         await new Promise((done) => this.server.listen(0, '127.0.0.1', done));
-        this.browser = await chromium.launch({
-            executablePath: process.env.CHROMIUM ?? '/usr/bin/chromium',
-            args: ['--no-sandbox', '--disable-gpu', '--disable-quic', '--no-first-run', '--disable-background-networking',
-                '--disable-component-update', '--disable-sync', '--force-color-profile=srgb'],
-        });
+        this.browser = await launch();
         return this;
     }
 
@@ -60,33 +62,63 @@ export class Site {
         return page;
     }
 
-    // Two PNGs, each cut to its ink on white, compared in the browser: sizes, mean difference of the channels in
-    // levels, and the share of pixels that are off by more than 32 levels.
-    async compare(first, second) {
+    // A picture of the window, kept beside those of the other tests.
+    async shot(page, name, options) {
+        const png = await page.screenshot(options);
+        const folder = process.env.LETTRINO_ARTEFACTS;
+        if (folder) {
+            mkdirSync(folder, { recursive: true });
+            writeFileSync(join(folder, name + '.png'), png);
+        }
+        return png;
+    }
+
+    // Runs a function in a page of its own on the pixels of PNGs, each { data, width, height }, and on `more`.
+    async withPixels(pngs, work, more) {
         const context = await this.browser.newContext();
         const page = await context.newPage();
-        const result = await page.evaluate(async (pictures) => {
-            const [a, b] = await Promise.all(pictures.map(async (base64) => {
+        const pictures = pngs.map((png) => png.toString('base64'));
+        await page.evaluate(async (list) => {
+            window.pictures = await Promise.all(list.map(async (base64) => {
                 const image = new Image();
                 image.src = 'data:image/png;base64,' + base64;
                 await image.decode();
-                const canvas = document.createElement('canvas');
-                canvas.width = image.width;
-                canvas.height = image.height;
+                const canvas = new OffscreenCanvas(image.width, image.height);
                 const context2d = canvas.getContext('2d');
                 context2d.drawImage(image, 0, 0);
-                const { data } = context2d.getImageData(0, 0, image.width, image.height);
-                let left = image.width, right = -1, top = image.height, bottom = -1;
-                for (let y = 0; y < image.height; ++y) {
-                    for (let x = 0; x < image.width; ++x) {
-                        const i = (y * image.width + x) * 4;
+                return context2d.getImageData(0, 0, image.width, image.height);
+            }));
+        }, pictures);
+        const result = await page.evaluate(work, more);
+        await context.close();
+        return result;
+    }
+
+    // The colour of a PNG at a place, both coordinates between 0 and 1.
+    colour(png, u, v) {
+        return this.withPixels([png], ([x, y]) => {
+            const { data, width, height } = window.pictures[0];
+            const start = (Math.floor(y * height) * width + Math.floor(x * width)) * 4;
+            return [...data.slice(start, start + 3)];
+        }, [u, v]);
+    }
+
+    // Two PNGs, each cut to its ink on white, compared in the browser: sizes, mean difference of the channels in
+    // levels, and the share of pixels that are off by more than 32 levels.
+    compare(first, second) {
+        return this.withPixels([first, second], () => {
+            const [a, b] = window.pictures.map(({ data, width: fullWidth, height: fullHeight }) => {
+                let left = fullWidth, right = -1, top = fullHeight, bottom = -1;
+                for (let y = 0; y < fullHeight; ++y) {
+                    for (let x = 0; x < fullWidth; ++x) {
+                        const i = (y * fullWidth + x) * 4;
                         if (data[i] + data[i + 1] + data[i + 2] > 3 * 250) continue;
                         left = Math.min(left, x); right = Math.max(right, x);
                         top = Math.min(top, y); bottom = Math.max(bottom, y);
                     }
                 }
-                return { data, stride: image.width * 4, left, top, width: right - left + 1, height: bottom - top + 1 };
-            }));
+                return { data, stride: fullWidth * 4, left, top, width: right - left + 1, height: bottom - top + 1 };
+            });
             const width = Math.min(a.width, b.width);
             const height = Math.min(a.height, b.height);
             let sum = 0;
@@ -103,8 +135,6 @@ export class Site {
                 }
             }
             return { sizes: [[a.width, a.height], [b.width, b.height]], mean: sum / (width * height * 3), off: off / (width * height) };
-        }, [first.toString('base64'), second.toString('base64')]);
-        await context.close();
-        return result;
+        });
     }
 }

@@ -13,7 +13,7 @@ import { execFileSync } from "node:child_process";
 import fs from "node:fs";
 import path from "node:path";
 import { fileURLToPath } from "node:url";
-import { chromium } from "playwright-core";
+import { launch } from "./browser.mjs";
 import { glyphOf, readTables, svgDocument, unitsPerEm } from "./woff.mjs";
 
 const here = path.dirname(fileURLToPath(import.meta.url));
@@ -121,10 +121,7 @@ function glyphAlone(text, glyph, units, pen) {
         `<g color="white">${inside.replace(/<svg /, '<svg overflow="visible" ')}</g></svg>`;
 }
 
-const browser = await chromium.launch({
-    executablePath: process.env.CHROMIUM ?? "/usr/bin/chromium",
-    args: ["--no-sandbox", "--disable-gpu", "--disable-background-networking", "--force-color-profile=srgb"],
-});
+const browser = await launch();
 let failed = 0;
 try {
     const page = await (await browser.newContext()).newPage();

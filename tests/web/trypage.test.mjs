@@ -1,7 +1,5 @@
 // The page on which a font is tried, used as its reader would.
 import assert from 'node:assert/strict';
-import { mkdirSync, writeFileSync } from 'node:fs';
-import { join } from 'node:path';
 import { after, before, test } from 'node:test';
 import { Site } from './browser.mjs';
 
@@ -21,12 +19,6 @@ async function open(options) {
     return page;
 }
 
-async function keep(page, name) {
-    if (!process.env.LETTRINO_ARTEFACTS) return;
-    mkdirSync(process.env.LETTRINO_ARTEFACTS, { recursive: true });
-    writeFileSync(join(process.env.LETTRINO_ARTEFACTS, name + '.png'), await page.screenshot({ fullPage: true }));
-}
-
 const background = (page) => page.$eval('#sheet', (sheet) => getComputedStyle(sheet).backgroundColor);
 const drawnText = (page) => page.$$eval('#sample .LT_Text', (words) => words.map((word) => word.textContent));
 
@@ -44,7 +36,7 @@ test('text, size and spacing are seen at once', async () => {
     await page.fill('#size', '50');
     assert.ok(Math.abs(await width() - natural / 2 - 30) < 0.5);
     assert.equal(await page.textContent('#sizeValue'), '50 px');
-    await keep(page, 'try');
+    await site.shot(page, 'try', { fullPage: true });
 });
 
 test('the background by the colour picker, which shows what it gives', async () => {
@@ -55,17 +47,7 @@ test('the background by the colour picker, which shows what it gives', async () 
         const box = await page.locator('#picker').boundingBox();
         await page.mouse.click(box.x + box.width * x, box.y + box.height * y);
         const chosen = (await background(page)).match(/\d+/g).map(Number);
-        const shown = await page.evaluate(async ([base64, u, v]) => {
-            const image = new Image();
-            image.src = 'data:image/png;base64,' + base64;
-            await image.decode();
-            const canvas = document.createElement('canvas');
-            canvas.width = image.width;
-            canvas.height = image.height;
-            const context = canvas.getContext('2d');
-            context.drawImage(image, 0, 0);
-            return [...context.getImageData(u * image.width, v * image.height, 1, 1).data.slice(0, 3)];
-        }, [picture.toString('base64'), x, y]);
+        const shown = await site.colour(picture, x, y);
         assert.ok(chosen.every((value, i) => Math.abs(value - shown[i]) <= 12), `${chosen} and ${shown}`);
     }
 });
@@ -91,5 +73,5 @@ test('fits the width of a phone', async () => {
     await page.fill('#text', 'A rather long line of text for a phone');
     const [scroll, client] = await page.evaluate(() => [document.documentElement.scrollWidth, document.documentElement.clientWidth]);
     assert.ok(scroll <= client, `${scroll} in ${client}`);
-    await keep(page, 'try-phone');
+    await site.shot(page, 'try-phone', { fullPage: true });
 });

@@ -1,12 +1,11 @@
 // The exported page in a real browser: the right glyphs in the right places, and text that is still text.
 import assert from 'node:assert/strict';
-import { mkdirSync, readFileSync, writeFileSync } from 'node:fs';
+import { readFileSync, writeFileSync } from 'node:fs';
 import { join } from 'node:path';
 import { after, before, test } from 'node:test';
 import { Site } from './browser.mjs';
 
 const site = new Site();
-const artefacts = process.env.LETTRINO_ARTEFACTS;
 let fontSize;   // at which the font stands at its own size
 
 before(async () => {
@@ -34,14 +33,7 @@ function lineOf(text) {
 }
 
 // The whole window: ink may lie outside its element.
-async function shot(page, name) {
-    const png = await page.screenshot();
-    if (artefacts) {
-        mkdirSync(artefacts, { recursive: true });
-        writeFileSync(join(artefacts, name + '.png'), png);
-    }
-    return png;
-}
+const shot = (page, name) => site.shot(page, name);
 
 function assertSame(result, what, mean = 0.5, off = 0.002) {
     const [[w1, h1], [w2, h2]] = result.sizes;
@@ -157,7 +149,6 @@ test('text is selected, searched and read as text', async () => {
     await page.evaluate(() => getSelection().removeAllRanges());
     assert.ok(await page.evaluate(() => window.find('wide World, AVA')));
     assert.match(await page.locator('body').ariaSnapshot(), /Hello wide World, (\S*)AV/);
-
 });
 
 test('other elements, and other names, are left alone', async () => {

@@ -159,6 +159,26 @@ bool IsPlausible(std::uint64_t pixels, std::uint64_t fileSize) {
     return false;
 }
 
+// AV1 pictures are refused under every brand, as AVIF files are by theirs: their decoder too allocates by a
+// size within the coded data, and where those lie a hostile file can tell in several ways. But whatever else it
+// says, each such picture has an entry of this type (ISO/IEC 14496-12, 8.11.6).
+bool HoldsAv1(std::span<const std::uint8_t> file) {
+    constexpr std::string_view entry = "infe";
+    // Of the type behind the name: the item's number takes two bytes or four, and a long size eight in front.
+    constexpr std::size_t typeOffsets[] = {12, 14, 20, 22};
+    for (auto rest = file;; rest = rest.subspan(entry.size())) {
+        const auto found = std::search(rest.begin(), rest.end(), entry.begin(), entry.end());
+        if (found == rest.end()) return false;
+        rest = rest.subspan(static_cast<std::size_t>(found - rest.begin()));
+        for (const std::size_t offset : typeOffsets) {
+            if (offset < rest.size() && StartsWith(rest.subspan(offset), "av01")) {
+                ReportCodec("HEIF", "AV1 pictures are not read");
+                return true;
+            }
+        }
+    }
+}
+
 bool DecodeHandle(const heif_image_handle* handle, std::uint64_t fileSize, MPicture& picture) {
     const std::uint64_t pixels = static_cast<std::uint64_t>(std::max(heif_image_handle_get_width(handle), 0)) *
                                  static_cast<std::uint64_t>(std::max(heif_image_handle_get_height(handle), 0));
@@ -211,9 +231,13 @@ Image ImageOf(const MPicture& picture) {
 
 bool SniffHeif(std::span<const std::uint8_t> start) {
     constexpr std::size_t needed = 12;
-    // AVIF files have the same boxes, but another codec inside.
-    return start.size() >= needed && !StartsWith(start.subspan(8), "avi") &&
-           heif_check_filetype(start.data(), static_cast<int>(start.size())) == heif_filetype_yes_supported;
+    if (start.size() < needed) return false;
+    // Phones write the brand of pictures in any coding too (ISO/IEC 23008-12, 10.2), here for HEVC; AVIF files
+    // have the same boxes, but another codec inside.
+    const auto brand = start.subspan(8);
+    const heif_filetype_result type = heif_check_filetype(start.data(), static_cast<int>(start.size()));
+    return StartsWith(brand, "mif1") ? type != heif_filetype_no
+                                     : type == heif_filetype_yes_supported && !StartsWith(brand, "avi");
 }
 
 bool DecodeHeif(MByteSource& file, std::int32_t frame, MPicture& picture) {
@@ -221,7 +245,8 @@ bool DecodeHeif(MByteSource& file, std::int32_t frame, MPicture& picture) {
     return Guarded([&] {
         const std::span<const std::uint8_t> bytes = file.All();
         const Context context(heif_context_alloc());
-        if (!context || bytes.empty() || !IsPlausible(LargestHevcPicture(bytes), bytes.size())) return false;
+        if (!context || bytes.empty() || HoldsAv1(bytes)) return false;
+        if (!IsPlausible(LargestHevcPicture(bytes), bytes.size())) return false;
         const heif_error error =
             heif_context_read_from_memory_without_copy(context.get(), bytes.data(), bytes.size(), nullptr);
         heif_item_id item = 0;

@@ -47,7 +47,7 @@ void OnWrite(png_structp png, png_bytep bytes, std::size_t count) {
 void OnFlush(png_structp) {}
 
 // The format that holds the file's own depth, and the transforms that lead there. Whatever has no format of its
-// own becomes format 7, but 16-bit colours with one transparent colour, which become format 8.
+// own becomes format 7, but with 16 bits format 8: grey with alpha, and all with one transparent colour.
 MPixelFormat ChooseFormat(png_structp png, png_infop info) {
     const bool wide = png_get_bit_depth(png, info) == 16;
     const bool keyed = png_get_valid(png, info, PNG_INFO_tRNS) != 0;
@@ -60,11 +60,11 @@ MPixelFormat ChooseFormat(png_structp png, png_infop info) {
         if (!wide) png_set_bgr(png);
         return wide ? FormatRGB16 : FormatRGB8;
     }
-    if (wide && (colourType == PNG_COLOR_TYPE_RGB || colourType == PNG_COLOR_TYPE_RGB_ALPHA)) {
+    if (wide) {
         if (keyed) png_set_tRNS_to_alpha(png);
+        png_set_gray_to_rgb(png);
         return FormatRGBA16;
     }
-    if (wide) png_set_strip_16(png);
     png_set_expand(png);
     png_set_gray_to_rgb(png);
     png_set_bgr(png);

@@ -1,9 +1,10 @@
 // TIFF, through libtiff with its default settings. Grey, RGB and RGB with straight alpha keep their depth, with
-// 8 or 16 bits or binary16 channels; every other kind is rendered by libtiff and becomes format 7. Each
-// directory is a frame.
+// 8 or 16 bits or binary16 channels; other floats become format 7, 16-bit grey with alpha format 8, and every
+// other kind is rendered by libtiff and becomes format 7. Each directory is a frame.
 #include "imaging/MPixelLayout.h"
 #include "imaging/codecs/MByteRows.h"
 #include "imaging/codecs/MCodec.h"
+#include "imaging/codecs/MTiffSamples.h"
 
 #include <tiffio.h>
 
@@ -102,16 +103,15 @@ public:
           height(Tag<std::uint32_t>(tiff, TIFFTAG_IMAGELENGTH)),
           bits(Tag<std::uint16_t>(tiff, TIFFTAG_BITSPERSAMPLE)),
           samples(Tag<std::uint16_t>(tiff, TIFFTAG_SAMPLESPERPIXEL)),
-          photometric(Tag<std::uint16_t>(tiff, TIFFTAG_PHOTOMETRIC)),
+          photometric(Tag<std::uint16_t>(tiff, TIFFTAG_PHOTOMETRIC)), alpha(Alpha()),
           separate(Tag<std::uint16_t>(tiff, TIFFTAG_PLANARCONFIG) == PLANARCONFIG_SEPARATE),
           tiled(TIFFIsTiled(tiff) != 0) {}
 
     bool Read() {
         if (width == 0 || height == 0 || !IsPlausible()) return false;
         const MPixelFormat format = OwnFormat();
-        if (format == FormatNone) return ReadRendered();
-        if (!AllocatePicture(picture, width, height, format)) return false;
-        if (!(tiled || separate ? ReadPieces() : ReadStrips())) return false;
+        if (format == FormatNone) return ReadOtherKind();
+        if (!AllocatePicture(picture, width, height, format) || !ReadSamples(picture.Pixels)) return false;
         if (photometric == PHOTOMETRIC_MINISWHITE) Invert();
         if (ChannelClass(format) == 1 && samples >= 3) {
             SwapRedAndBlue(picture.Pixels, std::size_t{width} * height, samples);
@@ -128,6 +128,7 @@ private:
     const std::uint16_t bits;
     const std::uint16_t samples;
     const std::uint16_t photometric;
+    const MTiffAlpha alpha;
     const bool separate; // each channel has a plane of its own
     const bool tiled;
 
@@ -157,31 +158,41 @@ private:
         if (photometric == PHOTOMETRIC_MINISWHITE && samples == 1 && !floats) return ofDepth(FormatR8);
         if (photometric != PHOTOMETRIC_RGB) return FormatNone;
         if (samples == 3) return ofDepth(FormatRGB8);
-        return samples == 4 && HasStraightAlpha() ? ofDepth(FormatRGBA8) : FormatNone;
+        return samples == 4 && alpha == MTiffAlpha::Straight ? ofDepth(FormatRGBA8) : FormatNone;
     }
 
-    bool HasStraightAlpha() const {
+    // Of the sample behind the colours. As in libtiff, a fourth one of unknown meaning is a premultiplied
+    // alpha, since some programs leave it untold.
+    MTiffAlpha Alpha() const {
         std::uint16_t count = 0;
         const std::uint16_t* kinds = nullptr;
         TIFFGetFieldDefaulted(tiff, TIFFTAG_EXTRASAMPLES, &count, &kinds);
-        return count == 1 && kinds && kinds[0] == EXTRASAMPLE_UNASSALPHA;
+        if (samples != 2 && samples != 4) return MTiffAlpha::None;
+        const int kind = count >= 1 && kinds ? kinds[0] : EXTRASAMPLE_UNSPECIFIED;
+        if (kind == EXTRASAMPLE_UNASSALPHA) return MTiffAlpha::Straight;
+        return kind == EXTRASAMPLE_ASSOCALPHA || samples == 4 ? MTiffAlpha::Premultiplied : MTiffAlpha::None;
     }
 
-    // Rows of strips lie as those of the picture do, so they are read in place.
-    bool ReadStrips() {
+    std::size_t RowBytes() const { return std::size_t{width} * samples * (bits / 8U); }
+
+    // All samples as they lie in the file, rows one after another without gaps. `block` holds RowBytes times
+    // the height.
+    bool ReadSamples(std::uint8_t* block) { return tiled || separate ? ReadPieces(block) : ReadStrips(block); }
+
+    bool ReadStrips(std::uint8_t* block) {
         const auto rowsPerStrip = std::clamp(Tag<std::uint32_t>(tiff, TIFFTAG_ROWSPERSTRIP), 1U, height);
-        if (TIFFScanlineSize64(tiff) != picture.Stride) return false;
+        if (TIFFScanlineSize64(tiff) != RowBytes()) return false;
         for (std::uint32_t y = 0; y < height; y += std::min(rowsPerStrip, height - y)) {
-            const std::uint64_t count = std::uint64_t{std::min(rowsPerStrip, height - y)} * picture.Stride;
+            const std::uint64_t count = std::uint64_t{std::min(rowsPerStrip, height - y)} * RowBytes();
             const auto size = static_cast<tmsize_t>(count);
-            std::uint8_t* const target = picture.Pixels + std::size_t{y} * picture.Stride;
+            std::uint8_t* const target = block + y * RowBytes();
             if (TIFFReadEncodedStrip(tiff, TIFFComputeStrip(tiff, y, 0), target, size) != size) return false;
         }
         return true;
     }
 
     // Tiles, and strips of single channels.
-    bool ReadPieces() {
+    bool ReadPieces(std::uint8_t* block) {
         const auto pieceWidth = tiled ? Tag<std::uint32_t>(tiff, TIFFTAG_TILEWIDTH) : width;
         const auto pieceHeight = tiled ? Tag<std::uint32_t>(tiff, TIFFTAG_TILELENGTH)
                                        : std::clamp(Tag<std::uint32_t>(tiff, TIFFTAG_ROWSPERSTRIP), 1U, height);
@@ -202,7 +213,7 @@ private:
                     const std::size_t columns = std::min(pieceWidth, width - left);
                     for (std::size_t row = 0; row < rows; ++row) {
                         const std::uint8_t* const from = piece.get() + row * pieceWidth * pixelBytes;
-                        std::uint8_t* const to = picture.Pixels + (top + row) * picture.Stride +
+                        std::uint8_t* const to = block + (top + row) * RowBytes() +
                                                  left * channelBytes * samples + plane * channelBytes;
                         Spread(from, to, columns, pixelBytes, channelBytes * samples);
                     }
@@ -239,6 +250,28 @@ private:
             picture.Pixels[i] = static_cast<std::uint8_t>(~picture.Pixels[i]);
     }
 
+    bool ReadOtherKind() {
+        const auto sampleFormat = Tag<std::uint16_t>(tiff, TIFFTAG_SAMPLEFORMAT);
+        const bool rgb = photometric == PHOTOMETRIC_RGB;
+        const bool whiteIsZero = photometric == PHOTOMETRIC_MINISWHITE;
+        const bool known = (rgb || whiteIsZero || photometric == PHOTOMETRIC_MINISBLACK) &&
+                           (sampleFormat == SAMPLEFORMAT_UINT || sampleFormat == SAMPLEFORMAT_IEEEFP);
+        const MTiffSamples kind{bits, samples, sampleFormat == SAMPLEFORMAT_IEEEFP, rgb, whiteIsZero, alpha};
+        const MPixelFormat format = known ? ConvertedFormat(kind) : FormatNone;
+        return format == FormatNone ? ReadRendered() : ReadConverted(kind, format);
+    }
+
+    bool ReadConverted(const MTiffSamples& kind, MPixelFormat format) {
+        // The picture comes first: its size has been found to be possible then, and that of the samples with
+        // it.
+        if (!AllocatePicture(picture, width, height, format)) return false;
+        const std::unique_ptr<std::uint8_t[]> block(MGetMemory(RowBytes() * height));
+        if (!block || !ReadSamples(block.get())) return false;
+        for (std::size_t y = 0; y < height; ++y)
+            ConvertRow(kind, block.get() + y * RowBytes(), width, picture.Pixels + y * picture.Stride);
+        return true;
+    }
+
     // libtiff gives premultiplied colours, red first. The rows stay in the order of the file, as everywhere
     // here.
     bool ReadRendered() {
@@ -253,7 +286,7 @@ private:
         const int orientation = Tag<std::uint16_t>(tiff, TIFFTAG_ORIENTATION);
         if (TIFFReadRGBAImageOriented(tiff, width, height, raster, orientation, 1) == 0) return false;
         const bool grey = photometric == PHOTOMETRIC_MINISBLACK || photometric == PHOTOMETRIC_MINISWHITE;
-        const bool premultiplied = !grey || !HasStraightAlpha();
+        const bool premultiplied = !grey || alpha != MTiffAlpha::Straight;
         for (std::size_t i = 0; i < std::size_t{width} * height; ++i) {
             const auto channel = [&](int shift) { return static_cast<std::uint8_t>(raster[i] >> shift); };
             MColour colour(channel(0), channel(8), channel(16), channel(24));

@@ -5,13 +5,27 @@
 #include "imaging/codecs/MCodec.h"
 
 #include <algorithm>
+#include <initializer_list>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 using Bytes = std::vector<std::uint8_t>;
 
 inline const MCodec& CodecNamed(std::string_view name) {
     return *std::ranges::find(Codecs(), name, &MCodec::name);
+}
+
+inline void Append(Bytes& file, const Bytes& bytes) {
+    file.insert(file.end(), bytes.begin(), bytes.end());
+}
+
+// Numbers, each with its size in bytes, least significant first.
+inline void Append(Bytes& file, std::initializer_list<std::pair<std::uint32_t, int>> fields) {
+    for (const auto& [value, size] : fields) {
+        for (int i = 0; i < size; ++i)
+            file.push_back(static_cast<std::uint8_t>(value >> (8 * i)));
+    }
 }
 
 // Invalid if the file isn't taken.

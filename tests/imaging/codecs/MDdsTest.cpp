@@ -22,24 +22,18 @@ struct Dds {
 };
 
 Bytes FileOf(const Dds& dds) {
-    std::vector<std::uint32_t> words(32);
-    words[0] = 0x20534444;
-    words[1] = 124;
-    words[3] = dds.height;
-    words[4] = dds.width;
-    words[6] = dds.depth;
-    words[7] = dds.mipLevels;
-    words[19] = 32;
-    words[20] = dds.flags;
-    words[21] = dds.code;
-    words[22] = dds.bits;
-    std::ranges::copy(dds.masks, words.begin() + 23);
-    words[28] = dds.caps2;
+    Bytes file;
+    Append(file, {{0x20534444, 4}, {124, 4}, {0, 4}, {dds.height, 4}, {dds.width, 4}, {0, 4}, {dds.depth, 4}});
+    Append(file, {{dds.mipLevels, 4}});
+    file.resize(76);
+    Append(file, {{32, 4}, {dds.flags, 4}, {dds.code, 4}, {dds.bits, 4}});
+    for (const std::uint32_t mask : dds.masks)
+        Append(file, {{mask, 4}});
+    Append(file, {{0, 4}, {dds.caps2, 4}});
+    file.resize(128);
     if (dds.flags == 4 && dds.code == 0x30315844)
-        words.insert(words.end(), {dds.format, dds.dimension, dds.misc, dds.arraySize, 0});
-    Bytes file(words.size() * 4);
-    std::memcpy(file.data(), words.data(), file.size());
-    file.insert(file.end(), dds.data.begin(), dds.data.end());
+        Append(file, {{dds.format, 4}, {dds.dimension, 4}, {dds.misc, 4}, {dds.arraySize, 4}, {0, 4}});
+    Append(file, dds.data);
     return file;
 }
 
@@ -59,67 +53,57 @@ Bytes Repeated(std::initializer_list<int> pattern, std::size_t times) {
     return bytes;
 }
 
-// Red in 5, 6 and 5 bits as both end colours of a block.
-const Bytes redBlock = {0, 0xF8, 0, 0xF8, 0, 0, 0, 0};
+Dds Numbered(std::uint32_t format, const Bytes& data) {
+    return {.format = format, .data = data};
+}
+Dds Coded(std::uint32_t code, const Bytes& data) {
+    return {.code = code, .data = data};
+}
+Dds Masked(std::uint32_t bits, std::array<std::uint32_t, 4> masks, const Bytes& data) {
+    return {.flags = masks[3] != 0 ? 0x41U : 0x40U, .bits = bits, .masks = masks, .data = data};
+}
 
 } // namespace
 
 TEST(Dds, ReadsTheListedFormats) {
     const Bytes bytes = Repeated({10, 20, 30, 40}, 16);
-    Bytes words = Repeated({0, 0x3C, 0, 0x38, 0, 0x34, 0, 0x3C}, 16); // binary16 1, 0.5, 0.25, 1
-    Bytes bc2 = Repeated({0x77, 0x77, 0x77, 0x77, 0x77, 0x77, 0x77, 0x77}, 1);
-    bc2.insert(bc2.end(), redBlock.begin(), redBlock.end());
+    const Bytes words = Repeated({0, 0x3C, 0, 0x38, 0, 0x34, 0, 0x3C}, 16); // binary16 1, 0.5, 0.25, 1
+    const Bytes bc1 = {0, 0xF8, 0, 0xF8, 0, 0, 0, 0}; // red in 5, 6 and 5 bits as both end colours
+    Bytes bc2 = Repeated({0x77}, 8);
+    Append(bc2, bc1);
     Bytes bc3 = Repeated({200, 100, 0, 0, 0, 0, 0, 0}, 1);
-    bc3.insert(bc3.end(), redBlock.begin(), redBlock.end());
-    const MColour red(255, 0, 0);
-    struct Row {
+    Append(bc3, bc1);
+    const MColour red(255, 0, 0), redBc2(255, 0, 0, 0x77), redBc3(255, 0, 0, 200);
+    const MColour integers(0x3C, 0x38, 0x34, 0x3C), floats(255, 127, 63, 255);
+    const struct {
         const char* what;
         Dds dds;
         MPixelFormat format;
         MColour colour;
+    } rows[] = {
+        {"R8G8B8A8_UNORM", Numbered(28, bytes), 7, {10, 20, 30, 40}},
+        {"R8G8B8A8_UINT", Numbered(30, bytes), 7, {10, 20, 30, 40}},
+        {"B8G8R8A8_UNORM", Numbered(87, bytes), 7, {30, 20, 10, 40}},
+        {"B8G8R8X8_UNORM", Numbered(88, bytes), 7, {30, 20, 10, 255}},
+        {"R16G16B16A16_UNORM", Numbered(11, words), 8, integers},
+        {"R16G16B16A16_UINT", Numbered(12, words), 8, integers},
+        {"R16G16B16A16_FLOAT", Numbered(10, words), 9, floats},
+        {"BC1_UNORM", Numbered(71, bc1), 7, red},
+        {"BC2_UNORM", Numbered(74, bc2), 7, redBc2},
+        {"BC3_UNORM", Numbered(77, bc3), 7, redBc3},
+        {"DXT1", Coded(Code("DXT1"), bc1), 7, red},
+        {"DXT3", Coded(Code("DXT3"), bc2), 7, redBc2},
+        {"DXT5", Coded(Code("DXT5"), bc3), 7, redBc3},
+        {"code 36", Coded(36, words), 8, integers},
+        {"code 113", Coded(113, words), 9, floats},
+        {"A8R8G8B8", Masked(32, {0xFF0000, 0xFF00, 0xFF, 0xFF000000}, bytes), 7, {30, 20, 10, 40}},
+        {"X8R8G8B8", Masked(32, {0xFF0000, 0xFF00, 0xFF, 0}, bytes), 7, {30, 20, 10, 255}},
+        {"A8B8G8R8", Masked(32, {0xFF, 0xFF00, 0xFF0000, 0xFF000000}, bytes), 7, {10, 20, 30, 40}},
+        {"X8B8G8R8", Masked(32, {0xFF, 0xFF00, 0xFF0000, 0}, bytes), 7, {10, 20, 30, 255}},
+        {"R8G8B8", Masked(24, {0xFF0000, 0xFF00, 0xFF, 0}, Repeated({10, 20, 30}, 16)), 7, {30, 20, 10, 255}},
+        {"smaller versions", {.mipLevels = 3, .data = Repeated({10, 20, 30, 40}, 21)}, 7, {10, 20, 30, 40}},
     };
-    const Row rows[] = {
-        {"R8G8B8A8_UNORM", {.format = 28, .data = bytes}, 7, {10, 20, 30, 40}},
-        {"R8G8B8A8_UINT", {.format = 30, .data = bytes}, 7, {10, 20, 30, 40}},
-        {"B8G8R8A8_UNORM", {.format = 87, .data = bytes}, 7, {30, 20, 10, 40}},
-        {"B8G8R8X8_UNORM", {.format = 88, .data = bytes}, 7, {30, 20, 10, 255}},
-        {"R16G16B16A16_UNORM", {.format = 11, .data = words}, 8, {0x3C, 0x38, 0x34, 0x3C}},
-        {"R16G16B16A16_UINT", {.format = 12, .data = words}, 8, {0x3C, 0x38, 0x34, 0x3C}},
-        {"R16G16B16A16_FLOAT", {.format = 10, .data = words}, 9, {255, 127, 63, 255}},
-        {"BC1_UNORM", {.format = 71, .data = redBlock}, 7, red},
-        {"BC2_UNORM", {.format = 74, .data = bc2}, 7, {255, 0, 0, 0x77}},
-        {"BC3_UNORM", {.format = 77, .data = bc3}, 7, {255, 0, 0, 200}},
-        {"DXT1", {.code = Code("DXT1"), .data = redBlock}, 7, red},
-        {"DXT3", {.code = Code("DXT3"), .data = bc2}, 7, {255, 0, 0, 0x77}},
-        {"DXT5", {.code = Code("DXT5"), .data = bc3}, 7, {255, 0, 0, 200}},
-        {"code 36", {.code = 36, .data = words}, 8, {0x3C, 0x38, 0x34, 0x3C}},
-        {"code 113", {.code = 113, .data = words}, 9, {255, 127, 63, 255}},
-        {"A8R8G8B8",
-         {.flags = 0x41, .bits = 32, .masks = {0xFF0000, 0xFF00, 0xFF, 0xFF000000}, .data = bytes},
-         7,
-         {30, 20, 10, 40}},
-        {"X8R8G8B8",
-         {.flags = 0x40, .bits = 32, .masks = {0xFF0000, 0xFF00, 0xFF, 0}, .data = bytes},
-         7,
-         {30, 20, 10, 255}},
-        {"A8B8G8R8",
-         {.flags = 0x41, .bits = 32, .masks = {0xFF, 0xFF00, 0xFF0000, 0xFF000000}, .data = bytes},
-         7,
-         {10, 20, 30, 40}},
-        {"X8B8G8R8",
-         {.flags = 0x40, .bits = 32, .masks = {0xFF, 0xFF00, 0xFF0000, 0}, .data = bytes},
-         7,
-         {10, 20, 30, 255}},
-        {"R8G8B8",
-         {.flags = 0x40, .bits = 24, .masks = {0xFF0000, 0xFF00, 0xFF, 0}, .data = Repeated({10, 20, 30}, 16)},
-         7,
-         {30, 20, 10, 255}},
-        {"smaller versions behind",
-         {.mipLevels = 3, .format = 28, .data = Repeated({10, 20, 30, 40}, 21)},
-         7,
-         {10, 20, 30, 40}},
-    };
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         const OwnedPicture picture = Decoded("DDS", FileOf(row.dds));
         ASSERT_TRUE(picture.IsValid()) << row.what;
         EXPECT_EQ(picture.Format, row.format) << row.what;
@@ -132,15 +116,15 @@ TEST(Dds, ReadsTheListedFormats) {
 TEST(Dds, Refuses) {
     const Bytes data = Repeated({0}, 1024);
     const std::pair<const char*, Dds> rows[] = {
-        {"sRGB bytes", {.format = 29, .data = data}},
-        {"sRGB BC1", {.format = 72, .data = data}},
-        {"sRGB BC7", {.format = 99, .data = data}},
-        {"BC4, which is one channel", {.format = 80, .data = data}},
-        {"BC5, which is two", {.format = 83, .data = data}},
-        {"ATI2", {.code = Code("ATI2"), .data = data}},
-        {"32-bit floats", {.format = 2, .data = data}},
-        {"a format past the last", {.format = 115, .data = data}},
-        {"5, 6 and 5 bits", {.flags = 0x40, .bits = 16, .masks = {0xF800, 0x7E0, 0x1F, 0}, .data = data}},
+        {"sRGB bytes", Numbered(29, data)},
+        {"sRGB BC1", Numbered(72, data)},
+        {"sRGB BC7", Numbered(99, data)},
+        {"BC4, which is one channel", Numbered(80, data)},
+        {"BC5, which is two", Numbered(83, data)},
+        {"ATI2", Coded(Code("ATI2"), data)},
+        {"32-bit floats", Numbered(2, data)},
+        {"a format past the last", Numbered(115, data)},
+        {"5, 6 and 5 bits", Masked(16, {0xF800, 0x7E0, 0x1F, 0}, data)},
         {"a cube", {.misc = 4, .data = data}},
         {"an old cube", {.code = Code("DXT1"), .caps2 = 0x200, .data = data}},
         {"two pictures", {.arraySize = 2, .data = data}},
@@ -203,11 +187,7 @@ TEST(Bc7, BlocksAtTheEdgesAreCut) {
     // Mode 5 with all end points at their highest: white, opaque.
     Bytes data;
     for (int i = 0; i < 4; ++i) {
-        Bytes block(16, 0);
-        block[0] = 0x20;
-        for (std::size_t bit = 8; bit < 66; ++bit)
-            block[bit / 8] |= static_cast<std::uint8_t>(1U << bit % 8);
-        data.insert(data.end(), block.begin(), block.end());
+        Append(data, {{0xFFFFFF20, 4}, {0xFFFFFFFF, 4}, {3, 4}, {0, 4}});
     }
     const OwnedPicture picture = Decoded("DDS", FileOf({.width = 5, .height = 7, .format = 98, .data = data}));
     ASSERT_TRUE(picture.IsValid());

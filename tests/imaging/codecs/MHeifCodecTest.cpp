@@ -45,6 +45,19 @@ Bytes BareHeif(const std::vector<std::uint16_t>& reds) {
     return file;
 }
 
+std::u16string_view wanted;
+int refusals;
+
+// How many lines with these words a file that must be refused puts on the debug channel.
+int Refusals(const Bytes& file, std::u16string_view words) {
+    wanted = words;
+    refusals = 0;
+    SetDebugSink([](std::u16string_view message) { refusals += message.find(wanted) != message.npos ? 1 : 0; });
+    EXPECT_FALSE(Decoded("HEIF", file).IsValid());
+    SetDebugSink(nullptr);
+    return refusals;
+}
+
 } // namespace
 
 TEST(HeifCodec, DeepFilesKeepTheirDepth) {
@@ -103,11 +116,23 @@ TEST(HeifCodec, SizesAreReadOffTheCodedDataToo) {
 
     Bytes file = Encoded("HEIF", SmoothPicture(32, 32, FormatRGB8));
     file.insert(file.end(), hostile.begin(), hostile.end());
-    static int refusals;
-    refusals = 0;
-    SetDebugSink(
-        [](std::u16string_view message) { refusals += message.find(u"larger than") != message.npos ? 1 : 0; });
-    EXPECT_FALSE(Decoded("HEIF", file).IsValid());
-    SetDebugSink(nullptr);
-    EXPECT_EQ(refusals, 1);
+    EXPECT_EQ(Refusals(file, u"larger than"), 1);
+}
+
+TEST(HeifCodec, TheBrandOfAnyCodingIsTaken) {
+    Bytes file = Encoded("HEIF", SmoothPicture(32, 32, FormatRGB8));
+    std::ranges::copy(std::string_view("mif1"), file.begin() + 8);
+    EXPECT_EQ(CodecForContent(file), &CodecNamed("HEIF"));
+    EXPECT_TRUE(Decoded("HEIF", file).IsValid());
+    std::ranges::copy(std::string_view("avif"), file.begin() + 8);
+    EXPECT_EQ(CodecForContent(file), nullptr);
+}
+
+TEST(HeifCodec, Av1IsNotDecoded) {
+    Bytes file = Encoded("HEIF", SmoothPicture(32, 32, FormatRGB8));
+    constexpr std::string_view name = "infe";
+    const auto entry = std::search(file.begin(), file.end(), name.begin(), name.end());
+    ASSERT_EQ(std::string(entry + 12, entry + 16), "hvc1");
+    std::ranges::copy(std::string_view("av01"), entry + 12);
+    EXPECT_EQ(Refusals(file, u"AV1"), 1);
 }

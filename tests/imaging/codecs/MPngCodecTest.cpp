@@ -1,5 +1,4 @@
-#include "imaging/Pictures.h"
-#include "imaging/codecs/MCodec.h"
+#include "imaging/codecs/Coding.h"
 
 #include <gtest/gtest.h>
 #include <png.h>
@@ -7,8 +6,6 @@
 #include <vector>
 
 namespace {
-
-using Bytes = std::vector<std::uint8_t>;
 
 void Append(png_structp png, png_bytep bytes, std::size_t count) {
     auto& file = *static_cast<Bytes*>(png_get_io_ptr(png));
@@ -72,14 +69,6 @@ Bytes BarePng(const Form& form) {
     return file;
 }
 
-OwnedPicture Decoded(std::span<const std::uint8_t> file) {
-    MPicture picture;
-    MByteSource source(file);
-    const bool decoded = DecodePng(source, 0, picture);
-    if (!decoded) picture.Free();
-    return {picture};
-}
-
 } // namespace
 
 TEST(PngCodec, KeepsTheDepthOfTheFile) {
@@ -99,7 +88,8 @@ TEST(PngCodec, KeepsTheDepthOfTheFile) {
         {{16, rgba}, 8, {0x40, 0x40, 0x40, 0x40}, {0x40, 0x40, 0x40, 0x41}},
         {{8, rgba, false, true}, 7, {0, 37, 74, 111}, {148, 185, 222, 3}},
         {{8, grayAlpha}, 7, {0, 0, 0, 37}, {74, 74, 74, 111}},
-        {{16, grayAlpha}, 7, {0x40, 0x40, 0x40, 0x40}, {0x40, 0x40, 0x40, 0x40}},
+        {{16, gray, true}, 8, {0x40, 0x40, 0x40}, {0x40, 0x40, 0x40}},
+        {{16, grayAlpha}, 8, {0x40, 0x40, 0x40, 0x40}, {0x40, 0x40, 0x40, 0x40}},
         {{1, gray}, 7, {0, 0, 0}, {255, 255, 255}},
         {{2, gray}, 7, {0, 0, 0}, {85, 85, 85}},
         {{4, gray}, 7, {0, 0, 0}, {85, 85, 85}},
@@ -113,7 +103,7 @@ TEST(PngCodec, KeepsTheDepthOfTheFile) {
         {{8, palette, true}, 7, {0, 0, 0, 7}, {37, 74, 111}},
     };
     for (const Row& row : rows) {
-        const OwnedPicture picture = Decoded(BarePng(row.form));
+        const OwnedPicture picture = Decoded("PNG", BarePng(row.form));
         const auto name = testing::PrintToString(std::pair(row.form.bitDepth, row.form.colourType));
         ASSERT_TRUE(picture.IsValid()) << name;
         EXPECT_EQ(picture.Format, row.format) << name;
@@ -121,13 +111,16 @@ TEST(PngCodec, KeepsTheDepthOfTheFile) {
         EXPECT_EQ(picture.GetPixel(1, 0), row.second) << name;
         EXPECT_EQ(picture.FrameCount, 1);
     }
-    EXPECT_EQ(Decoded(BarePng({16, rgba})).GetPixel16(0, 0), (MColour16{0x4000, 0x4025, 0x404A, 0x406F}));
+    EXPECT_EQ(Decoded("PNG", BarePng({16, rgba})).GetPixel16(0, 0),
+              (MColour16{0x4000, 0x4025, 0x404A, 0x406F}));
+    EXPECT_EQ(Decoded("PNG", BarePng({16, grayAlpha})).GetPixel16(1, 0),
+              (MColour16{0x404A, 0x404A, 0x404A, 0x406F}));
 }
 
 TEST(PngCodec, TrailingBytesDoNotMatterButAMissingEndDoes) {
     Bytes file = BarePng({8, PNG_COLOR_TYPE_RGB});
     file.push_back(0);
-    EXPECT_TRUE(Decoded(file).IsValid());
+    EXPECT_TRUE(Decoded("PNG", file).IsValid());
     file.resize(file.size() - 2);
-    EXPECT_FALSE(Decoded(file).IsValid());
+    EXPECT_FALSE(Decoded("PNG", file).IsValid());
 }

@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <array>
-
 namespace {
 
 struct Tga {
@@ -16,28 +14,11 @@ struct Tga {
 };
 
 Bytes FileOf(const Tga& tga) {
-    const auto low = [](std::uint16_t value) { return static_cast<std::uint8_t>(value & 255); };
-    const auto high = [](std::uint16_t value) { return static_cast<std::uint8_t>(value >> 8); };
-    const std::array<std::uint8_t, 18> header = {tga.idLength,
-                                                 tga.mapType,
-                                                 tga.imageType,
-                                                 7,
-                                                 7,
-                                                 low(tga.mapLength),
-                                                 high(tga.mapLength),
-                                                 tga.mapBits,
-                                                 9,
-                                                 9,
-                                                 9,
-                                                 9,
-                                                 low(tga.width),
-                                                 high(tga.width),
-                                                 low(tga.height),
-                                                 high(tga.height),
-                                                 tga.depth,
-                                                 0x20};
-    Bytes file(header.size() + tga.data.size());
-    std::ranges::copy(tga.data, std::ranges::copy(header, file.begin()).out);
+    Bytes file;
+    Append(file, {{tga.idLength, 1}, {tga.mapType, 1}, {tga.imageType, 1}, {0x0707, 2}, {tga.mapLength, 2}});
+    Append(file,
+           {{tga.mapBits, 1}, {0x09090909, 4}, {tga.width, 2}, {tga.height, 2}, {tga.depth, 1}, {0x20, 1}});
+    Append(file, tga.data);
     return file;
 }
 
@@ -63,32 +44,22 @@ TEST(TgaCodec, TrueColoursAreBottomUpWhateverTheDescriptorSays) {
 }
 
 TEST(TgaCodec, AnIdFieldShiftsThePixels) {
-    Bytes data = Counted(15);
-    const OwnedPicture picture = Decoded("TGA", FileOf({.idLength = 3, .data = data}));
+    const OwnedPicture picture = Decoded("TGA", FileOf({.idLength = 3, .data = Counted(15)}));
     EXPECT_EQ(picture.GetPixel(0, 1), MColour(2, 1, 0)) << "the first pixel is the ID";
 }
 
 TEST(TgaCodec, PalettesAreTakenRedFirst) {
-    const OwnedPicture picture = Decoded("TGA", FileOf({.mapType = 1,
-                                                        .imageType = 1,
-                                                        .mapLength = 2,
-                                                        .mapBits = 24,
-                                                        .depth = 8,
-                                                        .data = {10, 20, 30, 40, 50, 60, 1, 0, 5, 1}}));
+    Tga tga{.mapType = 1, .imageType = 1, .mapLength = 2, .mapBits = 24, .depth = 8};
+    tga.data = {10, 20, 30, 40, 50, 60, 1, 0, 5, 1};
+    const OwnedPicture picture = Decoded("TGA", FileOf(tga));
     ASSERT_TRUE(picture.IsValid());
     EXPECT_EQ(picture.Format, FormatRGB8);
     EXPECT_EQ(picture.GetPixel(0, 1), MColour(40, 50, 60));
     EXPECT_EQ(picture.GetPixel(1, 1), MColour(10, 20, 30));
     EXPECT_EQ(picture.GetPixel(0, 0), MColour(0, 0, 0)) << "past the palette's end nothing is stored";
-    const OwnedPicture wide = Decoded("TGA", FileOf({.mapType = 1,
-                                                     .imageType = 1,
-                                                     .mapLength = 1,
-                                                     .mapBits = 32,
-                                                     .width = 1,
-                                                     .height = 1,
-                                                     .depth = 8,
-                                                     .data = {10, 20, 30, 40, 0}}));
-    EXPECT_EQ(wide.GetPixel(0, 0), MColour(10, 20, 30));
+    tga.mapBits = 32;
+    tga.data = {10, 20, 30, 40, 50, 60, 70, 80, 1, 1, 1, 0};
+    EXPECT_EQ(Decoded("TGA", FileOf(tga)).GetPixel(1, 0), MColour(10, 20, 30));
 }
 
 TEST(TgaCodec, Refuses) {

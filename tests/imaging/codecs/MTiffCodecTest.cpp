@@ -4,6 +4,10 @@
 #include <gtest/gtest.h>
 #include <tiffio.h>
 
+#include <array>
+#include <bit>
+#include <limits>
+
 namespace {
 
 constexpr std::uint32_t side = 20; // not a multiple of the tile's 16
@@ -18,6 +22,7 @@ struct Kind {
     bool separate = false, tiled = false;
     const char* mode = "w";
     int pages = 1;
+    std::vector<float> flood = {}; // the channels of every pixel, of 32 bits; none for the values below
 };
 
 // Sample values: the byte of a channel grows with x, y and the channel; 16-bit samples have it as their upper
@@ -32,10 +37,17 @@ void PutSample(const Kind& kind, Bytes& row, std::uint32_t x, std::uint32_t y, s
         row.push_back(byte);
         return;
     }
-    std::uint16_t word = static_cast<std::uint16_t>(byte << 8 | 0x5A);
-    if (kind.sampleFormat == SAMPLEFORMAT_IEEEFP) word = Imath::half(static_cast<float>(byte) / 255.0F).bits();
-    row.push_back(static_cast<std::uint8_t>(word & 255));
-    row.push_back(static_cast<std::uint8_t>(word >> 8));
+    const auto put = [&](const auto& sample) {
+        const auto bytes = std::bit_cast<std::array<std::uint8_t, sizeof sample>>(sample);
+        row.insert(row.end(), bytes.begin(), bytes.end());
+    };
+    const float unit = kind.flood.empty() ? static_cast<float>(byte) / 255.0F : kind.flood[channel];
+    if (kind.bits == 32) {
+        put(unit);
+    } else {
+        put(kind.sampleFormat == SAMPLEFORMAT_IEEEFP ? Imath::half(unit).bits()
+                                                     : static_cast<std::uint16_t>(byte << 8 | 0x5A));
+    }
 }
 
 Bytes Piece(const Kind& kind, std::uint32_t left, std::uint32_t top, std::uint32_t width, std::uint32_t height,
@@ -71,7 +83,8 @@ Bytes BareTiff(const Kind& kind) {
             TIFFSetField(tiff, TIFFTAG_ROWSPERSTRIP, 6);
         }
         const std::uint16_t extra = kind.extra;
-        if (kind.samples == 4 || kind.samples == 2) TIFFSetField(tiff, TIFFTAG_EXTRASAMPLES, 1, &extra);
+        if (kind.samples % 2 == 0 || extra == EXTRASAMPLE_ASSOCALPHA)
+            TIFFSetField(tiff, TIFFTAG_EXTRASAMPLES, 1, &extra);
         std::vector<std::uint16_t> map;
         for (std::uint32_t i = 0; i < 256; ++i)
             map.push_back(static_cast<std::uint16_t>(i * 257));
@@ -106,7 +119,8 @@ Bytes BareTiff(const Kind& kind) {
 
 TEST(TiffCodec, KeepsTheDepthOfTheFile) {
     constexpr std::uint16_t black = PHOTOMETRIC_MINISBLACK, white = PHOTOMETRIC_MINISWHITE,
-                            rgb = PHOTOMETRIC_RGB;
+                            rgb = PHOTOMETRIC_RGB, floats = SAMPLEFORMAT_IEEEFP,
+                            straight = EXTRASAMPLE_UNASSALPHA;
     const Kind kinds[] = {
         {"8-bit grey", 8, 1, black, 1},
         {"16-bit grey", 16, 1, black, 2},
@@ -128,6 +142,18 @@ TEST(TiffCodec, KeepsTheDepthOfTheFile) {
         {"several pages", 8, 3, rgb, 4, SAMPLEFORMAT_UINT, 0, COMPRESSION_NONE, false, false, "w", 3},
         {"palette", 8, 1, PHOTOMETRIC_PALETTE, 7},
         {"8-bit grey with alpha", 8, 2, black, 7},
+        {"16-bit grey with alpha", 16, 2, black, 8},
+        {"the same in planes", 16, 2, black, 8, SAMPLEFORMAT_UINT, straight, COMPRESSION_LZW, true},
+        {"binary16 grey with alpha", 16, 2, black, 7, floats},
+        {"32-bit grey", 32, 1, black, 7, floats},
+        {"32-bit grey with alpha", 32, 2, black, 7, floats},
+        {"32-bit RGB", 32, 3, rgb, 7, floats},
+        {"32-bit RGBA", 32, 4, rgb, 7, floats},
+        {"32-bit RGB that claims an alpha", 32, 3, rgb, 7, floats, EXTRASAMPLE_ASSOCALPHA},
+        {"32 bits deflated", 32, 4, rgb, 7, floats, straight, COMPRESSION_ADOBE_DEFLATE},
+        {"32 bits in planes", 32, 3, rgb, 7, floats, 0, COMPRESSION_NONE, true},
+        {"32 bits in tiles", 32, 4, rgb, 7, floats, straight, COMPRESSION_NONE, false, true},
+        {"32 bits in the other byte order", 32, 3, rgb, 7, floats, 0, COMPRESSION_NONE, false, false, "wb"},
     };
     for (const Kind& kind : kinds) {
         const OwnedPicture picture = Decoded("TIFF", BareTiff(kind), kind.pages - 1);
@@ -156,14 +182,55 @@ TEST(TiffCodec, KeepsTheDepthOfTheFile) {
     const Kind inverted{"white is 0", 8, 1, white, 1};
     EXPECT_EQ(Decoded("TIFF", BareTiff(inverted)).GetPixel(2, 3).r, 255 - ByteAt(2, 3, 0));
     EXPECT_FALSE(Decoded("TIFF", BareTiff(inverted), 1).IsValid());
+    const Kind withAlpha{"white is 0, with alpha", 16, 2, white, 8};
+    EXPECT_EQ(Decoded("TIFF", BareTiff(withAlpha)).GetPixel16(2, 3).g, 65535 - (ByteAt(2, 3, 0) << 8 | 0x5A));
+}
+
+TEST(TiffCodec, FloatsAreBytesFromZeroToOne) {
+    constexpr float infinity = std::numeric_limits<float>::infinity();
+    constexpr float notANumber = std::numeric_limits<float>::quiet_NaN();
+    constexpr std::uint16_t none = EXTRASAMPLE_UNSPECIFIED, straight = EXTRASAMPLE_UNASSALPHA,
+                            multiplied = EXTRASAMPLE_ASSOCALPHA;
+    const struct {
+        std::uint16_t extra;
+        float grey, alpha;
+        int shown, shownAlpha;
+    } rows[] = {
+        {straight, 0.5F, 0.25F, 127, 63},    {straight, 1, 1, 255, 255},
+        {straight, 1.5F, 2, 255, 255},       {straight, 1e30F, infinity, 255, 255},
+        {straight, -0.5F, -1e30F, 0, 0},     {straight, notANumber, notANumber, 0, 0},
+        {multiplied, 0.25F, 0.5F, 127, 127}, {multiplied, 0.5F, 0.25F, 255, 63},
+        {multiplied, 0.5F, 0, 0, 0},         {multiplied, 0.5F, notANumber, 0, 0},
+        {none, 0.5F, 0.25F, 127, 255},
+    };
+    for (const auto& row : rows) {
+        Kind kind{"of one colour", 32, 2, PHOTOMETRIC_MINISBLACK, 7, SAMPLEFORMAT_IEEEFP, row.extra};
+        kind.flood = {row.grey, row.alpha};
+        const OwnedPicture picture = Decoded("TIFF", BareTiff(kind));
+        ASSERT_TRUE(picture.IsValid());
+        const auto shown = static_cast<std::uint8_t>(row.shown);
+        EXPECT_EQ(picture.GetPixel(2, 3),
+                  MColour(shown, shown, shown, static_cast<std::uint8_t>(row.shownAlpha)))
+            << row.grey << ", alpha " << row.alpha << " of kind " << row.extra;
+    }
 }
 
 TEST(TiffCodec, PremultipliedColoursBecomeStraight) {
-    const Kind kind{"premultiplied", 8, 4, PHOTOMETRIC_RGB, 7, SAMPLEFORMAT_UINT, EXTRASAMPLE_ASSOCALPHA};
+    Kind kind{"premultiplied", 8, 4, PHOTOMETRIC_RGB, 7, SAMPLEFORMAT_UINT, EXTRASAMPLE_ASSOCALPHA};
     const OwnedPicture picture = Decoded("TIFF", BareTiff(kind));
     ASSERT_TRUE(picture.IsValid());
     EXPECT_EQ(picture.Format, FormatRGBA8);
     const std::uint8_t alpha = ByteAt(4, 5, 3);
     EXPECT_EQ(picture.GetPixel(4, 5),
               Unpremultiplied(MColour(ByteAt(4, 5, 0), ByteAt(4, 5, 1), ByteAt(4, 5, 2), alpha)));
+
+    kind.bits = 16;
+    kind.samples = 2;
+    kind.photometric = PHOTOMETRIC_MINISBLACK;
+    const OwnedPicture grey = Decoded("TIFF", BareTiff(kind));
+    ASSERT_EQ(grey.Format, FormatRGBA16);
+    const MColour16 pixel = grey.GetPixel16(4, 5);
+    EXPECT_EQ(pixel.a, ByteAt(4, 5, 1) << 8 | 0x5A);
+    EXPECT_EQ(pixel.r, static_cast<int>((ByteAt(4, 5, 0) << 8 | 0x5A) * 65535.0 / pixel.a));
+    EXPECT_EQ(pixel.b, pixel.r);
 }
