@@ -2,6 +2,7 @@
 // deeper ones 5 or 8. Each top-level picture is a frame, the primary one first.
 #include "imaging/codecs/MByteRows.h"
 #include "imaging/codecs/MCodec.h"
+#include "imaging/codecs/MHeifReferences.h"
 #include "imaging/codecs/MHevcSize.h"
 
 #include <fcntl.h>
@@ -246,7 +247,7 @@ bool DecodeHeif(MByteSource& file, std::int32_t frame, MPicture& picture) {
         const std::span<const std::uint8_t> bytes = file.All();
         const Context context(heif_context_alloc());
         if (!context || bytes.empty() || HoldsAv1(bytes)) return false;
-        if (!IsPlausible(LargestHevcPicture(bytes), bytes.size())) return false;
+        if (!IsPlausible(LargestHevcPicture(bytes), bytes.size()) || !ReferencesEnd(bytes)) return false;
         const heif_error error =
             heif_context_read_from_memory_without_copy(context.get(), bytes.data(), bytes.size(), nullptr);
         heif_item_id item = 0;

@@ -1,5 +1,6 @@
 #include "foundation/MDebug.h"
 #include "imaging/codecs/Coding.h"
+#include "imaging/codecs/MHeifReferences.h"
 #include "imaging/codecs/MHevcSize.h"
 
 #include <gtest/gtest.h>
@@ -117,6 +118,70 @@ TEST(HeifCodec, SizesAreReadOffTheCodedDataToo) {
     Bytes file = Encoded("HEIF", SmoothPicture(32, 32, FormatRGB8));
     file.insert(file.end(), hostile.begin(), hostile.end());
     EXPECT_EQ(Refusals(file, u"larger than"), 1);
+}
+
+TEST(HeifCodec, PicturesMadeOfOneAnotherAreRefused) {
+    struct Reference {
+        std::string type;
+        std::vector<std::uint32_t> items; // the first one is made of the others
+    };
+    const auto file = [](const std::vector<Reference>& references, int idBytes) {
+        Bytes bytes;
+        const auto number = [&](std::uint64_t value, int count) {
+            for (int i = count - 1; i >= 0; --i)
+                bytes.push_back(static_cast<std::uint8_t>(value >> (8 * i)));
+        };
+        const auto text = [&](const std::string& value) {
+            for (const char letter : value)
+                number(static_cast<std::uint8_t>(letter), 1);
+        };
+        number(0, 4); // whatever size it says
+        text("iref");
+        number(idBytes == 2 ? 0 : 1, 1);
+        number(0, 3);
+        for (const auto& [type, items] : references) {
+            number(8 + 2 + items.size() * static_cast<std::size_t>(idBytes), 4);
+            text(type);
+            number(items[0], idBytes);
+            number(items.size() - 1, 2);
+            for (std::size_t i = 1; i < items.size(); ++i)
+                number(items[i], idBytes);
+        }
+        return bytes;
+    };
+    std::vector<Reference> doubling;
+    std::vector<Reference> chain;
+    for (std::uint32_t i = 1; i <= 20; ++i) {
+        chain.push_back({"dimg", {i, i + 1}});
+        if (i <= 15) doubling.push_back({"dimg", {i, i + 1, i + 1, i + 1}});
+    }
+    Reference largeGrid{"dimg", std::vector<std::uint32_t>(65001, 7)};
+    largeGrid.items[0] = 1;
+    const struct {
+        const char* what;
+        std::vector<Reference> references;
+        bool ends;
+    } cases[] = {
+        {"none", {}, true},
+        {"a grid with an alpha and a thumbnail",
+         {{"dimg", {1, 2, 3, 4, 5}}, {"auxl", {6, 1}}, {"thmb", {7, 1}}},
+         true},
+        {"a large grid", {largeGrid}, true},
+        {"made of itself", {{"dimg", {4, 4}}}, false},
+        {"by way of others", {{"dimg", {1, 2}}, {"dimg", {2, 3}}, {"dimg", {3, 1}}}, false},
+        {"an alpha that has itself as its alpha", {{"auxl", {2, 1}}, {"auxl", {1, 2}}}, false},
+        {"three times the next one, and so on", doubling, false},
+        {"twenty deep", chain, false},
+        {"of a type that is not decoded", {{"cdsc", {4, 4}}}, true},
+    };
+    for (const auto& [what, references, ends] : cases) {
+        EXPECT_EQ(ReferencesEnd(file(references, 2)), ends) << what;
+        EXPECT_EQ(ReferencesEnd(file(references, 4)), ends) << what;
+    }
+    for (std::size_t size = 0; size < 40; ++size) {
+        const Bytes whole = file(chain, 2);
+        EXPECT_TRUE(ReferencesEnd(std::span(whole).first(size))) << "cut off";
+    }
 }
 
 TEST(HeifCodec, TheBrandOfAnyCodingIsTaken) {
