@@ -1,17 +1,38 @@
 # What an installation consists of, and the package for Debian. The programs find what is shipped with them beside
-# themselves, so they share a folder, which may stand anywhere; bin/ holds links to them.
+# themselves, so they share a folder, which may stand anywhere; the links that lead to it and away from it are relative.
 include(GNUInstallDirs)
 
-set(home ${CMAKE_INSTALL_LIBDIR}/lettrino)
+set(home ${CMAKE_INSTALL_LIBEXECDIR}/lettrino)
+set(shared ${CMAKE_INSTALL_DATADIR}/lettrino)
+
+# lettrino_link(<link> <target>): both relative to the prefix.
+function(lettrino_link link target)
+    cmake_path(GET link PARENT_PATH folder)
+    cmake_path(RELATIVE_PATH target BASE_DIRECTORY ${folder} OUTPUT_VARIABLE way)
+    file(MAKE_DIRECTORY ${PROJECT_BINARY_DIR}/links/${folder})
+    file(CREATE_LINK ${way} ${PROJECT_BINARY_DIR}/links/${link} SYMBOLIC)
+    install(FILES ${PROJECT_BINARY_DIR}/links/${link} DESTINATION ${folder})
+endfunction()
+
+# lettrino_compressed(<file> <name> <destination>): without its name and time, so that every build gives the same bytes.
+find_program(GZIP gzip REQUIRED)
+function(lettrino_compressed file name destination)
+    set(compressed ${PROJECT_BINARY_DIR}/compressed/${name}.gz)
+    add_custom_command(OUTPUT ${compressed}
+        COMMAND ${GZIP} -9nc ${PROJECT_SOURCE_DIR}/${file} > ${compressed}
+        DEPENDS ${file} VERBATIM)
+    add_custom_target(compressed-${name} ALL DEPENDS ${compressed})
+    install(FILES ${compressed} DESTINATION ${destination})
+endfunction()
+file(MAKE_DIRECTORY ${PROJECT_BINARY_DIR}/compressed)
+
 install(TARGETS lettrino lettrino-cli RUNTIME DESTINATION ${home})
 install(TARGETS lettrino-steps LIBRARY DESTINATION ${home})
-install(DIRECTORY Media DESTINATION ${home})
+install(DIRECTORY Media DESTINATION ${shared})
+lettrino_link(${home}/Media ${shared}/Media)
 foreach(program lettrino lettrino-cli)
-    cmake_path(RELATIVE_PATH home BASE_DIRECTORY ${CMAKE_INSTALL_BINDIR} OUTPUT_VARIABLE way)
-    set(link ${PROJECT_BINARY_DIR}/links/${program})
-    file(MAKE_DIRECTORY ${PROJECT_BINARY_DIR}/links)
-    file(CREATE_LINK ${way}/${program} ${link} SYMBOLIC)
-    install(FILES ${link} DESTINATION ${CMAKE_INSTALL_BINDIR})
+    lettrino_link(${CMAKE_INSTALL_BINDIR}/${program} ${home}/${program})
+    lettrino_compressed(packaging/${program}.1 ${program}.1 ${CMAKE_INSTALL_MANDIR}/man1)
 endforeach()
 
 install(FILES packaging/lettrino.desktop DESTINATION ${CMAKE_INSTALL_DATADIR}/applications)
@@ -21,16 +42,28 @@ foreach(size 16 32 48 128 256)
     install(FILES Media/icons/lettrino-${size}.png RENAME lettrino.png
         DESTINATION ${CMAKE_INSTALL_DATADIR}/icons/hicolor/${size}x${size}/apps)
 endforeach()
-install(FILES packaging/lettrino.1 packaging/lettrino-cli.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
 install(FILES LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR} RENAME copyright)
+lettrino_compressed(packaging/changelog changelog ${CMAKE_INSTALL_DOCDIR})
+install(FILES packaging/lintian-overrides DESTINATION ${CMAKE_INSTALL_DATADIR}/lintian/overrides RENAME lettrino)
 
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME lettrino)
+set(CPACK_PACKAGE_VERSION ${PROJECT_VERSION})
 set(CPACK_PACKAGE_VENDOR "The Lettrino developers")
 set(CPACK_PACKAGE_CONTACT "The Lettrino developers <developers@northbank-softworks.example>")
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "Editor for bitmap fonts whose glyphs are pictures")
-set(CPACK_PACKAGE_DESCRIPTION
-    "Lettrino makes colour fonts from installed families and from pictures, edits their spacing and kerning, and writes them as texture fonts, web pages, single pictures, and letter cubes to print.")
+string(CONCAT CPACK_PACKAGE_DESCRIPTION
+    "Lettrino makes colour fonts of up to 223 glyphs from installed font families\n"
+    "(plain, in one colour, or in the font's own colours) and from picture files,\n"
+    "and edits their spacing, kerning and metrics.\n"
+    "\n"
+    "A font is written as a texture font (a text file beside one picture that\n"
+    "holds all glyphs), as a web page that draws text with it, as single\n"
+    "pictures, or as nets of letter cubes to print. Texture fonts, the scripts of\n"
+    "exported web pages, and Photofont files can be read.\n"
+    "\n"
+    "The package contains the editor with a window, lettrino, and lettrino-cli,\n"
+    "which does the same work from scripts and without a display.")
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_STRIP_FILES ON)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)

@@ -181,9 +181,15 @@ bool HoldsAv1(std::span<const std::uint8_t> file) {
 }
 
 bool DecodeHandle(const heif_image_handle* handle, std::uint64_t fileSize, MPicture& picture) {
-    const std::uint64_t pixels = static_cast<std::uint64_t>(std::max(heif_image_handle_get_width(handle), 0)) *
-                                 static_cast<std::uint64_t>(std::max(heif_image_handle_get_height(handle), 0));
-    if (pixels == 0 || !IsPlausible(pixels, fileSize)) return false;
+    // A picture cut out of a larger one is decoded whole.
+    const auto count = [](int width, int height) {
+        return static_cast<std::uint64_t>(std::max(width, 0)) * static_cast<std::uint64_t>(std::max(height, 0));
+    };
+    const std::uint64_t pixels =
+        count(heif_image_handle_get_width(handle), heif_image_handle_get_height(handle));
+    const std::uint64_t whole =
+        count(heif_image_handle_get_ispe_width(handle), heif_image_handle_get_ispe_height(handle));
+    if (pixels == 0 || !IsPlausible(std::max(pixels, whole), fileSize)) return false;
     const bool alpha = heif_image_handle_has_alpha_channel(handle) != 0;
     // Premultiplied colours have lost depth already; they are brought back in bytes.
     const bool premultiplied = heif_image_handle_is_premultiplied_alpha(handle) != 0;

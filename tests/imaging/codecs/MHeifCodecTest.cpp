@@ -6,6 +6,8 @@
 #include <gtest/gtest.h>
 #include <libheif/heif.h>
 
+#include <stdexcept>
+
 namespace {
 
 heif_error Append(heif_context*, const void* bytes, std::size_t count, void* file) {
@@ -19,6 +21,7 @@ Bytes BareHeif(const std::vector<std::uint16_t>& reds) {
     heif_context* const context = heif_context_alloc();
     heif_encoder* encoder = nullptr;
     heif_context_get_encoder_for_format(context, heif_compression_HEVC, &encoder);
+    if (!encoder) throw std::runtime_error("the system's libheif can't write HEVC");
     heif_encoder_set_lossless(encoder, 1);
     for (std::size_t i = 0; i < reds.size(); ++i) {
         heif_image* image = nullptr;
