@@ -10,6 +10,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <cstring>
 #include <exception>
@@ -20,6 +21,8 @@ namespace {
 
 // A flat picture packs into next to nothing, so this only keeps a few bytes from asking for gigabytes.
 constexpr std::uint64_t mostPixelsPerByte = 65536;
+// The decoder holds pictures in several forms at once.
+constexpr std::uint64_t bytesPerPixel = 16;
 
 template<typename Object, auto Release>
 struct Releaser {
@@ -152,18 +155,16 @@ bool CopyImage(const heif_image* image, MPixelFormat format, bool premultiplied,
     return true;
 }
 
-// Before the decoder sees any of it. It holds pictures in several forms at once, about 16 bytes for each pixel.
+// Before the decoder sees any of it.
 bool IsPlausible(std::uint64_t pixels, std::uint64_t fileSize) {
-    constexpr std::uint64_t bytesPerPixel = 16;
     if (pixels <= fileSize * mostPixelsPerByte && pixels <= MemoryLimit() / bytesPerPixel) return true;
     ReportCodec("HEIF", "larger than the file could hold");
     return false;
 }
 
-// AV1 pictures are refused under every brand, as AVIF files are by theirs: their decoder too allocates by a
-// size within the coded data, and where those lie a hostile file can tell in several ways. But whatever else it
-// says, each such picture has an entry of this type (ISO/IEC 14496-12, 8.11.6).
-bool HoldsAv1(std::span<const std::uint8_t> file) {
+// Whether the file has an item of this type, or could be read so. Whatever else a hostile file says, each item
+// has such an entry (ISO/IEC 14496-12, 8.11.6).
+bool HoldsItem(std::span<const std::uint8_t> file, std::string_view type) {
     constexpr std::string_view entry = "infe";
     // Of the type behind the name: the item's number takes two bytes or four, and a long size eight in front.
     constexpr std::size_t typeOffsets[] = {12, 14, 20, 22};
@@ -171,13 +172,27 @@ bool HoldsAv1(std::span<const std::uint8_t> file) {
         const auto found = std::search(rest.begin(), rest.end(), entry.begin(), entry.end());
         if (found == rest.end()) return false;
         rest = rest.subspan(static_cast<std::size_t>(found - rest.begin()));
-        for (const std::size_t offset : typeOffsets) {
-            if (offset < rest.size() && StartsWith(rest.subspan(offset), "av01")) {
-                ReportCodec("HEIF", "AV1 pictures are not read");
-                return true;
-            }
-        }
+        for (const std::size_t offset : typeOffsets)
+            if (offset < rest.size() && StartsWith(rest.subspan(offset), type)) return true;
     }
+}
+
+// AV1 pictures are refused under every brand, as AVIF files are by theirs: their decoder too allocates by a
+// size within the coded data, and where those lie a hostile file can tell in several ways.
+bool HoldsAv1(std::span<const std::uint8_t> file) {
+    if (!HoldsItem(file, "av01")) return false;
+    ReportCodec("HEIF", "AV1 pictures are not read");
+    return true;
+}
+
+// A picture made of others has a size of its own within its data, which the decoder allocates by whatever the
+// file tells elsewhere. Its sides are limited to those of a square that is plausible.
+void LimitDerivedPictures(heif_context* context, std::span<const std::uint8_t> file) {
+    if (!HoldsItem(file, "grid") && !HoldsItem(file, "iovl")) return;
+    const std::uint64_t pixels =
+        std::min<std::uint64_t>(file.size() * mostPixelsPerByte, MemoryLimit() / bytesPerPixel);
+    heif_context_set_maximum_image_size_limit(context,
+                                              static_cast<int>(std::sqrt(static_cast<double>(pixels))));
 }
 
 bool DecodeHandle(const heif_image_handle* handle, std::uint64_t fileSize, MPicture& picture) {
@@ -254,6 +269,7 @@ bool DecodeHeif(MByteSource& file, std::int32_t frame, MPicture& picture) {
         const Context context(heif_context_alloc());
         if (!context || bytes.empty() || HoldsAv1(bytes)) return false;
         if (!IsPlausible(LargestHevcPicture(bytes), bytes.size()) || !ReferencesEnd(bytes)) return false;
+        LimitDerivedPictures(context.get(), bytes);
         const heif_error error =
             heif_context_read_from_memory_without_copy(context.get(), bytes.data(), bytes.size(), nullptr);
         heif_item_id item = 0;

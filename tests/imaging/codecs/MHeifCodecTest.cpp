@@ -6,6 +6,8 @@
 #include <gtest/gtest.h>
 #include <libheif/heif.h>
 
+#include <fstream>
+#include <iterator>
 #include <stdexcept>
 
 namespace {
@@ -184,6 +186,16 @@ TEST(HeifCodec, PicturesMadeOfOneAnotherAreRefused) {
     for (std::size_t size = 0; size < 40; ++size) {
         const Bytes whole = file(chain, 2);
         EXPECT_TRUE(ReferencesEnd(std::span(whole).first(size))) << "cut off";
+    }
+}
+
+// Found by fuzzing: a kilobyte each, for which the decoder took all memory, or gigabytes.
+TEST(HeifCodec, SmallFilesDontTakeAllMemory) {
+    for (const char* name : {"made-of-itself.heic", "grid-larger-than-told.heic"}) {
+        std::ifstream file(std::string(LETTRINO_TEST_DATA) + name, std::ios::binary);
+        const Bytes bytes{std::istreambuf_iterator<char>(file), {}};
+        ASSERT_GT(bytes.size(), 800U) << name;
+        EXPECT_FALSE(Decoded("HEIF", bytes).IsValid()) << name;
     }
 }
 
