@@ -122,6 +122,12 @@ protected:
                     name->clear();
                     QTest::keyClicks(name, QString::fromStdString(ToSystem(path)));
                     QTest::keyClick(name, Qt::Key_Return);
+                    // On a busy machine Qt's dialog now and then does not take the first one.
+                    auto* const again = new QTimer(&dialog);
+                    again->callOnTimeout([&dialog, name] {
+                        if (QApplication::activeModalWidget() == &dialog) QTest::keyClick(name, Qt::Key_Return);
+                    });
+                    again->start(500);
                 }};
     }
     static Person::Step Look(const std::function<void(QWidget&)>& look) { return {"", look}; }
