@@ -29,6 +29,8 @@ file(MAKE_DIRECTORY ${PROJECT_BINARY_DIR}/compressed)
 install(TARGETS lettrino lettrino-cli RUNTIME DESTINATION ${home})
 install(TARGETS lettrino-steps LIBRARY DESTINATION ${home})
 install(DIRECTORY Media DESTINATION ${shared})
+# Where texture fonts are looked for at first. The program makes it if it may, and then nobody would remove it.
+install(DIRECTORY DESTINATION ${shared}/Media/Fonts)
 lettrino_link(${home}/Media ${shared}/Media)
 foreach(program lettrino lettrino-cli)
     lettrino_link(${CMAKE_INSTALL_BINDIR}/${program} ${home}/${program})
