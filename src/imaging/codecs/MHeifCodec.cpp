@@ -1,5 +1,6 @@
 // HEIF, through libheif and its HEVC plugins with their default settings. 8-bit files become format 4 or 7,
 // deeper ones 5 or 8. Each top-level picture is a frame, the primary one first.
+#include "foundation/MNumbers.h"
 #include "imaging/codecs/MByteRows.h"
 #include "imaging/codecs/MCodec.h"
 #include "imaging/codecs/MHeifReferences.h"
@@ -23,6 +24,7 @@ namespace {
 constexpr std::uint64_t mostPixelsPerByte = 65536;
 // The decoder holds pictures in several forms at once.
 constexpr std::uint64_t bytesPerPixel = 16;
+constexpr const char* tooLargeForFile = "larger than the file could hold";
 
 template<typename Object, auto Release>
 struct Releaser {
@@ -37,7 +39,8 @@ using Options =
 
 bool Succeeded(const heif_error& error) {
     if (error.code == heif_error_Ok) return true;
-    ReportCodec("HEIF", error.message);
+    const bool tooLarge = error.subcode == heif_suberror_Security_limit_exceeded;
+    ReportCodec("HEIF", tooLarge ? tooLargeForFile : error.message);
     return false;
 }
 
@@ -158,7 +161,7 @@ bool CopyImage(const heif_image* image, MPixelFormat format, bool premultiplied,
 // Before the decoder sees any of it.
 bool IsPlausible(std::uint64_t pixels, std::uint64_t fileSize) {
     if (pixels <= fileSize * mostPixelsPerByte && pixels <= MemoryLimit() / bytesPerPixel) return true;
-    ReportCodec("HEIF", "larger than the file could hold");
+    ReportCodec("HEIF", tooLargeForFile);
     return false;
 }
 
@@ -186,13 +189,15 @@ bool HoldsAv1(std::span<const std::uint8_t> file) {
 }
 
 // A picture made of others has a size of its own within its data, which the decoder allocates by whatever the
-// file tells elsewhere. Its sides are limited to those of a square that is plausible.
+// file tells elsewhere. Its sides are limited to those of a square that is plausible; long pictures in small
+// files are common, so a side may always have some length.
 void LimitDerivedPictures(heif_context* context, std::span<const std::uint8_t> file) {
     if (!HoldsItem(file, "grid") && !HoldsItem(file, "iovl")) return;
-    const std::uint64_t pixels =
-        std::min<std::uint64_t>(file.size() * mostPixelsPerByte, MemoryLimit() / bytesPerPixel);
-    heif_context_set_maximum_image_size_limit(context,
-                                              static_cast<int>(std::sqrt(static_cast<double>(pixels))));
+    constexpr double alwaysTaken = 8192;
+    const auto side = [](std::uint64_t pixels) { return std::sqrt(static_cast<double>(pixels)); };
+    const double most = std::min(std::max(side(file.size() * mostPixelsPerByte), alwaysTaken),
+                                 side(MemoryLimit() / bytesPerPixel));
+    heif_context_set_maximum_image_size_limit(context, ToInteger(most));
 }
 
 bool DecodeHandle(const heif_image_handle* handle, std::uint64_t fileSize, MPicture& picture) {
