@@ -114,7 +114,7 @@ void AddDdss(Corpus& corpus) {
 
 // x265 keeps some frames of each encoder that libheif closes.
 extern "C" const char* __lsan_default_suppressions() {
-    return "leak:x265_malloc\n";
+    return "leak:libx265\n";
 }
 
 int main(int count, char** arguments) {
