@@ -54,7 +54,7 @@ fonts::Font Overflowing(const std::string& family) {
     font.Add({{fonts::Circle(400, 300, 900)}}, u'B');
     font.Add({{fonts::Box(-700, 100, 2000, 500)}}, u'a');
     fonts::ColourTables tables;
-    tables.palette = {{255, 0, 0, 120}};
+    tables.palette.push_back({255, 0, 0, 120});
     tables.layers = {fonts::Outline(outline, fonts::Solid(0))};
     tables.glyphs[outline] = fonts::Layers(0, 1);
     font.tables["COLR"] = tables.Colr();
