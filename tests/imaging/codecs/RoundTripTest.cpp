@@ -166,9 +166,9 @@ TEST(EveryForm, DamagedFiles) {
     }
 }
 
-// A header that promises 30000 by 30000 pixels is refused before anything is allocated for them: by the line
-// that says so where memory has no limit, or, for forms without such a line, without a word of exhausted memory
-// at a low limit.
+// A header that promises 30000 by 30000 pixels, or more than can be counted, is refused before anything is
+// allocated for them: by the line that says so where memory has no limit, or, for forms without such a line,
+// without a word of exhausted memory at a low limit.
 TEST(EveryForm, EnormousByHeader) {
     const struct {
         const char* name;
@@ -176,6 +176,7 @@ TEST(EveryForm, EnormousByHeader) {
         std::array<std::size_t, 2> offsets;
         std::size_t bytes;
         bool bigEndian, told;
+        std::array<std::uint32_t, 2> size = {30000, 30000};
     } headers[] = {
         {"BMP", {}, {18, 22}, 4, false, false},
         {"DDS", {}, {16, 12}, 4, false, false},
@@ -185,20 +186,26 @@ TEST(EveryForm, EnormousByHeader) {
         {"TIFF", {0, 1, 3, 0, 1, 0, 0, 0}, {8, 20}, 2, false, true}, // the entry of the width, and the next
         {"HEIF", {'i', 's', 'p', 'e'}, {8, 12}, 4, true, true},      // of the picture and of its alpha
         {"PNG", {'I', 'H', 'D', 'R'}, {4, 8}, 4, true, true},
+        // Rows of 8 bytes a pixel and one more take 2 to the 64th bytes, and 4 more.
+        {"PNG", {'I', 'H', 'D', 'R'}, {4, 8}, 4, true, true, {2087634008, 1104524548}},
     };
     SetDebugSink([](std::u16string_view message) { messages.emplace_back(message); });
     for (const auto& header : headers) {
-        Bytes file = Sample(CodecNamed(header.name));
+        const bool wide = header.size[0] != 30000;
+        Bytes file =
+            wide ? Encoded(header.name, SmoothPicture(31, 17, FormatRGBA16)) : Sample(CodecNamed(header.name));
         const auto after = [&](Bytes::iterator place) {
             return std::search(place, file.end(), header.mark.begin(), header.mark.end());
         };
         auto at = after(file.begin());
         ASSERT_NE(at, file.end()) << header.name;
         for (; at != file.end(); at = after(at + 1)) {
-            for (const std::size_t offset : header.offsets) {
+            for (std::size_t side = 0; side < 2; ++side) {
                 for (std::size_t i = 0; i < header.bytes; ++i) {
-                    const std::size_t place = offset + (header.bigEndian ? header.bytes - 1 - i : i);
-                    at[static_cast<std::ptrdiff_t>(place)] = static_cast<std::uint8_t>(30000 >> (8 * i));
+                    const std::size_t place =
+                        header.offsets[side] + (header.bigEndian ? header.bytes - 1 - i : i);
+                    at[static_cast<std::ptrdiff_t>(place)] =
+                        static_cast<std::uint8_t>(header.size[side] >> (8 * i));
                 }
             }
             if (header.mark.empty()) break;
