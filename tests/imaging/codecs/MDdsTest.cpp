@@ -139,6 +139,12 @@ TEST(Dds, Refuses) {
     };
     for (const auto& [what, dds] : rows)
         EXPECT_FALSE(Decoded("DDS", FileOf(dds)).IsValid()) << what;
+
+    // 8 bytes a pixel, of which there are 2 to the 61st and 8 more.
+    const Bytes wrapping = FileOf({.width = 1073807362, .height = 2147352580, .format = 11, .data = data});
+    MByteSource source{std::span(wrapping)};
+    MDdsImage image;
+    EXPECT_FALSE(LoadDds(source, image));
 }
 
 TEST(Dds, WritesBc1AndWideChannels) {
