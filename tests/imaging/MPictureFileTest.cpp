@@ -121,6 +121,8 @@ TEST(PictureFile, ScaledLoadFitsTheBox) {
         EXPECT_EQ(loaded.Height, row.height);
         EXPECT_EQ(loaded.GetPixel(3, 3), MColour(9, 8, 7));
     }
+    ASSERT_TRUE(picture.Save(folder.File("a.dds")));
+    EXPECT_EQ(OwnedPicture(MPicture(folder.File("a.dds"), 0, 20, 20)).Width, 40U) << "comes in its own size";
     OwnedPicture line = BlankPicture(100, 1, FormatRGB8);
     ASSERT_TRUE(line.Save(folder.File("line.png")));
     EXPECT_FALSE(MPicture(folder.File("line.png"), 0, 10, 10).IsValid()) << "its height would be 0";
