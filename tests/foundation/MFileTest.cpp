@@ -131,6 +131,17 @@ TEST(Folders, DeletesFilesOnly) {
     EXPECT_FALSE(DeleteFile(folder.File("empty"), false, false));
 }
 
+TEST(Folders, ReadOnlyFilesStay) {
+    const TemporaryFolder folder;
+    const MString file = folder.Write("a", "old");
+    std::filesystem::permissions(folder.path / "a", std::filesystem::perms::owner_read);
+    EXPECT_EQ(MFile(file, true, false).ok, 0);
+    EXPECT_FALSE(DeleteFile(file, false, false));
+    EXPECT_EQ(folder.Read("a"), "old");
+    EXPECT_TRUE(DeleteFile(file, true, false));
+    EXPECT_FALSE(FileExists(file));
+}
+
 TEST(Folders, SizesAsText) {
     const std::pair<std::int64_t, const char*> cases[] = {
         {0, "0 bytes"},    {1023, "1023 bytes"},         {1024, "1 KB"},      {1048575, "1023 KB"},
