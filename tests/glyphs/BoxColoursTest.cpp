@@ -58,10 +58,10 @@ TEST(SurfaceBitmap, StraightColoursAreTheNearest) {
     for (int a = 1; a < 256; ++a) {
         for (int value = 0; value <= a; ++value) {
             const MColour straight =
-                Straight(MColour(static_cast<std::uint8_t>(value), 0, 0, static_cast<std::uint8_t>(a)));
+                Unpremultiplied(MColour(static_cast<std::uint8_t>(value), 0, 0, static_cast<std::uint8_t>(a)));
             ASSERT_EQ(straight.r, std::lround(value * 255.0 / a)) << value << " of " << a;
         }
     }
-    EXPECT_EQ(Straight(MColour(9, 9, 9, 0)), MColour(0, 0, 0, 0));
-    EXPECT_EQ(Straight(MColour(200, 9, 9, 100)).r, 255) << "more than premultiplied";
+    EXPECT_EQ(Unpremultiplied(MColour(9, 9, 9, 0)), MColour(0, 0, 0, 0));
+    EXPECT_EQ(Unpremultiplied(MColour(200, 9, 9, 100)).r, 255) << "more than premultiplied";
 }

@@ -258,6 +258,14 @@ TEST_F(Direct2DSurface, PicturesComeOutToThePixel) {
     };
     expectPremultiplied(picture, 10, 20);
 
+    // Of floats, drawing takes on no more than CopyPixels does: those without alpha come out as nothing.
+    for (MPixelFormat format = 1; format <= 9; ++format) {
+        surface.Clear(MColour(0, 0, 0, 0));
+        const OwnedPicture other = RandomPicture(40, 30, format, 2);
+        surface.DrawPictureAt(other, 10, 20, false);
+        expectPremultiplied(other, 10, 20);
+    }
+
     // A picture that must shrink is what smooth scaling makes of it.
     surface.Clear(MColour(0, 0, 0, 0));
     surface.DrawPictureFitted(picture, {0, 0, 16, 90}, false);

@@ -22,9 +22,6 @@ inline MColour PixelAt(const MSurfaceBitmap& bitmap, std::int32_t x, std::int32_
 }
 
 namespace Desktop {
-inline bool operator==(const Rect& a, const Rect& b) {
-    return a.left == b.left && a.top == b.top && a.right == b.right && a.bottom == b.bottom;
-}
 inline std::ostream& operator<<(std::ostream& out, const Rect& r) {
     return out << r.left << ", " << r.top << ", " << r.right << ", " << r.bottom;
 }
