@@ -72,12 +72,6 @@ TEST(Pixel, ChangesClassChannelByChannel) {
     EXPECT_EQ(changed(bytes, FormatNone, FormatRGBA16).colour16, MColour16());
 }
 
-TEST(Colour, Defaults) {
-    EXPECT_EQ(MColour(), MColour(0, 0, 0, 255));
-    EXPECT_EQ(MColour16(), (MColour16{0, 0, 0, 65535}));
-    EXPECT_EQ(MColourHalf(), MColourHalf(0, 0, 0, 255));
-}
-
 TEST(Colour, Lerp) {
     const MColour first(10, 200, 77, 0);
     const MColour second(20, 100, 77, 255);

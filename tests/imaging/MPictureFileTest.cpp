@@ -13,10 +13,10 @@ TEST(PictureFile, PngHoldsFloatsAsSixteenBits) {
         ASSERT_TRUE(picture.Save(folder.File("picture.png")));
         const OwnedPicture loaded(MPicture(folder.File("picture.png")));
         ASSERT_EQ(loaded.Format, format - 1);
-        for (std::int32_t i = 0; i < 35; ++i) {
-            MColour16 expected = picture.GetPixel16(i % 7, i / 7);
+        for (const auto& [x, y] : PlacesOf(picture)) {
+            MColour16 expected = picture.GetPixel16(x, y);
             if (format == 3) expected.a = 65535;
-            EXPECT_EQ(loaded.GetPixel16(i % 7, i / 7), expected);
+            EXPECT_EQ(loaded.GetPixel16(x, y), expected);
         }
     }
 }

@@ -168,10 +168,8 @@ TEST(Picture, FillBringsThePixelIntoItsFormat) {
             MPixel pixel(MColour(1, 2, 3, 4), FormatRGBA8);
             filled.Fill(pixel);
             EXPECT_EQ(pixel.format, format);
-            for (std::int32_t i = 0; i < static_cast<std::int32_t>(width * 3); ++i) {
-                single.SetPixel(i % static_cast<std::int32_t>(width), i / static_cast<std::int32_t>(width),
-                                pixel);
-            }
+            for (const auto& [x, y] : PlacesOf(single))
+                single.SetPixel(x, y, pixel);
             EXPECT_TRUE(SamePicture(filled, single)) << format << ", " << width;
         }
     }
