@@ -1,27 +1,19 @@
 // Makes the first inputs for the picture decoders: seeds <folder> writes one folder for each form.
-#include "imaging/codecs/MCodec.h"
+#include "imaging/codecs/Coding.h"
 
 #include <cstdio>
-#include <cstring>
 #include <filesystem>
-#include <fstream>
-#include <random>
-#include <string>
-#include <vector>
 
 namespace {
-
-using Bytes = std::vector<std::uint8_t>;
 
 class Corpus {
 public:
     Corpus(const std::filesystem::path& root, std::string_view form) : folder(root / form) {
         std::filesystem::create_directories(folder);
     }
-    void Add(std::span<const std::uint8_t> bytes) {
+    void Add(const Bytes& bytes) {
         std::ofstream file(folder / std::to_string(count++), std::ios::binary);
-        for (const std::uint8_t byte : bytes)
-            file.put(static_cast<char>(byte));
+        file.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
     }
 
 private:
@@ -37,13 +29,6 @@ Bytes Noise(std::size_t count) {
     return bytes;
 }
 
-MPicture Picture(std::uint32_t width, std::uint32_t height, MPixelFormat format) {
-    MPicture picture(width, height, format);
-    const Bytes noise = Noise(std::size_t{picture.Stride} * height);
-    std::memcpy(picture.Pixels, noise.data(), noise.size());
-    return picture;
-}
-
 void Put(Bytes& file, std::size_t offset, std::uint32_t value, std::size_t count) {
     for (std::size_t i = 0; i < count; ++i)
         file[offset + i] = static_cast<std::uint8_t>(value >> (8 * i));
@@ -52,12 +37,19 @@ void Put(Bytes& file, std::size_t offset, std::uint32_t value, std::size_t count
 void AddEncoded(const MCodec& codec, Corpus& corpus) {
     for (MPixelFormat format = 1; format <= 9; ++format) {
         for (const auto& [width, height] : {std::pair(1U, 1U), std::pair(13U, 7U)}) {
-            MPicture picture = Picture(width, height, format);
-            MByteSink sink;
-            if (codec.encode(picture, sink) && sink.Finish()) corpus.Add(sink.Bytes());
-            picture.Free();
+            const Bytes file = Encoded(codec.name, RandomPicture(width, height, format, width));
+            if (!file.empty()) corpus.Add(file);
         }
     }
+}
+
+// The files of the tests, which lie in folders with the names of the forms.
+void AddData(const MCodec& codec, Corpus& corpus) {
+    std::string folder(codec.name);
+    std::ranges::transform(folder, folder.begin(), [](char letter) { return static_cast<char>(letter | 32); });
+    std::error_code none;
+    for (const auto& entry : std::filesystem::directory_iterator(LETTRINO_TEST_DATA + folder, none))
+        corpus.Add(DataFile(folder + "/" + entry.path().filename().string()));
 }
 
 // The forms that are ours, with fields that the encoders never write.
@@ -125,6 +117,7 @@ int main(int count, char** arguments) {
     for (const MCodec& codec : Codecs()) {
         Corpus corpus(arguments[1], codec.name);
         if (codec.encode) AddEncoded(codec, corpus);
+        AddData(codec, corpus);
         if (codec.name == "BMP") AddBmps(corpus);
         if (codec.name == "TGA") AddTgas(corpus);
         if (codec.name == "DDS") AddDdss(corpus);
