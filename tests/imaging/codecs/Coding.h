@@ -5,6 +5,7 @@
 #include "imaging/codecs/MCodec.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <fstream>
 #include <initializer_list>
 #include <iterator>
@@ -23,16 +24,8 @@ inline void Append(Bytes& file, const Bytes& bytes) {
     file.insert(file.end(), bytes.begin(), bytes.end());
 }
 
-// Numbers, each with its size in bytes, least significant first.
+// Numbers, each with its size in bytes, most significant byte first.
 inline void Append(Bytes& file, std::initializer_list<std::pair<std::uint32_t, int>> fields) {
-    for (const auto& [value, size] : fields) {
-        for (int i = 0; i < size; ++i)
-            file.push_back(static_cast<std::uint8_t>(value >> (8 * i)));
-    }
-}
-
-// The same, most significant byte first.
-inline void AppendBig(Bytes& file, std::initializer_list<std::pair<std::uint32_t, int>> fields) {
     for (const auto& [value, size] : fields) {
         for (int i = size - 1; i >= 0; --i)
             file.push_back(static_cast<std::uint8_t>(value >> (8 * i)));
@@ -43,6 +36,14 @@ inline void AppendBig(Bytes& file, std::initializer_list<std::pair<std::uint32_t
 inline Bytes DataFile(const std::string& name) {
     std::ifstream file(LETTRINO_TEST_DATA + name, std::ios::binary);
     return {std::istreambuf_iterator<char>(file), {}};
+}
+
+// The names of the files in a folder of data/.
+inline std::vector<std::string> DataFiles(const std::string& folder) {
+    std::vector<std::string> names;
+    for (const auto& entry : std::filesystem::directory_iterator(LETTRINO_TEST_DATA + folder))
+        names.push_back(entry.path().filename().string());
+    return names;
 }
 
 // Invalid if the file isn't taken.

@@ -63,13 +63,12 @@ TEST(HeifCodec, PicturesMadeOfOneAnotherAreRefused) {
         Bytes bytes = {0, 0, 0, 0, 'i', 'r', 'e', 'f', 0, 0, 0, 0}; // whatever size it says
         bytes[8] = idBytes == 2 ? 0 : 1;
         for (const auto& [type, items] : references) {
-            AppendBig(
-                bytes,
-                {{10 + static_cast<std::uint32_t>(items.size()) * static_cast<std::uint32_t>(idBytes), 4}});
+            Append(bytes,
+                   {{10 + static_cast<std::uint32_t>(items.size()) * static_cast<std::uint32_t>(idBytes), 4}});
             bytes.insert(bytes.end(), type.begin(), type.end());
-            AppendBig(bytes, {{items[0], idBytes}, {static_cast<std::uint32_t>(items.size()) - 1, 2}});
+            Append(bytes, {{items[0], idBytes}, {static_cast<std::uint32_t>(items.size()) - 1, 2}});
             for (std::size_t i = 1; i < items.size(); ++i)
-                AppendBig(bytes, {{items[i], idBytes}});
+                Append(bytes, {{items[i], idBytes}});
         }
         return bytes;
     };

@@ -160,6 +160,17 @@ TEST(EveryForm, DamagedFiles) {
     }
 }
 
+// The names tell why.
+TEST(EveryForm, RefusesWhatItDoesNotRead) {
+    const std::vector<std::string> names = DataFiles("refused");
+    EXPECT_EQ(names.size(), 44U);
+    for (const std::string& name : names) {
+        const MCodec* const codec = CodecForExtension(MString(name.c_str()).GetExtension());
+        ASSERT_NE(codec, nullptr) << name;
+        EXPECT_FALSE(Decoded(codec->name, DataFile("refused/" + name)).IsValid()) << name;
+    }
+}
+
 // A header that promises 30000 by 30000 pixels, or more than can be counted, is refused before anything is
 // allocated for them: by the line that says so where memory has no limit, or, for forms without such a line,
 // without a word of exhausted memory at a low limit.
