@@ -18,8 +18,6 @@ protected:
         settings.FontName = "Liberation Sans";
         settings.Colour = MColour(10, 20, 30);
     }
-
-    void SelectAll() { std::fill(settings.Selected.begin(), settings.Selected.end(), std::uint8_t{1}); }
 };
 
 // Rows of the reference ink at a glyph height, where the reference family is not installed.
@@ -50,17 +48,13 @@ void ExpectSame(const MGlyph* actual, const PlainGlyph& expected) {
 } // namespace
 
 TEST_F(GlyphRenderer, CanvasIsThreeHeightsWideInSteps) {
-    struct Case {
-        std::int32_t height;
-        std::int32_t width;
-        std::int32_t canvasHeight;
-    };
-    for (const Case& c : {Case{100, 300, 450}, Case{101, 304, 456}, Case{16, 48, 72}, Case{1024, 3072, 4608}}) {
-        settings.GlyphHeight = c.height;
+    for (const auto& [height, canvasWidth, canvasHeight] :
+         {std::array{100, 300, 450}, {101, 304, 456}, {16, 48, 72}, {1024, 3072, 4608}}) {
+        settings.GlyphHeight = height;
         const MGlyphRenderer renderer(nullptr);
-        EXPECT_TRUE(renderer.ready);
-        EXPECT_EQ(renderer.canvasWidth, c.width);
-        EXPECT_EQ(renderer.canvasHeight, c.canvasHeight);
+        EXPECT_TRUE(renderer.ready) << height;
+        EXPECT_EQ(renderer.canvasWidth, canvasWidth) << height;
+        EXPECT_EQ(renderer.canvasHeight, canvasHeight) << height;
     }
     for (const std::int32_t height : {0, -1, INT32_MIN, INT32_MAX, 1'000'000}) {
         settings.GlyphHeight = height;
@@ -218,11 +212,12 @@ TEST_F(GlyphRenderer, RunFillsSlotsAndTakesMetricsFromA) {
     settings.Selected[32] = 1;
     EXPECT_FALSE(font.GenerateSelectedCharacters()) << "the space is no character to render";
 
-    SelectAll();
+    settings.Selected.fill(1);
+    font.Glyphs[4] = std::make_unique<MGlyph>(0xA0, 5, 5, 0, 0, true);
     EXPECT_TRUE(font.GenerateSelectedCharacters());
     // All but the no-break space and, where the font draws nothing for it, the soft hyphen.
     EXPECT_GE(font.GlyphCount(), 188);
-    EXPECT_EQ(font.GetGlyph(0xA0), nullptr);
+    EXPECT_EQ(font.GetGlyph(0xA0), nullptr) << "its old glyph is gone too";
     ASSERT_TRUE(font.GetGlyph(u'A'));
     const MRows rows = RowsOf(*font.GetGlyph(u'A'));
     EXPECT_EQ(font.Baseline, font.GetGlyph(u'A')->Height - rows.end);
@@ -242,15 +237,6 @@ TEST_F(GlyphRenderer, RunFillsSlotsAndTakesMetricsFromA) {
     font.Baseline = 0;
     font.GenerateSelectedCharacters();
     EXPECT_LT(font.CapHeight, capHeight);
-}
-
-TEST_F(GlyphRenderer, ACharacterThatHasNoInkLosesItsOldGlyph) {
-    MColourFont font(nullptr);
-    settings.Selected.fill(0);
-    settings.Selected[0xA0] = 1;
-    font.Glyphs[4] = std::make_unique<MGlyph>(0xA0, 5, 5, 0, 0, true);
-    EXPECT_TRUE(font.GenerateSelectedCharacters());
-    EXPECT_EQ(font.GlyphCount(), 0);
 }
 
 TEST_F(GlyphRenderer, FullTableAndUnreadyRendererChangeNothing) {

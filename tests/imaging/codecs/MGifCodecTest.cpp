@@ -74,7 +74,7 @@ TEST(GifCodec, ManyColoursAreReduced) {
             EXPECT_EQ(after.a, before.a < 128 ? 0 : 255);
             if (after.a != 0)
                 largest = std::max({largest, std::abs(before.r - after.r), std::abs(before.g - after.g)});
-            used.insert(after.r | after.g << 8U | after.b << 16U);
+            used.insert(after.r | std::uint32_t{after.g} << 8 | std::uint32_t{after.b} << 16);
         }
         EXPECT_LE(used.size(), 256U);
         EXPECT_LE(largest, 16);
