@@ -4,6 +4,7 @@
 #include "foundation/MMemory.h"
 #include "glyphs/Pixels.h"
 #include "glyphs/PlainRenderer.h"
+#include "platform_text/FontBuilder.h"
 #include "platform_text/FontFixture.h"
 
 #include <gtest/gtest.h>
@@ -26,6 +27,18 @@ int ReferenceTop(int h) {
 }
 int ReferenceBottom(int h) {
     return static_cast<int>(std::floor(h * 2254 / 2888.0 + 0.5) + std::ceil(h * 431 / 2888.0)) - 1;
+}
+
+fonts::Font Letters(const char* family) {
+    fonts::Font font;
+    font.family = family;
+    font.Add({{fonts::Box(-50, 0, 950, 700)}}, u'A');
+    font.Add({{fonts::Circle(400, 200, 390)}}, u'g');
+    font.Add({{fonts::Box(100, 300, 400, 380)}}, u'-');
+    font.Add({{fonts::Box(90, 500, 190, 720)}}, u'\'');
+    font.Add({{fonts::Box(100, 0, 300, 700)}}, u'I');
+    font.Add({{fonts::Box(-20, -200, 300, 700)}}, u'j');
+    return font;
 }
 
 void ExpectSame(const MGlyph* actual, const PlainGlyph& expected) {
@@ -116,7 +129,8 @@ TEST_F(GlyphRenderer, AllFamiliesComeOutEquallyTall) {
 
 TEST_F(GlyphRenderer, TheReferenceFamilyIsItsOwnMeasure) {
     const AddedFonts added;
-    ASSERT_TRUE(added.Add("black.ttf", Renamed(FontPath("DejaVuSans-Bold"), "DejaVu Sans", "Arial Black")));
+    ASSERT_TRUE(added.Add("black.ttf", Letters("Arial Black").Build()));
+    ASSERT_TRUE(added.Add("same.ttf", Letters("Laboratory Sans").Build()));
     settings.FontName = "Arial Black";
     settings.ColourFont = true;
     MGlyphRenderer reference(nullptr);
@@ -127,8 +141,7 @@ TEST_F(GlyphRenderer, TheReferenceFamilyIsItsOwnMeasure) {
 
     // Any other family is measured against it: the same outlines under their own name come out the same size.
     settings.ColourFont = false;
-    settings.FontName = "DejaVu Sans";
-    settings.Weight = 700;
+    settings.FontName = "Laboratory Sans";
     const MGlyphRenderer same(nullptr);
     EXPECT_EQ(same.fontHeight, 100);
     EXPECT_EQ(same.verticalOffset, 0);
@@ -176,13 +189,11 @@ TEST_F(GlyphRenderer, SettingsAreReadAtEveryUse) {
 // Without ink to measure, the size grows by the whole reference extent: glyphs reach beyond the canvas, and
 // wrap.
 TEST_F(GlyphRenderer, AFamilyWithoutTheMeasureTextIsHugeAndHarmless) {
-    const std::string file = FontPath("LiberationSans-Regular");
-    const PlainFace face(file);
-    const std::string bytes =
-        WithoutInk(Renamed(file, "Liberation Sans", "Laboratory Sans"),
-                   {FT_Get_Char_Index(face.face, u'I'), FT_Get_Char_Index(face.face, u'j')});
+    fonts::Font font = Letters("Laboratory Sans");
+    for (const char16_t character : {u'I', u'j'})
+        font.glyphs[font.characters[character]].contours.clear();
     const AddedFonts added;
-    const MString path = added.Write("blank.ttf", bytes);
+    const MString path = added.Write("blank.ttf", font.Build());
     ASSERT_TRUE(AddFontFile(path));
     settings.FontName = "Laboratory Sans";
     for (const std::int32_t height : {16, 50}) {

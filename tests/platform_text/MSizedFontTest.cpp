@@ -28,15 +28,9 @@ void ExpectWhole(std::int32_t actual, double exact, double (*round)(double), con
     EXPECT_LE(actual, round(exact + 1.0 / 32)) << what;
 }
 
-double Floor(double x) {
-    return std::floor(x);
-}
-double Ceil(double x) {
-    return std::ceil(x);
-}
-double Round(double x) {
-    return std::floor(x + 0.5);
-}
+constexpr auto Floor = [](double x) { return std::floor(x); };
+constexpr auto Ceil = [](double x) { return std::ceil(x); };
+constexpr auto Round = [](double x) { return std::floor(x + 0.5); };
 
 int Sum(std::span<const std::uint8_t> coverage) {
     return std::accumulate(coverage.begin(), coverage.end(), 0);
