@@ -168,6 +168,18 @@ TEST(GlyphPainter, GradientsFollowTheirGeometry) {
     }
 }
 
+TEST(GlyphPainter, BeforeAHardFirstStopIsItsOwnColour) {
+    for (const fonts::Bytes& gradient :
+         {fonts::Linear({300, 0, 700, 0, 300, 500}, fonts::ColourLine(0, {{0.5, 0}, {0.5, 1}, {1, 1}})),
+          fonts::Sweep(500, 0, 180, 0, fonts::ColourLine(0, {{0.5, 0}, {0.5, 1}, {1, 1}}))}) {
+        fonts::Font font = OneBox();
+        AddPaint(font, fonts::Outline(1, gradient));
+        const Drawing drawing(font, true);
+        EXPECT_EQ(drawing.At(400, 300), green) << int{gradient[0]};
+        EXPECT_EQ(drawing.At(600, 300), blue) << int{gradient[0]};
+    }
+}
+
 TEST(GlyphPainter, GeometryThatSaysNothingPaintsNothing) {
     const fonts::Bytes line = fonts::ColourLine(0, {{0, 0}, {1, 1}});
     const fonts::Bytes spot = fonts::ColourLine(1, {{0.5, 0}, {0.5, 1}});
