@@ -30,12 +30,16 @@ void AddEncoded(const MCodec& codec, Corpus& corpus) {
     }
 }
 
-// The files of the tests, which lie in folders with the names of the forms.
+// The files of the tests, which lie in folders with the names of the forms and in that of the refused ones.
 void AddData(const MCodec& codec, Corpus& corpus) {
     std::string folder(codec.name);
     std::ranges::transform(folder, folder.begin(), [](char letter) { return static_cast<char>(letter | 32); });
     for (const std::string& name : DataFiles(folder))
         corpus.Add(DataFile(folder + "/" + name));
+    for (const std::string& name : DataFiles("refused")) {
+        if (CodecForExtension(MString(name.c_str()).GetExtension()) == &codec)
+            corpus.Add(DataFile("refused/" + name));
+    }
 }
 
 } // namespace
