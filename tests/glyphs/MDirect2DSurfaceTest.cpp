@@ -223,7 +223,8 @@ TEST_F(Direct2DSurface, PicturesAreCentredAndNeverEnlarged) {
           // The middle of 41 is 20; half of 5 falls between pixels and is cut off on both sides.
           Case{5, 5, {0, 0, 41, 41}, {17, 17, 22, 22}}, Case{21, 10, {3, 5, 44, 36}, {12, 15, 33, 25}},
           Case{200, 100, {10, 10, 60, 60}, {10, 22, 60, 47}}, Case{100, 200, {0, 0, 50, 50}, {12, 0, 37, 50}},
-          Case{30, 300, {20, 0, 60, 33}, {38, 0, 41, 32}}, Case{7, 1, {0, 0, 5, 90}, {}}}) {
+          Case{30, 300, {20, 0, 60, 33}, {38, 0, 41, 32}}, Case{10, 2, {11, 0, 16, 9}, {11, 3, 15, 4}},
+          Case{7, 1, {0, 0, 5, 90}, {}}}) {
         surface.Clear(nothing);
         OwnedPicture picture = Filled(c.width, c.height, red);
         surface.DrawPictureFitted(picture, c.rectangle, false);

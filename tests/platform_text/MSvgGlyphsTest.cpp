@@ -114,15 +114,15 @@ TEST(SvgGlyphs, NothingOutsideTheDocumentIsRead) {
 
 TEST(SvgGlyphs, HugeAndBrokenDocumentsHaveNoGlyphs) {
     const std::string shape = "<rect id='glyph3' width='1000' height='1000' y='-1000'/>";
-    std::string million;
-    for (int i = 0; i < 1'000'000; ++i)
-        million += "<g/>";
+    std::string many;
+    for (int i = 0; i < 300'000; ++i)
+        many += "<g/>";
     const std::string bomb = Gzip(Document(shape + "<!--" + std::string(64 << 20, ' ') + "-->"));
     ASSERT_LT(bomb.size(), 100'000U);
     std::string cut = Gzip(Document(shape));
     cut.resize(cut.size() / 2);
     for (const std::string& document :
-         {Document(shape + million), Document("<g>" + million + shape + "</g>"), bomb, cut, std::string("<svg"),
+         {Document(shape + many), Document("<g>" + many + shape + "</g>"), bomb, cut, std::string("<svg"),
           std::string(), std::string("\x1F\x8B"), Document("<rect id='glyph3'/>").substr(10)}) {
         MSvgGlyphs glyphs(Table(document), {});
         EXPECT_FALSE(glyphs.Has(3)) << document.substr(0, 50);

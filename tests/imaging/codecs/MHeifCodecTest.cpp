@@ -93,6 +93,7 @@ TEST(HeifCodec, PicturesMadeOfOneAnotherAreRefused) {
         {"made of itself", {{"dimg", {4, 4}}}, false},
         {"by way of others", {{"dimg", {1, 2}}, {"dimg", {2, 3}}, {"dimg", {3, 1}}}, false},
         {"an alpha that has itself as its alpha", {{"auxl", {2, 1}}, {"auxl", {1, 2}}}, false},
+        {"an alpha that is made of its picture", {{"auxl", {2, 1}}, {"dimg", {2, 1}}}, false},
         {"three times the next one, and so on", doubling, false},
         {"twenty deep", chain, false},
         {"of a type that is not decoded", {{"cdsc", {4, 4}}}, true},
