@@ -111,6 +111,9 @@ TEST(GlyphPainter, FirstFormThatHasTheGlyphWins) {
     AddPaint(font, fonts::Outline(1, fonts::Solid(0)));
     EXPECT_EQ(Drawing(font, true).At(500, 300), green) << "paints before documents";
 
+    AddPaint(font, fonts::Outline(1, fonts::Solid(fonts::foreground)));
+    EXPECT_EQ(Drawing(font, true, MColour(0, 0, 255)).At(500, 300), blue) << "the colour of the text";
+
     AddPaint(font, fonts::ColrGlyph(1));
     EXPECT_EQ(Drawing(font, true).At(500, 300), red) << "paints that run in a circle";
     font.tables["SVG "] = "nothing that could be read";
@@ -141,6 +144,9 @@ TEST(GlyphPainter, EmojiBitmaps) {
 TEST(GlyphPainter, GradientsFollowTheirGeometry) {
     // Half way from green to blue at the middle of each geometry.
     const fonts::Bytes line = fonts::ColourLine(0, {{0, 0}, {1, 1}});
+    const fonts::Bytes again = fonts::ColourLine(1, {{0, 0}, {1, 1}});
+    const fonts::Bytes back = fonts::ColourLine(2, {{0, 0}, {1, 1}});
+    const auto around = [](int extend) { return fonts::ColourLine(extend, {{-1, 0}, {1, 1}}); };
     struct Case {
         const char* name;
         fonts::Bytes gradient;
@@ -153,9 +159,16 @@ TEST(GlyphPainter, GradientsFollowTheirGeometry) {
           Case{"radial", fonts::Radial({500, 350, 100, 500, 350, 300}, line), 705, 355},
           Case{"sweep", fonts::Sweep(500, 350, 0, 180, line), 505, 600},
           Case{"sweep back", fonts::Sweep(500, 350, 360, 180, line), 505, 100},
-          // Red below a radius of 0 leaves the colour where it is 0: here the middle.
-          Case{"radial from below 0",
-               fonts::Radial({500, 350, 0, 500, 350, 300}, fonts::ColourLine(0, {{-1, 0}, {1, 1}})), 505,
+          Case{"linear again", fonts::Linear({300, 0, 400, 0, 300, 500}, again), 755, 300},
+          Case{"linear and back", fonts::Linear({300, 0, 400, 0, 300, 500}, back), 655, 300},
+          Case{"sweep again", fonts::Sweep(500, 350, 0, 60, again), 505, 600},
+          Case{"sweep and back", fonts::Sweep(500, 350, 0, 60, back), 505, 600},
+          // What lies below a radius of 0 leaves the colour where it is 0: here the middle.
+          Case{"radial from below 0", fonts::Radial({500, 350, 0, 500, 350, 300}, around(0)), 505, 355},
+          Case{"the same again", fonts::Radial({500, 350, 0, 500, 350, 300}, around(1)), 505, 355},
+          Case{"the same and back", fonts::Radial({500, 350, 0, 500, 350, 300}, around(2)), 505, 355},
+          Case{"radial to below 0",
+               fonts::Radial({500, 350, 300, 500, 350, 0}, fonts::ColourLine(0, {{0, 0}, {1.99, 1}})), 505,
                355}}) {
         fonts::Font font = OneBox();
         AddPaint(font, fonts::Outline(1, c.gradient));
@@ -188,6 +201,8 @@ TEST(GlyphPainter, GeometryThatSaysNothingPaintsNothing) {
           fonts::Linear({300, 0, 700, 0, 300, 500}, spot), fonts::Radial({500, 350, 9, 500, 350, 9}, line),
           fonts::Sweep(500, 350, 90, 90, fonts::ColourLine(1, {{0, 0}, {1, 1}})),
           fonts::Transform(16, {0, 1}, {}, fonts::Solid(0)),
+          fonts::Transform(14, {}, {5000, 0}, fonts::Outline(1, fonts::Solid(0))),
+          fonts::Radial({500, 350, 0, 500, 350, 9}, fonts::ColourLine(0, {{-1.5, 0}, {-1, 1}})),
           fonts::Affine({1, 1, 1, 1, 0, 0}, fonts::Solid(0))}) {
         fonts::Font font = OneBox();
         AddPaint(font, fonts::Outline(1, paint));
