@@ -33,6 +33,12 @@ TEST(PictureFile, SavingInAnotherFormatGoesByCopyPixels) {
     const OwnedPicture grey(MPicture(folder.File("b.png")));
     EXPECT_TRUE(SamePicture(grey, BlankPicture(5, 4, FormatR16))) << "a pair that doesn't convert";
 
+    OwnedPicture wide = RandomPicture(5, 4, FormatRGBA16, 15, 0.5);
+    ASSERT_TRUE(wide.Save(folder.File("d.dds"), FormatRGB16));
+    const OwnedPicture loaded(MPicture(folder.File("d.dds")));
+    EXPECT_EQ(loaded.Format, FormatRGBA16);
+    EXPECT_FALSE(loaded.HasTransparency()) << "of the format, this form takes just that there is no alpha";
+
     OwnedPicture turned = DeepCopy(picture);
     turned.FlipVertically();
     ASSERT_TRUE(turned.Save(folder.File("c.png")));

@@ -5,7 +5,7 @@
 #include "platform/text/MPaintTreePainter.h"
 #include "platform/text/MSystemFonts.h"
 #include "platform_text/Canvas.h"
-#include "platform_text/PaintBuilder.h"
+#include "platform_text/PaintFont.h"
 
 #include <gtest/gtest.h>
 
@@ -178,6 +178,16 @@ TEST(GlyphPainter, GradientsFollowTheirGeometry) {
         EXPECT_EQ(pixel >> 16 & 0xFF, 0U) << c.name;
         EXPECT_NEAR(pixel >> 8 & 0xFF, 128, 8) << c.name;
         EXPECT_NEAR(pixel & 0xFF, 128, 8) << c.name;
+    }
+}
+
+TEST(GlyphPainter, EveryPaintIsDrawn) {
+    const fonts::PaintFont paints;
+    const TemporaryFolder folder;
+    const std::string file = ToSystem(folder.Write("paints.ttf", paints.font.Build()));
+    for (std::size_t i = 0; i < paints.names.size(); ++i) {
+        const Drawing drawing(file, static_cast<char16_t>(0x100 + i), true);
+        EXPECT_EQ(drawing.IsEmpty(), paints.names[i] == "composite 0") << paints.names[i];
     }
 }
 
