@@ -35,6 +35,8 @@ MFile::MFile(const MString& path, bool forWriting, bool preload) : writing(forWr
 void MFile::Open(const MString& path) {
     if (path.IsEmpty()) return;
     if (writing) {
+        // Also where the system would let this user write it all the same.
+        if (IsReadOnly(path)) return;
         handle.rdbuf()->pubsetbuf(nullptr, 0);
         handle.open(ToSystemPath(path), std::ios::binary | std::ios::out);
         return;

@@ -23,7 +23,8 @@ public:
     std::int64_t size = -1;    // of a preloaded file
 
     // For reading, the name is looked up without regard to case if it isn't found as it stands; for writing, an
-    // old file of this name is deleted first, so that the new one starts empty. `preload` reads all of it at
+    // old file of this name is deleted first, so that the new one starts empty, and a read-only one can't be
+    // opened. `preload` reads all of it at
     // once and closes it; a file too large for that stays open as if `preload` hadn't been given.
     MFile(const MString& path, bool writing, bool preload);
 

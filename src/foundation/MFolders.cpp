@@ -112,6 +112,13 @@ bool FolderExists(const MString& path) {
     return existing && fs::is_directory(*existing, error);
 }
 
+bool IsReadOnly(const MString& path) {
+    constexpr fs::perms writers = fs::perms::owner_write | fs::perms::group_write | fs::perms::others_write;
+    std::error_code error;
+    const fs::file_status status = fs::status(ToSystemPath(path), error);
+    return fs::exists(status) && (status.permissions() & writers) == fs::perms::none;
+}
+
 bool CreateFolder(const MString& path) {
     const MString folder = FolderForm(path);
     if (folder.IsEmpty()) return !path.IsEmpty();
@@ -134,8 +141,10 @@ bool DeleteFile(const MString& path, bool clearReadOnly, bool toRecycleBin) {
     const fs::path file = ToSystemPath(path);
     std::error_code error;
     if (fs::is_directory(file, error)) return false;
-    if (clearReadOnly) fs::permissions(file, fs::perms::owner_write, fs::perm_options::add, error);
-    return toRecycleBin ? MoveToRecycleBin(file) : fs::remove(file, error);
+    if (clearReadOnly && IsReadOnly(path))
+        fs::permissions(file, fs::perms::owner_write, fs::perm_options::add, error);
+    if (toRecycleBin) return MoveToRecycleBin(file);
+    return !IsReadOnly(path) && fs::remove(file, error);
 }
 
 std::int64_t GetFileSize(const MString& path) {

@@ -26,11 +26,15 @@ std::optional<std::filesystem::path> FindExisting(const MString& path);
 
 bool FileExists(const MString& path);   // false for a folder and for an empty path
 bool FolderExists(const MString& path); // one trailing separator doesn't matter
+// Whether nobody may write the file, as its owner has set it. Such a file is neither overwritten nor deleted,
+// although the system itself would let it be deleted.
+bool IsReadOnly(const MString& path);
 // Creates a folder with all its parents; true if it is there at the end. False for an empty path. On failure
 // the parents made so far stay. A bare root or drive ("/", "C:", "C:/") is true without a look. Each new folder
 // is told on the debug channel.
 bool CreateFolder(const MString& path);
-// True if the file is gone or `path` is empty. `toRecycleBin` moves it to the user's bin instead of deleting.
+// True if the file was deleted or `path` is empty. A read-only one stays, unless `clearReadOnly` lets its owner
+// write it first. `toRecycleBin` moves it to the user's bin instead of deleting.
 bool DeleteFile(const MString& path, bool clearReadOnly, bool toRecycleBin);
 std::int64_t GetFileSize(const MString& path); // 0 if it can't be opened
 // "1023 bytes", "1 KB", "1 MB", "1 GB": the largest unit of which there is at least one, truncated.

@@ -1,7 +1,5 @@
 #include "foundation/MMemory.h"
 
-#include "foundation/MDebug.h"
-
 #include <unistd.h>
 
 #include <cstring>
@@ -26,10 +24,6 @@ std::size_t MemoryLimit() {
 
 void SetMemoryLimit(std::size_t bytes) {
     limitOverride = bytes;
-}
-
-void ReportExhaustion(std::u16string_view message) {
-    DebugOutput(message);
 }
 
 std::uint8_t* MGetMemory(std::size_t size) {

@@ -2,6 +2,8 @@
 // any other failed allocation ends the process.
 #pragma once
 
+#include "foundation/MDebug.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <limits>
@@ -25,17 +27,12 @@ void MCopyMemory(void* destination, const void* source, std::size_t size);
 // `count` default elements from the global array allocator, or null, with `message` on the debug channel, when
 // memory is exhausted. The byte count saturates, so an absurd count is refused and never wraps around.
 template<typename T>
-T* AllocateArray(std::size_t count, std::u16string_view message);
-
-void ReportExhaustion(std::u16string_view message);
-
-template<typename T>
 T* AllocateArray(std::size_t count, std::u16string_view message) {
     try {
         if (count > MemoryLimit() / sizeof(T)) throw std::bad_alloc();
         return new T[count];
     } catch (const std::bad_alloc&) {
-        ReportExhaustion(message);
+        DebugOutput(message);
         return nullptr;
     }
 }

@@ -132,22 +132,15 @@ MString::MString(std::int32_t value, int minDigits, int radix, char16_t separato
 }
 
 MString& MString::operator=(const MString& other) {
-    if (chars != other.chars) {
-        const ::View text = other.View();
-        if (text.empty()) {
-            Release();
-        } else {
-            if (capacity < other.length + 1) {
-                const std::int32_t newCapacity = std::max(2 * capacity, other.length + 1);
-                delete[] std::exchange(chars, nullptr);
-                chars = new char16_t[static_cast<std::size_t>(newCapacity)];
-                capacity = newCapacity;
-            }
-            std::ranges::copy(text, chars);
-            length = other.length;
-            chars[length] = 0;
-        }
+    if (chars == other.chars) return *this;
+    if (other.IsEmpty()) {
+        Release();
+        return *this;
     }
+    Reserve(other.length + 1, false);
+    std::ranges::copy(other.View(), chars);
+    length = other.length;
+    chars[length] = 0;
     return *this;
 }
 

@@ -36,7 +36,7 @@ MColour Mean(std::uint64_t upper, std::uint64_t lower) {
     int a = 0;
     int visible = 0;
     for (const std::uint64_t pixel : {upper, upper >> 32, lower, lower >> 32}) {
-        const MColour sample = Straight(std::bit_cast<MColour>(static_cast<std::uint32_t>(pixel)));
+        const MColour sample = Unpremultiplied(std::bit_cast<MColour>(static_cast<std::uint32_t>(pixel)));
         if (sample.a == 0) continue;
         r += sample.r;
         g += sample.g;

@@ -4,6 +4,7 @@
 #include "imaging/MPicture.h"
 
 #include <cstdint>
+#include <memory>
 
 struct _cairo_surface;
 
@@ -12,12 +13,13 @@ public:
     std::int32_t width = 0;
     std::int32_t height = 0;
     std::int32_t stride = 0;         // bytes from one row to the next
-    std::uint8_t* pixels = nullptr;  // owned by `image`
+    std::uint8_t* pixels = nullptr;  // of `image`
     _cairo_surface* image = nullptr; // owned; null if the bitmap is not valid
 
     // Fully transparent. Not valid for a size below 1 or above 32767, and without memory.
     MSurfaceBitmap(std::int32_t bitmapWidth, std::int32_t bitmapHeight);
-    // A picture of any format. Colours are premultiplied as channel * alpha / 256 where alpha is below 255.
+    // For drawing a picture, as MPicture::CreateWicBitmap has it. Not valid if that isn't, nor for a size above
+    // 32767.
     explicit MSurfaceBitmap(const MPicture& picture);
     MSurfaceBitmap(const MSurfaceBitmap&) = delete;
     MSurfaceBitmap& operator=(const MSurfaceBitmap&) = delete;
@@ -28,7 +30,9 @@ public:
     const std::uint8_t* Row(std::int32_t y) const;
     // A picture of format 7 with straight alpha, owned by the caller; invalid without memory.
     MPicture ToPicture() const;
-};
 
-// From premultiplied to straight: the nearest value, 0 where alpha is.
-MColour Straight(MColour premultiplied);
+private:
+    std::unique_ptr<std::uint8_t[]> block; // the pixels of a picture, which the image only points to
+
+    void Hold(_cairo_surface* surface);
+};

@@ -1,16 +1,8 @@
 #include "glyphs/MWindowSurface.h"
 
-namespace {
-
-bool Same(const Desktop::Rect& a, const Desktop::Rect& b) {
-    return a.left == b.left && a.top == b.top && a.right == b.right && a.bottom == b.bottom;
-}
-
-} // namespace
-
 bool MWindowSurface::Bind(Desktop::WindowHandle newWindow, const Desktop::Rect& newRectangle) {
     if (newRectangle.IsEmpty()) return false;
-    if (surface && window == newWindow && Same(rectangle, newRectangle)) return true;
+    if (surface && window == newWindow && rectangle == newRectangle) return true;
     Release();
     window = newWindow;
     rectangle = newRectangle;

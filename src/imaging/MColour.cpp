@@ -42,6 +42,14 @@ MPixel::MPixel(const std::uint8_t* memory, MPixelFormat valueFormat) : format(va
 
 namespace {
 
+// 2 to the 24th by each alpha, rounded up: with it a division of 16 bits by an alpha is exact.
+constexpr auto reciprocals = [] {
+    std::array<std::uint32_t, 256> table{};
+    for (std::uint32_t a = 1; a < 256; ++a)
+        table[a] = ((1U << 24) + a - 1) / a;
+    return table;
+}();
+
 template<typename Target, typename Source>
 void ConvertColour(const Source& source, Target& target) {
     using Value = decltype(Target::r);
@@ -87,8 +95,10 @@ MColour Unpremultiplied(const MColour& premultiplied) {
     const std::uint32_t alpha = premultiplied.a;
     if (alpha == 255) return premultiplied;
     if (alpha == 0) return {0, 0, 0, 0};
-    const auto channel = [alpha](std::uint32_t value) {
-        return static_cast<std::uint8_t>(std::min((value * 255 + alpha / 2) / alpha, 255U));
+    const std::uint64_t factor = reciprocals[alpha];
+    const auto channel = [&](std::uint32_t value) {
+        return static_cast<std::uint8_t>(
+            std::min<std::uint64_t>((value * 255 + alpha / 2) * factor >> 24, 255));
     };
     return {channel(premultiplied.r), channel(premultiplied.g), channel(premultiplied.b), premultiplied.a};
 }

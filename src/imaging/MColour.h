@@ -104,7 +104,7 @@ inline std::uint16_t ToWord(Imath::half value) {
 // For drawing, where colours are multiplied by their alpha: channel * a >> 8, which a drawn picture has always
 // shown; opaque colours stay.
 MColour Premultiplied(const MColour& straight);
-// And back, rounded to nearest. Transparent colours become black.
+// And back, rounded to nearest; 255 for a channel above its alpha. Transparent colours become black.
 MColour Unpremultiplied(const MColour& premultiplied);
 
 // (1 - t) * first + t * second, truncated; equal numbers stay. What falls below 0 or above the largest number

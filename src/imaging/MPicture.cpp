@@ -10,7 +10,7 @@ MPicture::MPicture(std::uint32_t width, std::uint32_t height, MPixelFormat forma
     : Width(width), Height(height), Format(format) {
     const std::uint64_t stride = std::uint64_t{width} * BytesPerPixel(format);
     if (stride > std::numeric_limits<std::uint32_t>::max()) {
-        ReportExhaustion(u"MPicture: rows too long\n");
+        DebugOutput(u"MPicture: rows too long\n");
         return;
     }
     Stride = static_cast<std::uint32_t>(stride);

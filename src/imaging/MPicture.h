@@ -43,8 +43,8 @@ public:
     // Allocates but does not clear the pixels. `Pixels` is null when memory is exhausted or the size overflows.
     MPicture(std::uint32_t width, std::uint32_t height, MPixelFormat format);
     // Loads a file in its own depth. `frame` counts from 0; a frame that is not there fails the load. A
-    // `maxWidth` and `maxHeight` both above 0 ask for a load scaled to fit that box. After a failure the
-    // picture is invalid, with Width, Height and Format 0.
+    // `maxWidth` and `maxHeight` both above 0 ask for a load scaled to fit that box, which DDS and TGA files
+    // take no notice of. After a failure the picture is invalid, with Width, Height and Format 0.
     explicit MPicture(const MString& path, std::int32_t frame = 0, std::int32_t maxWidth = -1,
                       std::int32_t maxHeight = -1);
     // Format 7, with straight alpha. Empty for a null bitmap.

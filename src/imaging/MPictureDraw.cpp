@@ -1,3 +1,4 @@
+// FlipVertically and DrawLine.
 #include "foundation/MMemory.h"
 #include "imaging/MPicture.h"
 

@@ -18,14 +18,6 @@ const MCodec* CodecForFile(MByteSource& file, const MString& extension) {
     return CodecForContent({start, file.ReadSome(0, start, sizeof start)});
 }
 
-bool Load(const MString& path, std::int32_t frame, MPicture& picture) {
-    MFile file(path, false, false);
-    if (!file.ok) return false;
-    MByteSource source(file);
-    const MCodec* const codec = CodecForFile(source, path.GetExtension());
-    return codec && codec->decode(source, frame, picture) && picture.IsValid();
-}
-
 // The size of a picture fitted into the box, as floats and truncated; a small picture grows.
 bool ScaleToFit(MPicture& picture, std::int32_t maxWidth, std::int32_t maxHeight) {
     const auto width = static_cast<float>(picture.Width);
@@ -45,6 +37,17 @@ bool ScaleToFit(MPicture& picture, std::int32_t maxWidth, std::int32_t maxHeight
     picture.Free();
     picture = fitted;
     return picture.IsValid();
+}
+
+bool Load(const MString& path, std::int32_t frame, std::int32_t maxWidth, std::int32_t maxHeight,
+          MPicture& picture) {
+    MFile file(path, false, false);
+    if (!file.ok) return false;
+    MByteSource source(file);
+    const MCodec* const codec = CodecForFile(source, path.GetExtension());
+    if (!codec || !codec->decode(source, frame, picture) || !picture.IsValid()) return false;
+    // The forms that only the extension tells have always come in their own size.
+    return maxWidth < 1 || maxHeight < 1 || !codec->sniff || ScaleToFit(picture, maxWidth, maxHeight);
 }
 
 void MakeOpaque(MPicture& picture) {
@@ -101,9 +104,7 @@ MString ReportText(const MPicture& picture, const MString& path, MPixelFormat fo
 
 MPicture::MPicture(const MString& path, std::int32_t frame, std::int32_t maxWidth, std::int32_t maxHeight)
     : MPicture() {
-    const bool loaded =
-        Load(path, frame, *this) && (maxWidth < 1 || maxHeight < 1 || ScaleToFit(*this, maxWidth, maxHeight));
-    if (loaded) return;
+    if (Load(path, frame, maxWidth, maxHeight, *this)) return;
     Free();
     *this = MPicture();
 }

@@ -25,6 +25,7 @@ struct Rect {
     std::int32_t Width() const { return right - left; }
     std::int32_t Height() const { return bottom - top; }
     bool IsEmpty() const { return right <= left || bottom <= top; }
+    friend bool operator==(const Rect&, const Rect&) = default;
 };
 
 // The program's main window with its menu, empty and shown; null if it can't be made. `frame` is the place of

@@ -245,7 +245,7 @@ TEST(String, Extensions) {
         {"a.b", "..", "a."},
         {"", "png", ""},
         {"a.b", "", "a.b"},
-        {"x:y", "png", "x:y.png"},
+        {"a.b:c", "png", "a.b:c.png"},
     };
     for (const auto& c : settings) {
         EXPECT_EQ(Edited(c.path, [&](MString& s) { s.SetExtension(c.extension); }), c.result);

@@ -1,39 +1,29 @@
 #include "foundation/MVector.h"
 
-#include "foundation/MDebug.h"
+#include "DebugLines.h"
 #include "foundation/MString.h"
 
 #include <gtest/gtest.h>
 
 #include <new>
-#include <string>
 
 namespace {
 
-std::u16string debugText;
+bool exhausted = false;
 
 // Makes the array allocator fail and catches what is said of it.
 class ExhaustedMemory {
 public:
-    ExhaustedMemory() : sink(SetDebugSink([](std::u16string_view text) { debugText += text; })) {
-        debugText.clear();
-        failing = true;
-    }
-    ~ExhaustedMemory() {
-        failing = false;
-        SetDebugSink(sink);
-    }
+    DebugLines debug;
 
-    static inline bool failing = false;
-
-private:
-    MDebugSink sink;
+    ExhaustedMemory() { exhausted = true; }
+    ~ExhaustedMemory() { exhausted = false; }
 };
 
 } // namespace
 
 void* operator new[](std::size_t size) {
-    if (ExhaustedMemory::failing) throw std::bad_alloc();
+    if (exhausted) throw std::bad_alloc();
     return ::operator new(size);
 }
 
@@ -82,11 +72,11 @@ TEST(Vector, SurvivesExhaustedMemoryEmpty) {
     for (const bool keep : {true, false}) {
         MVector<int> vector;
         FillUp(vector, 5);
-        const ExhaustedMemory exhausted;
+        const ExhaustedMemory memory;
         EXPECT_FALSE(vector.Resize(6, keep));
         EXPECT_EQ(vector.count, 0);
         EXPECT_EQ(vector.data, nullptr);
-        EXPECT_EQ(debugText, u"MVector: out of memory exception\n");
+        EXPECT_EQ(memory.debug.lines, std::vector<std::u16string>{u"MVector: out of memory exception\n"});
     }
 }
 
@@ -105,16 +95,16 @@ TEST(Vector, RefusesMoreThanTheMachineShouldGive) {
 }
 
 TEST(Memory, SurvivesExhaustedMemory) {
-    const ExhaustedMemory exhausted;
+    const ExhaustedMemory memory;
     EXPECT_EQ(MGetMemory(0), nullptr);
-    EXPECT_EQ(debugText, u"");
+    EXPECT_TRUE(memory.debug.lines.empty());
     EXPECT_EQ(MGetMemory(1), nullptr);
-    EXPECT_EQ(debugText, u"MGetMemory: out of memory exception\n");
+    EXPECT_EQ(memory.debug.lines, std::vector<std::u16string>{u"MGetMemory: out of memory exception\n"});
 }
 
 TEST(Memory, NothingElseCatchesExhaustion) {
     MString text("a text that will need room");
-    const ExhaustedMemory exhausted;
+    const ExhaustedMemory memory;
     EXPECT_THROW(MString copy(text), std::bad_alloc);
 }
 

@@ -2,8 +2,7 @@
 // first two bytes are the length of the former.
 #include "platform/text/MColourTable.h"
 #include "platform/text/MPaintTreePainter.h"
-
-#include <cairo.h>
+#include "platform_text/Canvas.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -23,15 +22,12 @@ const MOpenFace& Face() {
 }
 
 void PaintGlyph(const MPaintTree& tree) {
-    cairo_surface_t* const image = cairo_image_surface_create(CAIRO_FORMAT_ARGB32, 24, 24);
-    cairo_t* const context = cairo_create(image);
-    cairo_translate(context, 2, 20);
-    cairo_scale(context, 20.0 / 2048, -20.0 / 2048);
-    PaintTree(context, tree, Face(), MColour(255, 255, 255));
+    const Canvas canvas(24, 24);
+    cairo_translate(canvas.context, 2, 20);
+    cairo_scale(canvas.context, 20.0 / 2048, -20.0 / 2048);
+    PaintTree(canvas.context, tree, Face(), MColour(255, 255, 255));
     // Whatever the paints say, what is drawn next must come out.
-    if (cairo_status(context) != CAIRO_STATUS_SUCCESS) std::abort();
-    cairo_destroy(context);
-    cairo_surface_destroy(image);
+    if (!canvas.IsSound()) std::abort();
 }
 
 } // namespace

@@ -1,43 +1,27 @@
 // Any bytes as a font file beside a good picture: the readers must stay whole, and so must the font that comes
 // of it.
 
+#include "TemporaryFolder.h"
 #include "document/MColourFont.h"
 #include "document/MSettings.h"
 #include "formats/MPhotofontImporter.h"
 #include "formats/WebFont.h"
-#include "foundation/MFolders.h"
-#include "foundation/MUtf8.h"
 
 #include <cstdint>
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
 #include <string>
 #include <string_view>
 
 namespace {
 
-namespace fs = std::filesystem;
-
 constexpr std::string_view form = LETTRINO_FORM;
 
-// Where the input is put; of this process alone, and gone with it.
-struct Place {
-    fs::path folder;
-
+// Where the input is put.
+struct Place : TemporaryFolder {
     Place() {
-        std::string name = (fs::temp_directory_path() / "lettrino-fuzz-XXXXXX").string();
-        folder = mkdtemp(name.data());
         MPicture picture(64, 32, FormatRGBA8);
         picture.Fill(MColour(10, 20, 30, 200));
-        picture.Save(FromSystemPath(folder / "f.png"));
+        picture.Save(File("f.png"));
         picture.Free();
-    }
-    Place(const Place&) = delete;
-    Place& operator=(const Place&) = delete;
-    ~Place() {
-        std::error_code error;
-        fs::remove_all(folder, error);
     }
 };
 
@@ -61,13 +45,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     SetMemoryLimit(std::size_t{64} << 20);
     MSettings settings;
     Settings = &settings;
-    settings.Path(MPathKind::Temporary) = FromSystemPath(place.folder);
-    const fs::path file = place.folder / ("f." + std::string(form));
-    std::ofstream(file, std::ios::binary)
-        << Header() << std::string_view(reinterpret_cast<const char*>(data), size);
+    settings.Path(MPathKind::Temporary) = FromSystemPath(place.path);
+    const MString file =
+        place.Write("f." LETTRINO_FORM, Header() + std::string(reinterpret_cast<const char*>(data), size));
     {
         MColourFont font(nullptr);
-        if (Read(font, FromSystemPath(file)) && font.Repack()) {
+        if (Read(font, file) && font.Repack()) {
             font.GenerateKerning();
             font.Scale(0.5F);
             font.TrimVertically();

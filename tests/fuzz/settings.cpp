@@ -1,33 +1,16 @@
 // Any bytes as the settings file. What was read must be written and read again alike, and the window lie on the
 // screen.
+#include "TemporaryFolder.h"
 #include "document/MSettings.h"
-#include "foundation/MFolders.h"
 
 #include <cstdint>
 #include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <string>
 
 namespace {
 
-namespace fs = std::filesystem;
-
-// The user's folders; of this process alone, and gone with it.
-struct Place {
-    fs::path folder;
-
-    Place() {
-        std::string name = (fs::temp_directory_path() / "lettrino-fuzz-XXXXXX").string();
-        folder = mkdtemp(name.data());
-        setenv("XDG_CONFIG_HOME", folder.c_str(), 1);
-    }
-    Place(const Place&) = delete;
-    Place& operator=(const Place&) = delete;
-    ~Place() {
-        std::error_code error;
-        fs::remove_all(folder, error);
-    }
+// The user's folders.
+struct Place : TemporaryFolder {
+    Place() { setenv("XDG_CONFIG_HOME", path.c_str(), 1); }
 };
 
 void Require(bool holds) {

@@ -7,7 +7,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cmath>
 #include <random>
 
 namespace {
@@ -45,23 +44,8 @@ TEST(BoxColours, IsThePartOfSmoothScalingThatAGlyphNeeds) {
         OwnedPicture glyph = BlankPicture(width, height, FormatRGBA8);
         BoxDownColours(bitmap, glyph);
         OwnedPicture expected = BlankPicture(width, height, FormatRGBA8);
-        for (std::uint32_t i = 0; i < width * height; ++i) {
-            const auto x = static_cast<std::int32_t>(i % width);
-            const auto y = static_cast<std::int32_t>(i / width);
+        for (const auto& [x, y] : PlacesOf(expected))
             expected.SetPixel(x, y, scaled.GetPixel(x, y)); // wraps around, as a glyph of the canvas does
-        }
         EXPECT_TRUE(SamePicture(glyph, expected)) << width << " x " << height;
     }
-}
-
-TEST(SurfaceBitmap, StraightColoursAreTheNearest) {
-    for (int a = 1; a < 256; ++a) {
-        for (int value = 0; value <= a; ++value) {
-            const MColour straight =
-                Straight(MColour(static_cast<std::uint8_t>(value), 0, 0, static_cast<std::uint8_t>(a)));
-            ASSERT_EQ(straight.r, std::lround(value * 255.0 / a)) << value << " of " << a;
-        }
-    }
-    EXPECT_EQ(Straight(MColour(9, 9, 9, 0)), MColour(0, 0, 0, 0));
-    EXPECT_EQ(Straight(MColour(200, 9, 9, 100)).r, 255) << "more than premultiplied";
 }

@@ -16,6 +16,8 @@ namespace {
 constexpr MColour red(255, 0, 0);
 constexpr MColour white(255, 255, 255);
 constexpr MColour black(0, 0, 0);
+constexpr MColour nothing(0, 0, 0, 0);
+constexpr Desktop::Rect all{0, 0, 200, 100};
 const char* const family = "Liberation Sans";
 
 Desktop::WindowHandle SomeWindow() {
@@ -30,20 +32,27 @@ OwnedPicture Filled(std::uint32_t width, std::uint32_t height, MColour colour,
     return picture;
 }
 
+struct Style {
+    std::int32_t across = -1, down = -1; // alignment
+    bool clip = false, wrap = true;
+    std::int32_t weight = 400;
+    bool italic = false;
+    MString name = family;
+};
+
 class Direct2DSurface : public testing::Test {
 protected:
     MSurfaceBitmap bitmap{200, 100};
     MDirect2DSurface surface{bitmap};
 
-    void Text(const char* text, Desktop::Rect rectangle, float size, std::int32_t across = -1,
-              std::int32_t down = -1, bool clip = false, bool wrap = true) {
-        surface.DrawText(rectangle, text, family, size, 400, false, black, across, down, false, clip, false,
-                         wrap);
+    void Text(const MString& text, Desktop::Rect rectangle, float size, const Style& style = {}) {
+        surface.DrawText(rectangle, text, style.name, size, style.weight, style.italic, black, style.across,
+                         style.down, false, style.clip, false, style.wrap);
     }
-    Desktop::Rect InkOfText(const char* text, Desktop::Rect rectangle, float size, std::int32_t across = -1,
-                            std::int32_t down = -1, bool clip = false, bool wrap = true) {
-        surface.Clear(MColour(0, 0, 0, 0));
-        Text(text, rectangle, size, across, down, clip, wrap);
+    // Of a text alone.
+    Desktop::Rect InkOfText(const MString& text, Desktop::Rect rectangle, float size, const Style& style = {}) {
+        surface.Clear(nothing);
+        Text(text, rectangle, size, style);
         return InkOf(bitmap);
     }
 };
@@ -52,19 +61,18 @@ protected:
 
 TEST_F(Direct2DSurface, CoversItsBitmap) {
     EXPECT_TRUE(surface.valid);
-    EXPECT_EQ(surface.area, (Desktop::Rect{0, 0, 200, 100}));
+    EXPECT_EQ(surface.area, all);
     ASSERT_TRUE(surface.Begin());
-    EXPECT_EQ(InkOf(bitmap).Width(), -200) << "a new bitmap is transparent";
+    EXPECT_TRUE(InkOf(bitmap).IsEmpty()) << "a new bitmap is transparent";
     surface.Clear(MColour(200, 100, 50, 128));
     EXPECT_EQ(PixelAt(bitmap, 3, 3), MColour(100, 50, 25, 128));
     surface.Clear(MColour(200, 100, 50, 0));
-    EXPECT_EQ(PixelAt(bitmap, 3, 3), MColour(0, 0, 0, 0));
+    EXPECT_EQ(PixelAt(bitmap, 3, 3), nothing);
     surface.End();
     EXPECT_TRUE(Headless::record.paintings.empty()) << "no window to show it";
 }
 
 TEST_F(Direct2DSurface, CachesHoldUntilSomethingChanges) {
-    const Desktop::Rect all{0, 0, 200, 100};
     Text("A", all, 37.2F);
     const auto* const format = surface.textFormat.get();
     const auto* const brush = surface.brush;
@@ -82,35 +90,31 @@ TEST_F(Direct2DSurface, CachesHoldUntilSomethingChanges) {
     EXPECT_TRUE(surface.strokeStyle);
 
     // Whether the format is made anew.
-    const auto keyAfter = [&](float size, std::int32_t weight, bool italic, std::int32_t across, bool wrap) {
+    const auto renewedBy = [&](float size, const Style& style) {
         const auto key = [&] {
             const MTextFormatKey& k = surface.textFormatKey;
             return std::tuple(k.size, k.weight, k.italic, k.textAlignment, k.wrap);
         };
         const auto before = key();
-        surface.DrawText(all, "C", family, size, weight, italic, black, across, -1, false, false, false, wrap);
+        Text("C", all, size, style);
         return key() != before;
     };
-    EXPECT_TRUE(keyAfter(38, 400, false, -1, true));
-    EXPECT_TRUE(keyAfter(38, 700, false, -1, true));
-    EXPECT_TRUE(keyAfter(38, 700, true, -1, true));
-    EXPECT_TRUE(keyAfter(38, 700, true, 0, true));
-    EXPECT_TRUE(keyAfter(38, 700, true, 0, false));
-    EXPECT_FALSE(keyAfter(38.5F, 700, true, 0, false));
+    EXPECT_TRUE(renewedBy(38, {}));
+    EXPECT_TRUE(renewedBy(38, {.weight = 700}));
+    EXPECT_TRUE(renewedBy(38, {.weight = 700, .italic = true}));
+    EXPECT_TRUE(renewedBy(38, {.across = 0, .weight = 700, .italic = true}));
+    EXPECT_TRUE(renewedBy(38, {.across = 0, .wrap = false, .weight = 700, .italic = true}));
+    EXPECT_FALSE(renewedBy(38.5F, {.across = 0, .wrap = false, .weight = 700, .italic = true}));
 }
 
 TEST_F(Direct2DSurface, DefaultsOfText) {
-    surface.DrawText({0, 0, 200, 100}, "A", MString(), 0, 0, false, black, 0, 0, false, false, false, true);
+    EXPECT_FALSE(InkOfText("A", all, 0, {.weight = 0, .name = MString()}).IsEmpty());
     EXPECT_TRUE(surface.textFormatKey.family.Equals(u"MS Shell Dlg"));
     EXPECT_EQ(surface.textFormatKey.size, 12);
     EXPECT_EQ(surface.textFormatKey.weight, 400);
-    EXPECT_GT(InkOf(bitmap).Width(), 0);
-    for (const float size : {-3.0F, std::nanf(""), HUGE_VALF, 1e30F, 0.4F}) {
-        surface.Clear(MColour(0, 0, 0, 0));
-        Text("A", {0, 0, 200, 100}, size);
-        EXPECT_EQ(InkOf(bitmap).Width() > 0, !(size > 0)) << size;
-    }
-    EXPECT_GT(InkOfText("A", {0, 0, 200, 100}, 20).Width(), 0) << "a bad size does no lasting harm";
+    for (const float size : {-3.0F, std::nanf(""), HUGE_VALF, 1e30F, 0.4F})
+        EXPECT_EQ(InkOfText("A", all, size).IsEmpty(), size > 0) << size;
+    EXPECT_FALSE(InkOfText("A", all, 20).IsEmpty()) << "a bad size does no lasting harm";
 }
 
 TEST_F(Direct2DSurface, TextStandsInItsRectangle) {
@@ -119,31 +123,27 @@ TEST_F(Direct2DSurface, TextStandsInItsRectangle) {
     EXPECT_EQ(leading.bottom, 10 + 29) << "the baseline";
     EXPECT_NEAR(leading.top, 39 - 22, 1);
     EXPECT_NEAR(leading.left, 20 + 2, 1);
-    EXPECT_NEAR(InkOfText("H", {20, 10, 180, 90}, 32, 1).right, 180 - 2, 1);
-    const auto centre = InkOfText("H", {20, 10, 180, 90}, 32, 0, 0);
+    EXPECT_NEAR(InkOfText("H", {20, 10, 180, 90}, 32, {.across = 1}).right, 180 - 2, 1);
+    const auto centre = InkOfText("H", {20, 10, 180, 90}, 32, {.across = 0, .down = 0});
     EXPECT_NEAR(centre.left + centre.right, 200, 2);
     EXPECT_NEAR(centre.bottom, 50 - 35.75 / 2 + 29, 1);
-    EXPECT_NEAR(InkOfText("H", {20, 10, 180, 90}, 32, -1, 1).bottom, 90 - 35.75 + 29, 1);
+    EXPECT_NEAR(InkOfText("H", {20, 10, 180, 90}, 32, {.down = 1}).bottom, 90 - 35.75 + 29, 1);
 
-    const auto oneLine = InkOfText("HHH HHH", {0, 0, 90, 100}, 20, -1, -1, false, false);
+    const auto oneLine = InkOfText("HHH HHH", {0, 0, 90, 100}, 20, {.wrap = false});
     EXPECT_GT(oneLine.right, 90);
     EXPECT_LT(oneLine.bottom, 30);
     const auto wrapped = InkOfText("HHH HHH", {0, 0, 90, 100}, 20);
     EXPECT_LE(wrapped.right, 90);
     EXPECT_EQ(wrapped.bottom, oneLine.bottom + 22) << "lines are a cell apart";
-    const auto clipped = InkOfText("HHHHHHH", {10, 0, 60, 15}, 20, -1, -1, true, false);
+    const auto clipped = InkOfText("HHHHHHH", {10, 0, 60, 15}, 20, {.clip = true, .wrap = false});
     EXPECT_EQ(clipped.right, 60);
     EXPECT_EQ(clipped.bottom, 15);
     EXPECT_GT(InkOfText("H", {50, 0, 20, -5}, 20).Width(), 0) << "a box turned inside out hides nothing";
 }
 
 TEST_F(Direct2DSurface, AnotherFontStepsInOnTheSameBaseline) {
-    const auto own = InkOfText("H", {0, 0, 200, 100}, 40);
-    surface.Clear(MColour(0, 0, 0, 0));
-    // A letter that only DejaVu has.
-    surface.DrawText({0, 0, 200, 100}, MString(u"\u0531"), family, 40, 400, false, black, -1, -1, false, false,
-                     false, true);
-    const auto other = InkOf(bitmap);
+    const auto own = InkOfText("H", all, 40);
+    const auto other = InkOfText(MString(u"\u0531"), all, 40); // a letter that only DejaVu has
     EXPECT_GT(other.Width(), 10);
     EXPECT_NEAR(other.bottom, own.bottom, 2);
 }
@@ -167,14 +167,14 @@ TEST_F(Direct2DSurface, RectanglesAndLines) {
     surface.DrawRectangle({10, 20, 30, 40}, red, true, 0, false);
     EXPECT_EQ(InkOf(bitmap), (Desktop::Rect{10, 20, 30, 40}));
     EXPECT_EQ(PixelAt(bitmap, 29, 39), red);
-    surface.Clear(MColour(0, 0, 0, 0));
+    surface.Clear(nothing);
     surface.DrawRectangle({10, 20, 30, 40}, red, false, 4, false);
     EXPECT_EQ(InkOf(bitmap), (Desktop::Rect{8, 18, 32, 42})) << "half the stroke on either side, mitred";
     EXPECT_EQ(PixelAt(bitmap, 8, 18), red);
-    EXPECT_EQ(PixelAt(bitmap, 20, 30), MColour(0, 0, 0, 0));
-    surface.Clear(MColour(0, 0, 0, 0));
+    EXPECT_EQ(PixelAt(bitmap, 20, 30), nothing);
+    surface.Clear(nothing);
     surface.DrawRectangle({10, 20, 10, 40}, red, false, 4, false);
-    EXPECT_LT(InkOf(bitmap).Width(), 0);
+    EXPECT_TRUE(InkOf(bitmap).IsEmpty());
     surface.DrawLine({50, 50}, {100, 50}, 10, red, false);
     EXPECT_EQ(InkOf(bitmap), (Desktop::Rect{45, 45, 105, 55})) << "round ends";
     EXPECT_LT(PixelAt(bitmap, 45, 45).a, 128);
@@ -192,15 +192,8 @@ TEST_F(Direct2DSurface, CoordinatesOfTheWindowAreMapped) {
         const Headless::Painting& painting = Headless::record.paintings.at(0);
         EXPECT_EQ(painting.window, SomeWindow());
         EXPECT_EQ(painting.area, (Desktop::Rect{100, 50, 160, 90}));
-        EXPECT_EQ(painting.width, 60);
-        EXPECT_EQ(painting.height, 40);
-        std::vector<std::pair<int, int>> ink;
-        for (int y = 0; y < 40; ++y)
-            for (int x = 0; x < 60; ++x)
-                if (painting.pixels[static_cast<std::size_t>((y * 60 + x) * 4 + 2)] > 0) ink.emplace_back(x, y);
-        return ink.empty() ? Desktop::Rect{}
-                           : Desktop::Rect{ink.front().first, ink.front().second, ink.back().first + 1,
-                                           ink.back().second + 1};
+        EXPECT_EQ(std::pair(painting.width, painting.height), std::pair(60, 40));
+        return InkOf(painting, black);
     };
     ASSERT_TRUE(part.Begin());
     part.Clear(MColour(0, 0, 0, 7));
@@ -230,16 +223,14 @@ TEST_F(Direct2DSurface, PicturesAreCentredAndNeverEnlarged) {
           // The middle of 41 is 20; half of 5 falls between pixels and is cut off on both sides.
           Case{5, 5, {0, 0, 41, 41}, {17, 17, 22, 22}}, Case{21, 10, {3, 5, 44, 36}, {12, 15, 33, 25}},
           Case{200, 100, {10, 10, 60, 60}, {10, 22, 60, 47}}, Case{100, 200, {0, 0, 50, 50}, {12, 0, 37, 50}},
-          Case{30, 300, {20, 0, 60, 33}, {38, 0, 41, 32}}, Case{7, 1, {0, 0, 5, 90}, {}}}) {
-        surface.Clear(MColour(0, 0, 0, 0));
+          Case{30, 300, {20, 0, 60, 33}, {38, 0, 41, 32}}, Case{10, 2, {11, 0, 16, 9}, {11, 3, 15, 4}},
+          Case{7, 1, {0, 0, 5, 90}, {}}}) {
+        surface.Clear(nothing);
         OwnedPicture picture = Filled(c.width, c.height, red);
         surface.DrawPictureFitted(picture, c.rectangle, false);
         const Desktop::Rect ink = InkOf(bitmap);
-        if (c.expected.IsEmpty()) {
-            EXPECT_LT(ink.Width(), 0) << "less than a row is nothing";
-            continue;
-        }
         EXPECT_EQ(ink, c.expected) << c.width << " by " << c.height;
+        if (ink.IsEmpty()) continue; // less than a row is nothing
         EXPECT_EQ(PixelAt(bitmap, ink.left, ink.top), red);
         EXPECT_EQ(PixelAt(bitmap, ink.right - 1, ink.bottom - 1), red);
     }
@@ -247,19 +238,21 @@ TEST_F(Direct2DSurface, PicturesAreCentredAndNeverEnlarged) {
 
 TEST_F(Direct2DSurface, PicturesComeOutToThePixel) {
     const OwnedPicture picture = RandomPicture(40, 30, FormatRGBA8, 1);
-    surface.Clear(MColour(0, 0, 0, 0));
-    surface.DrawPictureAt(picture, 10, 20, false);
     const auto expectPremultiplied = [&](const MPicture& source, std::int32_t left, std::int32_t top) {
         const OwnedPicture expected(source.CreateWicBitmap());
-        for (std::int32_t y = 0; y < static_cast<std::int32_t>(source.Height); ++y) {
-            for (std::int32_t x = 0; x < static_cast<std::int32_t>(source.Width); ++x)
-                ASSERT_EQ(PixelAt(bitmap, left + x, top + y), expected.GetPixel(x, y)) << x << ", " << y;
-        }
+        for (const auto& [x, y] : PlacesOf(source))
+            ASSERT_EQ(PixelAt(bitmap, left + x, top + y), expected.GetPixel(x, y)) << x << ", " << y;
     };
-    expectPremultiplied(picture, 10, 20);
+    // Of floats, drawing takes on no more than CopyPixels does: those without alpha come out as nothing.
+    for (MPixelFormat format = 1; format <= 9; ++format) {
+        surface.Clear(nothing);
+        const OwnedPicture other = RandomPicture(40, 30, format, 2);
+        surface.DrawPictureAt(other, 10, 20, false);
+        expectPremultiplied(other, 10, 20);
+    }
 
     // A picture that must shrink is what smooth scaling makes of it.
-    surface.Clear(MColour(0, 0, 0, 0));
+    surface.Clear(nothing);
     surface.DrawPictureFitted(picture, {0, 0, 16, 90}, false);
     const OwnedPicture smaller(MPicture(picture, 16, 12, FormatRGBA8, true, false));
     expectPremultiplied(smaller, 0, 39);
@@ -282,11 +275,11 @@ TEST_F(Direct2DSurface, PictureFiles) {
     ASSERT_TRUE(picture.Save(folder.File("red.png")));
     surface.DrawPictureFile(folder.File("red.png"), {0, 0, 30, 30}, true);
     EXPECT_EQ(InkOf(bitmap), (Desktop::Rect{10, 10, 20, 20}));
-    surface.Clear(MColour(0, 0, 0, 0));
+    surface.Clear(nothing);
     surface.DrawPictureFile(folder.File("blue.png"), {0, 0, 30, 30}, true);
     surface.DrawPictureFile(folder.Write("broken.png", "no picture"), {0, 0, 30, 30}, true);
     surface.DrawPictureFile(folder.File("red.png"), {30, 0, 30, 30}, true);
-    EXPECT_LT(InkOf(bitmap).Width(), 0);
+    EXPECT_TRUE(InkOf(bitmap).IsEmpty());
 }
 
 TEST(Direct2DSurfaces, InvalidOnesDoNothing) {

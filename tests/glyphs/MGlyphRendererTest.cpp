@@ -4,6 +4,7 @@
 #include "foundation/MMemory.h"
 #include "glyphs/Pixels.h"
 #include "glyphs/PlainRenderer.h"
+#include "platform_text/FontBuilder.h"
 #include "platform_text/FontFixture.h"
 
 #include <gtest/gtest.h>
@@ -18,8 +19,6 @@ protected:
         settings.FontName = "Liberation Sans";
         settings.Colour = MColour(10, 20, 30);
     }
-
-    void SelectAll() { std::fill(settings.Selected.begin(), settings.Selected.end(), std::uint8_t{1}); }
 };
 
 // Rows of the reference ink at a glyph height, where the reference family is not installed.
@@ -28,6 +27,18 @@ int ReferenceTop(int h) {
 }
 int ReferenceBottom(int h) {
     return static_cast<int>(std::floor(h * 2254 / 2888.0 + 0.5) + std::ceil(h * 431 / 2888.0)) - 1;
+}
+
+fonts::Font Letters(const char* family) {
+    fonts::Font font;
+    font.family = family;
+    font.Add({{fonts::Box(-50, 0, 950, 700)}}, u'A');
+    font.Add({{fonts::Circle(400, 200, 390)}}, u'g');
+    font.Add({{fonts::Box(100, 300, 400, 380)}}, u'-');
+    font.Add({{fonts::Box(90, 500, 190, 720)}}, u'\'');
+    font.Add({{fonts::Box(100, 0, 300, 700)}}, u'I');
+    font.Add({{fonts::Box(-20, -200, 300, 700)}}, u'j');
+    return font;
 }
 
 void ExpectSame(const MGlyph* actual, const PlainGlyph& expected) {
@@ -50,17 +61,13 @@ void ExpectSame(const MGlyph* actual, const PlainGlyph& expected) {
 } // namespace
 
 TEST_F(GlyphRenderer, CanvasIsThreeHeightsWideInSteps) {
-    struct Case {
-        std::int32_t height;
-        std::int32_t width;
-        std::int32_t canvasHeight;
-    };
-    for (const Case& c : {Case{100, 300, 450}, Case{101, 304, 456}, Case{16, 48, 72}, Case{1024, 3072, 4608}}) {
-        settings.GlyphHeight = c.height;
+    for (const auto& [height, canvasWidth, canvasHeight] :
+         {std::array{100, 300, 450}, {101, 304, 456}, {16, 48, 72}, {1024, 3072, 4608}}) {
+        settings.GlyphHeight = height;
         const MGlyphRenderer renderer(nullptr);
-        EXPECT_TRUE(renderer.ready);
-        EXPECT_EQ(renderer.canvasWidth, c.width);
-        EXPECT_EQ(renderer.canvasHeight, c.canvasHeight);
+        EXPECT_TRUE(renderer.ready) << height;
+        EXPECT_EQ(renderer.canvasWidth, canvasWidth) << height;
+        EXPECT_EQ(renderer.canvasHeight, canvasHeight) << height;
     }
     for (const std::int32_t height : {0, -1, INT32_MIN, INT32_MAX, 1'000'000}) {
         settings.GlyphHeight = height;
@@ -122,7 +129,8 @@ TEST_F(GlyphRenderer, AllFamiliesComeOutEquallyTall) {
 
 TEST_F(GlyphRenderer, TheReferenceFamilyIsItsOwnMeasure) {
     const AddedFonts added;
-    ASSERT_TRUE(added.Add("black.ttf", Renamed(FontPath("DejaVuSans-Bold"), "DejaVu Sans", "Arial Black")));
+    ASSERT_TRUE(added.Add("black.ttf", Letters("Arial Black").Build()));
+    ASSERT_TRUE(added.Add("same.ttf", Letters("Laboratory Sans").Build()));
     settings.FontName = "Arial Black";
     settings.ColourFont = true;
     MGlyphRenderer reference(nullptr);
@@ -133,8 +141,7 @@ TEST_F(GlyphRenderer, TheReferenceFamilyIsItsOwnMeasure) {
 
     // Any other family is measured against it: the same outlines under their own name come out the same size.
     settings.ColourFont = false;
-    settings.FontName = "DejaVu Sans";
-    settings.Weight = 700;
+    settings.FontName = "Laboratory Sans";
     const MGlyphRenderer same(nullptr);
     EXPECT_EQ(same.fontHeight, 100);
     EXPECT_EQ(same.verticalOffset, 0);
@@ -182,13 +189,11 @@ TEST_F(GlyphRenderer, SettingsAreReadAtEveryUse) {
 // Without ink to measure, the size grows by the whole reference extent: glyphs reach beyond the canvas, and
 // wrap.
 TEST_F(GlyphRenderer, AFamilyWithoutTheMeasureTextIsHugeAndHarmless) {
-    const std::string file = FontPath("LiberationSans-Regular");
-    const PlainFace face(file);
-    const std::string bytes =
-        WithoutInk(Renamed(file, "Liberation Sans", "Laboratory Sans"),
-                   {FT_Get_Char_Index(face.face, u'I'), FT_Get_Char_Index(face.face, u'j')});
+    fonts::Font font = Letters("Laboratory Sans");
+    for (const char16_t character : {u'I', u'j'})
+        font.glyphs[font.characters[character]].contours.clear();
     const AddedFonts added;
-    const MString path = added.Write("blank.ttf", bytes);
+    const MString path = added.Write("blank.ttf", font.Build());
     ASSERT_TRUE(AddFontFile(path));
     settings.FontName = "Laboratory Sans";
     for (const std::int32_t height : {16, 50}) {
@@ -218,11 +223,12 @@ TEST_F(GlyphRenderer, RunFillsSlotsAndTakesMetricsFromA) {
     settings.Selected[32] = 1;
     EXPECT_FALSE(font.GenerateSelectedCharacters()) << "the space is no character to render";
 
-    SelectAll();
+    settings.Selected.fill(1);
+    font.Glyphs[4] = std::make_unique<MGlyph>(0xA0, 5, 5, 0, 0, true);
     EXPECT_TRUE(font.GenerateSelectedCharacters());
     // All but the no-break space and, where the font draws nothing for it, the soft hyphen.
     EXPECT_GE(font.GlyphCount(), 188);
-    EXPECT_EQ(font.GetGlyph(0xA0), nullptr);
+    EXPECT_EQ(font.GetGlyph(0xA0), nullptr) << "its old glyph is gone too";
     ASSERT_TRUE(font.GetGlyph(u'A'));
     const MRows rows = RowsOf(*font.GetGlyph(u'A'));
     EXPECT_EQ(font.Baseline, font.GetGlyph(u'A')->Height - rows.end);
@@ -242,15 +248,6 @@ TEST_F(GlyphRenderer, RunFillsSlotsAndTakesMetricsFromA) {
     font.Baseline = 0;
     font.GenerateSelectedCharacters();
     EXPECT_LT(font.CapHeight, capHeight);
-}
-
-TEST_F(GlyphRenderer, ACharacterThatHasNoInkLosesItsOldGlyph) {
-    MColourFont font(nullptr);
-    settings.Selected.fill(0);
-    settings.Selected[0xA0] = 1;
-    font.Glyphs[4] = std::make_unique<MGlyph>(0xA0, 5, 5, 0, 0, true);
-    EXPECT_TRUE(font.GenerateSelectedCharacters());
-    EXPECT_EQ(font.GlyphCount(), 0);
 }
 
 TEST_F(GlyphRenderer, FullTableAndUnreadyRendererChangeNothing) {

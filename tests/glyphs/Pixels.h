@@ -3,7 +3,7 @@
 
 #include "document/MGlyph.h"
 #include "glyphs/MSurfaceBitmap.h"
-#include "platform/Desktop.h"
+#include "platform/headless/Headless.h"
 
 #include <algorithm>
 #include <cstring>
@@ -21,26 +21,30 @@ inline MColour PixelAt(const MSurfaceBitmap& bitmap, std::int32_t x, std::int32_
     return colour;
 }
 
-namespace Desktop {
-inline bool operator==(const Rect& a, const Rect& b) {
-    return a.left == b.left && a.top == b.top && a.right == b.right && a.bottom == b.bottom;
+inline MColour PixelAt(const Headless::Painting& painting, std::int32_t x, std::int32_t y) {
+    MColour colour;
+    std::memcpy(&colour, painting.pixels.data() + (std::ptrdiff_t{y} * painting.width + x) * 4, 4);
+    return colour;
 }
+
+namespace Desktop {
 inline std::ostream& operator<<(std::ostream& out, const Rect& r) {
     return out << r.left << ", " << r.top << ", " << r.right << ", " << r.bottom;
 }
 } // namespace Desktop
 
 // Around all pixels that differ from the ground; empty if there are none.
-inline Desktop::Rect InkOf(const MSurfaceBitmap& bitmap, MColour ground = {0, 0, 0, 0}) {
-    Desktop::Rect ink{bitmap.width, bitmap.height, 0, 0};
-    for (std::int32_t y = 0; y < bitmap.height; ++y) {
-        for (std::int32_t x = 0; x < bitmap.width; ++x) {
-            if (PixelAt(bitmap, x, y) == ground) continue;
+template<typename Pixels>
+Desktop::Rect InkOf(const Pixels& pixels, MColour ground = {0, 0, 0, 0}) {
+    Desktop::Rect ink{pixels.width, pixels.height, 0, 0};
+    for (std::int32_t y = 0; y < pixels.height; ++y) {
+        for (std::int32_t x = 0; x < pixels.width; ++x) {
+            if (PixelAt(pixels, x, y) == ground) continue;
             ink = {std::min(ink.left, x), std::min(ink.top, y), std::max(ink.right, x + 1),
                    std::max(ink.bottom, y + 1)};
         }
     }
-    return ink;
+    return ink.IsEmpty() ? Desktop::Rect{} : ink;
 }
 
 // The inked rows of a glyph, from `top` up to but not including `end`.

@@ -4,17 +4,11 @@
 #pragma once
 
 #include "imaging/MColour.h"
-
-#include <ft2build.h>
+#include "platform_text/RawFace.h"
 
 #include <cmath>
 #include <cstdint>
-#include <string>
 #include <vector>
-#include FT_FREETYPE_H
-#include FT_BBOX_H
-#include FT_OUTLINE_H
-#include FT_TRUETYPE_TABLES_H
 
 struct PlainGlyph {
     int before = 0;
@@ -23,26 +17,16 @@ struct PlainGlyph {
     std::vector<MColour> pixels; // rows of `width`; none if there is no glyph
 };
 
-class PlainFace {
+class PlainFace : public RawFace {
 public:
-    FT_Face face = nullptr;
     int ascent = 0;
 
-    explicit PlainFace(const std::string& file) {
-        FT_Init_FreeType(&library);
-        FT_New_Face(library, file.c_str(), 0, &face);
-    }
-    PlainFace(const PlainFace&) = delete;
-    PlainFace& operator=(const PlainFace&) = delete;
-    ~PlainFace() { FT_Done_FreeType(library); }
+    using RawFace::RawFace;
 
     void SetHeight(int height) {
-        const auto* const os2 = static_cast<const TT_OS2*>(FT_Get_Sfnt_Table(face, FT_SFNT_OS2));
-        const double cell = os2->usWinAscent + os2->usWinDescent;
-        FT_Set_Char_Size(face, 0,
-                         static_cast<FT_F26Dot6>(std::floor(height * 64.0 * face->units_per_EM / cell + 0.5)),
-                         72, 72);
-        ascent = static_cast<int>(std::floor(height * os2->usWinAscent / cell + 0.5));
+        const auto em = static_cast<FT_F26Dot6>(std::floor(height * 64.0 * face->units_per_EM / Cell() + 0.5));
+        FT_Set_Char_Size(face, 0, em, 72, 72);
+        ascent = static_cast<int>(std::floor(height * Ascent() / Cell() + 0.5));
     }
     void GetWidths(char16_t character, int& a, int& b, int& c) const {
         FT_Load_Char(face, character, FT_LOAD_NO_HINTING | FT_LOAD_NO_BITMAP);
@@ -53,9 +37,6 @@ public:
         c = static_cast<int>(std::floor(static_cast<double>(face->glyph->linearHoriAdvance) / 65536 + 0.5)) -
             a - b;
     }
-
-private:
-    FT_Library library = nullptr;
 };
 
 class PlainRenderer {

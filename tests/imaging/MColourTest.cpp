@@ -72,12 +72,6 @@ TEST(Pixel, ChangesClassChannelByChannel) {
     EXPECT_EQ(changed(bytes, FormatNone, FormatRGBA16).colour16, MColour16());
 }
 
-TEST(Colour, Defaults) {
-    EXPECT_EQ(MColour(), MColour(0, 0, 0, 255));
-    EXPECT_EQ(MColour16(), (MColour16{0, 0, 0, 65535}));
-    EXPECT_EQ(MColourHalf(), MColourHalf(0, 0, 0, 255));
-}
-
 TEST(Colour, Lerp) {
     const MColour first(10, 200, 77, 0);
     const MColour second(20, 100, 77, 255);
@@ -97,4 +91,16 @@ TEST(Colour, BackgroundTintStandsOutOnBothSides) {
     EXPECT_EQ(BackgroundTint(MColour(240, 240, 240), 0.8F), MColour(192, 192, 192));
     EXPECT_EQ(BackgroundTint(MColour(0, 128, 129), 0.5F), MColour(127, 191, 64));
     EXPECT_EQ(BackgroundTint(MColour(240, 10, 0), 1.5F), MColour(255, 0, 0)); // clamped, never wrapped
+}
+
+TEST(Colour, StraightColoursAreTheNearest) {
+    for (int a = 1; a < 256; ++a) {
+        for (int value = 0; value <= a; ++value) {
+            const MColour straight =
+                Unpremultiplied(MColour(static_cast<std::uint8_t>(value), 0, 0, static_cast<std::uint8_t>(a)));
+            ASSERT_EQ(straight.r, std::lround(value * 255.0 / a)) << value << " of " << a;
+        }
+    }
+    EXPECT_EQ(Unpremultiplied(MColour(9, 9, 9, 0)), MColour(0, 0, 0, 0));
+    EXPECT_EQ(Unpremultiplied(MColour(200, 9, 9, 100)).r, 255) << "more than premultiplied";
 }

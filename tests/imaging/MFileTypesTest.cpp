@@ -44,6 +44,9 @@ TEST(FileTypes, CategoriesAreSortedAndWithoutDoubles) {
     EXPECT_EQ(pictures, expected);
     EXPECT_EQ(types.Extensions[9].count, 28);
     EXPECT_EQ(types.Extensions[20].count, 28 + 13 - 1) << "GIF is in both";
+    EXPECT_STREQ(MFileTypes::GetTypeName(20), "Picture and video files");
+    for (const std::int32_t outside : {-1, 21})
+        EXPECT_STREQ(MFileTypes::GetTypeName(outside), "?");
 }
 
 TEST(FileTypes, Additions) {
@@ -57,13 +60,6 @@ TEST(FileTypes, Additions) {
     EXPECT_EQ(Names(types.Extensions[14]), std::vector<std::u16string>{u"ABC"});
     EXPECT_EQ(Names(types.Extensions[9]), std::vector<std::u16string>{u"ABC"});
     EXPECT_EQ(Names(types.Extensions[20]), std::vector<std::u16string>{u"ABC"});
-}
-
-TEST(FileTypes, Names) {
-    EXPECT_STREQ(MFileTypes::GetTypeName(0), "Text files");
-    EXPECT_STREQ(MFileTypes::GetTypeName(20), "Picture and video files");
-    EXPECT_STREQ(MFileTypes::GetTypeName(21), "?");
-    EXPECT_STREQ(MFileTypes::GetTypeName(-1), "?");
 }
 
 TEST(ListCodecs, HeadingNumbersAndExtensions) {

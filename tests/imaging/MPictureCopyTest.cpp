@@ -35,14 +35,11 @@ TEST(CopyPixels, EveryPairOfFormats) {
                 std::memcpy(expected.Pixels, source.Pixels, std::size_t{source.Stride} * source.Height);
             }
             if (Expected(to, from) == Outcome::Converted) {
-                for (std::int32_t y = 0; y < 4; ++y) {
-                    for (std::int32_t x = 0; x < 5; ++x) {
-                        if (ChannelClass(to) == 2) {
-                            expected.SetPixel(x, y, MPixel(source.GetPixel16(x, y), to));
-                        } else {
-                            expected.SetPixel(x, y, source.GetPixel(x, y));
-                        }
-                    }
+                for (const auto& [x, y] : PlacesOf(source)) {
+                    const bool words = ChannelClass(to) == 2;
+                    expected.SetPixel(x, y,
+                                      words ? MPixel(source.GetPixel16(x, y), to)
+                                            : MPixel(source.GetPixel(x, y), FormatRGBA8));
                 }
             }
             EXPECT_TRUE(SamePicture(target, expected)) << from << " into " << to;
@@ -56,27 +53,19 @@ TEST(CopyPixels, RowOrderIsHeededByHalfOfThePairs) {
         bool turned;
     };
     for (const Row& row : {Row{7, 7, true}, Row{2, 2, true}, Row{4, 7, true}, Row{7, 4, true}, Row{5, 8, false},
-                           Row{8, 5, false}, Row{7, 8, false}, Row{4, 1, false}}) {
+                           Row{8, 5, false}, Row{7, 8, false}, Row{4, 1, false}, Row{8, 9, false}}) {
         OwnedPicture target = BlankPicture(3, 4, row.to);
         OwnedPicture source = RandomPicture(3, 4, row.from, 3, 1.0);
         OwnedPicture straight = BlankPicture(3, 4, row.to);
-        ASSERT_TRUE(straight.CopyPixels(source));
+        // Bits are copied in one order only; in another this pair has no conversion.
+        if (row.from != FormatRGBAHalf) {
+            ASSERT_TRUE(straight.CopyPixels(source));
+        }
         source.TopDown = false;
         ASSERT_TRUE(target.CopyPixels(source));
         if (row.turned) straight.FlipVertically();
         EXPECT_TRUE(SamePicture(target, straight)) << row.from << " into " << row.to;
     }
-}
-
-TEST(CopyPixels, EqualBlocksAreCopiedWithoutAskingForTheFormat) {
-    OwnedPicture halves = RandomPicture(4, 4, FormatRGBAHalf, 4);
-    OwnedPicture words = BlankPicture(4, 4, FormatRGBA16);
-    ASSERT_TRUE(words.CopyPixels(halves));
-    EXPECT_EQ(std::memcmp(words.Pixels, halves.Pixels, 4 * 4 * 8), 0);
-    words.Fill(MColour(0, 0, 0, 0));
-    halves.TopDown = false;
-    ASSERT_TRUE(words.CopyPixels(halves));
-    EXPECT_EQ(words.GetPixel(0, 0), MColour(0, 0, 0, 0)) << "in another row order this pair has no conversion";
 }
 
 TEST(CopyPixels, IntoAViewWithLongerRows) {

@@ -13,10 +13,10 @@ TEST(PictureFile, PngHoldsFloatsAsSixteenBits) {
         ASSERT_TRUE(picture.Save(folder.File("picture.png")));
         const OwnedPicture loaded(MPicture(folder.File("picture.png")));
         ASSERT_EQ(loaded.Format, format - 1);
-        for (std::int32_t i = 0; i < 35; ++i) {
-            MColour16 expected = picture.GetPixel16(i % 7, i / 7);
+        for (const auto& [x, y] : PlacesOf(picture)) {
+            MColour16 expected = picture.GetPixel16(x, y);
             if (format == 3) expected.a = 65535;
-            EXPECT_EQ(loaded.GetPixel16(i % 7, i / 7), expected);
+            EXPECT_EQ(loaded.GetPixel16(x, y), expected);
         }
     }
 }
@@ -32,6 +32,12 @@ TEST(PictureFile, SavingInAnotherFormatGoesByCopyPixels) {
     ASSERT_TRUE(picture.Save(folder.File("b.png"), FormatR16));
     const OwnedPicture grey(MPicture(folder.File("b.png")));
     EXPECT_TRUE(SamePicture(grey, BlankPicture(5, 4, FormatR16))) << "a pair that doesn't convert";
+
+    OwnedPicture wide = RandomPicture(5, 4, FormatRGBA16, 15, 0.5);
+    ASSERT_TRUE(wide.Save(folder.File("d.dds"), FormatRGB16));
+    const OwnedPicture loaded(MPicture(folder.File("d.dds")));
+    EXPECT_EQ(loaded.Format, FormatRGBA16);
+    EXPECT_FALSE(loaded.HasTransparency()) << "of the format, this form takes just that there is no alpha";
 
     OwnedPicture turned = DeepCopy(picture);
     turned.FlipVertically();
@@ -121,6 +127,8 @@ TEST(PictureFile, ScaledLoadFitsTheBox) {
         EXPECT_EQ(loaded.Height, row.height);
         EXPECT_EQ(loaded.GetPixel(3, 3), MColour(9, 8, 7));
     }
+    ASSERT_TRUE(picture.Save(folder.File("a.dds")));
+    EXPECT_EQ(OwnedPicture(MPicture(folder.File("a.dds"), 0, 20, 20)).Width, 40U) << "comes in its own size";
     OwnedPicture line = BlankPicture(100, 1, FormatRGB8);
     ASSERT_TRUE(line.Save(folder.File("line.png")));
     EXPECT_FALSE(MPicture(folder.File("line.png"), 0, 10, 10).IsValid()) << "its height would be 0";

@@ -12,20 +12,14 @@ namespace {
 
 using Pixels = std::set<std::pair<int, int>>;
 
-Pixels Drawn(const MPicture& picture) {
-    Pixels drawn;
-    for (std::int32_t y = 0; y < static_cast<std::int32_t>(picture.Height); ++y) {
-        for (std::int32_t x = 0; x < static_cast<std::int32_t>(picture.Width); ++x) {
-            if (picture.GetPixel(x, y).a != 0) drawn.emplace(x, y);
-        }
-    }
-    return drawn;
-}
-
 Pixels Line(std::int32_t x0, std::int32_t y0, std::int32_t x1, std::int32_t y1) {
     OwnedPicture picture = BlankPicture(8, 8, FormatRGBA8);
     picture.DrawLine(x0, y0, x1, y1, MColour(1, 1, 1));
-    return Drawn(picture);
+    Pixels drawn;
+    for (const auto& [x, y] : PlacesOf(picture)) {
+        if (picture.GetPixel(x, y).a != 0) drawn.emplace(x, y);
+    }
+    return drawn;
 }
 
 OwnedPicture Scaled(const MPicture& source, std::uint32_t width, std::uint32_t height, MPixelFormat format) {
@@ -81,11 +75,9 @@ TEST(Resample, WorstSumsOfTheLargestSquareAreExact) {
 }
 
 TEST(Resample, TransparentPixelsDoNotDarken) {
-    OwnedPicture source = BlankPicture(2, 2, FormatRGBA8);
+    OwnedPicture source = BlankPicture(4, 4, FormatRGBA8);
     source.SetPixel(0, 0, MColour(255, 0, 0));
     source.SetPixel(1, 1, MColour(255, 0, 0));
-    // A single row would read row 0 only, so the picture grows to show the whole square.
-    source = OwnedPicture(MPicture(source, 4, 4, FormatRGBA8, false, false));
     const OwnedPicture small = Scaled(source, 2, 2, FormatRGBA8);
     EXPECT_EQ(small.GetPixel(0, 0), MColour(255, 0, 0, 127));
     EXPECT_EQ(small.GetPixel(1, 0), MColour(0, 0, 0, 0));
@@ -107,12 +99,9 @@ TEST(Resample, KeepsTheAspect) {
 TEST(Resample, CropsAndPadsAtTheTopLeft) {
     const OwnedPicture source = RandomPicture(5, 4, FormatRGBA16, 8, 1.0);
     const OwnedPicture padded(MPicture(source, 7, 3, FormatRGBA8, false, false));
-    for (std::int32_t y = 0; y < 3; ++y) {
-        for (std::int32_t x = 0; x < 7; ++x) {
-            EXPECT_EQ(padded.GetPixel(x, y), x < 5 ? source.GetPixel(x, y) : MColour(0, 0, 0, 0))
-                << x << ", " << y;
-        }
-    }
+    ASSERT_EQ(padded.Width, 7U);
+    for (const auto& [x, y] : PlacesOf(padded))
+        EXPECT_EQ(padded.GetPixel(x, y), x < 5 ? source.GetPixel(x, y) : MColour(0, 0, 0, 0)) << x << ", " << y;
 }
 
 TEST(Resample, UnchangedSizeIsACopyWithItsLimits) {
@@ -194,11 +183,6 @@ TEST(BleedColours, StopsAfterItsRings) {
     EXPECT_EQ(picture.GetPixel(10, 50), MColour(1, 2, 3, 4));
     EXPECT_EQ(picture.GetPixel(43, 83), MColour(1, 2, 3, 0));
     EXPECT_EQ(picture.GetPixel(44, 50), MColour(0, 0, 0, 0));
-
-    const OwnedPicture once = DeepCopy(picture);
-    picture.BleedColours();
-    EXPECT_TRUE(SamePicture(OwnedPicture(MPicture(once, 44, 84, FormatRGBA8, false, false)),
-                            OwnedPicture(MPicture(picture, 44, 84, FormatRGBA8, false, false))));
 }
 
 TEST(BleedColours, WithoutMemoryLeavesThePictureAlone) {

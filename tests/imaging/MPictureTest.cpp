@@ -12,24 +12,15 @@ namespace {
 
 using Bytes = std::vector<std::uint8_t>;
 
-template<typename Channel, typename Number>
-Bytes Memory(std::initializer_list<Number> values) {
-    std::vector<Channel> channels;
-    for (const Number value : values)
-        channels.push_back(static_cast<Channel>(value));
+template<typename Channel>
+Bytes Memory(std::initializer_list<Channel> channels) {
     Bytes bytes(channels.size() * sizeof(Channel));
-    std::memcpy(bytes.data(), channels.data(), bytes.size());
+    std::memcpy(bytes.data(), channels.begin(), bytes.size());
     return bytes;
 }
-Bytes ByteMemory(std::initializer_list<int> values) {
-    return Memory<std::uint8_t>(values);
-}
-Bytes WordMemory(std::initializer_list<int> values) {
-    return Memory<std::uint16_t>(values);
-}
-Bytes HalfMemory(std::initializer_list<float> values) {
-    return Memory<Imath::half>(values);
-}
+constexpr auto ByteMemory = Memory<std::uint8_t>;
+constexpr auto WordMemory = Memory<std::uint16_t>;
+constexpr auto HalfMemory = Memory<Imath::half>;
 
 } // namespace
 
@@ -168,10 +159,8 @@ TEST(Picture, FillBringsThePixelIntoItsFormat) {
             MPixel pixel(MColour(1, 2, 3, 4), FormatRGBA8);
             filled.Fill(pixel);
             EXPECT_EQ(pixel.format, format);
-            for (std::int32_t i = 0; i < static_cast<std::int32_t>(width * 3); ++i) {
-                single.SetPixel(i % static_cast<std::int32_t>(width), i / static_cast<std::int32_t>(width),
-                                pixel);
-            }
+            for (const auto& [x, y] : PlacesOf(single))
+                single.SetPixel(x, y, pixel);
             EXPECT_TRUE(SamePicture(filled, single)) << format << ", " << width;
         }
     }

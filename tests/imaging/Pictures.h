@@ -4,6 +4,8 @@
 #include "imaging/MPicture.h"
 
 #include <algorithm>
+#include <array>
+#include <cstdlib>
 #include <cstring>
 #include <memory>
 #include <ostream>
@@ -35,6 +37,25 @@ struct OwnedPicture : MPicture {
     ~OwnedPicture() { Free(); }
 };
 
+struct Place {
+    std::int32_t x, y;
+};
+
+// All pixels, row by row.
+inline std::vector<Place> PlacesOf(const MPicture& picture) {
+    std::vector<Place> places;
+    for (std::uint32_t y = 0; y < picture.Height; ++y) {
+        for (std::uint32_t x = 0; x < picture.Width; ++x)
+            places.push_back({static_cast<std::int32_t>(x), static_cast<std::int32_t>(y)});
+    }
+    return places;
+}
+
+// The largest difference of a channel.
+inline int Difference(const MColour& a, const MColour& b) {
+    return std::max({std::abs(a.r - b.r), std::abs(a.g - b.g), std::abs(a.b - b.b), std::abs(a.a - b.a)});
+}
+
 inline OwnedPicture BlankPicture(std::uint32_t width, std::uint32_t height, MPixelFormat format) {
     OwnedPicture picture(MPicture(width, height, format));
     std::memset(picture.Pixels, 0, std::size_t{picture.Stride} * height);
@@ -55,28 +76,21 @@ inline OwnedPicture RandomPicture(std::uint32_t width, std::uint32_t height, MPi
                                   std::uint32_t seed, double visible = 0.6) {
     OwnedPicture picture = BlankPicture(width, height, format);
     Random random(seed);
-    for (std::int32_t y = 0; y < static_cast<std::int32_t>(height); ++y) {
-        for (std::int32_t x = 0; x < static_cast<std::int32_t>(width); ++x) {
-            const bool shown = random.Chance(visible);
-            const bool full = random.Chance(0.5);
-            std::uint32_t channels[4];
-            for (auto& channel : channels)
-                channel = random() & 65535;
-            channels[3] = !shown ? 0 : full ? 65535 : channels[3];
-            if (ChannelClass(format) == 3) {
-                const auto unit = [](std::uint32_t value) { return static_cast<float>(value) / 60000.0F; };
-                picture.SetPixel(x, y,
-                                 MPixel(MColourHalf(unit(channels[0]), unit(channels[1]), unit(channels[2]),
-                                                    unit(channels[3])),
-                                        FormatRGBAHalf));
-            } else {
-                const auto part = [](std::uint32_t value) { return static_cast<std::uint16_t>(value); };
-                picture.SetPixel(x, y,
-                                 MPixel(MColour16{part(channels[0]), part(channels[1]), part(channels[2]),
-                                                  part(channels[3])},
-                                        FormatRGBA16));
-            }
+    for (const auto& [x, y] : PlacesOf(picture)) {
+        const bool shown = random.Chance(visible);
+        const bool full = random.Chance(0.5);
+        std::array<std::uint16_t, 4> words;
+        for (auto& word : words)
+            word = static_cast<std::uint16_t>(random());
+        if (!shown || full) words[3] = shown ? 65535 : 0;
+        const MColour16 colour{words[0], words[1], words[2], words[3]};
+        MPixel pixel(colour, FormatRGBA16);
+        if (ChannelClass(format) == 3) {
+            const auto unit = [](std::uint16_t word) { return static_cast<float>(word) / 60000.0F; };
+            pixel = {MColourHalf(unit(colour.r), unit(colour.g), unit(colour.b), unit(colour.a)),
+                     FormatRGBAHalf};
         }
+        picture.SetPixel(x, y, pixel);
     }
     return picture;
 }

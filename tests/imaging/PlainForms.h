@@ -15,12 +15,9 @@ inline MPixel PixelAt(const MPicture& picture, std::int64_t x, std::int64_t y) {
     return {picture.PixelAddress(static_cast<std::int32_t>(x), static_cast<std::int32_t>(y)), picture.Format};
 }
 
-inline void Put(MPicture& picture, std::int64_t x, std::int64_t y, const MPixel& pixel) {
-    picture.SetPixel(static_cast<std::int32_t>(x), static_cast<std::int32_t>(y), pixel);
-}
-
-inline void Put(MPicture& picture, std::int64_t x, std::int64_t y, const MColour& colour) {
-    picture.SetPixel(static_cast<std::int32_t>(x), static_cast<std::int32_t>(y), colour);
+template<typename Value>
+void Put(MPicture& picture, std::int64_t x, std::int64_t y, const Value& value) {
+    picture.SetPixel(static_cast<std::int32_t>(x), static_cast<std::int32_t>(y), value);
 }
 
 inline std::array<float, 4> Channels(const MPixel& pixel) {

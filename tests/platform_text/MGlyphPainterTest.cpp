@@ -4,14 +4,10 @@
 #include "imaging/Pictures.h"
 #include "platform/text/MPaintTreePainter.h"
 #include "platform/text/MSystemFonts.h"
-#include "platform_text/FontFixture.h"
+#include "platform_text/Canvas.h"
 #include "platform_text/PaintFont.h"
 
-#include <cairo.h>
 #include <gtest/gtest.h>
-
-#include <cstring>
-#include <random>
 
 namespace {
 
@@ -21,53 +17,27 @@ constexpr int penX = 10;
 constexpr int penY = 90;
 
 // A drawing of one character, an em of 100 pixels with its pen at (10, 90).
-class Drawing {
+class Drawing : Canvas {
 public:
-    Drawing(const std::string& file, char16_t character, bool colours, MColour colour = {255, 255, 255}) {
+    Drawing(const std::string& file, char16_t character, bool colours, MColour colour = {255, 255, 255})
+        : Canvas(side, side) {
         MFontMatch match;
         match.file = file;
         MGlyphPainter painter(match);
-        image = cairo_image_surface_create(CAIRO_FORMAT_ARGB32, side, side);
-        cairo_t* const context = cairo_create(image);
         painter.Draw(context, painter.face.GlyphIndex(character), penX, penY, em, colour, colours);
-        EXPECT_EQ(cairo_status(context), CAIRO_STATUS_SUCCESS);
-        cairo_destroy(context);
-        cairo_surface_flush(image);
+        EXPECT_TRUE(IsSound());
     }
-    Drawing(const Drawing&) = delete;
-    Drawing& operator=(const Drawing&) = delete;
-    ~Drawing() { cairo_surface_destroy(image); }
+    Drawing(const fonts::Font& font, bool colours, MColour colour = {255, 255, 255})
+        : Drawing(ToSystem(TemporaryFolder().Write("font.ttf", font.Build())), u'A', colours, colour) {}
 
-    // The pixel at a place of the glyph in units of a thousandth of its em, y upwards: alpha, red, green, blue.
-    std::uint32_t At(int x, int y) const {
-        const std::ptrdiff_t row = penY - y / 10 - 1;
-        std::uint32_t pixel = 0;
-        std::memcpy(&pixel,
-                    cairo_image_surface_get_data(image) + row * cairo_image_surface_get_stride(image) +
-                        (penX + x / 10) * std::ptrdiff_t{4},
-                    4);
-        return pixel;
-    }
+    // The pixel at a place of the glyph in units of a thousandth of its em, y upwards.
+    std::uint32_t At(int x, int y) const { return Canvas::At(penX + x / 10, penY - y / 10 - 1); }
     bool IsEmpty() const {
-        const unsigned char* const data = cairo_image_surface_get_data(image);
-        return std::all_of(data,
-                           data + static_cast<std::ptrdiff_t>(cairo_image_surface_get_stride(image)) * side,
-                           [](unsigned char byte) { return byte == 0; });
+        for (int i = 0; i < side * side; ++i) {
+            if (Canvas::At(i % side, i / side) != 0) return false;
+        }
+        return true;
     }
-
-private:
-    cairo_surface_t* image;
-};
-
-class FontFile {
-public:
-    explicit FontFile(const std::string& bytes) { std::ofstream(File(), std::ios::binary) << bytes; }
-    explicit FontFile(const fonts::Font& font) : FontFile(font.Build()) {}
-
-    std::string File() const { return ToSystem(folder.File("font.ttf")); }
-
-private:
-    TemporaryFolder folder;
 };
 
 fonts::Font OneBox() {
@@ -122,9 +92,8 @@ constexpr std::uint32_t blue = 0xFF0000FF;
 } // namespace
 
 TEST(GlyphPainter, PlainGlyphsHaveTheColourOfTheText) {
-    const FontFile font(OneBox());
     for (const bool colours : {false, true}) {
-        const Drawing drawing(font.File(), u'A', colours, MColour(255, 0, 0));
+        const Drawing drawing(OneBox(), colours, MColour(255, 0, 0));
         EXPECT_EQ(drawing.At(500, 300), red);
         EXPECT_EQ(drawing.At(50, 300), 0U);
         EXPECT_EQ(drawing.At(500, 750), 0U);
@@ -136,29 +105,32 @@ TEST(GlyphPainter, FirstFormThatHasTheGlyphWins) {
     const std::string redBox = "<rect y='-700' width='1000' height='700' fill='#f00'/>";
     fonts::Font font = OneBox();
     font.tables["SVG "] = SvgTable(redBox);
-    EXPECT_EQ(Drawing(FontFile(font).File(), u'A', true).At(500, 300), red);
-    EXPECT_EQ(Drawing(FontFile(font).File(), u'A', false).At(500, 300), white) << "colours were not asked for";
+    EXPECT_EQ(Drawing(font, true).At(500, 300), red);
+    EXPECT_EQ(Drawing(font, false).At(500, 300), white) << "colours were not asked for";
 
     AddPaint(font, fonts::Outline(1, fonts::Solid(0)));
-    EXPECT_EQ(Drawing(FontFile(font).File(), u'A', true).At(500, 300), green) << "paints before documents";
+    EXPECT_EQ(Drawing(font, true).At(500, 300), green) << "paints before documents";
+
+    AddPaint(font, fonts::Outline(1, fonts::Solid(fonts::foreground)));
+    EXPECT_EQ(Drawing(font, true, MColour(0, 0, 255)).At(500, 300), blue) << "the colour of the text";
 
     AddPaint(font, fonts::ColrGlyph(1));
-    EXPECT_EQ(Drawing(FontFile(font).File(), u'A', true).At(500, 300), red) << "paints that run in a circle";
+    EXPECT_EQ(Drawing(font, true).At(500, 300), red) << "paints that run in a circle";
     font.tables["SVG "] = "nothing that could be read";
-    EXPECT_EQ(Drawing(FontFile(font).File(), u'A', true).At(500, 300), white) << "and nothing else";
+    EXPECT_EQ(Drawing(font, true).At(500, 300), white) << "and nothing else";
 }
 
 TEST(GlyphPainter, BitmapsComeFromTheNearestStrike) {
     fonts::Font font = OneBox();
     font.tables["sbix"] = SbixTable(Png(MColour(255, 0, 0)), Png(MColour(0, 0, 255)), 0, 0);
     // The larger strike is shrunk to the em: a bitmap of 20 of 200 pixels is a tenth of it.
-    const Drawing drawing(FontFile(font).File(), u'A', true);
+    const Drawing drawing(font, true);
     EXPECT_EQ(drawing.At(150, 50), blue) << "at the outline's left edge";
     EXPECT_EQ(drawing.At(500, 300), 0U) << "not the outline";
-    EXPECT_EQ(Drawing(FontFile(font).File(), u'A', false).At(500, 300), white);
+    EXPECT_EQ(Drawing(font, false).At(500, 300), white);
 
     font.tables["sbix"] = SbixTable("broken", "broken", 0, 0);
-    EXPECT_EQ(Drawing(FontFile(font).File(), u'A', true).At(500, 300), white) << "no picture: the outline";
+    EXPECT_EQ(Drawing(font, true).At(500, 300), white) << "no picture: the outline";
 }
 
 TEST(GlyphPainter, EmojiBitmaps) {
@@ -172,6 +144,9 @@ TEST(GlyphPainter, EmojiBitmaps) {
 TEST(GlyphPainter, GradientsFollowTheirGeometry) {
     // Half way from green to blue at the middle of each geometry.
     const fonts::Bytes line = fonts::ColourLine(0, {{0, 0}, {1, 1}});
+    const fonts::Bytes again = fonts::ColourLine(1, {{0, 0}, {1, 1}});
+    const fonts::Bytes back = fonts::ColourLine(2, {{0, 0}, {1, 1}});
+    const auto around = [](int extend) { return fonts::ColourLine(extend, {{-1, 0}, {1, 1}}); };
     struct Case {
         const char* name;
         fonts::Bytes gradient;
@@ -184,18 +159,47 @@ TEST(GlyphPainter, GradientsFollowTheirGeometry) {
           Case{"radial", fonts::Radial({500, 350, 100, 500, 350, 300}, line), 705, 355},
           Case{"sweep", fonts::Sweep(500, 350, 0, 180, line), 505, 600},
           Case{"sweep back", fonts::Sweep(500, 350, 360, 180, line), 505, 100},
-          // Red below a radius of 0 leaves the colour where it is 0: here the middle.
-          Case{"radial from below 0",
-               fonts::Radial({500, 350, 0, 500, 350, 300}, fonts::ColourLine(0, {{-1, 0}, {1, 1}})), 505,
+          Case{"linear again", fonts::Linear({300, 0, 400, 0, 300, 500}, again), 755, 300},
+          Case{"linear and back", fonts::Linear({300, 0, 400, 0, 300, 500}, back), 655, 300},
+          Case{"sweep again", fonts::Sweep(500, 350, 0, 60, again), 505, 600},
+          Case{"sweep and back", fonts::Sweep(500, 350, 0, 60, back), 505, 600},
+          // What lies below a radius of 0 leaves the colour where it is 0: here the middle.
+          Case{"radial from below 0", fonts::Radial({500, 350, 0, 500, 350, 300}, around(0)), 505, 355},
+          Case{"the same again", fonts::Radial({500, 350, 0, 500, 350, 300}, around(1)), 505, 355},
+          Case{"the same and back", fonts::Radial({500, 350, 0, 500, 350, 300}, around(2)), 505, 355},
+          Case{"radial to below 0",
+               fonts::Radial({500, 350, 300, 500, 350, 0}, fonts::ColourLine(0, {{0, 0}, {1.99, 1}})), 505,
                355}}) {
         fonts::Font font = OneBox();
         AddPaint(font, fonts::Outline(1, c.gradient));
-        const Drawing drawing(FontFile(font).File(), u'A', true);
+        const Drawing drawing(font, true);
         const std::uint32_t pixel = drawing.At(c.x, c.y);
         EXPECT_EQ(pixel >> 24, 255U) << c.name;
         EXPECT_EQ(pixel >> 16 & 0xFF, 0U) << c.name;
         EXPECT_NEAR(pixel >> 8 & 0xFF, 128, 8) << c.name;
         EXPECT_NEAR(pixel & 0xFF, 128, 8) << c.name;
+    }
+}
+
+TEST(GlyphPainter, EveryPaintIsDrawn) {
+    const fonts::PaintFont paints;
+    const TemporaryFolder folder;
+    const std::string file = ToSystem(folder.Write("paints.ttf", paints.font.Build()));
+    for (std::size_t i = 0; i < paints.names.size(); ++i) {
+        const Drawing drawing(file, static_cast<char16_t>(0x100 + i), true);
+        EXPECT_EQ(drawing.IsEmpty(), paints.names[i] == "composite 0") << paints.names[i];
+    }
+}
+
+TEST(GlyphPainter, BeforeAHardFirstStopIsItsOwnColour) {
+    for (const fonts::Bytes& gradient :
+         {fonts::Linear({300, 0, 700, 0, 300, 500}, fonts::ColourLine(0, {{0.5, 0}, {0.5, 1}, {1, 1}})),
+          fonts::Sweep(500, 0, 180, 0, fonts::ColourLine(0, {{0.5, 0}, {0.5, 1}, {1, 1}}))}) {
+        fonts::Font font = OneBox();
+        AddPaint(font, fonts::Outline(1, gradient));
+        const Drawing drawing(font, true);
+        EXPECT_EQ(drawing.At(400, 300), green) << int{gradient[0]};
+        EXPECT_EQ(drawing.At(600, 300), blue) << int{gradient[0]};
     }
 }
 
@@ -207,10 +211,12 @@ TEST(GlyphPainter, GeometryThatSaysNothingPaintsNothing) {
           fonts::Linear({300, 0, 700, 0, 300, 500}, spot), fonts::Radial({500, 350, 9, 500, 350, 9}, line),
           fonts::Sweep(500, 350, 90, 90, fonts::ColourLine(1, {{0, 0}, {1, 1}})),
           fonts::Transform(16, {0, 1}, {}, fonts::Solid(0)),
+          fonts::Transform(14, {}, {5000, 0}, fonts::Outline(1, fonts::Solid(0))),
+          fonts::Radial({500, 350, 0, 500, 350, 9}, fonts::ColourLine(0, {{-1.5, 0}, {-1, 1}})),
           fonts::Affine({1, 1, 1, 1, 0, 0}, fonts::Solid(0))}) {
         fonts::Font font = OneBox();
         AddPaint(font, fonts::Outline(1, paint));
-        EXPECT_TRUE(Drawing(FontFile(font).File(), u'A', true).IsEmpty()) << int{paint[0]};
+        EXPECT_TRUE(Drawing(font, true).IsEmpty()) << int{paint[0]};
     }
 }
 
@@ -227,14 +233,11 @@ TEST(GlyphPainter, AGradientTooSmallForTheImageLibraryHarmsNoOther) {
     tree.paints[0].children = {1};
     tree.paints[1].children = {2};
 
-    cairo_surface_t* const image = cairo_image_surface_create(CAIRO_FORMAT_ARGB32, 24, 24);
-    cairo_t* const context = cairo_create(image);
-    cairo_translate(context, 2, 20);
-    cairo_scale(context, 20.0 / 2048, -20.0 / 2048);
-    PaintTree(context, tree, MOpenFace(*MatchFont("Liberation Sans", 400, false)), MColour(1, 2, 3));
-    EXPECT_EQ(cairo_status(context), CAIRO_STATUS_SUCCESS);
-    cairo_destroy(context);
-    cairo_surface_destroy(image);
+    const Canvas canvas(24, 24);
+    cairo_translate(canvas.context, 2, 20);
+    cairo_scale(canvas.context, 20.0 / 2048, -20.0 / 2048);
+    PaintTree(canvas.context, tree, MOpenFace(*MatchFont("Liberation Sans", 400, false)), MColour(1, 2, 3));
+    EXPECT_TRUE(canvas.IsSound());
 }
 
 TEST(GlyphPainter, PaintsThatCostTooMuchAreNotPainted) {
@@ -244,7 +247,7 @@ TEST(GlyphPainter, PaintsThatCostTooMuchAreNotPainted) {
         nested = fonts::Composite(3, nested, fonts::Solid(1));
     fonts::Font font = OneBox();
     AddPaint(font, fonts::Outline(1, nested));
-    EXPECT_EQ(Drawing(FontFile(font).File(), u'A', true).At(500, 300), white);
+    EXPECT_EQ(Drawing(font, true).At(500, 300), white);
 
     fonts::ColourTables tables;
     tables.palette = {{0, 255, 0, 255}};
@@ -254,20 +257,5 @@ TEST(GlyphPainter, PaintsThatCostTooMuchAreNotPainted) {
     for (int i = 0; i < 130; ++i)
         tables.layers.push_back(fonts::Transform(16, {1.9, 1.9}, {}, fonts::Outline(1, fonts::Solid(0))));
     font.tables["COLR"] = tables.Colr();
-    EXPECT_EQ(Drawing(FontFile(font).File(), u'A', true).At(500, 300), white);
-}
-
-TEST(GlyphPainter, ChangedTablesDoNoHarm) {
-    const fonts::PaintFont paints;
-    std::mt19937 random(2);
-    for (int round = 0; round < 60; ++round) {
-        fonts::Font font = paints.font;
-        std::string& colr = font.tables["COLR"];
-        // Not the header, so that many a paint stays readable.
-        for (int i = 0; i < 60; ++i)
-            colr[40 + random() % (colr.size() - 40)] = static_cast<char>(random());
-        const FontFile file(font);
-        for (auto i = static_cast<std::size_t>(round % 5); i < paints.names.size(); i += 5)
-            Drawing(file.File(), static_cast<char16_t>(0x100 + i), true);
-    }
+    EXPECT_EQ(Drawing(font, true).At(500, 300), white);
 }

@@ -1,47 +1,25 @@
 #include "platform/text/MSizedFont.h"
 
 #include "platform_text/FontFixture.h"
+#include "platform_text/RawFace.h"
 
-#include <ft2build.h>
+#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cmath>
 #include <numeric>
-#include FT_FREETYPE_H
-#include FT_BBOX_H
-#include FT_OUTLINE_H
-#include FT_TRUETYPE_TABLES_H
-#include <gtest/gtest.h>
 
 namespace {
 
-class RawFace {
-public:
-    FT_Library library = nullptr;
-    FT_Face face = nullptr;
-
-    explicit RawFace(const std::string& file) {
-        FT_Init_FreeType(&library);
-        EXPECT_EQ(FT_New_Face(library, file.c_str(), 0, &face), 0) << file;
-    }
-    RawFace(const RawFace&) = delete;
-    RawFace& operator=(const RawFace&) = delete;
-    ~RawFace() { FT_Done_FreeType(library); }
-
-    double Cell() const {
-        const auto* const os2 = static_cast<const TT_OS2*>(FT_Get_Sfnt_Table(face, FT_SFNT_OS2));
-        return os2->usWinAscent + os2->usWinDescent;
-    }
-    // The ink of a character in 64ths of a font unit, with the extremes of its curves.
-    FT_BBox Measure(char16_t character) const {
-        EXPECT_EQ(FT_Load_Glyph(face, FT_Get_Char_Index(face, character), FT_LOAD_NO_SCALE), 0);
-        const FT_Matrix larger{64 << 16, 0, 0, 64 << 16};
-        FT_Outline_Transform(&face->glyph->outline, &larger);
-        FT_BBox box{};
-        FT_Outline_Get_BBox(&face->glyph->outline, &box);
-        return box;
-    }
-};
+// The ink of a character in 64ths of a font unit, with the extremes of its curves.
+FT_BBox Measure(FT_Face face, char16_t character) {
+    EXPECT_EQ(FT_Load_Glyph(face, FT_Get_Char_Index(face, character), FT_LOAD_NO_SCALE), 0);
+    const FT_Matrix larger{64 << 16, 0, 0, 64 << 16};
+    FT_Outline_Transform(&face->glyph->outline, &larger);
+    FT_BBox box{};
+    FT_Outline_Get_BBox(&face->glyph->outline, &box);
+    return box;
+}
 
 // The rounding of FreeType's outlines to a 64th of a pixel may carry an edge over a pixel border that it almost
 // touches.
@@ -50,15 +28,9 @@ void ExpectWhole(std::int32_t actual, double exact, double (*round)(double), con
     EXPECT_LE(actual, round(exact + 1.0 / 32)) << what;
 }
 
-double Floor(double x) {
-    return std::floor(x);
-}
-double Ceil(double x) {
-    return std::ceil(x);
-}
-double Round(double x) {
-    return std::floor(x + 0.5);
-}
+constexpr auto Floor = [](double x) { return std::floor(x); };
+constexpr auto Ceil = [](double x) { return std::ceil(x); };
+constexpr auto Round = [](double x) { return std::floor(x + 0.5); };
 
 int Sum(std::span<const std::uint8_t> coverage) {
     return std::accumulate(coverage.begin(), coverage.end(), 0);
@@ -116,7 +88,7 @@ TEST(SizedFont, WidthsAreThoseOfTheOutline) {
             ASSERT_TRUE(font.SetHeight(height));
             const double scale = height / raw.Cell();
             for (char16_t code = 33; code < 256; ++code) {
-                const FT_BBox box = raw.Measure(code);
+                const FT_BBox box = Measure(raw.face, code);
                 if (box.xMax <= box.xMin) continue;
                 const auto scaled = [&](FT_Pos units) { return static_cast<double>(units) / 64 * scale; };
                 SCOPED_TRACE(testing::Message() << wish.file << " " << height << " code " << int{code});
@@ -144,19 +116,11 @@ TEST(SizedFont, CellIsAsHighAsAsked) {
     EXPECT_EQ(ink.above, 1409);
     EXPECT_EQ(ink.below, 0);
     EXPECT_EQ(ink.a + ink.b + ink.c, 1479);
+    ASSERT_TRUE(font.GetInk(u' ', ink));
+    EXPECT_EQ((std::array{ink.a, ink.b, ink.c}), (std::array{0, 0, 569})) << "no ink, an advance only";
+    EXPECT_EQ(Sum(Draw(font, u' ', 0, 0, {0, 0, 10, 10})), 0);
     ASSERT_TRUE(font.SetHeight(100));
     EXPECT_EQ(font.ascent, 81);
-}
-
-TEST(SizedFont, NoInkHasAnAdvanceOnly) {
-    MSizedFont font("Liberation Sans", 400, false);
-    ASSERT_TRUE(font.SetHeight(2288));
-    MInk ink;
-    ASSERT_TRUE(font.GetInk(u' ', ink));
-    EXPECT_EQ(ink.a, 0);
-    EXPECT_EQ(ink.b, 0);
-    EXPECT_EQ(ink.c, 569);
-    EXPECT_EQ(Sum(Draw(font, u' ', 0, 0, {0, 0, 10, 10})), 0);
 }
 
 TEST(SizedFont, WhatTheFaceLacksIsItsOwnBox) {

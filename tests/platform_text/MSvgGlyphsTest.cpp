@@ -2,13 +2,11 @@
 
 #include "TemporaryFolder.h"
 #include "imaging/Pictures.h"
+#include "platform_text/Canvas.h"
 #include "platform_text/PaintBuilder.h"
 
-#include <cairo.h>
 #include <gtest/gtest.h>
 #include <zlib.h>
-
-#include <cstring>
 
 namespace {
 
@@ -43,18 +41,10 @@ std::string Gzip(const std::string& text) {
 // alpha, red, green, blue. 1 if nothing was drawn.
 std::uint32_t PixelOf(MSvgGlyphs& glyphs, std::uint16_t glyph, int x, int y,
                       MColour foreground = {255, 255, 255}) {
-    cairo_surface_t* const image = cairo_image_surface_create(CAIRO_FORMAT_ARGB32, 100, 100);
-    cairo_t* const context = cairo_create(image);
-    cairo_translate(context, 0, 100);
-    cairo_scale(context, 0.1, 0.1);
-    const bool drawn = glyphs.Draw(context, glyph, units, foreground);
-    cairo_destroy(context);
-    cairo_surface_flush(image);
-    std::uint32_t pixel = 0;
-    std::memcpy(&pixel, cairo_image_surface_get_data(image) + y * cairo_image_surface_get_stride(image) + x * 4,
-                4);
-    cairo_surface_destroy(image);
-    return drawn ? pixel : 1;
+    const Canvas canvas(100, 100);
+    cairo_translate(canvas.context, 0, 100);
+    cairo_scale(canvas.context, 0.1, 0.1);
+    return glyphs.Draw(canvas.context, glyph, units, foreground) ? canvas.At(x, y) : 1;
 }
 
 std::uint32_t PixelOf(const std::string& document, int x, int y) {
@@ -124,15 +114,15 @@ TEST(SvgGlyphs, NothingOutsideTheDocumentIsRead) {
 
 TEST(SvgGlyphs, HugeAndBrokenDocumentsHaveNoGlyphs) {
     const std::string shape = "<rect id='glyph3' width='1000' height='1000' y='-1000'/>";
-    std::string million;
-    for (int i = 0; i < 1'000'000; ++i)
-        million += "<g/>";
+    std::string many;
+    for (int i = 0; i < 300'000; ++i)
+        many += "<g/>";
     const std::string bomb = Gzip(Document(shape + "<!--" + std::string(64 << 20, ' ') + "-->"));
     ASSERT_LT(bomb.size(), 100'000U);
     std::string cut = Gzip(Document(shape));
     cut.resize(cut.size() / 2);
     for (const std::string& document :
-         {Document(shape + million), Document("<g>" + million + shape + "</g>"), bomb, cut, std::string("<svg"),
+         {Document(shape + many), Document("<g>" + many + shape + "</g>"), bomb, cut, std::string("<svg"),
           std::string(), std::string("\x1F\x8B"), Document("<rect id='glyph3'/>").substr(10)}) {
         MSvgGlyphs glyphs(Table(document), {});
         EXPECT_FALSE(glyphs.Has(3)) << document.substr(0, 50);

@@ -1,5 +1,6 @@
 #include "platform/text/MSystemFonts.h"
 
+#include "platform_text/FontBuilder.h"
 #include "platform_text/FontFixture.h"
 
 #include <gmock/gmock.h>
@@ -76,8 +77,9 @@ TEST(SystemFonts, AnUnknownFamilyGivesSomeFont) {
 TEST(SystemFonts, AFontFileIsAFontOfThisRun) {
     const AddedFonts added;
     EXPECT_FALSE(IsFamilyInstalled("Laboratory Sans"));
-    EXPECT_TRUE(added.Add("lab.ttf",
-                          Renamed(FontPath("LiberationSans-Regular"), "Liberation Sans", "Laboratory Sans")));
+    fonts::Font font;
+    font.family = "Laboratory Sans";
+    EXPECT_TRUE(added.Add("lab.ttf", font.Build()));
     EXPECT_TRUE(IsFamilyInstalled("Laboratory Sans"));
     EXPECT_TRUE(Has(ListSystemFaces(), "Laboratory Sans", 400, false, "Regular"));
     const auto match = MatchFont("Laboratory Sans", 400, false);

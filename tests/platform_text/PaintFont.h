@@ -88,7 +88,6 @@ struct PaintFont {
         Add("composite in a glyph",
             Outline(box, Composite(5, source, Composite(23, backdrop, Outline(box, Solid(3))))));
 
-        tables.palette.shrink_to_fit();
         font.tables["COLR"] = tables.Colr();
         font.tables["CPAL"] = tables.Cpal();
     }

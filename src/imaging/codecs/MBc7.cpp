@@ -136,6 +136,24 @@ void ReadIndices(Bits& bits, int width, std::uint32_t anchors, Indices& indices)
     }
 }
 
+struct Partition {
+    std::uint32_t subsets = 0; // of each pixel, two bits
+    std::uint32_t anchors = 1; // one bit for each pixel
+};
+
+Partition PartitionOf(int subsets, std::size_t number) {
+    Partition partition;
+    if (subsets == 2) {
+        for (std::uint32_t i = 0; i < 16; ++i)
+            partition.subsets |= (std::uint32_t{partitions2[number]} >> i & 1U) << (2 * i);
+        partition.anchors |= 1U << anchors2[number];
+    } else if (subsets == 3) {
+        partition.subsets = partitions3[number];
+        partition.anchors |= 1U << anchors3Second[number] | 1U << anchors3Third[number];
+    }
+    return partition;
+}
+
 std::uint8_t Between(std::uint32_t first, std::uint32_t second, std::uint32_t weight) {
     return static_cast<std::uint8_t>(((64 - weight) * first + weight * second + 32) >> 6);
 }
@@ -157,16 +175,7 @@ void DecodeBc7Block(std::span<const std::uint8_t, Bc7BlockBytes> block, std::spa
     EndPoints ends{};
     ReadEndPoints(bits, mode, ends);
 
-    std::uint32_t subsets = 0; // two bits for each pixel
-    std::uint32_t anchors = 1;
-    if (mode.subsets == 2) {
-        for (std::uint32_t i = 0; i < 16; ++i)
-            subsets |= (std::uint32_t{partitions2[partition]} >> i & 1U) << (2 * i);
-        anchors |= 1U << anchors2[partition];
-    } else if (mode.subsets == 3) {
-        subsets = partitions3[partition];
-        anchors |= 1U << anchors3Second[partition] | 1U << anchors3Third[partition];
-    }
+    const auto [subsets, anchors] = PartitionOf(mode.subsets, partition);
     Indices indices{};
     Indices alphaIndices{};
     ReadIndices(bits, mode.indexBits, anchors, indices);

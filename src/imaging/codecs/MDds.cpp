@@ -8,6 +8,7 @@
 #include <array>
 #include <bit>
 #include <cstring>
+#include <limits>
 
 namespace {
 
@@ -160,7 +161,8 @@ private:
         if (extended ? !ReadExtension() : !ReadFormat()) return false;
         // A size that passes here can't make any of the sums below overflow.
         constexpr std::uint32_t most = 0x7FFFFFFF;
-        return image.width >= 1 && image.height >= 1 && image.width <= most && image.height <= most;
+        return image.width >= 1 && image.height >= 1 && image.width <= most && image.height <= most &&
+               image.RowPitch() <= std::numeric_limits<std::uint32_t>::max();
     }
 
     bool ReadExtension() {

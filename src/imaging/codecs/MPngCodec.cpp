@@ -1,10 +1,11 @@
 // PNG, through libpng with its default settings. What the library has to say goes to the debug channel.
-#include "imaging/MPixelLayout.h"
+#include "imaging/codecs/MByteRows.h"
 #include "imaging/codecs/MCodec.h"
 
 #include <png.h>
 
 #include <csetjmp>
+#include <cstring>
 
 namespace {
 
@@ -85,7 +86,8 @@ bool ReadPicture(png_structp png, png_infop info, Input& input, MPicture& pictur
     png_read_info(png, info);
     const std::uint64_t width = png_get_image_width(png, info);
     const std::uint64_t height = png_get_image_height(png, info);
-    if ((png_get_rowbytes(png, info) + 1) * height > fileSize * bestDeflateRatio) {
+    // A product of the two would not fit 64 bits for every header.
+    if (png_get_rowbytes(png, info) >= fileSize * bestDeflateRatio / height) {
         ReportCodec("PNG", "larger than the file could hold");
         return false;
     }
@@ -115,8 +117,7 @@ void WidenRow(const std::uint8_t* row, std::uint8_t* words, std::size_t values) 
 
 bool WritePicture(png_structp png, png_infop info, const MPicture& picture, std::uint8_t* words,
                   MByteSink& sink) {
-    const int channels =
-        pixels::WithFormat(picture.Format, 1, [](auto constant) { return pixels::channelCount<constant()>; });
+    const int channels = ChannelCount(picture.Format);
     const int colourType = channels == 1   ? PNG_COLOR_TYPE_GRAY
                            : channels == 3 ? PNG_COLOR_TYPE_RGB
                                            : PNG_COLOR_TYPE_RGB_ALPHA;

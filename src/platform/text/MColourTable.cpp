@@ -7,26 +7,6 @@
 namespace {
 
 constexpr std::uint32_t foregroundEntry = 0xFFFF;
-constexpr std::size_t noRecord = SIZE_MAX;
-
-// Where the record of a glyph lies in an array sorted by glyph, whose records begin with the glyph.
-std::size_t FindRecord(MTableView& table, std::size_t at, std::size_t count, std::size_t size,
-                       std::uint32_t glyph) {
-    std::size_t low = 0;
-    std::size_t high = count;
-    while (low < high) {
-        const std::size_t middle = low + (high - low) / 2;
-        const std::uint32_t found = table.U16(at + middle * size);
-        if (table.broken) return noRecord;
-        if (found == glyph) return at + middle * size;
-        if (found < glyph) {
-            low = middle + 1;
-        } else {
-            high = middle;
-        }
-    }
-    return noRecord;
-}
 
 std::array<float, 6> Multiply(const std::array<float, 6>& m, const std::array<float, 6>& n) {
     return {m[0] * n[0] + m[2] * n[1], m[1] * n[0] + m[3] * n[1],        m[0] * n[2] + m[2] * n[3],
@@ -56,8 +36,7 @@ std::array<float, 6> Skew(float xHalfTurns, float yHalfTurns) {
 
 } // namespace
 
-// One reading of one glyph. The offsets and formats are those of the OpenType 1.9, chapter
-// "COLR".
+// One reading of one glyph. Offsets and formats are those of OpenType 1.9, chapter "COLR".
 class MPaintReader {
 public:
     MPaintTree tree;
@@ -94,7 +73,7 @@ public:
 
 private:
     MTableView colr;
-    MTableView cpal;
+    std::span<const std::uint8_t> cpal;
     std::vector<std::size_t> open; // paints from the root to the one that is being read
     std::size_t stops = 0;
     bool refused = false;
@@ -131,20 +110,8 @@ private:
     std::size_t FindClipBox(std::uint32_t glyph) {
         const std::size_t list = colr.U32(22);
         if (list == 0 || colr.U8(list) != 1) return noRecord;
-        std::size_t low = 0;
-        std::size_t high = colr.U32(list + 1);
-        while (low < high && !colr.broken) {
-            const std::size_t middle = low + (high - low) / 2;
-            const std::size_t clip = list + 5 + middle * 7;
-            if (glyph < colr.U16(clip)) {
-                high = middle;
-            } else if (glyph > colr.U16(clip + 2)) {
-                low = middle + 1;
-            } else {
-                return list + colr.U24(clip + 4);
-            }
-        }
-        return noRecord;
+        const std::size_t clip = FindRecord(colr, list + 5, colr.U32(list + 1), 7, glyph, 2);
+        return clip == noRecord ? noRecord : list + colr.U24(clip + 4);
     }
 
     MPaintColour Colour(std::uint32_t entry, float alpha) {
@@ -155,14 +122,10 @@ private:
             colour.a = alpha;
             return colour;
         }
-        // An entry that no palette has is not painted.
-        colour.a = 0;
-        if (cpal.U16(4) == 0 || entry >= cpal.U16(2)) return colour;
-        const std::size_t index = cpal.U16(12) + entry;
-        if (index >= cpal.U16(6)) return colour;
-        const std::size_t record = cpal.U32(8) + index * 4;
-        const auto channel = [&](std::size_t i) { return static_cast<float>(cpal.U8(record + i)) / 255.0F; };
-        colour = {channel(2), channel(1), channel(0), channel(3) * alpha, false};
+        // An entry that the palette doesn't have is not painted.
+        const MColour known = PaletteColour(cpal, entry).value_or(MColour(0, 0, 0, 0));
+        const auto channel = [](std::uint8_t value) { return static_cast<float>(value) / 255.0F; };
+        colour = {channel(known.r), channel(known.g), channel(known.b), channel(known.a) * alpha, false};
         return colour;
     }
 
@@ -280,6 +243,18 @@ private:
         }
     }
 };
+
+// OpenType 1.9, chapter "CPAL"
+std::optional<MColour> PaletteColour(std::span<const std::uint8_t> cpal, std::size_t entry) {
+    MTableView table(cpal);
+    if (table.U16(4) == 0 || entry >= table.U16(2)) return std::nullopt;
+    const std::size_t index = table.U16(12) + entry;
+    if (index >= table.U16(6)) return std::nullopt;
+    const std::size_t record = table.U32(8) + index * 4;
+    const auto channel = [&](std::size_t i) { return static_cast<std::uint8_t>(table.U8(record + i)); };
+    const MColour colour(channel(2), channel(1), channel(0), channel(3));
+    return table.broken ? std::nullopt : std::optional(colour);
+}
 
 MColourTable::MColourTable(std::span<const std::uint8_t> colr, std::span<const std::uint8_t> cpal)
     : colours(colr), palettes(cpal) {

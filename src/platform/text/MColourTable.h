@@ -3,12 +3,16 @@
 // outside the table is refused as a whole.
 #pragma once
 
+#include "imaging/MColour.h"
 #include "platform/text/MPaintTree.h"
 #include "platform/text/MTableView.h"
 
 #include <cstdint>
 #include <optional>
 #include <span>
+
+// An entry of palette 0 of the table CPAL, with straight alpha. None if it has no such entry or is cut short.
+std::optional<MColour> PaletteColour(std::span<const std::uint8_t> cpal, std::size_t entry);
 
 class MColourTable {
 public:

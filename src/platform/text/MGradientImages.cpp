@@ -30,26 +30,14 @@ MResolvedStop Mix(const MResolvedStop& first, const MResolvedStop& second, doubl
             mix(first.a, second.a)};
 }
 
-// Evenly spaced colours from the first stop to the last.
+// Evenly spaced colours from the first stop to the last. The first one is that of everything before it, so it
+// is the first stop's own also where the next stop lies in the same place.
 std::vector<std::uint32_t> Ramp(const MStops& stops, std::size_t count) {
     std::vector<std::uint32_t> colours(count);
     const double first = stops.front().offset;
     const double step = (stops.back().offset - first) / static_cast<double>(count - 1);
-    std::size_t next = 0;
-    for (std::size_t i = 0; i < count; ++i) {
-        const double t = first + step * static_cast<double>(i);
-        while (next < stops.size() && stops[next].offset <= t)
-            ++next;
-        if (next == 0) {
-            colours[i] = Premultiplied(stops.front());
-        } else if (next == stops.size()) {
-            colours[i] = Premultiplied(stops.back());
-        } else {
-            const MResolvedStop& from = stops[next - 1];
-            colours[i] = Premultiplied(
-                Mix(from, stops[next], (t - from.offset) / (stops[next].offset - from.offset), t));
-        }
-    }
+    for (std::size_t i = 0; i < count; ++i)
+        colours[i] = Premultiplied(ColourAt(stops, first + step * static_cast<double>(i)));
     return colours;
 }
 

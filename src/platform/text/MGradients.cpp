@@ -10,19 +10,17 @@
 
 namespace {
 
-using Stops = MStops;
-
 constexpr double tiny = 1e-9;
 
-Stops ResolveAll(const MPaint& paint, MColour foreground) {
-    Stops stops;
+MStops ResolveAll(const MPaint& paint, MColour foreground) {
+    MStops stops;
     stops.reserve(paint.stops.size());
     for (const MColourStop& stop : paint.stops)
         stops.push_back(Resolve(stop.colour, foreground, stop.offset));
     return stops;
 }
 
-void AddStops(cairo_pattern_t* pattern, const Stops& stops) {
+void AddStops(cairo_pattern_t* pattern, const MStops& stops) {
     const double first = stops.front().offset;
     const double range = std::max(stops.back().offset - first, tiny);
     for (const MResolvedStop& stop : stops)
@@ -38,7 +36,7 @@ cairo_extend_t CairoExtend(MExtend extend) {
     }
 }
 
-bool SetPattern(cairo_t* context, cairo_pattern_t* pattern, const Stops& stops, MExtend extend) {
+bool SetPattern(cairo_t* context, cairo_pattern_t* pattern, const MStops& stops, MExtend extend) {
     AddStops(pattern, stops);
     cairo_pattern_set_extend(pattern, CairoExtend(extend));
     cairo_set_source(context, pattern);
@@ -48,15 +46,15 @@ bool SetPattern(cairo_t* context, cairo_pattern_t* pattern, const Stops& stops, 
 
 // Cairo knows stops from 0 to 1 only, so the geometry is moved to where the first and the last stop are. Stops
 // that all lie in one place leave just a step from the first colour to the last.
-double LastOffset(const Stops& stops) {
+double LastOffset(const MStops& stops) {
     return std::max(stops.back().offset, stops.front().offset + tiny);
 }
 
-bool HasNoWidth(const Stops& stops) {
+bool HasNoWidth(const MStops& stops) {
     return stops.back().offset - stops.front().offset < tiny;
 }
 
-bool SetLinear(cairo_t* context, const MPaint& paint, const Stops& stops,
+bool SetLinear(cairo_t* context, const MPaint& paint, const MStops& stops,
                const std::array<double, 4>& extents) {
     const auto& [x0, y0, x1, y1, x2, y2] = paint.numbers;
     const double dx = double{x1} - x0;
@@ -79,7 +77,7 @@ struct Circles {
 
 // A radius below 0 has no circle. Repeating colours look the same a period further on, so the circles move to
 // where both radii are positive; padding ends where the radius is 0, in the colour that it has there.
-bool AvoidNegativeRadii(const Circles& circles, Stops& stops, MExtend extend) {
+bool AvoidNegativeRadii(const Circles& circles, MStops& stops, MExtend extend) {
     const double first = stops.front().offset;
     const double last = stops.back().offset;
     const double lowest = std::min(circles.Radius(first), circles.Radius(last));
@@ -133,7 +131,7 @@ bool IsInReach(cairo_t* context, const cairo_matrix_t& toPattern) {
                                [](double number) { return std::abs(number) < farthest; });
 }
 
-bool SetRadial(cairo_t* context, const MPaint& paint, Stops stops) {
+bool SetRadial(cairo_t* context, const MPaint& paint, MStops stops) {
     const auto& [x0, y0, r0, x1, y1, r1] = paint.numbers;
     const Circles circles{x0, y0, r0, double{x1} - x0, double{y1} - y0, double{r1} - r0};
     if (std::abs(circles.dx) < tiny && std::abs(circles.dy) < tiny && std::abs(circles.dr) < tiny) return false;
@@ -173,7 +171,7 @@ bool SetSource(cairo_t* context, const MPaint& paint, MColour foreground,
         cairo_set_source_rgba(context, colour.r, colour.g, colour.b, colour.a);
         return true;
     }
-    Stops stops = ResolveAll(paint, foreground);
+    MStops stops = ResolveAll(paint, foreground);
     if (stops.empty()) return false;
     switch (paint.kind) {
     case MPaintKind::Linear: return SetLinear(context, paint, stops, extents);

@@ -132,23 +132,24 @@ private:
         return fills ? paint : nullptr;
     }
 
-    void PaintGlyph(const MPaint& paint) {
-        cairo_new_path(context);
-        if (!AddGlyphPath(context, face, paint.glyph, false)) return;
+    // Of the current path inside the clip; empty also for a path too far away to be drawn.
+    Extents PathExtents() const {
         double x0 = 0;
         double y0 = 0;
         double x1 = 0;
         double y1 = 0;
         cairo_path_extents(context, &x0, &y0, &x1, &y1);
-        Extents extents = ToDevice(context, x0, y0, x1, y1);
-        if (IsEmpty(extents) ||
-            std::ranges::any_of(extents, [](double x) { return !(std::abs(x) < farthest); })) {
-            cairo_new_path(context);
-            return;
-        }
+        const Extents path = ToDevice(context, x0, y0, x1, y1);
+        if (std::ranges::any_of(path, [](double x) { return !(std::abs(x) < farthest); })) return {};
         const Extents clip = ClipExtents();
-        extents = {std::max(extents[0], clip[0]), std::max(extents[1], clip[1]), std::min(extents[2], clip[2]),
-                   std::min(extents[3], clip[3])};
+        return {std::max(path[0], clip[0]), std::max(path[1], clip[1]), std::min(path[2], clip[2]),
+                std::min(path[3], clip[3])};
+    }
+
+    void PaintGlyph(const MPaint& paint) {
+        cairo_new_path(context);
+        if (!AddGlyphPath(context, face, paint.glyph, false)) return;
+        const Extents extents = PathExtents();
         if (IsEmpty(extents) || !Spend(extents)) {
             cairo_new_path(context);
             return;

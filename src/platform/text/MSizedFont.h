@@ -20,6 +20,7 @@ struct MInk {
     std::int32_t below = 0; // from the baseline down to the end of the last row with ink
 };
 
+// In pixels of a drawing; wide enough that no sum of a pen and an ink overflows.
 struct MPixelRect {
     std::int64_t left = 0;
     std::int64_t top = 0;
@@ -29,6 +30,7 @@ struct MPixelRect {
     bool IsEmpty() const { return right <= left || bottom <= top; }
 };
 
+// What lies in both; empty if nothing does.
 MPixelRect Intersect(const MPixelRect& first, const MPixelRect& second);
 
 // Pixels of one row that share a coverage.

@@ -1,5 +1,7 @@
 #include "platform/text/MSvgGlyphs.h"
 
+#include "platform/text/MColourTable.h"
+
 #include <librsvg/rsvg.h>
 #include <zlib.h>
 
@@ -36,21 +38,10 @@ std::string IdOf(std::uint16_t glyph) {
     return "#glyph" + std::to_string(glyph);
 }
 
-std::string CssColour(int r, int g, int b, int a) {
-    return "rgba(" + std::to_string(r) + "," + std::to_string(g) + "," + std::to_string(b) + "," +
-           std::to_string(a / 255.0) + ")";
-}
-
-// An entry of palette 0.
-std::optional<std::string> PaletteColour(const std::vector<std::uint8_t>& cpal, std::size_t entry) {
-    MTableView table(cpal);
-    if (table.U16(4) == 0 || entry >= table.U16(2)) return std::nullopt;
-    const std::size_t index = table.U16(12) + entry;
-    if (index >= table.U16(6)) return std::nullopt;
-    const std::size_t record = table.U32(8) + index * 4;
-    const auto channel = [&](std::size_t i) { return static_cast<int>(table.U8(record + i)); };
-    std::string text = CssColour(channel(2), channel(1), channel(0), channel(3));
-    return table.broken ? std::nullopt : std::optional(text);
+std::string CssColour(MColour colour) {
+    const auto part = [](auto value) { return std::to_string(value); };
+    return "rgba(" + part(colour.r) + "," + part(colour.g) + "," + part(colour.b) + "," +
+           part(colour.a / 255.0) + ")";
 }
 
 // The length of a bracketed text up to and with the bracket that closes it, or 0.
@@ -92,7 +83,7 @@ std::string WithPalette(std::string_view document, const std::vector<std::uint8_
         inside.remove_prefix(static_cast<std::size_t>(end - inside.data()));
         const std::size_t comma = inside.find(',');
         if (const auto colour = PaletteColour(cpalTable, entry)) {
-            result.append(*colour);
+            result.append(CssColour(*colour));
         } else if (comma != std::string_view::npos) {
             result.append(Trimmed(inside.substr(comma + 1)));
         } else {
@@ -115,23 +106,11 @@ MSvgGlyphs::~MSvgGlyphs() {
 MSvgGlyphs::Place MSvgGlyphs::Find(std::uint16_t glyph) const {
     MTableView table(svg);
     const std::size_t list = table.U32(2);
-    std::size_t low = 0;
-    std::size_t high = table.U16(list);
-    while (low < high && !table.broken) {
-        const std::size_t middle = low + (high - low) / 2;
-        const std::size_t record = list + 2 + middle * 12;
-        if (glyph < table.U16(record)) {
-            high = middle;
-        } else if (glyph > table.U16(record + 2)) {
-            low = middle + 1;
-        } else {
-            const Place place{list + table.U32(record + 4), table.U32(record + 8)};
-            if (table.broken || place.offset > svg.size() || svg.size() - place.offset < place.length)
-                return {};
-            return place;
-        }
-    }
-    return {};
+    const std::size_t record = FindRecord(table, list + 2, table.U16(list), 12, glyph, 2);
+    if (record == noRecord) return {};
+    const Place place{list + table.U32(record + 4), table.U32(record + 8)};
+    if (table.broken || place.offset > svg.size() || svg.size() - place.offset < place.length) return {};
+    return place;
 }
 
 MSvgGlyphs::Document* MSvgGlyphs::Open(std::uint16_t glyph) {
@@ -165,8 +144,7 @@ bool MSvgGlyphs::Draw(cairo_t* context, std::uint16_t glyph, std::int32_t unitsP
     Document& document = *Open(glyph);
     // A style makes librsvg go through the whole document.
     if (!document.coloured || !(document.foreground == foreground)) {
-        const std::string style =
-            "svg{color:" + CssColour(foreground.r, foreground.g, foreground.b, foreground.a) + "}";
+        const std::string style = "svg{color:" + CssColour(foreground) + "}";
         rsvg_handle_set_stylesheet(document.handle, reinterpret_cast<const guint8*>(style.data()), style.size(),
                                    nullptr);
         document.coloured = true;

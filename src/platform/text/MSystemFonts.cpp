@@ -52,6 +52,13 @@ bool GetFlag(const FcPattern* pattern, const char* object) {
     return FcPatternGetBool(pattern, object, 0, &flag) == FcResultMatch && flag == FcTrue;
 }
 
+// As OpenType counts.
+std::int32_t WeightOf(const FcPattern* pattern) {
+    double weight = FC_WEIGHT_REGULAR;
+    FcPatternGetDouble(pattern, FC_WEIGHT, 0, &weight);
+    return ToInteger(FcWeightToOpenTypeDouble(weight) + 0.5);
+}
+
 // The names that are written in English or in no language told; of a face that has none such, its first.
 std::vector<std::string_view> FamilyNames(const FcPattern* pattern) {
     std::vector<std::string_view> names;
@@ -105,9 +112,7 @@ std::optional<MFontMatch> ToMatch(const FcPattern* pattern) {
     MFontMatch match;
     match.file = *file;
     match.family = GetString(pattern, FC_FAMILY, 0).value_or(std::string_view());
-    double weight = FC_WEIGHT_REGULAR;
-    FcPatternGetDouble(pattern, FC_WEIGHT, 0, &weight);
-    match.weight = ToInteger(FcWeightToOpenTypeDouble(weight) + 0.5);
+    match.weight = WeightOf(pattern);
     FcPatternGetInteger(pattern, FC_INDEX, 0, &match.index);
     match.variations = GetString(pattern, FC_FONT_VARIATIONS, 0).value_or(std::string_view());
     match.embolden = GetFlag(pattern, FC_EMBOLDEN);
@@ -152,9 +157,7 @@ std::vector<MSystemFace> ListSystemFaces() {
         // A variable face as a whole has a range of weights; its named instances stand beside it in the list.
         if (!GetFlag(pattern, FC_SCALABLE) || GetFlag(pattern, FC_VARIABLE)) return;
         MSystemFace face;
-        double weight = FC_WEIGHT_REGULAR;
-        FcPatternGetDouble(pattern, FC_WEIGHT, 0, &weight);
-        face.weight = ToInteger(FcWeightToOpenTypeDouble(weight) + 0.5);
+        face.weight = WeightOf(pattern);
         int slant = FC_SLANT_ROMAN;
         FcPatternGetInteger(pattern, FC_SLANT, 0, &slant);
         face.italic = slant > FC_SLANT_ROMAN;

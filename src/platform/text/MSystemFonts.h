@@ -33,11 +33,11 @@ bool IsFamilyInstalled(const MString& family);
 
 // A face in a file, and what must be done to its outlines so that they look as was asked.
 struct MFontMatch {
-    std::string family; // the face's own name, and its weight as it comes out
-    std::int32_t weight = 400;
+    std::string family;        // the face's own name
+    std::int32_t weight = 400; // as it comes out
     std::string file;
-    std::int32_t index =
-        0; // of the face in the file; bits 16 to 30 the named instance, from 1, as FreeType counts
+    // Of the face in the file; bits 16 to 30 are the named instance, from 1, as FreeType counts.
+    std::int32_t index = 0;
     std::string variations;                   // "wght=650,wdth=80": coordinates of a variable face; else empty
     bool embolden = false;                    // it has no bold, and bold was asked for
     std::array<double, 4> matrix{1, 0, 0, 1}; // xx, xy, yx, yy: slants a face that has no italic

@@ -36,3 +36,28 @@ private:
         return value;
     }
 };
+
+inline constexpr std::size_t noRecord = SIZE_MAX;
+
+// Where the record for a glyph begins, among `count` records of `size` bytes from `at` on that are sorted by
+// glyph. Each begins with the first glyph that it is for, and has the last one `last` bytes further on; 0
+// stands for records of a single glyph. `noRecord` if there is none, or the table is cut short.
+inline std::size_t FindRecord(MTableView& table, std::size_t at, std::size_t count, std::size_t size,
+                              std::uint32_t glyph, std::size_t last = 0) {
+    std::size_t low = 0;
+    std::size_t high = count;
+    while (low < high) {
+        const std::size_t middle = low + (high - low) / 2;
+        const std::size_t record = at + middle * size;
+        const std::uint32_t firstGlyph = table.U16(record);
+        const std::uint32_t lastGlyph = table.U16(record + last);
+        if (table.broken) return noRecord;
+        if (glyph >= firstGlyph && glyph <= lastGlyph) return record;
+        if (glyph < firstGlyph) {
+            high = middle;
+        } else {
+            low = middle + 1;
+        }
+    }
+    return noRecord;
+}
