@@ -132,7 +132,7 @@ MString::MString(std::int32_t value, int minDigits, int radix, char16_t separato
 }
 
 MString& MString::operator=(const MString& other) {
-    if (chars == other.chars) return *this;
+    if (this == &other) return *this;
     if (other.IsEmpty()) {
         Release();
         return *this;

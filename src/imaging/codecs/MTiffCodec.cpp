@@ -203,35 +203,48 @@ private:
         if (size != (tiled ? TIFFTileSize64(tiff) : TIFFStripSize64(tiff))) return false;
         const std::unique_ptr<std::uint8_t[]> piece(MGetMemory(size));
         if (!piece) return false;
-        for (std::uint16_t plane = 0; plane < (separate ? samples : 1); ++plane) {
+        const auto planes = static_cast<std::uint16_t>(separate ? samples : 1);
+        for (std::uint16_t plane = 0; plane < planes; ++plane) {
             for (std::uint64_t y = 0; y < height; y += pieceHeight) {
                 for (std::uint64_t x = 0; x < width; x += pieceWidth) {
-                    const auto left = static_cast<std::uint32_t>(x);
-                    const auto top = static_cast<std::uint32_t>(y);
-                    const std::size_t rows = std::min(pieceHeight, height - top);
-                    if (!ReadPiece(piece.get(), size, left, top, rows, plane)) return false;
-                    const std::size_t columns = std::min(pieceWidth, width - left);
-                    for (std::size_t row = 0; row < rows; ++row) {
-                        const std::uint8_t* const from = piece.get() + row * pieceWidth * pixelBytes;
-                        std::uint8_t* const to = block + (top + row) * RowBytes() +
-                                                 left * channelBytes * samples + plane * channelBytes;
-                        Spread(from, to, columns, pixelBytes, channelBytes * samples);
-                    }
+                    const Place place{static_cast<std::uint32_t>(x), static_cast<std::uint32_t>(y), plane};
+                    const std::size_t rows = std::min(pieceHeight, height - place.top);
+                    if (!ReadPiece(piece.get(), size, place, rows)) return false;
+                    for (std::size_t row = 0; row < rows; ++row)
+                        StoreRow(piece.get() + row * pieceWidth * pixelBytes, block, place, row, pieceWidth);
                 }
             }
         }
         return true;
     }
 
-    bool ReadPiece(std::uint8_t* piece, std::uint64_t size, std::uint32_t x, std::uint32_t y, std::size_t rows,
-                   std::uint16_t plane) {
+    // Where a piece lies in the picture.
+    struct Place {
+        std::uint32_t left;
+        std::uint32_t top;
+        std::uint16_t plane;
+    };
+
+    bool ReadPiece(std::uint8_t* piece, std::uint64_t size, const Place& place, std::size_t rows) {
         if (tiled) {
-            const std::uint32_t tile = TIFFComputeTile(tiff, x, y, 0, plane);
+            const std::uint32_t tile = TIFFComputeTile(tiff, place.left, place.top, 0, place.plane);
             return TIFFReadEncodedTile(tiff, tile, piece, static_cast<tmsize_t>(size)) ==
                    static_cast<tmsize_t>(size);
         }
         const auto present = static_cast<tmsize_t>(rows * width * (bits / 8U));
-        return TIFFReadEncodedStrip(tiff, TIFFComputeStrip(tiff, y, plane), piece, present) == present;
+        const std::uint32_t strip = TIFFComputeStrip(tiff, place.top, place.plane);
+        return TIFFReadEncodedStrip(tiff, strip, piece, present) == present;
+    }
+
+    // A row of a piece, as far as it lies within the picture.
+    void StoreRow(const std::uint8_t* from, std::uint8_t* block, const Place& place, std::size_t row,
+                  std::uint32_t pieceWidth) const {
+        const std::size_t channelBytes = bits / 8;
+        const std::size_t pixelBytes = channelBytes * samples;
+        std::uint8_t* const to = block + (place.top + row) * RowBytes() + std::size_t{place.left} * pixelBytes +
+                                 place.plane * channelBytes;
+        Spread(from, to, std::min(pieceWidth, width - place.left), separate ? channelBytes : pixelBytes,
+               pixelBytes);
     }
 
     static void Spread(const std::uint8_t* from, std::uint8_t* to, std::size_t count, std::size_t bytes,

@@ -49,7 +49,7 @@ public:
     // below the top of the lines, in a whole pixel, and every line is as high as a cell of the family, also
     // where another font steps in. What doesn't fit the box stands out of it, unless `clip` is set. False if
     // there is nothing to draw with.
-    bool Draw(_cairo* context, const MString& text, const MTextBox& box, MColour colour, bool colours,
+    bool Draw(_cairo* cairo, const MString& text, const MTextBox& box, MColour colour, bool colours,
               bool clip);
     // The advance of a text in one line, in pixels.
     double Width(const MString& text);
