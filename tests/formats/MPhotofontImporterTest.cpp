@@ -145,6 +145,7 @@ TEST_F(PhotofontTest, MappingsThatMeet) {
     EXPECT_EQ(mapped(small + capital), 65);
     EXPECT_EQ(mapped(capital + small), 65);
     EXPECT_EQ(mapped("<map id=\"x\" unc=\"98\">\n" + capital), 98);
+    EXPECT_EQ(mapped(small + "<map id=\"x\" unc=\"2147483647\">\n"), 97); // no sum of it fits
     EXPECT_EQ(mapped("<map id=\"x\" unc=\"31\">\n"), 0);
     EXPECT_EQ(mapped("<map id=\"\" unc=\"65\">\n"), 0);
     EXPECT_EQ(mapped("<map\nid=\"x\" unc=\"65\">\n"), 0); // split over two lines
