@@ -134,6 +134,21 @@ TEST(Cli, FailuresNameStepFileAndReason) {
     EXPECT_FALSE(cli.Has("f.sm"));
 }
 
+// A path that doesn't tell all the folders above the file, or whose folders have dots, is one like any other.
+TEST(Cli, PathsAreRelativeToTheWorkingFolder) {
+    Cli cli;
+    for (const char* name : {"Fonts", "Textures", "my.cubes"})
+        std::filesystem::create_directory(cli.folder.path / name);
+    ASSERT_EQ(cli.Run("--family 'DejaVu Sans' --select A-Z --generate --save Fonts/f.sm"), 0) << cli.error;
+    std::filesystem::rename(cli.folder.path / "Fonts/f.png", cli.folder.path / "Textures/f.png");
+    EXPECT_EQ(cli.Run("--open Fonts/f.sm"), 0) << cli.error;
+    EXPECT_EQ(cli.Run("--open f.sm", "Fonts"), 0) << cli.error;
+    EXPECT_EQ(cli.Run("--open ../Fonts/f.sm --cubes cube.png", "my.cubes"), 0) << cli.error;
+    EXPECT_TRUE(cli.Has("my.cubes/cube1.png"));
+    EXPECT_EQ(cli.Run("--open Fonts/f.sm --cubes my.cubes/cube.png"), 0) << cli.error;
+    EXPECT_TRUE(cli.Has("my1.png")); // cut at the first dot of what was typed
+}
+
 TEST(Cli, WrongUsageDoesNothing) {
     Cli cli;
     for (const char* arguments :

@@ -4,6 +4,8 @@
 #include "document/SetText.h"
 #include "formats/MPhotofontImporter.h"
 #include "formats/MTextFile.h"
+#include "formats/SiblingPath.h"
+#include "formats/TextureFont.h"
 #include "formats/WebFont.h"
 #include "foundation/MFile.h"
 #include "foundation/MFolders.h"
@@ -56,15 +58,11 @@ StepResult AddFaces(const std::string& file) {
 struct FontForm {
     const char16_t* extension; // as MString::GetExtension gives it
     bool (*load)(MColourFont& font, const MString& path);
-    bool (*hasHeader)(MTextFile& file);
+    bool (*readHeader)(MTextFile& file);
 };
 
 constexpr FontForm forms[] = {
-    {u"SM", [](MColourFont& font, const MString& path) { return font.Load(path); },
-     [](MTextFile& file) {
-         return file.NextLine() && file.GetString(0).Equals(u"Showmarquee") &&
-                file.GetString(1).Equals(u"TextureFont");
-     }},
+    {u"SM", [](MColourFont& font, const MString& path) { return font.Load(path); }, ReadTextureFontHeader},
     {u"JS", [](MColourFont& font, const MString& path) { return font.ImportJavascript(path); },
      [](MTextFile& file) { return file.NextLine() && file.GetLine().Equals(ScriptHeader()); }},
 };
@@ -73,9 +71,8 @@ std::string WhyNotOpened(const MString& path, const FontForm& form) {
     if (!FileExists(path)) return FolderExists(path) ? "it is a folder" : "no such file";
     MTextFile text(path, false, false, MTextEncoding::Ansi);
     if (!text.ok) return "it can't be opened";
-    if (!form.hasHeader(text)) return "it is no font of this form: its first line is not the header";
-    MString picture = path;
-    picture.SetExtension("png");
+    if (!form.readHeader(text)) return "it is no font of this form: its first line is not the header";
+    const MString picture = SiblingPath(path, "png");
     return FileExists(picture) ? "its picture " + ToSystem(picture) + " can't be read"
                                : "its picture is not there";
 }
@@ -112,7 +109,7 @@ StepResult OpenPhotofont(Run& run, const std::string& file, const MString& path)
 }
 
 StepResult Open(Run& run, const std::string& file) {
-    const MString path = FromSystem(file);
+    const MString path = AbsolutePath(file); // the picture is also sought above the file's folder
     if (path.GetExtension().Equals(u"PHF")) return OpenPhotofont(run, file, path);
     const auto form = std::ranges::find_if(
         forms, [extension = path.GetExtension()](const FontForm& f) { return extension.Equals(f.extension); });
@@ -135,10 +132,8 @@ StepResult Save(MColourFont& font, const std::string& file) {
     if (!font.Save(path)) return StepFailure{file, "the font has no picture: there was no memory for it"};
 
     // Saving is a success for the program even where nothing could be written.
-    MString text = path;
-    text.SetExtension("sm");
-    MString picture = path;
-    picture.SetExtension("png");
+    const MString text = SiblingPath(path, "sm");
+    const MString picture = SiblingPath(path, "png");
     if (IsWholePng(picture) && HasAllRecords(text, font)) return {};
     DeleteFile(text, false, false);
     DeleteFile(picture, false, false);
@@ -181,13 +176,8 @@ StepResult ExportPage(MColourFont& font, const std::string& file, bool minimal) 
     const bool exported = font.ExportHtml(path, minimal);
 
     // Failed copies, and a picture that can't be written, are not told by the export.
-    const auto sibling = [&](const char* extension) {
-        MString other = path;
-        other.SetExtension(extension);
-        return other;
-    };
-    const bool whole =
-        exported && IsWholePng(sibling("png")) && EndsAsWritten(sibling("js")) && FileExists(sibling("html"));
+    const bool whole = exported && IsWholePng(SiblingPath(path, "png")) &&
+                       EndsAsWritten(SiblingPath(path, "js")) && FileExists(SiblingPath(path, "html"));
     if (!whole) return StepFailure{file, "the page, its script and its picture could not all be written"};
     if (!FileExists(JoinPath(FromSystemPath(folder), "lettrino-1.0.js"))) {
         return StepFailure{file, "the run-time script is missing beside the program, in Media/www"};
@@ -224,8 +214,9 @@ StepResult ReadNames(Run& run, const std::string& file) {
 }
 
 StepResult ExportCubes(MColourFont& font, const std::string& file) {
-    const MString path = AbsolutePath(file);
-    const fs::path folder = ToSystemPath(path).parent_path();
+    const MString path =
+        FromSystem(file); // as typed: it is cut at its first dot, and folders above may have one
+    const fs::path folder = ToSystemPath(AbsolutePath(file)).parent_path();
     if (!IsFolder(folder)) return StepFailure{file, "there is no folder " + folder.string()};
     auto& told = Headless::record.messages;
     const std::size_t before = told.size();
