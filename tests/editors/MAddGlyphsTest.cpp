@@ -130,9 +130,6 @@ TEST_F(AddGlyphs, PlacesBesideTheControls) {
     EXPECT_EQ(MAddGlyphs::GridArea(list, cancel, 20), (Desktop::Rect{20, 20, 580, 525}));
     const Desktop::Rect swatch = MAddGlyphs::SwatchArea(cancel, {600, 200, 650, 215});
     EXPECT_EQ(swatch, (Desktop::Rect{700, 200, 790, 215}));
-    EXPECT_TRUE(MAddGlyphs::HitsSwatch(swatch, 701, 214));
-    for (const auto& [x, y] : {std::pair{700, 205}, {790, 205}, {750, 200}, {750, 215}})
-        EXPECT_FALSE(MAddGlyphs::HitsSwatch(swatch, x, y));
 }
 
 TEST_F(AddGlyphs, TheSwatchShowsTheTextColour) {
