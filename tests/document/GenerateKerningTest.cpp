@@ -1,4 +1,5 @@
 #include "DocumentFixture.h"
+#include "document/Pairs.h"
 
 #include <algorithm>
 #include <string_view>
@@ -6,8 +7,8 @@
 
 namespace {
 
-std::vector<MKerningPair> PlainKerning(const MColourFont& font) {
-    std::vector<MKerningPair> pairs;
+Pairs PlainKerning(const MColourFont& font) {
+    Pairs pairs;
     for (const auto& l : font.Glyphs) {
         for (const auto& r : font.Glyphs) {
             if (!l || !r || l->Height != r->Height || l->Height <= 0) continue;
@@ -46,7 +47,7 @@ protected:
         }
     }
 
-    std::vector<MKerningPair> Generate() {
+    Pairs Generate() {
         font.GenerateKerning();
         return {font.Kerning.begin(), font.Kerning.end()};
     }
@@ -62,7 +63,7 @@ TEST_F(GenerateKerningTest, MeasuresTheClosestSharedRow) {
     font.SetKerning('a', 'b', 5); // lost
     EXPECT_EQ(
         Generate(),
-        (std::vector<MKerningPair>{
+        (Pairs{
             {'L', 'L', -1}, {'L', 'T', -4}, {'L', '_', -1}, {'T', 'L', -2}, {'T', 'T', -3}, {'i', 'i', -2}}));
 }
 

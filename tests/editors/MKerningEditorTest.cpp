@@ -1,6 +1,7 @@
 #include "editors/MKerningEditor.h"
 
 #include "EditorTest.h"
+#include "document/Pairs.h"
 
 #include <algorithm>
 #include <set>
@@ -23,15 +24,13 @@ protected:
         editor.Area = MKerningEditor::AreaBeside(list, leftField);
     }
 
-    std::vector<MKerningPair> Pairs() const { return {font.Kerning.begin(), font.Kerning.end()}; }
-
     static std::string Fields(const MKerningEditor& editor) {
         return Narrow(editor.Left + "|" + editor.Right + "|" + editor.Amount);
     }
 };
 
 // As a list box that looks through all its lines before it takes a new one.
-std::vector<MString> PlainLines(const std::vector<MKerningPair>& pairs) {
+std::vector<MString> PlainLines(const Pairs& pairs) {
     std::vector<MString> lines;
     for (const MKerningPair& pair : pairs) {
         MString text = "X    X";
@@ -44,7 +43,7 @@ std::vector<MString> PlainLines(const std::vector<MKerningPair>& pairs) {
 
 TEST_F(MKerningEditorTest, LinesAreThoseOfAListThatTakesNoTextTwice) {
     std::mt19937 random(3);
-    std::vector<MKerningPair> pairs;
+    Pairs pairs;
     for (int i = 0; i < 600; ++i) {
         // Few characters, some of them beyond 16 bits, 0x10000 showing as none at all.
         const auto character = [&] {
@@ -221,7 +220,7 @@ TEST_F(MKerningEditorTest, TypingMakesPairs) {
         EXPECT_EQ(editor.Position, c.position) << c.fields;
         EXPECT_EQ(editor.Lines.Count(), c.count) << c.fields;
     }
-    EXPECT_EQ(Pairs(), (std::vector<MKerningPair>{{'A', 'B', Least}, {'x', 'B', 0}, {'x', '?', 0}}));
+    EXPECT_EQ(PairsOf(font), (Pairs{{'A', 'B', Least}, {'x', 'B', 0}, {'x', '?', 0}}));
     editor.updating = false;
     editor.LeftChanged("Q");
     editor.RightChanged("Q");
@@ -293,8 +292,7 @@ TEST_F(MKerningEditorTest, GenerateAndClearShowNothing) {
     MKerningEditor editor(font);
     Place(editor);
     editor.Generate();
-    EXPECT_EQ(Pairs(),
-              (std::vector<MKerningPair>{{'A', 'B', -5}, {'B', 'B', -5}, {'A', 'A', -2}, {'B', 'A', -2}}));
+    EXPECT_EQ(PairsOf(font), (Pairs{{'A', 'B', -5}, {'B', 'B', -5}, {'A', 'A', -2}, {'B', 'A', -2}}));
     EXPECT_EQ(editor.Lines.Count(), 4);
     EXPECT_EQ(Narrow(editor.Lines.Text(2)), "A    A");
     EXPECT_EQ(editor.Position, -1);
@@ -305,7 +303,7 @@ TEST_F(MKerningEditorTest, GenerateAndClearShowNothing) {
     EXPECT_EQ(Fields(editor), "A|B|77");
     EXPECT_EQ(Paintings(), 0U);
     editor.AmountChanged("5"); // the pair of the fields is there again, without an amount
-    EXPECT_EQ(Pairs(), (std::vector<MKerningPair>{{'A', 'B', 0}}));
+    EXPECT_EQ(PairsOf(font), (Pairs{{'A', 'B', 0}}));
 }
 
 // Against one SetKerning after another, on pairs that no font should have, too.
@@ -319,17 +317,17 @@ TEST_F(MKerningEditorTest, CancelSetsTheOldPairsInTheirOrder) {
         };
         pair = {character(), character(), static_cast<std::int32_t>(random())};
     }
-    const std::vector<MKerningPair> old = Pairs();
+    const Pairs old = PairsOf(font);
     MKerningEditor editor(font);
     Place(editor);
     editor.Clear();
     editor.LeftChanged("q");
     editor.Cancel();
-    const std::vector<MKerningPair> fast = Pairs();
+    const Pairs fast = PairsOf(font);
     font.ClearKerning();
     for (const MKerningPair& pair : old)
         font.SetKerning(static_cast<std::int32_t>(pair.Left), pair.Right, pair.Amount);
-    EXPECT_EQ(fast, Pairs());
+    EXPECT_EQ(fast, PairsOf(font));
     EXPECT_LT(font.KerningCount(), count);
     EXPECT_EQ(editor.Surface.surface, nullptr);
 }

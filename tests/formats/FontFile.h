@@ -4,6 +4,7 @@
 #include "DocumentFixture.h"
 #include "TemporaryFolder.h"
 #include "Text.h"
+#include "document/Pairs.h"
 
 #include <tuple>
 #include <vector>
@@ -12,8 +13,6 @@ class FontFileTest : public DocumentTest {
 protected:
     TemporaryFolder folder;
     MColourFont font{AnyWindow()};
-
-    std::vector<MKerningPair> Pairs() const { return {font.Kerning.begin(), font.Kerning.end()}; }
 
     // A picture of 4 x 4 pixels, whose red is x and green y.
     void SaveGrid(const char* name) const {

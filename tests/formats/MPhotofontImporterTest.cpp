@@ -114,7 +114,7 @@ TEST_F(PhotofontTest, PlacesGlyphsOnOneBaseline) {
     EXPECT_EQ(a.GetPixel(0, 20).a, 0);
     EXPECT_EQ(g.GetPixel(0, 4).a, 0);
     EXPECT_EQ(g.GetPixel(0, 14).r, 9);
-    EXPECT_EQ(Pairs(), (std::vector<MKerningPair>{{'A', 'g', -5}}));
+    EXPECT_EQ(PairsOf(font), (Pairs{{'A', 'g', -5}}));
     EXPECT_EQ(Headless::record.progressPercents.back(), 66);
 }
 

@@ -38,8 +38,7 @@ TEST_F(ScriptImportTest, AnExportComesBackButForItsSpace) {
     EXPECT_EQ(std::tuple(settings.GlyphHeight, loaded.Baseline, loaded.CapHeight), std::tuple(9, 2, 7));
     EXPECT_EQ(loaded.SpaceWidth, 20); // its own: the exported line has no brackets
     ExpectSameGlyphs(font, loaded);
-    EXPECT_TRUE(
-        std::ranges::equal(loaded.Kerning, std::vector<MKerningPair>{{'A', 0x20AC, -3}, {'A', 'A', 2}}));
+    EXPECT_TRUE(std::ranges::equal(loaded.Kerning, Pairs{{'A', 0x20AC, -3}, {'A', 'A', 2}}));
 }
 
 TEST_F(ScriptImportTest, NumbersAreOneFlatList) {
@@ -54,7 +53,7 @@ TEST_F(ScriptImportTest, NumbersAreOneFlatList) {
     EXPECT_EQ(NumbersOf(glyph), std::tuple(2, 1, -3, 4));
     EXPECT_EQ(glyph.GetPixel(1, 0), MColour(2, 2, 0));
     EXPECT_EQ(font.GetGlyph(u'B')->SpacingAfter, 0); // the number that is missing
-    EXPECT_EQ(Pairs(), (std::vector<MKerningPair>{{'A', 'B', -7}, {'B', 'B', 9}}));
+    EXPECT_EQ(PairsOf(font), (Pairs{{'A', 'B', -7}, {'B', 'B', 9}}));
 }
 
 TEST_F(ScriptImportTest, AStrayCommaEndsTheKerning) {
@@ -106,7 +105,7 @@ TEST_F(ScriptImportTest, HostileNumbers) {
     EXPECT_FALSE(font.GetGlyph(u'A')->Picture.IsValid()); // infinite factors
     EXPECT_EQ(font.GetGlyph(u'B')->Width, 0);             // 65602 is the same 16-bit code
     EXPECT_EQ(font.GlyphCount(), 223);
-    EXPECT_EQ(Pairs(), (std::vector<MKerningPair>{{65601, 66, 1}, {99999, 99999, 2}, {65, 4294967291U, 3}}));
+    EXPECT_EQ(PairsOf(font), (Pairs{{65601, 66, 1}, {99999, 99999, 2}, {65, 4294967291U, 3}}));
     SetMemoryLimit(0);
 }
 

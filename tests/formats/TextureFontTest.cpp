@@ -158,7 +158,7 @@ TEST_F(TextureFontTest, LenientWithRecords) {
     EXPECT_FALSE(font.GetGlyph(u'B')->Picture.IsValid());
     EXPECT_EQ(font.GetGlyph(u'C')->SpacingAfter, 5);
     EXPECT_NE(font.GetGlyph(u'?'), nullptr); // what an empty character reads as
-    EXPECT_EQ(Pairs(), (std::vector<MKerningPair>{{'A', 'C', -1}, {'A', '?', 0}, {'?', 'A', 3}}));
+    EXPECT_EQ(PairsOf(font), (Pairs{{'A', 'C', -1}, {'A', '?', 0}, {'?', 'A', 3}}));
 }
 
 TEST_F(TextureFontTest, HeadersThatAreWrong) {

@@ -214,8 +214,7 @@ StepResult ReadNames(Run& run, const std::string& file) {
 }
 
 StepResult ExportCubes(MColourFont& font, const std::string& file) {
-    const MString path =
-        FromSystem(file); // as typed: it is cut at its first dot, and folders above may have one
+    const MString path = FromSystem(file); // as typed: it is cut at its first dot, also of a folder
     const fs::path folder = ToSystemPath(AbsolutePath(file)).parent_path();
     if (!IsFolder(folder)) return StepFailure{file, "there is no folder " + folder.string()};
     auto& told = Headless::record.messages;
