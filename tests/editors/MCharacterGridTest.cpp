@@ -5,7 +5,8 @@
 #include "platform_text/FontFixture.h"
 #include "platform_text/PaintFont.h"
 
-#include <algorithm>
+#include <array>
+#include <set>
 #include <vector>
 
 namespace {
@@ -65,62 +66,47 @@ fonts::Font Overflowing(const std::string& family) {
 } // namespace
 
 TEST_F(CharacterGrid, Cells) {
-    const struct {
-        Desktop::Rect area;
-        std::int32_t code;
-        Desktop::Rect cell;
-    } cases[] = {
-        // 700 / 16 is 43 and 600 / 14 is 42; where a cell begins is told by the whole product.
-        {{10, 10, 710, 610}, 32, {11, 11, 52, 51}},      {{10, 10, 710, 610}, 33, {54, 11, 95, 51}},
-        {{10, 10, 710, 610}, 47, {667, 11, 708, 51}},    {{10, 10, 710, 610}, 48, {11, 53, 52, 93}},
-        {{10, 10, 710, 610}, 255, {667, 568, 708, 608}}, {{10, 10, 26, 24}, 255, {26, 24, 25, 23}},
-    };
-    for (const auto& c : cases) {
-        grid.Area = c.area;
-        EXPECT_EQ(grid.Cell(c.code), c.cell) << c.code;
-    }
-}
-
-TEST_F(CharacterGrid, HitTest) {
-    const struct {
-        std::int32_t x, y, code;
-    } cases[] = {
-        {10, 10, 32},
-        {9, 10, -1},
-        {10, 9, -1},
-        {53, 10, 32},
-        {54, 10, 33},
-        {10, 52, 32},
-        {10, 53, 48},
-        {709, 609, 255},
-        {711, 300, -1},
-        {300, 611, -1},
-        {710, 10, 48}, // the limit is the
-                       // next row
-        {710, 609, 256},
-        {10, 610, 256},
-        {709, 610, 271},
-    };
-    for (const auto& c : cases)
-        EXPECT_EQ(grid.HitTest(c.x, c.y), c.code) << c.x << ", " << c.y;
-    grid.Area = {};
-    EXPECT_EQ(grid.HitTest(0, 0), -1);
-}
-
-TEST_F(CharacterGrid, EveryCellIsHitInItsMiddle) {
+    // 700 / 16 is 43 and 600 / 14 is 42; where a cell begins is told by the whole product.
+    for (const auto& [code, cell] : {std::pair(32, Desktop::Rect{11, 11, 52, 51}),
+                                     {33, {54, 11, 95, 51}},
+                                     {47, {667, 11, 708, 51}},
+                                     {48, {11, 53, 52, 93}},
+                                     {255, {667, 568, 708, 608}}})
+        EXPECT_EQ(grid.Cell(code), cell) << code;
     for (std::int32_t code = 32; code <= 255; ++code) {
         const Desktop::Rect cell = grid.Cell(code);
         EXPECT_EQ(grid.HitTest((cell.left + cell.right) / 2, (cell.top + cell.bottom) / 2), code);
     }
 }
 
+TEST_F(CharacterGrid, HitTest) {
+    const std::array<std::int32_t, 3> cases[] = {
+        // Across the limits of the area, and of its first cell.
+        {10, 10, 32},
+        {9, 10, -1},
+        {10, 9, -1},
+        {711, 300, -1},
+        {300, 611, -1},
+        {53, 10, 32},
+        {54, 10, 33},
+        {10, 52, 32},
+        {10, 53, 48},
+        {709, 609, 255},
+        // The right and the lower limit belong to what follows.
+        {710, 10, 48},
+        {710, 609, 256},
+        {10, 610, 256},
+        {709, 610, 271},
+    };
+    for (const auto& [x, y, code] : cases)
+        EXPECT_EQ(grid.HitTest(x, y), code) << x << ", " << y;
+    grid.Area = {};
+    EXPECT_EQ(grid.HitTest(0, 0), -1);
+}
+
 TEST_F(CharacterGrid, SelectedShade) {
-    for (int channel = 0; channel < 256; ++channel) {
-        const auto value = static_cast<std::uint8_t>(channel);
-        const int expected = (8 * channel + (channel <= 128 ? 2 * 255 : 0)) / 10;
-        EXPECT_EQ(MCharacterGrid::SelectedShade(MColour(value, 128, 129, 0)),
-                  MColour(static_cast<std::uint8_t>(expected), 153, 103));
-    }
+    EXPECT_EQ(MCharacterGrid::SelectedShade(MColour(0, 128, 129, 0)), MColour(51, 153, 103));
+    EXPECT_EQ(MCharacterGrid::SelectedShade(MColour(255, 1, 254)), MColour(204, 51, 203)); // truncated
 }
 
 TEST_F(CharacterGrid, OnlyCodesOfGlyphsAreMarked) {
@@ -178,14 +164,11 @@ TEST_F(CharacterGrid, SizesAreThoseOfCellsAndOfEms) {
     const auto heightOfH = [&] {
         const auto pixels = Painted();
         const Desktop::Rect cell = grid.Cell('h');
-        std::int32_t rows = 0;
+        std::set<std::int32_t> rows;
         for (std::int32_t y = cell.top; y < cell.bottom; ++y)
             for (std::int32_t x = cell.left; x < cell.right; ++x)
-                if (At(pixels, x, y).r < 100) {
-                    ++rows;
-                    break;
-                }
-        return rows;
+                if (At(pixels, x, y).r < 100) rows.insert(y);
+        return static_cast<int>(rows.size());
     };
     grid.Area = {0, 0, 1600, 1428}; // cells of 100 pixels: sizes of 75
     EXPECT_NEAR(heightOfH(), 75 * 1466 / 2288, 1);
