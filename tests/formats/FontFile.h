@@ -6,6 +6,7 @@
 #include "Text.h"
 #include "document/Pairs.h"
 
+#include <string>
 #include <tuple>
 #include <vector>
 
@@ -25,6 +26,14 @@ protected:
         picture.Free();
     }
 };
+
+// Bytes of a text as UTF-16 files have them.
+inline std::string Utf16(std::string_view text) {
+    std::string bytes;
+    for (const char c : text)
+        bytes += {c, '\0'};
+    return bytes;
+}
 
 inline auto NumbersOf(const MGlyph& glyph) {
     return std::tuple(glyph.Width, glyph.Height, glyph.SpacingBefore, glyph.SpacingAfter);
