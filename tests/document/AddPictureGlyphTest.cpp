@@ -2,6 +2,7 @@
 #include "imaging/Pictures.h"
 
 #include <algorithm>
+#include <array>
 #include <random>
 #include <tuple>
 #include <utility>
@@ -21,32 +22,27 @@ protected:
         const std::int32_t n = std::clamp(total / h + 1, 2, 6);
         const std::int32_t baseX = x * pictureWidth / glyph.Width;
         const std::int32_t baseY = y * total / h - settings.PaddingTop;
-        float r = 0;
-        float g = 0;
-        float b = 0;
-        float a = 0;
-        int all = 0;
-        int coloured = 0;
+        std::array<float, 4> sums{}; // red, green, blue, alpha
+        float all = 0;
+        float coloured = 0;
         for (std::int32_t i = 0; i < n; ++i) {
             for (std::int32_t j = 0; j < n; ++j) {
                 const std::int32_t px = baseX + i;
                 const std::int32_t py = baseY + j;
                 if (px < 0 || py < 0 || px >= pictureWidth || py >= pictureHeight) continue;
                 const MColour point = picture.GetPixel(px, py);
-                ++all;
-                a += point.a;
+                all += 1;
+                sums[3] += point.a;
                 if (point.a == 0) continue;
-                ++coloured;
-                r += point.r;
-                g += point.g;
-                b += point.b;
+                coloured += 1;
+                sums[0] += point.r;
+                sums[1] += point.g;
+                sums[2] += point.b;
             }
         }
         if (coloured == 0) return {0, 0, 0, 0};
-        const auto mean = [](float sum, int count) {
-            return static_cast<std::uint8_t>(sum / static_cast<float>(count));
-        };
-        return {mean(r, coloured), mean(g, coloured), mean(b, coloured), mean(a, all)};
+        const auto mean = [](float sum, float count) { return static_cast<std::uint8_t>(sum / count); };
+        return {mean(sums[0], coloured), mean(sums[1], coloured), mean(sums[2], coloured), mean(sums[3], all)};
     }
 };
 

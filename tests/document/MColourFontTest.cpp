@@ -93,16 +93,16 @@ TEST_F(ColourFontTest, KerningPairs) {
 }
 
 TEST_F(ColourFontTest, RemovingAGlyphFillsItsPairsFromTheEnd) {
-    for (const auto& pair : Pairs{{'A', 'B', 1}, {'C', 'D', 2}, {'E', 'A', 3}, {'D', 'E', 4}, {'A', 'A', 5}}) {
-        font.SetKerning(static_cast<std::int32_t>(pair.Left), pair.Right, pair.Amount);
-    }
+    for (const auto& [left, right, amount] :
+         Pairs{{'A', 'B', 1}, {'C', 'D', 2}, {'E', 'A', 3}, {'D', 'E', 4}, {'A', 'A', 5}})
+        font.SetKerning(static_cast<std::int32_t>(left), right, amount);
     font.RemoveGlyph(u'A');
     EXPECT_EQ(PairsOf(font), (Pairs{{'D', 'E', 4}, {'C', 'D', 2}}));
 }
 
 TEST_F(ColourFontTest, SortingByAmountKeepsEqualPairsInOrder) {
-    for (const int right : {'a', 'b', 'c', 'd', 'e'})
-        font.SetKerning('A', static_cast<std::uint32_t>(right), right % 2);
+    for (const std::uint32_t right : {97U, 98U, 99U, 100U, 101U})
+        font.SetKerning('A', right, right % 2);
     font.SortKerningByAmount();
     EXPECT_EQ(PairsOf(font),
               (Pairs{{'A', 'b', 0}, {'A', 'd', 0}, {'A', 'a', 1}, {'A', 'c', 1}, {'A', 'e', 1}}));
