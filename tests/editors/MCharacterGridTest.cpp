@@ -1,7 +1,6 @@
 #include "editors/MCharacterGrid.h"
 
-#include "DocumentFixture.h"
-#include "glyphs/Pixels.h"
+#include "EditorTest.h"
 #include "platform_text/FontFixture.h"
 #include "platform_text/PaintFont.h"
 
@@ -11,7 +10,7 @@
 
 namespace {
 
-class CharacterGrid : public DocumentTest {
+class CharacterGrid : public EditorTest {
 protected:
     MCharacterGrid grid;
 

@@ -180,24 +180,29 @@ TEST_F(MGlyphEditorTest, TheMouseDragsGuides) {
     AddUpTo(u'B');
     MGlyphEditor editor(font);
     Place(editor);
-    editor.Mouse({129, 300}, true, false); // the glyph starts at 153, the scale is 8
-    EXPECT_EQ(font.GetGlyph(u'A')->SpacingBefore, 3);
+    const struct {
+        MPoint mouse;
+        bool left, right;
+        const std::int32_t& value;
+        std::int32_t expected;
+    } cases[] = {
+        {{129, 300}, true, false, font.GetGlyph(u'A')->SpacingBefore, 3}, // it starts at 153, the scale is 8
+        {{617, 300}, true, false, font.GetGlyph(u'A')->SpacingAfter, 18},
+        {{100, 418}, true, true, font.Baseline, 5}, // the right button decides
+        {{100, 58}, false, true, font.CapHeight, 45},
+    };
+    for (const auto& c : cases) {
+        editor.Mouse(c.mouse, c.left, c.right);
+        EXPECT_EQ(c.value, c.expected) << c.mouse.x;
+    }
     EXPECT_EQ(Narrow(editor.SpacingBefore), "3");
-    EXPECT_EQ(Paintings(), 1U);
-    editor.Mouse({617, 300}, true, false);
-    EXPECT_EQ(font.GetGlyph(u'A')->SpacingAfter, 18);
-    editor.Mouse({100, 418}, true, true); // the right button decides
-    EXPECT_EQ(font.Baseline, 5);
-    editor.Mouse({100, 58}, false, true);
-    EXPECT_EQ(font.CapHeight, 45);
-    const std::size_t drawn = Paintings();
+    EXPECT_EQ(Paintings(), 4U);
     for (const MPoint edge : {MPoint{8, 300}, {618, 300}, {300, 8}, {300, 508}})
         editor.Mouse(edge, true, true);
     editor.Mouse({300, 300}, false, false);
     editor.CharacterChanged("x");
     editor.Mouse({300, 300}, true, false);
-    EXPECT_EQ(Paintings(), drawn);
-    EXPECT_EQ(font.GetGlyph(u'B')->SpacingBefore, 11);
+    EXPECT_EQ(Paintings(), 4U);
 }
 
 TEST_F(MGlyphEditorTest, DeletingKeepsThePositionBeforeTheLastTwo) {

@@ -26,15 +26,10 @@ protected:
     }
 };
 
-TEST_F(KerningEditor, LooksAsAUserExpects) {
+TEST_F(KerningEditor, GeneratedPairsAreGoneThroughInTheList) {
     AddLetters();
     RunAnd(DialogId::KerningEditor, [&](QWidget& dialog) {
-        EXPECT_EQ(dialog.windowTitle(), "Lettrino - Kerning editor");
         auto* const list = Named<QListView>(dialog, "Kerning pairs");
-        EXPECT_TRUE(list->hasFocus());
-        ExpectTextFits(dialog);
-        EXPECT_EQ(TabOrder(dialog), (QStringList{"Kerning pairs", "Left character", "Right character",
-                                                 "Kerning", "Generate", "Clear", "OK", "Cancel"}));
         PressMnemonic(Qt::Key_G);
         EXPECT_GT(list->model()->rowCount(), 500);
         EXPECT_FALSE(list->currentIndex().isValid());
@@ -45,8 +40,7 @@ TEST_F(KerningEditor, LooksAsAUserExpects) {
         TypeInto(Named<QLineEdit>(dialog, "Left character"), "A");
         TypeInto(Named<QLineEdit>(dialog, "Right character"), "V");
         EXPECT_EQ(list->currentIndex().data().toString(), "A    V");
-        QApplication::processEvents();
-        Screenshot(dialog, "kerning-editor");
+        EXPECT_TRUE(list->viewport()->rect().intersects(list->visualRect(list->currentIndex())));
     });
 }
 
@@ -135,22 +129,6 @@ TEST_F(KerningEditor, ClearAndEscapeBringThePairsBack) {
         QTest::keyClick(&dialog, Qt::Key_Escape);
     }));
     EXPECT_EQ(PairsOf(*font), (Pairs{{'A', 'B', -1}, {'A', 'A', -2}}));
-}
-
-TEST_F(KerningEditor, FortyThousandPairs) {
-    ASSERT_TRUE(font->Kerning.Resize(40000, false));
-    for (std::uint32_t i = 0; i < 40000; ++i)
-        font->Kerning.data[i] = {33 + i / 200, 33 + i % 200, -static_cast<std::int32_t>(i % 90)};
-    RunAnd(DialogId::KerningEditor, [&](QWidget& dialog) {
-        auto* const list = Named<QListView>(dialog, "Kerning pairs");
-        EXPECT_EQ(list->model()->rowCount(), 40000);
-        QTest::keyClick(list, Qt::Key_End);
-        EXPECT_EQ(list->currentIndex().row(), 39999);
-        EXPECT_EQ(list->currentIndex().data().toString(), "\u00E8    \u00E8");
-        TypeInto(Named<QLineEdit>(dialog, "Left character"), "!");
-        EXPECT_EQ(list->currentIndex().row(), 199);
-        EXPECT_TRUE(list->viewport()->rect().intersects(list->visualRect(list->currentIndex())));
-    });
 }
 
 } // namespace
