@@ -138,23 +138,23 @@ TEST_F(AddGlyphsWindow, TheSwatchOpensTheChoiceOfColours) {
     };
     RunAnd(DialogId::AddGlyphs, [&](QWidget& dialog) {
         auto* const swatch = Named<QWidget>(dialog, "Colour");
-        for (const auto key : {Qt::Key_Space, Qt::Key_Return}) {
+        const std::function<void()> ways[] = {
+            [&] { QTest::keyClick(swatch, Qt::Key_Space); },
+            [&] { QTest::keyClick(swatch, Qt::Key_Return); },
+            [&] { QTest::mousePress(&dialog, Qt::LeftButton, {}, swatch->geometry().center()); },
+            [&] { QTest::mousePress(&dialog, Qt::RightButton, {}, swatch->geometry().center()); },
+        };
+        for (const auto& way : ways) {
             settings.Colour = MColour(9, 9, 9);
             dialog.activateWindow(); // which this screen leaves undone when a dialog on it ends
             EXPECT_TRUE(QTest::qWaitForWindowActive(&dialog));
             Named<QLineEdit>(dialog, "Glyph height")->setFocus();
             PressMnemonic(Qt::Key_C);
             EXPECT_TRUE(swatch->hasFocus());
-            WhileOpen([&] { return QTest::keyClick(swatch, key), 0; }, choose);
+            WhileOpen([&] { return way(), 0; }, choose);
             EXPECT_EQ(settings.Colour, MColour(1, 200, 3));
             EXPECT_EQ(Shown(dialog).pixelColor(swatch->geometry().center()), QColor(1, 200, 3));
         }
-        settings.Colour = MColour(9, 9, 9);
-        for (const auto button : {Qt::LeftButton, Qt::RightButton})
-            WhileOpen([&] { return QTest::mousePress(&dialog, button, {}, swatch->geometry().center()), 0; },
-                      button == Qt::LeftButton ? std::function<void(QWidget&)>([](QWidget&) {}) : choose);
-        EXPECT_EQ(settings.Colour, MColour(1, 200, 3));
-        Screenshot(dialog, "add-glyphs-colour");
         EXPECT_TRUE(dialog.isVisible());
     });
 }

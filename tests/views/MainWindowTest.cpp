@@ -1,11 +1,11 @@
 // The whole program in its window, driven by keys and clicks as a person would.
 
-#include "TemporaryFolder.h"
 #include "Text.h"
 #include "document/MColourFont.h"
 #include "platform/qt/MClientArea.h"
 #include "shell/Program.h"
 #include "shell/Shell.h"
+#include "shell/UserFolders.h"
 #include "views/Windows.h"
 
 #include <QApplication>
@@ -81,21 +81,8 @@ private:
     }
 };
 
-class MainWindowTest : public testing::Test {
+class MainWindowTest : public UserTest {
 protected:
-    // The system is asked for the user's folders once only, so that all tests share them.
-    static TemporaryFolder& Home() {
-        static TemporaryFolder home;
-        return home;
-    }
-
-    MainWindowTest() {
-        for (const auto& entry : std::filesystem::directory_iterator(Home().path))
-            std::filesystem::remove_all(entry.path());
-        setenv("HOME", Home().path.c_str(), 1);
-        setenv("XDG_CONFIG_HOME", (Home().path / "config").c_str(), 1);
-    }
-
     static void Run(const MString& file, std::deque<Person::Step> steps) {
         steps.push_back({"", [](QWidget& window) { window.close(); }});
         const Person person(std::move(steps));
@@ -193,7 +180,7 @@ TEST_F(MainWindowTest, TheWholeRoad) {
                  EXPECT_NE(CurrentFont->FindKerning(u'A', u'V'), nullptr);
                  EXPECT_EQ(Settings->GlyphHeight, 64);
              })});
-    EXPECT_TRUE(std::filesystem::exists(Home().path / "config/Northbank Softworks/Lettrino/Lettrino.txt"));
+    EXPECT_TRUE(std::filesystem::exists(Home().path / SettingsFile()));
 }
 
 TEST_F(MainWindowTest, TheProgressWindowIsSeenAndMoves) {
