@@ -17,6 +17,7 @@ TEST_F(Dialogs, LookAsAUserExpectsAndWorkByKeyboard) {
         const char* picture;
         QStringList controls; // from the one that has the focus on
     } cases[] = {
+        {DialogId::About, "About", "about", {"OK"}},
         {DialogId::GlyphHeight, "Change glyph height", "glyph-height", {"Glyph height", "OK", "Cancel"}},
         {DialogId::LicenseKeys,
          "Enter license keys",
