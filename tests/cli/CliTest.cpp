@@ -81,11 +81,15 @@ TEST(Cli, FailuresNameStepFileAndReason) {
     cli.folder.Write("noise.sm", png);
     cli.folder.Write("noise.png", png);
     std::filesystem::create_directory(cli.folder.path / "folder.sm");
+    // A file that not even the administrator can write.
+    std::filesystem::create_symlink("/sys/kernel/uevent_seqnum", cli.folder.path / "kept.png");
     const struct {
         const char* arguments;
         const char* names;
         const char* reason;
     } cases[] = {
+        {"--open good.sm --save kept.sm", "--save: kept.sm: ", "kept.png can't be written over"},
+        {"--open good.sm --html kept.html", "--html: kept.html: ", "kept.png can't be written over"},
         {"--open missing.sm", "--open: missing.sm: ", "no such file"},
         {"--open folder.sm", "--open: folder.sm: ", "folder"},
         {"--open alone.sm", "--open: alone.sm: ", "picture"},
@@ -115,6 +119,8 @@ TEST(Cli, FailuresNameStepFileAndReason) {
         EXPECT_EQ(std::ranges::count(cli.error, '\n'), 1) << cli.error;
     }
     EXPECT_FALSE(cli.Has("f.sm"));
+    EXPECT_TRUE(cli.Has("kept.png"));
+    EXPECT_FALSE(cli.Has("kept.sm"));
 }
 
 // A path that doesn't tell all the folders above the file, or whose folders have dots, is one like any other.

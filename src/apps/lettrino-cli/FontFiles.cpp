@@ -18,6 +18,8 @@
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
+#include <initializer_list>
 #include <string_view>
 
 namespace {
@@ -125,15 +127,28 @@ StepResult Open(Run& run, const std::string& file) {
     return {};
 }
 
+// A failure if one of these files stands there and can't be written over. What is looked at after writing would
+// be the old file then.
+StepResult RefuseProtected(const std::string& file, std::initializer_list<MString> targets) {
+    for (const MString& target : targets) {
+        std::error_code error;
+        const fs::path path = ToSystemPath(target);
+        if (!fs::exists(path, error) || std::ofstream(path, std::ios::app)) continue;
+        return StepFailure{file, path.string() + " can't be written over"};
+    }
+    return {};
+}
+
 StepResult Save(MColourFont& font, const std::string& file) {
     const MString path = AbsolutePath(file); // the font file records its picture's full path
     const fs::path folder = ToSystemPath(path).parent_path();
     if (!IsFolder(folder)) return StepFailure{file, "there is no folder " + folder.string()};
+    const MString text = SiblingPath(path, "sm");
+    const MString picture = SiblingPath(path, "png");
+    if (StepResult failure = RefuseProtected(file, {text, picture})) return failure;
     if (!font.Save(path)) return StepFailure{file, "the font has no picture: there was no memory for it"};
 
     // Saving is a success for the program even where nothing could be written.
-    const MString text = SiblingPath(path, "sm");
-    const MString picture = SiblingPath(path, "png");
     if (IsWholePng(picture) && HasAllRecords(text, font)) return {};
     DeleteFile(text, false, false);
     DeleteFile(picture, false, false);
@@ -172,12 +187,15 @@ StepResult ExportPage(MColourFont& font, const std::string& file, bool minimal) 
     const MString path = AbsolutePath(file);
     const fs::path folder = ToSystemPath(path).parent_path();
     if (!IsFolder(folder)) return StepFailure{file, "there is no folder " + folder.string()};
+    const MString picture = SiblingPath(path, "png");
+    const MString script = SiblingPath(path, "js");
+    const MString page = SiblingPath(path, "html");
+    if (StepResult failure = RefuseProtected(file, {picture, script, page})) return failure;
     WarnOfName(minimal ? "--minimal-html" : "--html", WebFontName(path));
     const bool exported = font.ExportHtml(path, minimal);
 
     // Failed copies, and a picture that can't be written, are not told by the export.
-    const bool whole = exported && IsWholePng(SiblingPath(path, "png")) &&
-                       EndsAsWritten(SiblingPath(path, "js")) && FileExists(SiblingPath(path, "html"));
+    const bool whole = exported && IsWholePng(picture) && EndsAsWritten(script) && FileExists(page);
     if (!whole) return StepFailure{file, "the page, its script and its picture could not all be written"};
     if (!FileExists(JoinPath(FromSystemPath(folder), "lettrino-1.0.js"))) {
         return StepFailure{file, "the run-time script is missing beside the program, in Media/www"};
@@ -217,15 +235,17 @@ StepResult ExportCubes(MColourFont& font, const std::string& file) {
     const MString path = FromSystem(file); // as typed: it is cut at its first dot, also of a folder
     const fs::path folder = ToSystemPath(AbsolutePath(file)).parent_path();
     if (!IsFolder(folder)) return StepFailure{file, "there is no folder " + folder.string()};
+    MString first = path;
+    first.KeepBefore(".");
+    first += "1.png";
+    if (StepResult failure = RefuseProtected(file, {first})) return failure;
     auto& told = Headless::record.messages;
     const std::size_t before = told.size();
     const bool exported = font.ExportLetterCubes(path);
     const std::string text = told.size() > before ? ToSystem(told.back().text) : "the list of names is empty";
     if (told.size() > before && told.back().icon == Desktop::Icon::Error) return StepFailure{file, text};
     std::printf("%s\n", text.substr(0, text.find("\n\n")).c_str());
-    MString first = path;
-    first.KeepBefore(".");
-    if (exported && IsWholePng(first + "1.png")) return {};
+    if (exported && IsWholePng(first)) return {};
     return StepFailure{file,
                        exported ? "the pictures could not be written" : "there was no memory for the pictures"};
 }
