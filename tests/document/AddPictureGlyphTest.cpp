@@ -72,24 +72,12 @@ TEST_F(AddPictureGlyphTest, ResamplesByPointSets) {
     }
 }
 
-TEST_F(AddPictureGlyphTest, ExactSizeIsCopiedAndPaddingStaysTransparent) {
+TEST_F(AddPictureGlyphTest, APictureOfTheGlyphsSizeIsCopied) {
     OwnedPicture picture = BlankPicture(50, 100, FormatRGBA8);
     FillWithNoise(picture, 1);
     ASSERT_TRUE(font.AddPictureGlyph(u'x', picture, 0, 0, false));
     for (std::int32_t i = 0; i < 50; ++i)
         EXPECT_EQ(font.GetGlyph(u'x')->GetPixel(i, 2 * i), picture.GetPixel(i, 2 * i));
-
-    picture = BlankPicture(100, 100, FormatRGB8);
-    picture.Fill(MColour(9, 9, 9));
-    settings.GlyphHeight = 60;
-    settings.PaddingTop = settings.PaddingBottom = 10;
-    ASSERT_TRUE(font.AddPictureGlyph(u'x', picture, 0, 0, false));
-    const MGlyph& glyph = *font.GetGlyph(u'x');
-    EXPECT_EQ(glyph.Width, 50);
-    for (const std::int32_t y : {0, 3, 55, 59})
-        EXPECT_EQ(glyph.GetPixel(25, y).a, 0) << y;
-    for (const std::int32_t y : {4, 54})
-        EXPECT_NE(glyph.GetPixel(25, y).a, 0) << y;
 }
 
 TEST_F(AddPictureGlyphTest, LetterAIsMeasuredOnTheSource) {
