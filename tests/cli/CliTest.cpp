@@ -261,9 +261,11 @@ TEST(Cli, WholeFontEditsWebAndCubes) {
     EXPECT_THAT(cli.error, HasSubstr("warning"));
     cli.folder.Write("names.txt", "Anna\nBob\n");
     cli.folder.Write("digit.txt", "X5\n");
-    EXPECT_EQ(cli.Run(make + "--text 'ABC AB' line.png --names names.txt --cubes cube.png"), 0);
+    EXPECT_EQ(cli.Run(make + "--background 102030 --text 'ABC AB' line.png --names names.txt --cubes cube.png"),
+              0);
     EXPECT_THAT(cli.out, testing::StartsWith("Number of names:\t3\n"));
-    EXPECT_TRUE(cli.Has("cube4.png") && cli.Has("line.png"));
+    EXPECT_TRUE(cli.Has("cube4.png"));
+    EXPECT_EQ(cli.Picture("line.png").GetPixel(0, 0), MColour(0x10, 0x20, 0x30));
     cli.folder.Write("empty.phf", "<PhF>\n");
     for (const char* steps : {"--html 'my font.html'", "--html no/font.html", "--open empty.phf",
                               "--names digit.txt --cubes cube.png"})
