@@ -37,10 +37,6 @@ Desktop::Rect MAddGlyphs::SwatchArea(const Desktop::Rect& cancelButton, const De
     return {cancelButton.left, colourLabel.top, cancelButton.right, colourLabel.bottom};
 }
 
-bool MAddGlyphs::HitsSwatch(const Desktop::Rect& swatch, std::int32_t x, std::int32_t y) {
-    return x > swatch.left && x < swatch.right && y > swatch.top && y < swatch.bottom;
-}
-
 void MAddGlyphs::PaintSwatch(Desktop::WindowHandle window, const Desktop::Rect& swatch) {
     MWindowSurface surface;
     if (!surface.Bind(window, swatch) || !surface.surface->Begin()) return;

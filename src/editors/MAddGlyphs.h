@@ -27,8 +27,7 @@ public:
     static Desktop::Rect GridArea(const Desktop::Rect& familyList, const Desktop::Rect& cancelButton,
                                   std::int32_t margin = 10);
     static Desktop::Rect SwatchArea(const Desktop::Rect& cancelButton, const Desktop::Rect& colourLabel);
-    // Only what lies strictly inside of the swatch opens the choice of colours.
-    static bool HitsSwatch(const Desktop::Rect& swatch, std::int32_t x, std::int32_t y);
+    // Shows the text colour; a press strictly inside opens the choice of colours.
     static void PaintSwatch(Desktop::WindowHandle window, const Desktop::Rect& swatch);
 
     // Another family starts at its face that is nearest to the regular one.

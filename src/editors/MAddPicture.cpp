@@ -1,17 +1,14 @@
 #include "editors/MAddPicture.h"
 
 #include "document/ChooseFile.h"
+#include "editors/FieldText.h"
 #include "glyphs/PictureSeries.h"
 
-#include <string_view>
-
 MAddPicture::MAddPicture()
-    : Path(Settings->Path(MPathKind::GlyphPicture)), PaddingTop(Settings->PaddingTop),
+    : Path(Settings->Path(MPathKind::GlyphPicture)),
+      Character(CharacterText(static_cast<char16_t>(Settings->Char))), PaddingTop(Settings->PaddingTop),
       PaddingBottom(Settings->PaddingBottom), SpacingBefore(Settings->SpacingBefore),
-      SpacingAfter(Settings->SpacingAfter), Trim(Settings->Trim) {
-    const auto unit = static_cast<char16_t>(Settings->Char);
-    Character = MString(std::u16string_view(&unit, 1));
-}
+      SpacingAfter(Settings->SpacingAfter), Trim(Settings->Trim) {}
 
 bool MAddPicture::Browse(Desktop::WindowHandle window) {
     const MString chosen = ChooseFile(window, MPathKind::GlyphPicture);
@@ -27,7 +24,7 @@ void MAddPicture::Accept() const {
     MString& path = Settings->Path(MPathKind::GlyphPicture);
     path = Path;
     path.Truncate(longestPath);
-    Settings->Char = Character.GetChar(0);
+    Settings->Char = FieldCharacter(Character);
     Settings->PaddingTop = PaddingTop;
     Settings->PaddingBottom = PaddingBottom;
     Settings->SpacingBefore = SpacingBefore;

@@ -1,22 +1,17 @@
 #include "editors/MCharacterGrid.h"
 
 #include "document/MSettings.h"
+#include "editors/FieldText.h"
 #include "foundation/MNumbers.h"
 #include "glyphs/MDirect2DSurface.h"
 #include "glyphs/MGdiSurface.h"
 
 #include <algorithm>
-#include <string_view>
 
 namespace {
 
 constexpr std::int32_t firstShown = 32; // the code of the cell at the top left
 constexpr MColour black{0, 0, 0};
-
-MString OneCharacter(std::int32_t code) {
-    const auto unit = static_cast<char16_t>(code);
-    return MString(std::u16string_view(&unit, 1));
-}
 
 float TextSize(const Desktop::Rect& cell) {
     return static_cast<float>(cell.Height()) * 0.75F;
@@ -93,8 +88,8 @@ std::unique_ptr<MSurfaceBitmap> MCharacterGrid::DrawPlain(const Marks& marks) co
     for (std::int32_t code = FirstCode; code <= LastCode; ++code) {
         const Desktop::Rect cell = OnSurface(Cell(code));
         if (marks[static_cast<std::size_t>(code)]) surface.FillRectangle(cell, SelectedShade(Face));
-        surface.DrawText(cell, OneCharacter(code), Settings->FontName, TextSize(cell), Settings->Weight,
-                         Settings->Italic, black, 0);
+        surface.DrawText(cell, CharacterText(static_cast<char16_t>(code)), Settings->FontName, TextSize(cell),
+                         Settings->Weight, Settings->Italic, black, 0);
     }
     return std::move(surface.bitmap);
 }
@@ -108,8 +103,8 @@ std::unique_ptr<MSurfaceBitmap> MCharacterGrid::DrawColours(const Marks& marks) 
         const Desktop::Rect cell = OnSurface(Cell(code));
         if (marks[static_cast<std::size_t>(code)])
             surface.DrawRectangle(cell, SelectedShade(Face), true, 0, true);
-        surface.DrawText(cell, OneCharacter(code), Settings->FontName, TextSize(cell), Settings->Weight,
-                         Settings->Italic, black, 0, 0, true, false, true, true);
+        surface.DrawText(cell, CharacterText(static_cast<char16_t>(code)), Settings->FontName, TextSize(cell),
+                         Settings->Weight, Settings->Italic, black, 0, 0, true, false, true, true);
     }
     surface.End();
     return bitmap;

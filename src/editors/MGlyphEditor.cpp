@@ -44,7 +44,7 @@ void MGlyphEditor::FillList() {
 void MGlyphEditor::Show(char16_t character) {
     const MGlyph* const glyph = Font.GetGlyph(character);
     if (!glyph) return;
-    Character = MString(std::u16string_view(&character, 1));
+    Character = CharacterText(character);
     Unicode = MString(character);
     Resolution = MString(glyph->Width) + " x " + MString(glyph->Height);
     Write(SpacingBefore, glyph->SpacingBefore);

@@ -5,15 +5,6 @@
 #include "editors/FieldText.h"
 #include "foundation/MNumbers.h"
 
-namespace {
-
-MString Text(std::uint32_t character) {
-    const auto unit = static_cast<char16_t>(character);
-    return MString(std::u16string_view(&unit, 1));
-}
-
-} // namespace
-
 MKerningEditor::MKerningEditor(MColourFont& font)
     : Font(font), Backup(font.Kerning.begin(), font.Kerning.end()) {
     FillList();
@@ -48,8 +39,8 @@ MKerningPair* MKerningEditor::SelectedPair() const {
 }
 
 void MKerningEditor::Show(const MKerningPair& pair) {
-    Left = Text(pair.Left);
-    Right = Text(pair.Right);
+    Left = CharacterText(static_cast<char16_t>(pair.Left));
+    Right = CharacterText(static_cast<char16_t>(pair.Right));
     ShowNumber(Amount, pair.Amount);
     Position = Lines.Find(pair.Left, pair.Right);
     DrawPreview(pair);

@@ -5,6 +5,7 @@
 #include "document/MColourFont.h"
 #include "document/MSettings.h"
 #include "formats/MTextFile.h"
+#include "formats/SiblingPath.h"
 #include "formats/WebFont.h"
 #include "foundation/MFolders.h"
 #include "foundation/MNumbers.h"
@@ -179,12 +180,8 @@ bool MColourFont::ExportHtml(const MString& path, bool minimal) {
     const MString folder = path.GetFolder();
     // Only the last extension is replaced, while the name ends at the first dot: with a dot in the name the
     // page looks for files that are not there.
-    MString htmlPath = path;
-    htmlPath.SetExtension("html");
-    MString scriptPath = path;
-    scriptPath.SetExtension("js");
-    MString picturePath = path;
-    picturePath.SetExtension("png");
+    const MString htmlPath = SiblingPath(path, "html");
+    const MString picturePath = SiblingPath(path, "png");
 
     Picture.Save(picturePath);
     CopyMedia(runTime, folder + "/" + runTime);
@@ -193,6 +190,6 @@ bool MColourFont::ExportHtml(const MString& path, bool minimal) {
     } else {
         WriteTryPage(folder, htmlPath, name);
     }
-    return MTextFile::WriteWholeFile(Script(*this, name, picturePath.GetFileName()), scriptPath,
+    return MTextFile::WriteWholeFile(Script(*this, name, picturePath.GetFileName()), SiblingPath(path, "js"),
                                      MTextEncoding::Ansi);
 }

@@ -13,7 +13,7 @@
 
 namespace {
 
-constexpr std::int32_t firstCharacter = 32;
+constexpr std::int32_t space = 32; // the first code that a glyph may have
 
 bool Has(std::u16string_view line, std::u16string_view tag) {
     return line.find(tag) != std::u16string_view::npos;
@@ -158,14 +158,14 @@ bool MPhotofontImporter::TakeData(std::u16string_view line) {
 void MPhotofontImporter::AddMapping(const MString& line) {
     const MString id = Attribute(line, u"id");
     const std::int32_t unicode = Number(line, u"unc");
-    if (id.IsEmpty() || unicode < firstCharacter) return;
+    if (id.IsEmpty() || unicode < space) return;
     const auto [place, isNew] = mapped.try_emplace(std::u16string(id.View()), Mapping.size());
     if (isNew) {
         Mapping.push_back({id, unicode});
         return;
     }
     std::int32_t& known = Mapping[place->second].Unicode;
-    if (known >= 'a' && known <= 'z' && known == unicode + 32) known = unicode;
+    if (known >= 'a' && known <= 'z' && unicode == known - 32) known = unicode;
 }
 
 void MPhotofontImporter::AddPair(const MString& line) {
@@ -178,7 +178,7 @@ void MPhotofontImporter::AddPair(const MString& line) {
 void MPhotofontImporter::StartGlyph(const MString& line) {
     section = Section::Glyph;
     const std::int32_t unicode = FindUnicode(Attribute(line, u"id"));
-    glyphIsCurrent = unicode >= firstCharacter;
+    glyphIsCurrent = unicode >= space;
     if (!glyphIsCurrent) return;
     Glyphs.emplace_back();
     Glyphs.back().Unicode = unicode;
@@ -200,7 +200,7 @@ bool MPhotofontImporter::ReadGlyphLine(const MString& line) {
     } else if (Has(line, u"<delta ")) {
         glyph.DeltaX = Number(line, u"x");
         glyph.DeltaY = Number(line, u"y");
-        if (glyph.Unicode == firstCharacter) spaceWidth = glyph.DeltaX;
+        if (glyph.Unicode == space) spaceWidth = glyph.DeltaX;
     } else {
         return false;
     }
@@ -248,7 +248,7 @@ bool MPhotofontImporter::TakeBytes(std::int64_t width, std::int64_t height) {
 }
 
 void MPhotofontImporter::ProcessImage(const MPhotofontGlyph& glyph) {
-    if (glyph.Unicode <= firstCharacter || !inData || base64.empty()) return;
+    if (glyph.Unicode <= space || !inData || base64.empty()) return;
     std::optional<MPicture> picture = DecodeImage(glyph);
     if (!picture) return;
     if (!HasBoxSize(*picture, glyph)) {

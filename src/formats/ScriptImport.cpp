@@ -7,6 +7,7 @@
 #include "document/MSettings.h"
 #include "formats/MGlyphCutter.h"
 #include "formats/MTextFile.h"
+#include "formats/SiblingPath.h"
 #include "formats/WebFont.h"
 #include "foundation/MFolders.h"
 #include "foundation/Product.h"
@@ -118,8 +119,7 @@ void ReadScript(MColourFont& font, const MString& path, const MPicture& picture)
 
 bool MColourFont::ImportJavascript(const MString& path) {
     if (!FileExists(path)) return false;
-    MString picturePath = path;
-    picturePath.SetExtension("png");
+    MString picturePath = SiblingPath(path, "png");
     if (!FileExists(picturePath)) picturePath = ChooseFile(Owner, MPathKind::FindPicture);
     if (picturePath.IsEmpty()) return false;
     MPicture picture(picturePath);

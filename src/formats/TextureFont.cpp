@@ -6,8 +6,9 @@
 //   TEX  path of the PNG as saved, its width, its height
 //   CHA  character, x, y, width, height, spacing before, spacing after    one for each glyph, in slot order
 //   SPA  width of the space
-//   KER  left character, right character, amount                          one for each pair but those of amount
-//   0
+//   KER  left character, right character, amount    one for each pair, but for those of amount 0
+
+#include "formats/TextureFont.h"
 
 #include "document/ChooseFile.h"
 #include "document/MColourFont.h"
@@ -15,14 +16,10 @@
 #include "document/MSettings.h"
 #include "formats/MGlyphCutter.h"
 #include "formats/MTextFile.h"
+#include "formats/SiblingPath.h"
 #include "foundation/MFolders.h"
 
 namespace {
-
-MString WithExtension(MString path, const char* extension) {
-    path.SetExtension(extension);
-    return path;
-}
 
 void WriteCharacter(MTextFile& file, std::uint32_t character) {
     const char16_t text[] = {static_cast<char16_t>(character), u'\0'};
@@ -58,7 +55,7 @@ void WriteKerning(MTextFile& file, const MKerningPair& pair) {
 // Beside the file, in the folder Textures above its folder, or where the user says. Empty if cancelled. The
 // path in the TEX record plays no part: it may name a place that no longer exists.
 MString FindPicture(const MString& path, Desktop::WindowHandle owner) {
-    const MString beside = WithExtension(path, "png");
+    const MString beside = SiblingPath(path, "png");
     if (FileExists(beside)) return beside;
     const MString above = path.GetFolder().GetFolder();
     const MString inTextures = JoinPath(JoinPath(above, "Textures"), beside.GetFileName());
@@ -119,21 +116,25 @@ private:
 
 bool ReadRecords(MColourFont& font, const MString& path, const MPicture& picture) {
     MTextFile file(path, false, false, MTextEncoding::Ansi);
-    if (!file.ok || !file.NextLine()) return false;
-    if (!file.GetString(0).Equals(u"Showmarquee") || !file.GetString(1).Equals(u"TextureFont")) return false;
+    if (!file.ok || !ReadTextureFontHeader(file)) return false;
     RecordReader(font, picture).Read(file);
     return true;
 }
 
 } // namespace
 
+bool ReadTextureFontHeader(MTextFile& file) {
+    return file.NextLine() && file.GetString(0).Equals(u"Showmarquee") &&
+           file.GetString(1).Equals(u"TextureFont");
+}
+
 bool MColourFont::Save(const MString& path) {
     if (!Picture.IsValid()) return false;
-    const MString picturePath = WithExtension(path, "png");
+    const MString picturePath = SiblingPath(path, "png");
     Picture.Save(picturePath);
 
     // Neither result is looked at: the user is told of success even where nothing could be written.
-    MTextFile file(WithExtension(path, "sm"), true, false, MTextEncoding::Utf16Le);
+    MTextFile file(SiblingPath(path, "sm"), true, false, MTextEncoding::Utf16Le);
     file.EndLine("Showmarquee TextureFont 1.0");
     WriteRecord(file, "FSZ", {Settings->GlyphHeight, Baseline, CapHeight});
     file.WriteString("TEX");

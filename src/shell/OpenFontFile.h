@@ -3,7 +3,7 @@
 
 #include "foundation/MString.h"
 
-// Replaces the current font, which is made if there is none: by a texture font (.sm) or by the script of a web
+// Replaces the current font, which is made if there is none: by a texture font (.sm), or by the script of a web
 // page
 // (.js). From here on the old content is gone, whatever follows; a file that can't be read leaves an empty
 // font, and the window as it is until it is painted next.

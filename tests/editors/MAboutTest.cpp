@@ -1,21 +1,18 @@
 #include "editors/MAbout.h"
 
-#include "DocumentFixture.h"
-#include "TemporaryFolder.h"
-#include "Text.h"
+#include "EditorTest.h"
 #include "foundation/Product.h"
-#include "glyphs/Pixels.h"
 
 namespace {
 
-class About : public DocumentTest {};
+using About = EditorTest;
 
 // Around all that is not white.
 Desktop::Rect InkOf(const Headless::Painting& painting) {
     Desktop::Rect ink{painting.width, painting.height, 0, 0};
     for (std::int32_t y = 0; y < painting.height; ++y) {
         for (std::int32_t x = 0; x < painting.width; ++x) {
-            if (painting.pixels[static_cast<std::size_t>(y * painting.width + x) * 4] == 255) continue;
+            if (PixelAt(painting, x, y).b == 255) continue;
             ink = {std::min(ink.left, x), std::min(ink.top, y), std::max(ink.right, x + 1),
                    std::max(ink.bottom, y + 1)};
         }
@@ -83,12 +80,8 @@ TEST_F(About, ThePictureCoversTheGround) {
                  {680, 420, 2, {0, 0, 1360, 840}},
                  {68, 42, 1, {306, 189, 374, 231}}};
     for (const auto& c : cases) {
-        MPicture picture(c.width, c.height, FormatRGBA8);
-        picture.Fill(MColour(0, 0, 0));
-        picture.Save(folder.File("ground.png"));
-        picture.Free();
         MAbout about("", c.scale);
-        about.Picture = folder.File("ground.png");
+        about.Picture = WritePicture(folder, "ground.png", c.width, c.height, MColour(0, 0, 0));
         about.Heading = about.Body = MString();
         Headless::Reset();
         about.Paint(AnyWindow());

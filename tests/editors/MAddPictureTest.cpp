@@ -1,33 +1,15 @@
 #include "editors/MAddPicture.h"
 
-#include "DocumentFixture.h"
-#include "TemporaryFolder.h"
-#include "Text.h"
-#include "document/MSettings.h"
-#include "glyphs/Pixels.h"
+#include "EditorTest.h"
 
 namespace {
 
-class AddPictureDialog : public DocumentTest {
+class AddPictureDialog : public EditorTest {
 protected:
     TemporaryFolder folder;
 
     MString& Remembered() { return settings.Path(MPathKind::GlyphPicture); }
-
-    MString WritePicture(const char* name, std::uint32_t width, std::uint32_t height, const MColour& colour) {
-        MPicture picture(width, height, FormatRGBA8);
-        picture.Fill(colour);
-        picture.Save(folder.File(name));
-        picture.Free();
-        return folder.File(name);
-    }
 };
-
-MColour ColourAt(const Headless::Painting& painting, std::int32_t x, std::int32_t y) {
-    MColour colour;
-    std::memcpy(&colour, painting.pixels.data() + (std::ptrdiff_t{y} * painting.width + x) * 4, 4);
-    return colour;
-}
 
 } // namespace
 
@@ -42,10 +24,8 @@ TEST_F(AddPictureDialog, StartsWithWhatIsRememberedAndOnlyOkWrites) {
     MAddPicture dialog;
     EXPECT_EQ(Narrow(dialog.Character), "\xE2\x82\xAC");
     EXPECT_EQ(Narrow(dialog.Path), "/pictures/");
-    EXPECT_EQ(dialog.PaddingTop, 1);
-    EXPECT_EQ(dialog.PaddingBottom, -2);
-    EXPECT_EQ(dialog.SpacingBefore, 3);
-    EXPECT_EQ(dialog.SpacingAfter, 4);
+    EXPECT_EQ(std::tuple(dialog.PaddingTop, dialog.PaddingBottom, dialog.SpacingBefore, dialog.SpacingAfter),
+              std::tuple(1, -2, 3, 4));
     EXPECT_FALSE(dialog.Trim);
 
     dialog.Path = MString(std::u16string(300, u'x'));
@@ -89,22 +69,22 @@ TEST_F(AddPictureDialog, ThePreviewIsThePictureOnTheBackground) {
         MAddPicture::PreviewArea({12, 30, 60, 44}, {90, 60, 200, 80}, {162, 300, 240, 110});
     EXPECT_EQ(area, (Desktop::Rect{12, 60, 132, 110}));
     MAddPicture dialog;
+    const auto painted = [&](std::int32_t x) {
+        dialog.PaintPreview(AnyWindow(), area);
+        return Painted(x, 85);
+    };
     dialog.PaintPreview(AnyWindow(), area);
-    EXPECT_TRUE(Headless::record.paintings.empty()) << "no path";
-    dialog.Path = WritePicture("a.png", 200, 200, MColour(250, 0, 0));
-    dialog.PaintPreview(AnyWindow(), area);
-    ASSERT_EQ(Headless::record.paintings.size(), 1U);
-    EXPECT_EQ(ColourAt(Headless::record.paintings[0], 60, 25), MColour(250, 0, 0)) << "shrunk to 50, centred";
-    EXPECT_EQ(ColourAt(Headless::record.paintings[0], 34, 25), MColour(0, 0, 200));
-    dialog.PaintPreview(AnyWindow(), area);
-    EXPECT_EQ(Headless::record.paintings[1].pixels, Headless::record.paintings[0].pixels);
+    EXPECT_EQ(Paintings(), 0U) << "no path";
+    const MColour red(250, 0, 0);
+    const MColour green(0, 250, 0);
+    dialog.Path = WritePicture(folder, "a.png", 200, 200, red);
+    EXPECT_EQ(painted(72), red) << "shrunk to 50, centred";
+    EXPECT_EQ(painted(46), settings.BackgroundColour);
+    EXPECT_EQ(painted(72), red) << "painted again";
     dialog.Path = folder.Write("none.png", "no picture");
-    dialog.PaintPreview(AnyWindow(), area);
-    EXPECT_EQ(ColourAt(Headless::record.paintings[2], 60, 25), MColour(0, 0, 200));
-    // The same name, but another picture.
-    Headless::script.files = {WritePicture("none.png", 10, 10, MColour(0, 250, 0))};
+    EXPECT_EQ(painted(72), settings.BackgroundColour);
+    Headless::script.files = {WritePicture(folder, "none.png", 10, 10, green)}; // the same name
     ASSERT_TRUE(dialog.Browse(AnyWindow()));
-    dialog.PaintPreview(AnyWindow(), area);
-    EXPECT_EQ(ColourAt(Headless::record.paintings[3], 60, 25), MColour(0, 250, 0));
-    EXPECT_EQ(ColourAt(Headless::record.paintings[3], 50, 25), MColour(0, 0, 200)) << "not enlarged";
+    EXPECT_EQ(painted(72), green);
+    EXPECT_EQ(painted(62), settings.BackgroundColour) << "not enlarged";
 }

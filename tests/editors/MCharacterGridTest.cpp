@@ -1,16 +1,16 @@
 #include "editors/MCharacterGrid.h"
 
-#include "DocumentFixture.h"
-#include "glyphs/Pixels.h"
+#include "EditorTest.h"
 #include "platform_text/FontFixture.h"
 #include "platform_text/PaintFont.h"
 
-#include <algorithm>
+#include <array>
+#include <set>
 #include <vector>
 
 namespace {
 
-class CharacterGrid : public DocumentTest {
+class CharacterGrid : public EditorTest {
 protected:
     MCharacterGrid grid;
 
@@ -37,12 +37,17 @@ protected:
         std::memcpy(&colour, pixels.data() + place * 4, 4);
         return colour;
     }
-    bool HasInk(const std::vector<std::uint8_t>& pixels, std::int32_t code, const MColour& ground) const {
+    // The rows of a cell in which something differs from the ground.
+    std::int32_t InkedRows(const std::vector<std::uint8_t>& pixels, std::int32_t code, const MColour& ground,
+                           int least = 1) const {
         const Desktop::Rect cell = grid.Cell(code);
-        for (std::int32_t y = cell.top; y < cell.bottom; ++y)
-            for (std::int32_t x = cell.left; x < cell.right; ++x)
-                if (!(At(pixels, x, y) == ground)) return true;
-        return false;
+        std::set<std::int32_t> rows;
+        for (std::int32_t y = cell.top; y < cell.bottom; ++y) {
+            for (std::int32_t x = cell.left; x < cell.right; ++x) {
+                if (std::abs(At(pixels, x, y).r - ground.r) >= least) rows.insert(y);
+            }
+        }
+        return static_cast<std::int32_t>(rows.size());
     }
 };
 
@@ -65,73 +70,55 @@ fonts::Font Overflowing(const std::string& family) {
 } // namespace
 
 TEST_F(CharacterGrid, Cells) {
-    const struct {
-        Desktop::Rect area;
-        std::int32_t code;
-        Desktop::Rect cell;
-    } cases[] = {
-        // 700 / 16 is 43 and 600 / 14 is 42; where a cell begins is told by the whole product.
-        {{10, 10, 710, 610}, 32, {11, 11, 52, 51}},      {{10, 10, 710, 610}, 33, {54, 11, 95, 51}},
-        {{10, 10, 710, 610}, 47, {667, 11, 708, 51}},    {{10, 10, 710, 610}, 48, {11, 53, 52, 93}},
-        {{10, 10, 710, 610}, 255, {667, 568, 708, 608}}, {{10, 10, 26, 24}, 255, {26, 24, 25, 23}},
-    };
-    for (const auto& c : cases) {
-        grid.Area = c.area;
-        EXPECT_EQ(grid.Cell(c.code), c.cell) << c.code;
-    }
-}
-
-TEST_F(CharacterGrid, HitTest) {
-    const struct {
-        std::int32_t x, y, code;
-    } cases[] = {
-        {10, 10, 32},
-        {9, 10, -1},
-        {10, 9, -1},
-        {53, 10, 32},
-        {54, 10, 33},
-        {10, 52, 32},
-        {10, 53, 48},
-        {709, 609, 255},
-        {711, 300, -1},
-        {300, 611, -1},
-        {710, 10, 48}, // the limit is the
-                       // next row
-        {710, 609, 256},
-        {10, 610, 256},
-        {709, 610, 271},
-    };
-    for (const auto& c : cases)
-        EXPECT_EQ(grid.HitTest(c.x, c.y), c.code) << c.x << ", " << c.y;
-    grid.Area = {};
-    EXPECT_EQ(grid.HitTest(0, 0), -1);
-}
-
-TEST_F(CharacterGrid, EveryCellIsHitInItsMiddle) {
+    // 700 / 16 is 43 and 600 / 14 is 42; where a cell begins is told by the whole product.
+    for (const auto& [code, cell] : {std::pair(32, Desktop::Rect{11, 11, 52, 51}),
+                                     {33, {54, 11, 95, 51}},
+                                     {47, {667, 11, 708, 51}},
+                                     {48, {11, 53, 52, 93}},
+                                     {255, {667, 568, 708, 608}}})
+        EXPECT_EQ(grid.Cell(code), cell) << code;
     for (std::int32_t code = 32; code <= 255; ++code) {
         const Desktop::Rect cell = grid.Cell(code);
         EXPECT_EQ(grid.HitTest((cell.left + cell.right) / 2, (cell.top + cell.bottom) / 2), code);
     }
 }
 
+TEST_F(CharacterGrid, HitTest) {
+    const std::array<std::int32_t, 3> cases[] = {
+        // Across the limits of the area, and of its first cell.
+        {10, 10, 32},
+        {9, 10, -1},
+        {10, 9, -1},
+        {711, 300, -1},
+        {300, 611, -1},
+        {53, 10, 32},
+        {54, 10, 33},
+        {10, 52, 32},
+        {10, 53, 48},
+        {709, 609, 255},
+        // The right and the lower limit belong to what follows.
+        {710, 10, 48},
+        {710, 609, 256},
+        {10, 610, 256},
+        {709, 610, 271},
+    };
+    for (const auto& [x, y, code] : cases)
+        EXPECT_EQ(grid.HitTest(x, y), code) << x << ", " << y;
+    grid.Area = {};
+    EXPECT_EQ(grid.HitTest(0, 0), -1);
+}
+
 TEST_F(CharacterGrid, SelectedShade) {
-    for (int channel = 0; channel < 256; ++channel) {
-        const auto value = static_cast<std::uint8_t>(channel);
-        const int expected = (8 * channel + (channel <= 128 ? 2 * 255 : 0)) / 10;
-        EXPECT_EQ(MCharacterGrid::SelectedShade(MColour(value, 128, 129, 0)),
-                  MColour(static_cast<std::uint8_t>(expected), 153, 103));
-    }
+    EXPECT_EQ(MCharacterGrid::SelectedShade(MColour(0, 128, 129, 0)), MColour(51, 153, 103));
+    EXPECT_EQ(MCharacterGrid::SelectedShade(MColour(255, 1, 254)), MColour(204, 51, 203)); // truncated
 }
 
 TEST_F(CharacterGrid, OnlyCodesOfGlyphsAreMarked) {
-    for (const std::int32_t code : {-1, 0, 32, 256, 271})
-        EXPECT_FALSE(MCharacterGrid::Mark(code, true)) << code;
-    EXPECT_EQ(settings.Selected[32], 0);
-    for (const std::int32_t code : {33, 127, 128, 159, 255}) {
-        EXPECT_TRUE(MCharacterGrid::Mark(code, true)) << code;
-        EXPECT_FALSE(MCharacterGrid::Mark(code, true)) << code;
-        EXPECT_EQ(settings.Selected[static_cast<std::size_t>(code)], 1);
-        EXPECT_TRUE(MCharacterGrid::Mark(code, false)) << code;
+    for (const std::int32_t code : {-1, 32, 33, 127, 159, 255, 256}) {
+        const bool counts = code >= 33 && code <= 255;
+        EXPECT_EQ(MCharacterGrid::Mark(code, true), counts) << code;
+        EXPECT_FALSE(MCharacterGrid::Mark(code, true)) << code << " again";
+        EXPECT_EQ(MCharacterGrid::Mark(code, false), counts) << code;
     }
 }
 
@@ -158,13 +145,14 @@ TEST_F(CharacterGrid, ShowsCharactersOnShades) {
         const MColour shade(192, 192, 192);
         EXPECT_EQ(At(pixels, 10, 10), face);
         const Desktop::Rect a = grid.Cell('A');
-        EXPECT_EQ(At(pixels, a.left, a.top), shade);
-        EXPECT_EQ(At(pixels, a.right - 1, a.bottom - 1), shade);
-        EXPECT_EQ(At(pixels, a.right, a.bottom), face) << "between cells";
-        EXPECT_EQ(At(pixels, grid.Cell('a').left, grid.Cell('a').top), face);
-        EXPECT_TRUE(HasInk(pixels, 'A', shade));
-        EXPECT_TRUE(HasInk(pixels, 'a', face));
-        EXPECT_FALSE(HasInk(pixels, 32, face));
+        for (const auto& [x, y, colour] : {std::tuple(a.left, a.top, shade),
+                                           {a.right - 1, a.bottom - 1, shade},
+                                           {a.right, a.bottom, face},
+                                           {grid.Cell('a').left, grid.Cell('a').top, face}})
+            EXPECT_EQ(At(pixels, x, y), colour) << x << ", " << y;
+        EXPECT_GT(InkedRows(pixels, 'A', shade), 0);
+        EXPECT_GT(InkedRows(pixels, 'a', face), 0);
+        EXPECT_EQ(InkedRows(pixels, 32, face), 0);
     }
     grid.Release();
     settings.FontName = MString();
@@ -175,18 +163,7 @@ TEST_F(CharacterGrid, ShowsCharactersOnShades) {
 }
 
 TEST_F(CharacterGrid, SizesAreThoseOfCellsAndOfEms) {
-    const auto heightOfH = [&] {
-        const auto pixels = Painted();
-        const Desktop::Rect cell = grid.Cell('h');
-        std::int32_t rows = 0;
-        for (std::int32_t y = cell.top; y < cell.bottom; ++y)
-            for (std::int32_t x = cell.left; x < cell.right; ++x)
-                if (At(pixels, x, y).r < 100) {
-                    ++rows;
-                    break;
-                }
-        return rows;
-    };
+    const auto heightOfH = [&] { return InkedRows(Painted(), 'h', grid.Face, 140); };
     grid.Area = {0, 0, 1600, 1428}; // cells of 100 pixels: sizes of 75
     EXPECT_NEAR(heightOfH(), 75 * 1466 / 2288, 1);
     settings.ColourFont = true;

@@ -4,7 +4,9 @@
 #include "DocumentFixture.h"
 #include "TemporaryFolder.h"
 #include "Text.h"
+#include "document/Pairs.h"
 
+#include <string>
 #include <tuple>
 #include <vector>
 
@@ -12,8 +14,6 @@ class FontFileTest : public DocumentTest {
 protected:
     TemporaryFolder folder;
     MColourFont font{AnyWindow()};
-
-    std::vector<MKerningPair> Pairs() const { return {font.Kerning.begin(), font.Kerning.end()}; }
 
     // A picture of 4 x 4 pixels, whose red is x and green y.
     void SaveGrid(const char* name) const {
@@ -26,6 +26,14 @@ protected:
         picture.Free();
     }
 };
+
+// Bytes of a text as UTF-16 files have them.
+inline std::string Utf16(std::string_view text) {
+    std::string bytes;
+    for (const char c : text)
+        bytes += {c, '\0'};
+    return bytes;
+}
 
 inline auto NumbersOf(const MGlyph& glyph) {
     return std::tuple(glyph.Width, glyph.Height, glyph.SpacingBefore, glyph.SpacingAfter);

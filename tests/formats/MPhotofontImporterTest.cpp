@@ -5,7 +5,7 @@
 
 #include <glib.h>
 
-#include <algorithm>
+#include <sstream>
 #include <string>
 #include <tuple>
 #include <vector>
@@ -47,23 +47,22 @@ protected:
         return lines;
     }
 
-    std::string Head(const std::vector<Glyph>& glyphs, const std::string& pairs) const {
-        std::string text = "<?xml version=\"1.0\"?>\n<PhF "
-                           "version=\"1.0\">\n<header>\n</header>\n<globals>\n\t<unicode_mapping type=\"x\">\n";
-        for (const Glyph& g : glyphs)
-            text += "\t\t<map id=\"" + g.id + "\" unc=\"" + std::to_string(g.code) + "\"/>\n";
-        text +=
-            "\t</unicode_mapping>\n\t<kerning type=\"p\">\n" + pairs + "\t</kerning>\n</globals>\n<glyphs>\n";
+    // Everything before the images.
+    static std::string Head(const std::vector<Glyph>& glyphs, const std::string& pairs) {
+        std::ostringstream map;
+        std::ostringstream all;
         for (const Glyph& g : glyphs) {
-            text += "\t<glyph id=\"" + g.id + "\">\n\t\t<image id=\"v0\" type=\"photo\">\n";
-            text +=
-                g.width > 0 ? "\t\t<shape embedded=\"IMG_" + g.id + "\" />\n" : std::string("\t\t<shape>\n");
-            text += "\t\t<ppm int=\"48\"/>\n\t\t<bbox x=\"0\" y=\"0\" width=\"" + std::to_string(g.boxWidth) +
-                    "\" height=\"" + std::to_string(g.boxHeight) + "\"/>\n\t\t<base x=\"" +
-                    std::to_string(g.baseX) + "\" y=\"" + std::to_string(g.baseY) + "\"/>\n\t\t<delta x=\"" +
-                    std::to_string(g.deltaX) + "\" y=\"0\"/>\n\t\t</image>\n\t</glyph>\n";
+            map << "\t\t<map id=\"" << g.id << "\" unc=\"" << g.code << "\"/>\n";
+            all << "\t<glyph id=\"" << g.id << "\">\n\t\t<image id=\"v0\" type=\"photo\">\n\t\t<shape"
+                << (g.width > 0 ? " embedded=\"IMG_" + g.id + "\" />\n" : ">\n")
+                << "\t\t<ppm int=\"48\"/>\n\t\t<bbox x=\"0\" y=\"0\" width=\"" << g.boxWidth << "\" height=\""
+                << g.boxHeight << "\"/>\n\t\t<base x=\"" << g.baseX << "\" y=\"" << g.baseY
+                << "\"/>\n\t\t<delta x=\"" << g.deltaX << "\" y=\"0\"/>\n\t\t</image>\n\t</glyph>\n";
         }
-        return text + "</glyphs>\n<data>\n<photo>\n";
+        return "<?xml version=\"1.0\"?>\n<PhF version=\"1.0\">\n<header>\n</header>\n<globals>\n"
+               "\t<unicode_mapping type=\"x\">\n" +
+               map.str() + "\t</unicode_mapping>\n\t<kerning type=\"p\">\n" + pairs +
+               "\t</kerning>\n</globals>\n<glyphs>\n" + all.str() + "</glyphs>\n<data>\n<photo>\n";
     }
 
     std::string File(const std::vector<Glyph>& glyphs, const std::string& pairs = "") const {
@@ -114,7 +113,7 @@ TEST_F(PhotofontTest, PlacesGlyphsOnOneBaseline) {
     EXPECT_EQ(a.GetPixel(0, 20).a, 0);
     EXPECT_EQ(g.GetPixel(0, 4).a, 0);
     EXPECT_EQ(g.GetPixel(0, 14).r, 9);
-    EXPECT_EQ(Pairs(), (std::vector<MKerningPair>{{'A', 'g', -5}}));
+    EXPECT_EQ(PairsOf(font), (Pairs{{'A', 'g', -5}}));
     EXPECT_EQ(Headless::record.progressPercents.back(), 66);
 }
 
@@ -122,10 +121,8 @@ TEST_F(PhotofontTest, AnyEncodingLineEndAndAttributeOrder) {
     const std::string plain = File(sample);
     ASSERT_TRUE(Import(plain));
     const std::string codes = Codes();
-    std::string swapped = ReplaceAll(plain, "<map id=\"A\" unc=\"65\"/>", "<map unc=\"x41\" id=\"A\" />");
-    std::string utf16 = "\xFF\xFE";
-    for (const char c : plain)
-        utf16 += {c, '\0'};
+    const std::string swapped = ReplaceAll(plain, "<map id=\"A\" unc=\"65\"/>", "<map unc=\"x41\" id=\"A\" />");
+    const std::string utf16 = "\xFF\xFE" + Utf16(plain);
     for (const std::string& text : {ReplaceAll(plain, "\n", "\r\n"), "\xEF\xBB\xBF" + plain, utf16, swapped}) {
         ASSERT_TRUE(Import(text));
         EXPECT_EQ(Codes(), codes);
@@ -134,20 +131,23 @@ TEST_F(PhotofontTest, AnyEncodingLineEndAndAttributeOrder) {
 }
 
 TEST_F(PhotofontTest, MappingsThatMeet) {
-    const auto mapped = [&](const std::string& lines) {
+    const std::string small = "<map id=\"x\" unc=\"97\">\n";
+    const std::string capital = "<map id=\"x\" unc=\"65\">\n";
+    const std::pair<std::string, int> cases[] = {
+        {small + capital, 65},
+        {capital + small, 65},
+        {"<map id=\"x\" unc=\"98\">\n" + capital, 98},
+        {small + "<map id=\"x\" unc=\"2147483647\">\n", 97}, // no sum of it fits
+        {"<map id=\"x\" unc=\"31\">\n", 0},
+        {"<map id=\"\" unc=\"65\">\n", 0},
+        {"<map\nid=\"x\" unc=\"65\">\n", 0}, // split over two lines
+    };
+    for (const auto& [lines, unicode] : cases) {
         MPhotofontImporter importer(nullptr);
         EXPECT_TRUE(importer.Import(
             folder.Write("m.phf", "<unicode_mapping>\n" + lines + "</unicode_mapping>\n"), &font));
-        return importer.FindUnicode("x");
-    };
-    const std::string small = "<map id=\"x\" unc=\"97\">\n";
-    const std::string capital = "<map id=\"x\" unc=\"65\">\n";
-    EXPECT_EQ(mapped(small + capital), 65);
-    EXPECT_EQ(mapped(capital + small), 65);
-    EXPECT_EQ(mapped("<map id=\"x\" unc=\"98\">\n" + capital), 98);
-    EXPECT_EQ(mapped("<map id=\"x\" unc=\"31\">\n"), 0);
-    EXPECT_EQ(mapped("<map id=\"\" unc=\"65\">\n"), 0);
-    EXPECT_EQ(mapped("<map\nid=\"x\" unc=\"65\">\n"), 0); // split over two lines
+        EXPECT_EQ(importer.FindUnicode("x"), unicode) << lines;
+    }
 }
 
 TEST_F(PhotofontTest, PicturesAreCutOrPaddedToTheirBox) {
@@ -222,10 +222,9 @@ TEST(Base64, EveryLengthAndPadding) {
     }
     EXPECT_FALSE(DecodeBase64(""));
     EXPECT_FALSE(DecodeBase64("A"));
-    EXPECT_EQ(DecodeBase64("QUJDRE")->size(), 3U); // a group that is cut off
-    EXPECT_EQ(DecodeBase64("==")->size(), 0U);
-    EXPECT_EQ(DecodeBase64("QU==")->size(), 1U);
-    EXPECT_EQ(DecodeBase64("\x01\xFF**")->size(), 3U);
+    // A group that is cut off; "=" where it takes away and where it doesn't; what is no base64.
+    for (const auto& [text, size] : {std::pair("QUJDRE", 3U), {"==", 0U}, {"QU==", 1U}, {"\x01\xFF**", 3U}})
+        EXPECT_EQ(DecodeBase64(text)->size(), size) << text;
 }
 
 } // namespace

@@ -15,16 +15,10 @@ protected:
     static bool SettingsWritten() { return std::filesystem::exists(Home().path / SettingsFile()); }
     // A texture font of the letter "A".
     static MString SomeFont() {
-        MSettings settings;
-        Settings = &settings;
-        MColourFont font(nullptr);
-        font.Glyphs[0] = std::make_unique<MGlyph>(u'A', 5, 100, 0, 0, false);
-        font.Glyphs[0]->Picture.Fill(MColour(0, 0, 255));
-        font.Repack();
-        const MString path = Home().File("some.sm");
-        EXPECT_TRUE(font.Save(path));
-        Settings = nullptr;
-        return path;
+        MPicture picture(8, 8, FormatRGBA8);
+        EXPECT_TRUE(picture.Save(Home().File("some.png")));
+        picture.Free();
+        return Home().Write("some.sm", "Showmarquee TextureFont\nCHA\tA\t0\t0\t5\t100\n");
     }
 };
 
@@ -84,28 +78,17 @@ TEST_F(Program, OpensTheTextureFontItIsGiven) {
                  {Home().File("SOME.SM"), 1},
                  {Home().File("none.sm"), 0},
                  {Home().File("some.png"), -1},
+                 {Home().File("some.js"), -1}, // the import of scripts is a command of its own
                  {{}, -1}};
     for (const auto& [file, glyphs] : cases) {
-        SCOPED_TRACE(ToSystem(file));
-        Headless::script.messageLoop = [glyphs = glyphs] {
-            EXPECT_EQ(CurrentFont ? CurrentFont->GlyphCount() : -1, glyphs);
-            return 0;
-        };
-        RunProgram(file);
+        for (const bool dropped : {false, true}) {
+            SCOPED_TRACE(ToSystem(file));
+            Headless::script.messageLoop = [dropped, &file = file, glyphs = glyphs] {
+                if (dropped) OpenDroppedFile(file);
+                EXPECT_EQ(CurrentFont ? CurrentFont->GlyphCount() : -1, glyphs);
+                return 0;
+            };
+            RunProgram(dropped ? MString() : file);
+        }
     }
-}
-
-TEST_F(Program, OpensADroppedTextureFont) {
-    const MString font = SomeFont();
-    Headless::script.messageLoop = [&] {
-        OpenDroppedFile(Home().File("some.js"));
-        EXPECT_EQ(CurrentFont, nullptr) << "the import of scripts is a command of its own";
-        OpenDroppedFile({});
-        EXPECT_EQ(CurrentFont, nullptr);
-        OpenDroppedFile(font);
-        EXPECT_EQ(CurrentFont->GlyphCount(), 1);
-        EXPECT_EQ(Headless::record.titles.back(), MString("Lettrino - 1 Glyphs (128 x 256)"));
-        return 0;
-    };
-    RunProgram({});
 }

@@ -5,19 +5,13 @@
 #include <sys/un.h>
 #include <unistd.h>
 
-#include <vector>
+#include <string>
+#include <tuple>
 
 namespace {
 
 class SavedSettings : public ShellTest {
 protected:
-    static std::vector<MString> Keys(const MString& path) {
-        std::vector<MString> keys;
-        MTextFile file(path, false, true, MTextEncoding::Ansi);
-        while (file.NextLine())
-            keys.push_back(file.GetString(0));
-        return keys;
-    }
     static MSettings Loaded(std::string_view text) {
         Home().Write(SettingsFile(), text);
         MSettings settings;
@@ -29,76 +23,38 @@ protected:
 
 } // namespace
 
-TEST_F(SavedSettings, WhatIsWrittenIsReadBack) {
-    MSettings written;
-    written.UseUserFolders();
-    written.UseDefaultWindowRect();
-    written.BackgroundColour = MColour(1, 2, 3);
-    written.FontName = "Some \"quoted\" family";
-    written.Weight = 700;
-    written.Italic = true;
-    written.ColourFont = true;
-    written.Colour = MColour(250, 128, 0);
-    written.GlyphHeight = -5; // no value is validated
-    written.Char = 0xFFFF;
-    written.PaddingTop = 1;
-    written.PaddingBottom = -2;
-    written.SpacingBefore = 3;
-    written.SpacingAfter = 4;
-    written.Trim = false;
-    written.Selected[65] = 0;
-    written.Selected[255] = 1;
-    written.Paths[3] = "/some folder/with\tblanks.png";
-    written.Paths[7] = "/not read";
-    written.Keys = {MString("one"), MString("two"), MString("three")};
-    written.Save();
-
-    MSettings read;
-    read.UseUserFolders();
-    const MString temporary = read.Paths[7];
-    read.Load();
-    EXPECT_TRUE(read.FileRead);
-    EXPECT_EQ(read.BackgroundColour, written.BackgroundColour);
-    EXPECT_EQ(read.FontName, written.FontName);
-    EXPECT_EQ(read.Weight, 700);
-    EXPECT_TRUE(read.Italic);
-    EXPECT_TRUE(read.ColourFont);
-    EXPECT_EQ(read.Colour, written.Colour);
-    EXPECT_EQ(read.GlyphHeight, -5);
-    EXPECT_EQ(read.Char, 0xFFFFU);
-    EXPECT_EQ(read.PaddingTop, 1);
-    EXPECT_EQ(read.PaddingBottom, -2);
-    EXPECT_EQ(read.SpacingBefore, 3);
-    EXPECT_EQ(read.SpacingAfter, 4);
-    EXPECT_FALSE(read.Trim);
-    EXPECT_EQ(read.Selected, written.Selected);
-    EXPECT_EQ(read.LetterCubesNames, written.LetterCubesNames) << "its line breaks too";
-    EXPECT_EQ(read.Paths[3], written.Paths[3]);
-    EXPECT_EQ(read.Paths[7], temporary) << "the temporary folder is always that of the defaults";
-    EXPECT_EQ(read.WindowRect.right, 1781);
-    EXPECT_EQ(read.Keys, written.Keys);
-}
-
-TEST_F(SavedSettings, KeysStandInAFixedOrder) {
-    MSettings settings;
-    settings.Save();
-    std::vector<MString> expected{"BackgroundColour", "FontName", "Weight",          "Italic",
-                                  "ColourFont",       "Colour",   "GlyphHeight",     "Char",
-                                  "Padding",          "Trim",     "LetterCubesNames"};
-    for (int i = 0; i < 9; ++i)
-        expected.push_back("Path" + MString(i));
+TEST_F(SavedSettings, EveryLine) {
+    std::string text =
+        "BackgroundColour\t1\t2\t3\r\nFontName\t\"Some &#34;quoted&#34; family\"\r\nWeight\t700\r\n"
+        "Italic\tY\r\nColourFont\tY\r\nColour\t250\t128\t0\r\nGlyphHeight\t-5\r\nChar\t65535\r\n"
+        "Padding\t1\t-2\t3\t4\r\nTrim\tN\r\nLetterCubesNames\t\"Ann<br />Bo\"\r\n";
+    for (int kind = 0; kind < 9; ++kind)
+        text += "Path" + std::to_string(kind) + "\t/folder/" + std::to_string(kind) + "\r\n";
     for (int code = 33; code <= 255; ++code)
-        expected.push_back("S" + MString(code));
-    expected.push_back("WindowRect");
-    EXPECT_EQ(Keys(settings.SettingsFilePath()), expected);
-    EXPECT_EQ(Home().Read(SettingsFile()).substr(0, 2), "\xFF\xFE");
+        text += "S" + std::to_string(code) + (code % 3 == 0 ? "\tY\r\n" : "\tN\r\n");
+    text += "WindowRect\t1\t2\t701\t502\r\n";
+    const std::string withKeys = text + "Keys\tone\ttwo\t\"\"\r\n";
 
-    MSettings licensed;
-    licensed.Keys[0] = "Ann";
-    licensed.FileRead = true;
-    licensed.Save();
-    expected.push_back("Keys");
-    EXPECT_EQ(Keys(licensed.SettingsFilePath()), expected) << "written only with a first key";
+    MSettings s = Loaded(withKeys);
+    EXPECT_EQ(std::tuple(s.BackgroundColour, Narrow(s.FontName), s.Weight, s.Italic, s.ColourFont, s.Colour),
+              std::tuple(MColour(1, 2, 3), "Some \"quoted\" family", 700, true, true, MColour(250, 128, 0)));
+    EXPECT_EQ(std::tuple(s.GlyphHeight, s.Char, s.PaddingTop, s.PaddingBottom, s.SpacingBefore, s.SpacingAfter),
+              std::tuple(-5, 0xFFFFU, 1, -2, 3, 4)); // no value is validated
+    EXPECT_FALSE(s.Trim);
+    EXPECT_EQ(Narrow(s.LetterCubesNames), "Ann\r\nBo");
+    EXPECT_TRUE(s.Selected[66] == 1 && s.Selected[67] == 0 && s.SelectedCount() == 75);
+    EXPECT_EQ(s.WindowRect.bottom, 502);
+    EXPECT_EQ(Narrow(s.Keys[1]), "two");
+    EXPECT_EQ(Narrow(s.Paths[8]), "/folder/8");
+    EXPECT_NE(Narrow(s.Paths[7]), "/folder/7") << "the temporary folder is always that of the defaults";
+
+    s.Paths[7] = "/folder/7"; // but it is written
+    s.Save();
+    EXPECT_EQ(Home().Read(SettingsFile()).substr(0, 2), "\xFF\xFE");
+    EXPECT_EQ(Narrow(MTextFile::ReadWholeFile(s.SettingsFilePath())), withKeys);
+    s.Keys[0] = MString(); // without the first key there are none
+    s.Save();
+    EXPECT_EQ(Narrow(MTextFile::ReadWholeFile(s.SettingsFilePath())), text);
 }
 
 TEST_F(SavedSettings, LenientReading) {

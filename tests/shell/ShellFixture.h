@@ -1,35 +1,19 @@
 // A user with empty folders, for tests of what the whole program does.
 #pragma once
 
-#include "TemporaryFolder.h"
 #include "Text.h"
 #include "document/MSettings.h"
 #include "foundation/Product.h"
 #include "platform/headless/Headless.h"
 #include "shell/CurrentFont.h"
 #include "shell/Shell.h"
+#include "shell/UserFolders.h"
 
-#include <gtest/gtest.h>
-#include <stdlib.h>
+#include <memory>
 
-#include <filesystem>
-
-class ShellTest : public testing::Test {
+class ShellTest : public UserTest {
 protected:
-    // The system is asked for the user's folders once only, so that all tests share them.
-    static TemporaryFolder& Home() {
-        static TemporaryFolder home;
-        return home;
-    }
-    static const char* SettingsFile() { return "config/Northbank Softworks/Lettrino/Lettrino.txt"; }
-
-    ShellTest() {
-        Headless::Reset();
-        for (const auto& entry : std::filesystem::directory_iterator(Home().path))
-            std::filesystem::remove_all(entry.path());
-        setenv("HOME", Home().path.c_str(), 1);
-        setenv("XDG_CONFIG_HOME", (Home().path / "config").c_str(), 1);
-    }
+    ShellTest() { Headless::Reset(); }
 };
 
 // With settings and a window, as while the program runs.

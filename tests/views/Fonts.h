@@ -39,6 +39,11 @@ protected:
     }
 };
 
+// At which the editors show a block in a preview of this size.
+inline double ScaleOf(const QRect& preview) {
+    return std::min((preview.width() - 100) / 40.0, (preview.height() - 100) / 50.0);
+}
+
 // Where a window shows this colour.
 inline QRect Find(QWidget& window, QColor colour) {
     const QImage image = window.grab().toImage();
@@ -49,13 +54,6 @@ inline QRect Find(QWidget& window, QColor colour) {
         }
     }
     return found;
-}
-
-inline void TypeInto(QLineEdit* field, const QString& text) {
-    field->setFocus();
-    QTest::keySequence(field, QKeySequence::SelectAll);
-    QTest::keyClick(field, Qt::Key_Delete);
-    QTest::keyClicks(field, text);
 }
 
 // Alt and the letter of a button, which is seen to go down before it acts.

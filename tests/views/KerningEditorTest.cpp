@@ -1,5 +1,6 @@
 // The kerning editor as a user has it.
 
+#include "document/Pairs.h"
 #include "platform/qt/MClientArea.h"
 #include "views/Fonts.h"
 
@@ -23,21 +24,12 @@ protected:
             texts += Named<QLineEdit>(dialog, name)->text();
         return texts.join('|');
     }
-
-    static QString Line(QWidget& dialog, int row) {
-        return Named<QListView>(dialog, "Kerning pairs")->model()->index(row, 0).data().toString();
-    }
 };
 
-TEST_F(KerningEditor, LooksAsAUserExpects) {
+TEST_F(KerningEditor, GeneratedPairsAreGoneThroughInTheList) {
     AddLetters();
     RunAnd(DialogId::KerningEditor, [&](QWidget& dialog) {
-        EXPECT_EQ(dialog.windowTitle(), "Lettrino - Kerning editor");
         auto* const list = Named<QListView>(dialog, "Kerning pairs");
-        EXPECT_TRUE(list->hasFocus());
-        ExpectTextFits(dialog);
-        EXPECT_EQ(TabOrder(dialog), (QStringList{"Kerning pairs", "Left character", "Right character",
-                                                 "Kerning", "Generate", "Clear", "OK", "Cancel"}));
         PressMnemonic(Qt::Key_G);
         EXPECT_GT(list->model()->rowCount(), 500);
         EXPECT_FALSE(list->currentIndex().isValid());
@@ -48,8 +40,7 @@ TEST_F(KerningEditor, LooksAsAUserExpects) {
         TypeInto(Named<QLineEdit>(dialog, "Left character"), "A");
         TypeInto(Named<QLineEdit>(dialog, "Right character"), "V");
         EXPECT_EQ(list->currentIndex().data().toString(), "A    V");
-        QApplication::processEvents();
-        Screenshot(dialog, "kerning-editor");
+        EXPECT_TRUE(list->viewport()->rect().intersects(list->visualRect(list->currentIndex())));
     });
 }
 
@@ -63,25 +54,20 @@ TEST_F(KerningEditor, TypingMakesAPairAndItsAmount) {
         // In a field of one character a key takes the place of what stands there, "?" of what is deleted.
         auto* const left = Named<QLineEdit>(dialog, "Left character");
         QTest::mouseClick(left, Qt::LeftButton);
-        QTest::keyClicks(left, "V");
-        QTest::keyClicks(left, "A");
+        QTest::keyClicks(left, "VA");
         EXPECT_EQ(Shown(dialog), "A|A|-1");
         QTest::keyClick(left, Qt::Key_Backspace);
         EXPECT_EQ(Shown(dialog), "?|A|0");
-        QTest::keyClicks(left, "A");
-        EXPECT_EQ(Shown(dialog), "A|A|-1");
         list->setFocus();
         // From the list by keyboard alone; a field is entered with its text selected.
-        QTest::keyClick(list, Qt::Key_Tab);
-        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
-        QTest::keyClicks(QApplication::focusWidget(), "V");
-        EXPECT_EQ(Shown(dialog), "A|V|0");
+        for (const auto& [typed, shown] :
+             {std::pair("A", "A|A|-1"), std::pair("V", "A|V|0"), std::pair("-7", "A|V|-7")}) {
+            QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+            QTest::keyClicks(QApplication::focusWidget(), typed);
+            EXPECT_EQ(Shown(dialog), shown);
+        }
         EXPECT_EQ(list->model()->rowCount(), 4); // also what was typed on the way
-        EXPECT_EQ(Line(dialog, 3), "A    V");
-        EXPECT_EQ(list->currentIndex().row(), 3);
-        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
-        QTest::keyClicks(QApplication::focusWidget(), "-7");
-        EXPECT_EQ(Shown(dialog), "A|V|-7");
+        EXPECT_EQ(list->currentIndex().data().toString(), "A    V");
         QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
     }));
     EXPECT_EQ(font->FindKerning('A', 'V')->Amount, -7);
@@ -96,11 +82,10 @@ TEST_F(KerningEditor, ADragIsSeenWhenThePairIsShownAgain) {
         const QRect preview = Preview(dialog);
         EXPECT_EQ(Find(dialog, QColor(0, 255, 0)), preview);
         const QRect ink = Find(dialog, QColor(0, 0, 255));
-        const double scale = std::min((preview.width() - 100) / 40.0, (preview.height() - 100) / 50.0);
+        const double scale = ScaleOf(preview);
         // The middle is half the size of the preview, which itself starts further right.
-        EXPECT_NEAR(ink.center().x(), preview.width() / 2, 2);
+        EXPECT_LE((ink.center() - QPoint(preview.width(), preview.height()) / 2).manhattanLength(), 4);
         EXPECT_NEAR(ink.width(), 80 * scale, 3);
-        EXPECT_NEAR(ink.center().y(), preview.height() / 2, 2);
 
         Drag(dialog, Qt::LeftButton, {preview.center(), preview.center() + QPoint(5, 0)});
         const int amount = font->Kerning.data[0].Amount;
@@ -140,24 +125,7 @@ TEST_F(KerningEditor, ClearAndEscapeBringThePairsBack) {
         TypeInto(Named<QLineEdit>(dialog, "Kerning"), "4");
         QTest::keyClick(&dialog, Qt::Key_Escape);
     }));
-    ASSERT_EQ(font->KerningCount(), 2);
-    EXPECT_EQ(font->Kerning.data[0], (MKerningPair{'A', 'B', -1}));
-    EXPECT_EQ(font->Kerning.data[1], (MKerningPair{'A', 'A', -2}));
-}
-
-TEST_F(KerningEditor, FortyThousandPairs) {
-    ASSERT_TRUE(font->Kerning.Resize(40000, false));
-    for (std::uint32_t i = 0; i < 40000; ++i)
-        font->Kerning.data[i] = {33 + i / 200, 33 + i % 200, -static_cast<std::int32_t>(i % 90)};
-    RunAnd(DialogId::KerningEditor, [&](QWidget& dialog) {
-        auto* const list = Named<QListView>(dialog, "Kerning pairs");
-        EXPECT_EQ(list->model()->rowCount(), 40000);
-        QTest::keyClick(list, Qt::Key_End);
-        EXPECT_EQ(Line(dialog, 39999), list->currentIndex().data().toString());
-        TypeInto(Named<QLineEdit>(dialog, "Left character"), "!");
-        EXPECT_EQ(list->currentIndex().row(), 199);
-        EXPECT_TRUE(list->viewport()->rect().intersects(list->visualRect(list->currentIndex())));
-    });
+    EXPECT_EQ(PairsOf(*font), (Pairs{{'A', 'B', -1}, {'A', 'A', -2}}));
 }
 
 } // namespace

@@ -1,11 +1,11 @@
 // The whole program in its window, driven by keys and clicks as a person would.
 
-#include "TemporaryFolder.h"
 #include "Text.h"
 #include "document/MColourFont.h"
 #include "platform/qt/MClientArea.h"
 #include "shell/Program.h"
 #include "shell/Shell.h"
+#include "shell/UserFolders.h"
 #include "views/Windows.h"
 
 #include <QApplication>
@@ -81,21 +81,8 @@ private:
     }
 };
 
-class MainWindowTest : public testing::Test {
+class MainWindowTest : public UserTest {
 protected:
-    // The system is asked for the user's folders once only, so that all tests share them.
-    static TemporaryFolder& Home() {
-        static TemporaryFolder home;
-        return home;
-    }
-
-    MainWindowTest() {
-        for (const auto& entry : std::filesystem::directory_iterator(Home().path))
-            std::filesystem::remove_all(entry.path());
-        setenv("HOME", Home().path.c_str(), 1);
-        setenv("XDG_CONFIG_HOME", (Home().path / "config").c_str(), 1);
-    }
-
     static void Run(const MString& file, std::deque<Person::Step> steps) {
         steps.push_back({"", [](QWidget& window) { window.close(); }});
         const Person person(std::move(steps));
@@ -108,12 +95,6 @@ protected:
                     EXPECT_TRUE(QTest::qWaitForWindowActive(&window));
                     QTest::keyClick(&window, key, modifiers);
                 }};
-    }
-    static void Click(QWidget& dialog, const char* text) {
-        for (auto* const button : dialog.findChildren<QAbstractButton*>()) {
-            if (button->text().remove('&') == text) return QTest::mouseClick(button, Qt::LeftButton);
-        }
-        ADD_FAILURE() << "no button " << text;
     }
     static Person::Step ChooseFile(const char* title, const MString& path) {
         return {title, [path](QWidget& dialog) {
@@ -167,10 +148,8 @@ TEST_F(MainWindowTest, TheWholeRoad) {
              {"Add/Change characters",
               [](QWidget& dialog) {
                   QTest::keyClicks(Named<QComboBox>(dialog, "Font family"), "DejaVu Sans");
-                  auto* const height = Named<QLineEdit>(dialog, "Glyph height");
-                  height->selectAll();
-                  QTest::keyClicks(height, "64");
-                  QTest::keyClick(height, Qt::Key_Return);
+                  TypeInto(Named<QLineEdit>(dialog, "Glyph height"), "64");
+                  Click(dialog, "OK");
               }},
              Look([](QWidget& window) {
                  EXPECT_TRUE(window.windowTitle().startsWith("Lettrino - 26 Glyphs ("))
@@ -201,7 +180,7 @@ TEST_F(MainWindowTest, TheWholeRoad) {
                  EXPECT_NE(CurrentFont->FindKerning(u'A', u'V'), nullptr);
                  EXPECT_EQ(Settings->GlyphHeight, 64);
              })});
-    EXPECT_TRUE(std::filesystem::exists(Home().path / "config/Northbank Softworks/Lettrino/Lettrino.txt"));
+    EXPECT_TRUE(std::filesystem::exists(Home().path / SettingsFile()));
 }
 
 TEST_F(MainWindowTest, TheProgressWindowIsSeenAndMoves) {
@@ -226,9 +205,7 @@ TEST_F(MainWindowTest, TheProgressWindowIsSeenAndMoves) {
              {"Add/Change characters",
               [](QWidget& dialog) {
                   Settings->Selected.fill(1);
-                  auto* const height = Named<QLineEdit>(dialog, "Glyph height");
-                  height->selectAll();
-                  QTest::keyClicks(height, "1024");
+                  TypeInto(Named<QLineEdit>(dialog, "Glyph height"), "1024");
                   Click(dialog, "OK");
               }},
              Look([](QWidget&) { EXPECT_GT(CurrentFont->GlyphCount(), 180); })});
@@ -237,15 +214,9 @@ TEST_F(MainWindowTest, TheProgressWindowIsSeenAndMoves) {
 }
 
 TEST_F(MainWindowTest, ADroppedTextureFontIsOpened) {
-    MSettings settings;
-    Settings = &settings;
-    MColourFont font(nullptr);
-    font.Glyphs[0] = std::make_unique<MGlyph>(u'A', 20, 100, 0, 0, false);
-    font.Glyphs[0]->Picture.Fill(MColour(0, 0, 255));
-    font.Repack();
-    const MString path = Home().File("drop.sm");
-    font.Save(path);
-    Settings = nullptr;
+    const MString path = Home().Write("drop.sm", "Showmarquee TextureFont\nCHA\tA\t0\t0\t20\t100\n");
+    std::filesystem::copy_file(ToSystemPath(GetProgramFolder() + "/Media/icons/lettrino-16.png"),
+                               Home().path / "drop.png");
     Run({}, {Look([&](QWidget& window) {
             QMimeData data;
             data.setUrls(
@@ -255,8 +226,6 @@ TEST_F(MainWindowTest, ADroppedTextureFontIsOpened) {
             EXPECT_TRUE(enter.isAccepted());
             QDropEvent drop(QPointF(5, 5), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
             QApplication::sendEvent(&window, &drop);
-            ASSERT_NE(CurrentFont, nullptr);
-            EXPECT_EQ(CurrentFont->GlyphCount(), 1);
             EXPECT_EQ(window.windowTitle().toStdString(), "Lettrino - 1 Glyphs (128 x 256)");
         })});
 }

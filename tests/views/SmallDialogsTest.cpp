@@ -1,63 +1,119 @@
-// The dialogs that are no more than fields: the glyph height, the license keys.
+// The dialogs that are no more than a few fields or a picture: the glyph height, the license keys, the names of
+// the letter cubes, About.
 
 #include "licensing/MLicense.h"
+#include "platform/qt/QtText.h"
 #include "views/Windows.h"
+
+#include <QPlainTextEdit>
 
 using Desktop::DialogId;
 
 namespace {
 
-class SmallDialogs : public WindowTest {};
+class SmallDialogs : public WindowTest {
+protected:
+    MLicense license{settings};
 
-} // namespace
+    void SetUp() override {
+        WindowTest::SetUp();
+        License = &license;
+    }
+    void TearDown() override {
+        License = nullptr;
+        WindowTest::TearDown();
+    }
+};
 
 TEST_F(SmallDialogs, GlyphHeightIsLimitedOnOk) {
     const struct {
         const char* typed;
+        Qt::Key end;
         std::int32_t height;
-    } cases[] = {
-        {"64", 64}, {"5", 16}, {"5000", 1024}, {"-3", 16}, {"", 16}, {"abc", 16}, {"99999999999999999", 1024}};
-    for (const auto& [typed, height] : cases) {
+    } cases[] = {{"64", Qt::Key_Return, 64},
+                 {"5", Qt::Key_Return, 16},
+                 {"", Qt::Key_Return, 16},
+                 {"99999999999999999", Qt::Key_Return, 1024},
+                 {"77", Qt::Key_Escape, 100}};
+    for (const auto& [typed, end, height] : cases) {
         SCOPED_TRACE(typed);
         settings.GlyphHeight = 100;
-        EXPECT_TRUE(RunAnd(DialogId::GlyphHeight, [&](QWidget& dialog) {
+        const bool ok = RunAnd(DialogId::GlyphHeight, [&, typed = typed, end = end](QWidget& dialog) {
             auto* const field = Named<QLineEdit>(dialog, "Glyph height");
             EXPECT_EQ(field->text(), "100");
-            EXPECT_TRUE(field->hasFocus());
-            ExpectTextFits(dialog);
-            Screenshot(dialog, "glyph-height");
-            QTest::keySequence(field, QKeySequence::SelectAll);
-            QTest::keyClick(field, Qt::Key_Delete);
-            QTest::keyClicks(field, typed);
-            QTest::keyClick(field, Qt::Key_Return);
-        }));
+
+            TypeInto(field, typed);
+            QTest::keyClick(field, end);
+        });
+        EXPECT_EQ(ok, end == Qt::Key_Return);
         EXPECT_EQ(settings.GlyphHeight, height);
     }
 }
 
-TEST_F(SmallDialogs, EscapeLeavesTheGlyphHeight) {
-    EXPECT_FALSE(RunAnd(DialogId::GlyphHeight, [](QWidget& dialog) {
-        QTest::keyClicks(QApplication::focusWidget(), "77");
-        QTest::keyClick(&dialog, Qt::Key_Escape);
-    }));
-    EXPECT_EQ(settings.GlyphHeight, 100);
-}
-
 TEST_F(SmallDialogs, TheFirstLicenseKeyIsTheUsersName) {
-    MLicense license(settings);
-    License = &license;
-    EXPECT_TRUE(license.Name.IsEmpty());
-    EXPECT_TRUE(RunAnd(DialogId::LicenseKeys, [](QWidget& dialog) {
-        ExpectTextFits(dialog);
-        Screenshot(dialog, "license-keys");
-        for (const char* key : {"Ann", "two", "three"}) {
+    EXPECT_TRUE(RunAnd(DialogId::LicenseKeys, [](QWidget&) {
+        for (const char* key : {"Ann Example", "two", "three"}) {
             QTest::keyClicks(QApplication::focusWidget(), key);
             QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
         }
         EXPECT_EQ(static_cast<QAbstractButton*>(QApplication::focusWidget())->text(), "OK");
         QTest::keyClick(QApplication::focusWidget(), Qt::Key_Space);
     }));
-    EXPECT_TRUE(license.Name.Equals(u"Ann"));
     EXPECT_TRUE(settings.Keys[2].Equals(u"three"));
-    License = nullptr;
+    EXPECT_FALSE(RunAnd(DialogId::About, [](QWidget& dialog) {
+        EXPECT_TRUE(dialog.accessibleDescription().endsWith("licensed to:\nAnn Example"));
+        Screenshot(dialog, "about-licensed");
+        QTest::keyClick(&dialog, Qt::Key_Escape);
+    }));
 }
+
+TEST_F(SmallDialogs, LetterCubeNames) {
+    const QString old = ToQt(settings.LetterCubesNames);
+    const auto type = [](QWidget& box, const char16_t* text) {
+        QTest::keySequence(&box, QKeySequence::SelectAll);
+        QTest::keyClicks(&box, QString::fromUtf16(text));
+    };
+    EXPECT_FALSE(RunAnd(DialogId::LetterCubesNames, [&](QWidget& dialog) {
+        auto* const box = Named<QPlainTextEdit>(dialog, "Names, one to a line");
+
+        EXPECT_TRUE(box->toPlainText().startsWith("Mary\nJohn\n"));
+        type(*box, u"Zoe");
+        QTest::keyClick(&dialog, Qt::Key_Escape);
+    }));
+    EXPECT_EQ(ToQt(settings.LetterCubesNames), old);
+    // Untouched, then changed.
+    for (const char16_t* const name : {u"", u"Ann\u00a0a"}) {
+        EXPECT_TRUE(RunAnd(DialogId::LetterCubesNames, [&](QWidget& dialog) {
+            auto* const box = Named<QPlainTextEdit>(dialog, "Names, one to a line");
+            if (*name) {
+                type(*box, name);
+                QTest::keyClick(box, Qt::Key_Return); // a new line, not the end
+                QTest::keyClicks(box, "Bob");
+            }
+            QTest::keyClick(box, Qt::Key_Tab);
+            QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+        }));
+        EXPECT_EQ(ToQt(settings.LetterCubesNames), *name ? QString("Ann\u00a0a\r\nBob") : old);
+    }
+}
+
+TEST_F(SmallDialogs, About) {
+    EXPECT_TRUE(RunAnd(DialogId::About, [](QWidget& dialog) {
+        EXPECT_EQ(dialog.size(), QSize(680, 420));
+        const QPoint middle = dialog.geometry().center() - QApplication::primaryScreen()->geometry().center();
+        EXPECT_LE(middle.manhattanLength(), 40) << "but for the frame";
+        auto* const ok = dialog.findChild<QAbstractButton*>();
+        EXPECT_EQ(ok->geometry().bottomRight() + QPoint(1, 1), QPoint(640, 380));
+        EXPECT_TRUE(dialog.accessibleDescription().contains("evaluation version"));
+
+        QTest::mouseClick(&dialog, Qt::RightButton, {}, QPoint(100, 200));
+        EXPECT_TRUE(dialog.isVisible());
+        QTest::keyClick(&dialog, Qt::Key_Return);
+    }));
+    EXPECT_TRUE(RunAnd(DialogId::About, [](QWidget& dialog) {
+        QTest::mouseClick(&dialog, Qt::LeftButton, {}, QPoint(100, 200)); // anywhere
+        EXPECT_FALSE(dialog.isVisible());
+    }));
+}
+
+} // namespace

@@ -69,6 +69,20 @@ Control* Named(QWidget& window, const QString& name) {
     return nullptr;
 }
 
+inline void TypeInto(QLineEdit* field, const QString& text) {
+    field->setFocus();
+    QTest::keySequence(field, QKeySequence::SelectAll);
+    QTest::keyClick(field, Qt::Key_Delete);
+    QTest::keyClicks(field, text);
+}
+
+inline void Click(QWidget& window, const QString& button) {
+    for (auto* const each : window.findChildren<QAbstractButton*>()) {
+        if (each->text().remove('&') == button) return QTest::mouseClick(each, Qt::LeftButton);
+    }
+    ADD_FAILURE() << "no button " << button.toStdString();
+}
+
 // Every label and button has room for its text, every field for a line, and all lie inside the window apart
 // from one another.
 inline void ExpectTextFits(QWidget& window) {

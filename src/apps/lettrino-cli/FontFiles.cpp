@@ -4,6 +4,8 @@
 #include "document/SetText.h"
 #include "formats/MPhotofontImporter.h"
 #include "formats/MTextFile.h"
+#include "formats/SiblingPath.h"
+#include "formats/TextureFont.h"
 #include "formats/WebFont.h"
 #include "foundation/MFile.h"
 #include "foundation/MFolders.h"
@@ -16,6 +18,8 @@
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
+#include <initializer_list>
 #include <string_view>
 
 namespace {
@@ -56,15 +60,11 @@ StepResult AddFaces(const std::string& file) {
 struct FontForm {
     const char16_t* extension; // as MString::GetExtension gives it
     bool (*load)(MColourFont& font, const MString& path);
-    bool (*hasHeader)(MTextFile& file);
+    bool (*readHeader)(MTextFile& file);
 };
 
 constexpr FontForm forms[] = {
-    {u"SM", [](MColourFont& font, const MString& path) { return font.Load(path); },
-     [](MTextFile& file) {
-         return file.NextLine() && file.GetString(0).Equals(u"Showmarquee") &&
-                file.GetString(1).Equals(u"TextureFont");
-     }},
+    {u"SM", [](MColourFont& font, const MString& path) { return font.Load(path); }, ReadTextureFontHeader},
     {u"JS", [](MColourFont& font, const MString& path) { return font.ImportJavascript(path); },
      [](MTextFile& file) { return file.NextLine() && file.GetLine().Equals(ScriptHeader()); }},
 };
@@ -73,9 +73,8 @@ std::string WhyNotOpened(const MString& path, const FontForm& form) {
     if (!FileExists(path)) return FolderExists(path) ? "it is a folder" : "no such file";
     MTextFile text(path, false, false, MTextEncoding::Ansi);
     if (!text.ok) return "it can't be opened";
-    if (!form.hasHeader(text)) return "it is no font of this form: its first line is not the header";
-    MString picture = path;
-    picture.SetExtension("png");
+    if (!form.readHeader(text)) return "it is no font of this form: its first line is not the header";
+    const MString picture = SiblingPath(path, "png");
     return FileExists(picture) ? "its picture " + ToSystem(picture) + " can't be read"
                                : "its picture is not there";
 }
@@ -112,7 +111,7 @@ StepResult OpenPhotofont(Run& run, const std::string& file, const MString& path)
 }
 
 StepResult Open(Run& run, const std::string& file) {
-    const MString path = FromSystem(file);
+    const MString path = AbsolutePath(file); // the picture is also sought above the file's folder
     if (path.GetExtension().Equals(u"PHF")) return OpenPhotofont(run, file, path);
     const auto form = std::ranges::find_if(
         forms, [extension = path.GetExtension()](const FontForm& f) { return extension.Equals(f.extension); });
@@ -128,17 +127,28 @@ StepResult Open(Run& run, const std::string& file) {
     return {};
 }
 
+// A failure if one of these files stands there and can't be written over. What is looked at after writing would
+// be the old file then.
+StepResult RefuseProtected(const std::string& file, std::initializer_list<MString> targets) {
+    for (const MString& target : targets) {
+        std::error_code error;
+        const fs::path path = ToSystemPath(target);
+        if (!fs::exists(path, error) || std::ofstream(path, std::ios::app)) continue;
+        return StepFailure{file, path.string() + " can't be written over"};
+    }
+    return {};
+}
+
 StepResult Save(MColourFont& font, const std::string& file) {
     const MString path = AbsolutePath(file); // the font file records its picture's full path
     const fs::path folder = ToSystemPath(path).parent_path();
     if (!IsFolder(folder)) return StepFailure{file, "there is no folder " + folder.string()};
+    const MString text = SiblingPath(path, "sm");
+    const MString picture = SiblingPath(path, "png");
+    if (StepResult failure = RefuseProtected(file, {text, picture})) return failure;
     if (!font.Save(path)) return StepFailure{file, "the font has no picture: there was no memory for it"};
 
     // Saving is a success for the program even where nothing could be written.
-    MString text = path;
-    text.SetExtension("sm");
-    MString picture = path;
-    picture.SetExtension("png");
     if (IsWholePng(picture) && HasAllRecords(text, font)) return {};
     DeleteFile(text, false, false);
     DeleteFile(picture, false, false);
@@ -177,17 +187,15 @@ StepResult ExportPage(MColourFont& font, const std::string& file, bool minimal) 
     const MString path = AbsolutePath(file);
     const fs::path folder = ToSystemPath(path).parent_path();
     if (!IsFolder(folder)) return StepFailure{file, "there is no folder " + folder.string()};
+    const MString picture = SiblingPath(path, "png");
+    const MString script = SiblingPath(path, "js");
+    const MString page = SiblingPath(path, "html");
+    if (StepResult failure = RefuseProtected(file, {picture, script, page})) return failure;
     WarnOfName(minimal ? "--minimal-html" : "--html", WebFontName(path));
     const bool exported = font.ExportHtml(path, minimal);
 
     // Failed copies, and a picture that can't be written, are not told by the export.
-    const auto sibling = [&](const char* extension) {
-        MString other = path;
-        other.SetExtension(extension);
-        return other;
-    };
-    const bool whole =
-        exported && IsWholePng(sibling("png")) && EndsAsWritten(sibling("js")) && FileExists(sibling("html"));
+    const bool whole = exported && IsWholePng(picture) && EndsAsWritten(script) && FileExists(page);
     if (!whole) return StepFailure{file, "the page, its script and its picture could not all be written"};
     if (!FileExists(JoinPath(FromSystemPath(folder), "lettrino-1.0.js"))) {
         return StepFailure{file, "the run-time script is missing beside the program, in Media/www"};
@@ -224,18 +232,20 @@ StepResult ReadNames(Run& run, const std::string& file) {
 }
 
 StepResult ExportCubes(MColourFont& font, const std::string& file) {
-    const MString path = AbsolutePath(file);
-    const fs::path folder = ToSystemPath(path).parent_path();
+    const MString path = FromSystem(file); // as typed: it is cut at its first dot, also of a folder
+    const fs::path folder = ToSystemPath(AbsolutePath(file)).parent_path();
     if (!IsFolder(folder)) return StepFailure{file, "there is no folder " + folder.string()};
+    MString first = path;
+    first.KeepBefore(".");
+    first += "1.png";
+    if (StepResult failure = RefuseProtected(file, {first})) return failure;
     auto& told = Headless::record.messages;
     const std::size_t before = told.size();
     const bool exported = font.ExportLetterCubes(path);
     const std::string text = told.size() > before ? ToSystem(told.back().text) : "the list of names is empty";
     if (told.size() > before && told.back().icon == Desktop::Icon::Error) return StepFailure{file, text};
     std::printf("%s\n", text.substr(0, text.find("\n\n")).c_str());
-    MString first = path;
-    first.KeepBefore(".");
-    if (exported && IsWholePng(first + "1.png")) return {};
+    if (exported && IsWholePng(first)) return {};
     return StepFailure{file,
                        exported ? "the pictures could not be written" : "there was no memory for the pictures"};
 }

@@ -5,6 +5,7 @@
 #include "shell/Program.h"
 
 #include <QApplication>
+#include <QDir>
 #include <QIcon>
 #include <cstdio>
 #include <string_view>
@@ -33,6 +34,11 @@ bool AnswerOnTerminal(int argc, char** argv) {
     return false;
 }
 
+// A font's picture is also sought above the folder of its file, which a path as typed need not tell.
+MString FullPath(const QString& file) {
+    return file.isEmpty() ? MString() : FromQt(QDir::current().absoluteFilePath(file));
+}
+
 QIcon ProgramIcon() {
     QIcon icon;
     for (const int size : {16, 32, 48, 128, 256})
@@ -50,5 +56,5 @@ int main(int argc, char** argv) {
     QApplication::setDesktopFileName(QStringLiteral("lettrino"));
     QApplication::setWindowIcon(ProgramIcon());
     const QStringList arguments = QApplication::arguments();
-    return RunProgram(arguments.size() > 1 ? FromQt(arguments[1]) : MString());
+    return RunProgram(arguments.size() > 1 ? FullPath(arguments[1]) : MString());
 }

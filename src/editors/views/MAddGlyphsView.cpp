@@ -1,6 +1,7 @@
 #include "editors/views/MAddGlyphsView.h"
 
 #include "document/MSettings.h"
+#include "editors/PreviewArea.h"
 #include "platform/qt/QtText.h"
 
 #include <QKeyEvent>
@@ -56,7 +57,7 @@ void MAddGlyphsView::Connect() {
     });
     client.draw = [this] { Draw(); };
     onMouse = [this](const MMouse& mouse) {
-        if (!mouse.moved && MAddGlyphs::HitsSwatch(SwatchArea(), mouse.x, mouse.y)) return ChooseColour();
+        if (!mouse.moved && IsStrictlyInside(SwatchArea(), {mouse.x, mouse.y})) return ChooseColour();
         if (!mouse.moved && dialog.Grid.HitTest(mouse.x, mouse.y) >= 0) grid.setFocus();
         if (dialog.Drag(mouse.x, mouse.y, mouse.left && !mouse.rightPress, mouse.right))
             Repaint(dialog.Grid.Area);
