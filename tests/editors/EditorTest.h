@@ -12,14 +12,6 @@
 inline constexpr std::int32_t Least = std::numeric_limits<std::int32_t>::min();
 inline constexpr std::int32_t Most = std::numeric_limits<std::int32_t>::max();
 
-// At a place of the window.
-inline MColour PixelAt(const Headless::Painting& painting, std::int32_t x, std::int32_t y) {
-    const std::int64_t place = std::int64_t{y - painting.area.top} * painting.width + x - painting.area.left;
-    MColour colour;
-    std::memcpy(&colour, painting.pixels.data() + place * 4, 4);
-    return colour;
-}
-
 // A picture of one colour in a file.
 inline MString WritePicture(const TemporaryFolder& folder, const char* name, std::uint32_t width,
                             std::uint32_t height, const MColour& colour) {
@@ -44,6 +36,7 @@ protected:
 
     // Of the last painting.
     static MColour Painted(std::int32_t x, std::int32_t y) {
-        return PixelAt(Headless::record.paintings.back(), x, y);
+        const Headless::Painting& painting = Headless::record.paintings.back();
+        return PixelAt(painting, x - painting.area.left, y - painting.area.top);
     }
 };
