@@ -71,6 +71,17 @@ MString FromSystemPath(const fs::path& path) {
     return FromSystem(path.string());
 }
 
+MString FullPath(const MString& path) {
+    fs::path full;
+    for (const fs::path& part : ToSystemPath(path)) {
+        if (part != ".") full /= part;
+    }
+    if (path.IsEmpty() || full.is_absolute()) return FromSystemPath(full);
+    std::error_code error;
+    const fs::path current = fs::current_path(error);
+    return FromSystemPath(current / full);
+}
+
 MString JoinPath(const MString& folder, const MString& name) {
     MString path = folder;
     path += PathSeparator;

@@ -20,6 +20,9 @@ MString JoinPath(const MString& folder, const MString& name);
 // The path in the system's own form, with its own separators.
 std::filesystem::path ToSystemPath(const MString& path);
 MString FromSystemPath(const std::filesystem::path& path);
+// From the root or drive on, with no folder "."; ".." stays, since only the system knows where it leads. An
+// empty path stays empty.
+MString FullPath(const MString& path);
 
 // The existing file or folder that `path` means, with case ignored where the exact name is not there.
 std::optional<std::filesystem::path> FindExisting(const MString& path);

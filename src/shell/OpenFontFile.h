@@ -3,10 +3,9 @@
 
 #include "foundation/MString.h"
 
-// Replaces the current font, which is made if there is none: by a texture font (.sm), or by the script of a web
-// page
-// (.js). From here on the old content is gone, whatever follows; a file that can't be read leaves an empty
-// font, and the window as it is until it is painted next.
+// Replaces the current font, which is made if there is none, by a texture font (.sm) or by the script of a web
+// page (.js). The old content is gone whatever follows: a file that can't be read leaves an empty font, and the
+// window as it is until it is painted next.
 void OpenFontFile(const MString& path);
 
 // Opens an address in the browser, unless its extension is that of something that would be downloaded.

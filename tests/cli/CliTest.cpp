@@ -81,8 +81,9 @@ TEST(Cli, FailuresNameStepFileAndReason) {
     cli.folder.Write("noise.sm", png);
     cli.folder.Write("noise.png", png);
     std::filesystem::create_directory(cli.folder.path / "folder.sm");
-    // A file that not even the administrator can write.
-    std::filesystem::create_symlink("/sys/kernel/uevent_seqnum", cli.folder.path / "kept.png");
+    // Read-only for the administrator too.
+    cli.folder.Write("kept.png", png);
+    std::filesystem::permissions(cli.folder.path / "kept.png", std::filesystem::perms::owner_read);
     const struct {
         const char* arguments;
         const char* names;
@@ -136,6 +137,9 @@ TEST(Cli, PathsAreRelativeToTheWorkingFolder) {
     EXPECT_TRUE(cli.Has("my.cubes/cube1.png"));
     EXPECT_EQ(cli.Run("--open Fonts/f.sm --cubes my.cubes/cube.png"), 0) << cli.error;
     EXPECT_TRUE(cli.Has("my1.png")); // cut at the first dot of what was typed
+    EXPECT_EQ(cli.Run("--open ./f.sm --cubes ./here.png", "Fonts"), 0) << cli.error;
+    EXPECT_EQ(cli.Run("--open f.sm --cubes ../above.png", "Fonts"), 0) << cli.error;
+    EXPECT_TRUE(cli.Has("Fonts/here1.png") && cli.Has("above1.png"));
 }
 
 TEST(Cli, WrongUsageDoesNothing) {

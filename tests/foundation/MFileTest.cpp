@@ -90,6 +90,14 @@ TEST(Folders, NamesAreFoundInAnyCaseTheExactOneFirst) {
     EXPECT_TRUE(FolderExists("/"));
 }
 
+TEST(Folders, FullPathsHaveNoDotsToStayWhereTheyAre) {
+    const MString here = FromSystemPath(std::filesystem::current_path());
+    EXPECT_EQ(FullPath("./a/./b.sm"), JoinPath(JoinPath(here, "a"), "b.sm"));
+    EXPECT_EQ(FullPath("../b.sm"), JoinPath(JoinPath(here, ".."), "b.sm"));
+    EXPECT_EQ(FullPath("/a/./b.sm"), "/a/b.sm");
+    EXPECT_TRUE(FullPath("").IsEmpty());
+}
+
 TEST(Folders, CreatesWithAllParents) {
     const TemporaryFolder folder;
     EXPECT_TRUE(CreateFolder(folder.File("one\\two/three/")));

@@ -1,6 +1,5 @@
 #include "apps/lettrino-cli/FontFiles.h"
 
-#include "apps/lettrino-cli/Paths.h"
 #include "document/SetText.h"
 #include "formats/MPhotofontImporter.h"
 #include "formats/MTextFile.h"
@@ -111,7 +110,7 @@ StepResult OpenPhotofont(Run& run, const std::string& file, const MString& path)
 }
 
 StepResult Open(Run& run, const std::string& file) {
-    const MString path = AbsolutePath(file); // the picture is also sought above the file's folder
+    const MString path = FullPath(FromSystem(file)); // the picture is also sought above the file's folder
     if (path.GetExtension().Equals(u"PHF")) return OpenPhotofont(run, file, path);
     const auto form = std::ranges::find_if(
         forms, [extension = path.GetExtension()](const FontForm& f) { return extension.Equals(f.extension); });
@@ -133,14 +132,14 @@ StepResult RefuseProtected(const std::string& file, std::initializer_list<MStrin
     for (const MString& target : targets) {
         std::error_code error;
         const fs::path path = ToSystemPath(target);
-        if (!fs::exists(path, error) || std::ofstream(path, std::ios::app)) continue;
+        if (!fs::exists(path, error) || (!IsReadOnly(target) && std::ofstream(path, std::ios::app))) continue;
         return StepFailure{file, path.string() + " can't be written over"};
     }
     return {};
 }
 
 StepResult Save(MColourFont& font, const std::string& file) {
-    const MString path = AbsolutePath(file); // the font file records its picture's full path
+    const MString path = FullPath(FromSystem(file)); // the font file records its picture's full path
     const fs::path folder = ToSystemPath(path).parent_path();
     if (!IsFolder(folder)) return StepFailure{file, "there is no folder " + folder.string()};
     const MString text = SiblingPath(path, "sm");
@@ -156,7 +155,7 @@ StepResult Save(MColourFont& font, const std::string& file) {
 }
 
 StepResult SaveGlyphs(MColourFont& font, const std::string& file) {
-    const MString folder = AbsolutePath(file);
+    const MString folder = FullPath(FromSystem(file));
     if (!IsFolder(ToSystemPath(folder))) return StepFailure{file, "there is no such folder"};
     if (font.ExportSingleFiles(JoinPath(folder, "glyph"))) return {};
     return StepFailure{file, font.GlyphCount() == 0 ? "the font has no glyphs" : "no file could be written"};
@@ -184,7 +183,7 @@ void WarnOfName(const std::string& step, const MString& name) {
 StepResult ExportPage(MColourFont& font, const std::string& file, bool minimal) {
     if (file.find(' ') != std::string::npos)
         return StepFailure{file, "a font for the web takes no blanks in its path"};
-    const MString path = AbsolutePath(file);
+    const MString path = FullPath(FromSystem(file));
     const fs::path folder = ToSystemPath(path).parent_path();
     if (!IsFolder(folder)) return StepFailure{file, "there is no folder " + folder.string()};
     const MString picture = SiblingPath(path, "png");
@@ -204,7 +203,7 @@ StepResult ExportPage(MColourFont& font, const std::string& file, bool minimal) 
 }
 
 StepResult DrawText(Run& run, MColourFont& font, const std::string& text, const std::string& file) {
-    const MString path = AbsolutePath(file);
+    const MString path = FullPath(FromSystem(file));
     MPicture picture = SetText(font, FromSystem(text), run.settings.BackgroundColour);
     if (!picture.IsValid()) return StepFailure{file, "the text is empty in this font"};
     const bool saved = picture.Save(path);
@@ -231,9 +230,19 @@ StepResult ReadNames(Run& run, const std::string& file) {
     return {};
 }
 
+// The path with no folder that wasn't typed, since the names of cubes are cut at the first dot of the whole
+// path:
+// "./a.png" is "a.png". What climbs with ".." becomes a full path.
+MString PathAsTyped(const std::string& file) {
+    const fs::path typed = ToSystemPath(FromSystem(file));
+    std::error_code error;
+    const bool climbs = std::ranges::find(typed, fs::path("..")) != typed.end();
+    return FromSystemPath(climbs ? fs::weakly_canonical(typed, error) : typed.lexically_normal());
+}
+
 StepResult ExportCubes(MColourFont& font, const std::string& file) {
-    const MString path = FromSystem(file); // as typed: it is cut at its first dot, also of a folder
-    const fs::path folder = ToSystemPath(AbsolutePath(file)).parent_path();
+    const MString path = PathAsTyped(file);
+    const fs::path folder = ToSystemPath(FullPath(FromSystem(file))).parent_path();
     if (!IsFolder(folder)) return StepFailure{file, "there is no folder " + folder.string()};
     MString first = path;
     first.KeepBefore(".");

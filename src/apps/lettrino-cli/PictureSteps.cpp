@@ -1,8 +1,8 @@
 #include "apps/lettrino-cli/PictureSteps.h"
 
-#include "apps/lettrino-cli/Paths.h"
 #include "apps/lettrino-cli/Words.h"
 #include "foundation/MFolders.h"
+#include "foundation/MUtf8.h"
 #include "glyphs/PictureSeries.h"
 
 namespace {
@@ -22,7 +22,7 @@ std::optional<CharacterFile> ReadCharacterFile(const std::string& text) {
 }
 
 StepResult AddPictures(Run& run, const CharacterFile& wanted, bool series) {
-    const MString path = AbsolutePath(wanted.file); // a series is walked in the file's folder
+    const MString path = FullPath(FromSystem(wanted.file)); // a series is walked in the file's folder
     if (!FileExists(path)) return StepFailure{wanted.file, "no such file"};
     const bool isNew = !run.font;
     MColourFont& font = run.FontOrNew();

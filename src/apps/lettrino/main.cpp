@@ -1,11 +1,11 @@
 // The window: lettrino [FILE].
 
+#include "foundation/MFolders.h"
 #include "foundation/Product.h"
 #include "platform/qt/QtText.h"
 #include "shell/Program.h"
 
 #include <QApplication>
-#include <QDir>
 #include <QIcon>
 #include <cstdio>
 #include <string_view>
@@ -34,11 +34,6 @@ bool AnswerOnTerminal(int argc, char** argv) {
     return false;
 }
 
-// A font's picture is also sought above the folder of its file, which a path as typed need not tell.
-MString FullPath(const QString& file) {
-    return file.isEmpty() ? MString() : FromQt(QDir::current().absoluteFilePath(file));
-}
-
 QIcon ProgramIcon() {
     QIcon icon;
     for (const int size : {16, 32, 48, 128, 256})
@@ -56,5 +51,6 @@ int main(int argc, char** argv) {
     QApplication::setDesktopFileName(QStringLiteral("lettrino"));
     QApplication::setWindowIcon(ProgramIcon());
     const QStringList arguments = QApplication::arguments();
-    return RunProgram(arguments.size() > 1 ? FullPath(arguments[1]) : MString());
+    // A font's picture is also sought above the folder of its file, which a path as typed need not tell.
+    return RunProgram(arguments.size() > 1 ? FullPath(FromQt(arguments[1])) : MString());
 }
