@@ -58,12 +58,11 @@ TEST_F(AddGlyphsWindow, LooksAsAUserExpects) {
         // The marked letters stand on their shade, red shows the colour.
         const MColour face = Desktop::ButtonColour();
         const MColour shade = MCharacterGrid::SelectedShade(face);
-        const QImage image = Shown(dialog);
         for (const auto& [letter, ground] : {std::pair(u'A', shade), std::pair(u'a', face)}) {
-            EXPECT_EQ(image.pixelColor(CellOf(dialog, letter) - QPoint(grid.width() / 32 - 3, 0)),
+            EXPECT_EQ(ColourAt(dialog, CellOf(dialog, letter) - QPoint(grid.width() / 32 - 3, 0)),
                       QColor(ground.r, ground.g, ground.b));
         }
-        EXPECT_EQ(image.pixelColor(Named<QWidget>(dialog, "Colour")->geometry().center()), QColor(255, 0, 0));
+        EXPECT_EQ(ColourAt(dialog, Named<QWidget>(dialog, "Colour")->geometry().center()), QColor(255, 0, 0));
     }));
 }
 
@@ -158,7 +157,7 @@ TEST_F(AddGlyphsWindow, TheSwatchOpensTheChoiceOfColours) {
             EXPECT_TRUE(swatch->hasFocus());
             WhileOpen([&] { return way(), 0; }, choose);
             EXPECT_EQ(settings.Colour, MColour(1, 200, 3));
-            EXPECT_EQ(Shown(dialog).pixelColor(swatch->geometry().center()), QColor(1, 200, 3));
+            EXPECT_EQ(ColourAt(dialog, swatch->geometry().center()), QColor(1, 200, 3));
         }
         EXPECT_TRUE(dialog.isVisible());
     });

@@ -30,30 +30,33 @@ protected:
             settings.Selected[u'A' + i] = settings.Selected[u'a' + i] = 1;
         ASSERT_TRUE(font->GenerateSelectedCharacters());
     }
-    // A block of blue, 40 by 50, without spacings.
-    MGlyph& AddBlock(char16_t character) {
-        MGlyph& glyph = AddGlyph(*font, character, 40, 50);
+    // A block of blue, 50 high, without spacings.
+    MGlyph& AddBlock(char16_t character, std::int32_t width = 40) {
+        MGlyph& glyph = AddGlyph(*font, character, width, 50);
         glyph.SpacingBefore = glyph.SpacingAfter = 0;
         glyph.Picture.Fill(MColour(0, 0, 255));
         return glyph;
     }
 };
 
-// At which the editors show a block in a preview of this size.
+// At which the editors show a block in a preview of this size: they leave 100 pixels of the screen free.
 inline double ScaleOf(const QRect& preview) {
-    return std::min((preview.width() - 100) / 40.0, (preview.height() - 100) / 50.0);
+    const double margin = 100 / qGuiApp->devicePixelRatio();
+    return std::min((preview.width() - margin) / 40.0, (preview.height() - margin) / 50.0);
 }
 
 // Where a window shows this colour.
 inline QRect Find(QWidget& window, QColor colour) {
     const QImage image = window.grab().toImage();
+    const double density = image.devicePixelRatio();
     QRect found;
     for (int y = 0; y < image.height(); ++y) {
         for (int x = 0; x < image.width(); ++x) {
             if (image.pixelColor(x, y) == colour) found |= QRect(x, y, 1, 1);
         }
     }
-    return found;
+    return QRectF(found.x() / density, found.y() / density, found.width() / density, found.height() / density)
+        .toRect();
 }
 
 // Alt and the letter of a button, which is seen to go down before it acts.

@@ -74,7 +74,7 @@ TEST_F(KerningEditor, TypingMakesAPairAndItsAmount) {
 }
 
 TEST_F(KerningEditor, ADragIsSeenWhenThePairIsShownAgain) {
-    AddBlock(u'A');
+    AddBlock(u'A', 10);
     font->SetKerning('A', 'A', -1);
     settings.BackgroundColour = {0, 255, 0};
     EXPECT_TRUE(RunAnd(DialogId::KerningEditor, [&](QWidget& dialog) {
@@ -84,13 +84,18 @@ TEST_F(KerningEditor, ADragIsSeenWhenThePairIsShownAgain) {
         const QRect ink = Find(dialog, QColor(0, 0, 255));
         const double scale = ScaleOf(preview);
         // The middle is half the size of the preview, which itself starts further right.
-        EXPECT_LE((ink.center() - QPoint(preview.width(), preview.height()) / 2).manhattanLength(), 4);
-        EXPECT_NEAR(ink.width(), 80 * scale, 3);
+        const QPointF middle = QPointF(preview.width(), preview.height()) / 2;
+        EXPECT_NEAR(ink.left(), middle.x() - 10 * scale, 3);
+        EXPECT_NEAR(ink.right(), middle.x() + 10 * scale, 3);
+        EXPECT_NEAR(ink.top(), middle.y() - 25 * scale, 3);
 
-        Drag(dialog, Qt::LeftButton, {preview.center(), preview.center() + QPoint(5, 0)});
+        // Both the way and the scale are in pixels of the screen.
+        const double density = qGuiApp->devicePixelRatio();
+        const QPoint way(static_cast<int>(4 / density / density), 0);
+        Drag(dialog, Qt::LeftButton, {preview.center(), preview.center() + way});
         const int amount = font->Kerning.data[0].Amount;
-        EXPECT_EQ(amount, static_cast<int>(-1 + 5 * static_cast<float>(scale)));
-        Drag(dialog, Qt::RightButton, {preview.center(), preview.center() + QPoint(5, 0)});
+        EXPECT_EQ(amount, static_cast<int>(-1 + 4 * scale));
+        Drag(dialog, Qt::RightButton, {preview.center(), preview.center() + way});
         EXPECT_EQ(font->Kerning.data[0].Amount, amount);
         QTest::qWait(50);
         EXPECT_EQ(Shown(dialog), "A|A|-1");

@@ -233,7 +233,7 @@ TEST_F(MainWindowTest, ADroppedTextureFontIsOpened) {
 TEST_F(MainWindowTest, OpensWhereItWasLeft) {
     // What the desktop says of a window comes a little later.
     constexpr int soon = 200;
-    constexpr QRect place(60, 70, 500, 400);
+    constexpr QRect place(40, 50, 340, 280);
     QRect left;
     Run({}, {Look([&](QWidget& window) {
             QTest::qWait(soon);

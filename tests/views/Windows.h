@@ -37,6 +37,12 @@ inline void Screenshot(QWidget& window, const QString& name) {
     Keep(window.grab(), name);
 }
 
+// What a window shows at a place of it, which has several pixels on a dense screen.
+inline QColor ColourAt(QWidget& window, const QPoint& place) {
+    const QImage image = window.grab().toImage();
+    return image.pixelColor((QPointF(place) * image.devicePixelRatio()).toPoint());
+}
+
 // Runs `open`, which shows a modal dialog, and `act` on that dialog as soon as it is there. A dialog that `act`
 // leaves open is closed. What `open` gives.
 template<typename Open>
