@@ -62,7 +62,7 @@ public:
     void ClampWindowRect();
 
     // In the user's folder for program data.
-    MString SettingsFilePath() const;
+    static MString SettingsFilePath();
     // Reads the file, if there is one, over what stands here, and sets FileRead. A line with missing fields
     // brings zeros or empty texts; unknown keys are passed over. Only the window's place is checked.
     void Load();

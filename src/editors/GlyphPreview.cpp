@@ -5,7 +5,8 @@
 namespace {
 
 float CentreOf(std::int32_t first, std::int32_t last) {
-    return static_cast<float>((std::int64_t{first} + last) / 2);
+    const std::int64_t centre = (std::int64_t{first} + last) / 2;
+    return static_cast<float>(centre);
 }
 
 } // namespace

@@ -18,7 +18,7 @@
 namespace {
 
 // More than this many pixels are too much for older phones and tablets. It is the area that counts.
-constexpr std::uint64_t safeArea = 2048 * 1024;
+constexpr std::uint64_t safeArea = 2048ULL * 1024;
 
 constexpr const char* jQueryAddress = "https://code.jquery.com/jquery-1.10.1.min.js";
 constexpr const char* runTime = "lettrino-1.0.js";

@@ -24,8 +24,8 @@ public:
     float horizontalScale = 1.0F;
     float verticalScale = 1.0F;
 
-    // `picture` is valid, of any format, and outlives the cutter.
-    explicit MGlyphCutter(const MPicture& picture);
+    // `source` is valid, of any format, and outlives the cutter.
+    explicit MGlyphCutter(const MPicture& source);
 
     // Scales the record and gives the font a glyph of it, in the place of an earlier one of the same character.
     // A rectangle outside the picture wraps around. With no slot left the record is dropped. A glyph too large

@@ -47,9 +47,9 @@ public:
 
     explicit MPhotofontImporter(Desktop::WindowHandle owner);
 
-    // Clears `font` and fills it with what can be read; the padding and spacing of the settings become 0.
+    // Clears `target` and fills it with what can be read; the padding and spacing of the settings become 0.
     // Images pass through a file in the settings' temporary folder. False only without a file or a font.
-    bool Import(const MString& path, MColourFont* font);
+    bool Import(const MString& path, MColourFont* target);
     // Of the first mapping with this id; 0 if there is none.
     std::int32_t FindUnicode(const MString& id) const;
 

@@ -9,7 +9,7 @@
 
 namespace {
 
-constexpr std::size_t chunkBytes = 64 * 1024;
+constexpr std::size_t chunkBytes = 65536;
 
 // A line longer than this loses the rest, as if memory were exhausted for it.
 std::size_t LongestLine() {

@@ -82,7 +82,7 @@ private:
     bool NextUnit(char16_t& unit);
     void GiveBackUnit();
     const std::vector<std::u16string_view>& Tokens() const;
-    void ReadUnits(char16_t first);
+    void ReadUnits(char16_t unit);
     void TakePlainUnits(std::size_t longest);
     void Separate();
     void WriteUnits(std::u16string_view units);

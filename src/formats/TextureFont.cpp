@@ -55,10 +55,10 @@ void WriteKerning(MTextFile& file, const MKerningPair& pair) {
 // Beside the file, in the folder Textures above its folder, or where the user says. Empty if cancelled. The
 // path in the TEX record plays no part: it may name a place that no longer exists.
 MString FindPicture(const MString& path, Desktop::WindowHandle owner) {
-    const MString beside = SiblingPath(path, "png");
+    MString beside = SiblingPath(path, "png");
     if (FileExists(beside)) return beside;
     const MString above = path.GetFolder().GetFolder();
-    const MString inTextures = JoinPath(JoinPath(above, "Textures"), beside.GetFileName());
+    MString inTextures = JoinPath(JoinPath(above, "Textures"), beside.GetFileName());
     if (FileExists(inTextures)) return inTextures;
     return ChooseFile(owner, MPathKind::FindPicture);
 }

@@ -85,14 +85,14 @@ void MGdiSurface::DrawText(const Desktop::Rect& rectangle, const MString& text, 
         return;
     std::u16string_view rest = text.View();
     std::int64_t top = rectangle.top;
-    if (rest.find(u'\n') == rest.npos) {
+    if (rest.find(u'\n') == std::u16string_view::npos) {
         const std::int64_t room = std::int64_t{rectangle.bottom} - rectangle.top - fontKey.size;
         if (alignment == 0) top += room / 2;
         if (alignment == 1) top += room;
     }
     for (bool more = true; more; top += fontKey.size) {
         const std::size_t end = rest.find(u'\n');
-        more = end != rest.npos;
+        more = end != std::u16string_view::npos;
         DrawLine(rest.substr(0, end), rectangle, top, colour, alignment);
         if (more) rest.remove_prefix(end + 1);
     }

@@ -8,7 +8,7 @@
 namespace {
 
 // Pixels that are shrunk within one frame of a screen.
-constexpr std::uint64_t quickPixels = 4096 * 1024;
+constexpr std::uint64_t quickPixels = 4096ULL * 1024;
 
 // The shrunk copy, and the picture it was made of.
 MPicture kept;

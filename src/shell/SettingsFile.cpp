@@ -158,7 +158,7 @@ void ReadLine(const MTextFile& file, MSettings& settings) {
 
 } // namespace
 
-MString MSettings::SettingsFilePath() const {
+MString MSettings::SettingsFilePath() {
     return JoinPath(GetAppDataFolder(MakerName, ProductName), ProductName + ".txt");
 }
 

@@ -21,7 +21,7 @@ void Require(bool holds) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     static const Place place;
-    static const MString path = MSettings().SettingsFilePath();
+    static const MString path = MSettings::SettingsFilePath();
     std::ofstream(ToSystemPath(path), std::ios::binary)
         .write(reinterpret_cast<const char*>(data), static_cast<std::streamsize>(size));
     MSettings first;

@@ -214,7 +214,7 @@ StepResult DrawText(Run& run, MColourFont& font, const std::string& text, const 
 
 // A text as editors write it: UTF-8 also without its mark.
 MString ReadUtf8Text(const MString& path) {
-    const MString text = MTextFile::ReadWholeFile(path);
+    MString text = MTextFile::ReadWholeFile(path);
     const bool bytes = std::ranges::all_of(text.View(), [](char16_t unit) { return unit < 256; });
     if (!bytes) return text;
     std::string narrow(text.View().begin(), text.View().end());

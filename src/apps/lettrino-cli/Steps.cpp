@@ -51,7 +51,7 @@ Prepared Generate(StepArguments) {
     return [](Run& run) -> StepResult {
         MColourFont& font = run.FontOrNew();
         if (!font.GenerateSelectedCharacters()) return StepFailure{{}, "no character is selected"};
-        if (const StepResult failure = RepackResult(font)) return failure;
+        if (StepResult failure = RepackResult(font)) return failure;
         for (std::size_t code = 33; code < run.settings.Selected.size(); ++code) {
             if (run.settings.Selected[code] && font.GetGlyph(static_cast<char16_t>(code))) return {};
         }
