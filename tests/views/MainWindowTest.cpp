@@ -190,7 +190,7 @@ TEST_F(MainWindowTest, TheProgressWindowIsSeenAndMoves) {
     look.callOnTimeout([&] {
         for (QWidget* const window : QApplication::topLevelWidgets()) {
             auto* const bar = window->findChild<QProgressBar*>();
-            if (!bar || !window->isVisible() || !window->windowHandle()->isExposed()) continue;
+            if (!bar || bar->window() != window || !window->windowHandle()->isExposed()) continue;
             percents.insert(bar->value());
             const QPoint corner = window->mapToGlobal(QPoint(0, 0));
             const QPixmap shown =
