@@ -154,10 +154,12 @@ TEST_F(PhotofontTest, PicturesAreCutOrPaddedToTheirBox) {
     std::vector<Glyph> glyphs = sample;
     glyphs[0].boxWidth = 6;  // ink from column 2 on
     glyphs[1].boxWidth = 15; // five more columns, empty
+    glyphs.push_back({"none", 116, 4, 16, 4, 16, 0, 10, 6});
     ASSERT_TRUE(Import(File(glyphs)));
     EXPECT_EQ(font.GetGlyph(u'A')->Width, 4);
     EXPECT_EQ(std::tuple(font.GetGlyph(u'g')->Width, font.GetGlyph(u'g')->SpacingAfter),
               std::tuple(6, 11 - 15 + 7));
+    EXPECT_EQ(NumbersOf(*font.GetGlyph(u't')), std::tuple(4, 21, 0, 2)) << "without ink there is no margin";
 }
 
 TEST_F(PhotofontTest, ToldLosses) {
