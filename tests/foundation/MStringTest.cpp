@@ -223,6 +223,7 @@ TEST(String, Extensions) {
     const std::pair<const char*, const char*> cases[] = {
         {"x.y", "Y"},
         {"a.", ""},
+        {".a", ""}, // shorter than three units
         {"ab.", ""},
         {"ab", ""},
         {"a.tar.gz", "GZ"},
