@@ -173,6 +173,8 @@ TEST_F(PhotofontTest, ToldLosses) {
         {"an image that no glyph uses stops all after it", ReplaceAll(whole, imageA, "<image id=\"nobody\">\n"),
          ""},
         {"a blank makes a line no data", ReplaceAll(whole, "\niVBOR", "\n iVBOR"), ""},
+        {"so that lines between are passed over", ReplaceAll(whole, "\niVBOR", "\na note\niVBOR"), "65 103 "},
+        {"a picture of the space", File({{"space", 32, 6, 3, 6, 3, 0, 2, 9}}), ""},
         {"data on the line of the word base64", ReplaceAll(whole, "base64\n\niVBOR", "base64 iVBOR"), ""},
         {"no </glyphs>", ReplaceAll(whole, "</glyphs>\n", ""), ""},
         {"no base64", ReplaceAll(whole, "base64", "none"), ""},
