@@ -115,6 +115,11 @@ TEST_F(PhotofontTest, PlacesGlyphsOnOneBaseline) {
     EXPECT_EQ(g.GetPixel(0, 14).r, 9);
     EXPECT_EQ(PairsOf(font), (Pairs{{'A', 'g', -5}}));
     EXPECT_EQ(Headless::record.progressPercents.back(), 66);
+
+    std::vector<Glyph> tall = sample;
+    tall[2].baseY = 18; // rows that no picture reaches
+    ASSERT_TRUE(Import(File(tall)));
+    EXPECT_EQ(std::tuple(settings.GlyphHeight, font.GetGlyph(u'g')->Height), std::tuple(21, 21)) << "trimmed";
 }
 
 TEST_F(PhotofontTest, AnyEncodingLineEndAndAttributeOrder) {
@@ -186,7 +191,9 @@ TEST_F(PhotofontTest, ToldLosses) {
         {"not base64 at all", ReplaceAll(whole, "iVBOR", "!!!!!"), ""},
     };
     for (const auto& c : cases) {
+        settings.PaddingTop = settings.SpacingAfter = 5;
         EXPECT_TRUE(Import(c.text)) << c.what;
+        EXPECT_EQ(settings.PaddingTop + settings.SpacingAfter, 0) << c.what;
         EXPECT_EQ(Codes(), c.codes) << c.what;
     }
     EXPECT_FALSE(MPhotofontImporter(nullptr).Import(folder.File("missing.phf"), &font));
