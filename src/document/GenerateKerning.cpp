@@ -3,6 +3,8 @@
 #include "document/MColourFont.h"
 
 #include <algorithm>
+#include <cstdint>
+#include <numeric>
 #include <span>
 #include <vector>
 
@@ -11,24 +13,29 @@ namespace {
 // The start value of the search, and what an empty row counts: a sum with it is never smaller than it.
 constexpr std::int32_t noGap = 100000;
 
-// For each row of one glyph, the empty pixels before the first ink and after the last, at most noGap.
+// For each row of a glyph's picture, up to the glyph's height, the empty pixels before the first ink and after
+// the last, at most noGap. After a failed resize the glyph claims more rows than the picture has; these repeat
+// then.
 struct Gaps {
     const MGlyph* glyph;
     std::vector<std::int32_t> left;
     std::vector<std::int32_t> right;
 };
 
+// Of a glyph whose numbers and picture differ. Its columns repeat like the picture's, however many there are:
+// what ink the row has lies in the first and in the last columns of the picture's width.
 void MeasureRow(const MGlyph& glyph, std::int32_t y, std::int32_t& left, std::int32_t& right) {
-    const auto isInk = [&](std::int32_t x) { return glyph.GetPixel(x, y).a != 0; };
-    std::int32_t first = 0;
-    while (first < glyph.Width && !isInk(first))
+    const auto isInk = [&](std::int64_t x) { return glyph.GetPixel(static_cast<std::int32_t>(x), y).a != 0; };
+    const std::int64_t columns = std::min<std::int64_t>(glyph.Width, glyph.Picture.Width);
+    std::int64_t first = 0;
+    while (first < columns && !isInk(first))
         ++first;
-    if (first >= glyph.Width) return;
-    std::int32_t last = glyph.Width - 1;
-    while (!isInk(last))
-        --last;
-    left = std::min(first, noGap);
-    right = std::min(glyph.Width - last - 1, noGap);
+    if (first >= columns) return;
+    std::int64_t after = 0;
+    while (!isInk(glyph.Width - 1 - after))
+        ++after;
+    left = static_cast<std::int32_t>(std::min<std::int64_t>(first, noGap));
+    right = static_cast<std::int32_t>(std::min<std::int64_t>(after, noGap));
 }
 
 void MeasureRow(std::span<const MColour> row, std::int32_t& left, std::int32_t& right) {
@@ -41,8 +48,11 @@ void MeasureRow(std::span<const MColour> row, std::int32_t& left, std::int32_t& 
 }
 
 Gaps MeasureGlyph(const MGlyph& glyph) {
-    // A glyph without a picture has no ink in any row: no need to hold them all, however many its number says.
-    const auto rows = static_cast<std::size_t>(glyph.Picture.IsValid() ? std::max(glyph.Height, 0) : 0);
+    // A glyph without a picture has no ink in any row.
+    const std::size_t rows =
+        glyph.Picture.IsValid()
+            ? std::min<std::size_t>(static_cast<std::size_t>(glyph.Height), glyph.Picture.Height)
+            : 0;
     Gaps gaps{&glyph, std::vector<std::int32_t>(rows, noGap), std::vector<std::int32_t>(rows, noGap)};
     for (std::size_t row = 0; row < rows; ++row) {
         const auto y = static_cast<std::int32_t>(row);
@@ -56,13 +66,23 @@ Gaps MeasureGlyph(const MGlyph& glyph) {
     return gaps;
 }
 
-std::int32_t SmallestGap(const Gaps& left, const Gaps& right) {
-    const std::size_t rows = std::min(left.right.size(), right.left.size());
+// Of two glyphs of this height. Where both have as many rows, the rows that repeat bring nothing new; else they
+// do up to the least common multiple.
+std::int32_t SmallestGap(const Gaps& left, const Gaps& right, std::int32_t height) {
+    const std::size_t leftRows = left.right.size();
+    const std::size_t rightRows = right.left.size();
+    if (leftRows == 0 || rightRows == 0) return noGap;
     const std::int32_t* const a = left.right.data();
     const std::int32_t* const b = right.left.data();
     std::int32_t smallest = noGap;
+    if (leftRows == rightRows) {
+        for (std::size_t row = 0; row < leftRows; ++row)
+            smallest = std::min(smallest, a[row] + b[row]);
+        return smallest;
+    }
+    const std::size_t rows = std::min(std::lcm(leftRows, rightRows), static_cast<std::size_t>(height));
     for (std::size_t row = 0; row < rows; ++row)
-        smallest = std::min(smallest, a[row] + b[row]);
+        smallest = std::min(smallest, a[row % leftRows] + b[row % rightRows]);
     return smallest;
 }
 
@@ -80,7 +100,7 @@ void MColourFont::GenerateKerning() {
     for (const Gaps& left : glyphs) {
         for (const Gaps& right : glyphs) {
             if (left.glyph->Height != right.glyph->Height) continue;
-            const std::int32_t smallest = SmallestGap(left, right);
+            const std::int32_t smallest = SmallestGap(left, right, left.glyph->Height);
             if (smallest == 0 || smallest >= noGap) continue;
             pairs.push_back({left.glyph->Character, right.glyph->Character, -smallest});
         }

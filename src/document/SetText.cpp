@@ -46,8 +46,21 @@ std::uint8_t Blend(std::uint8_t source, std::uint8_t alpha, std::uint8_t ground)
     return static_cast<std::uint8_t>((source * alpha + ground * (255 - alpha) + 127) / 255);
 }
 
+// A glyph may claim more rows than it has a picture for, or any number without one; it has no ink there.
+std::int32_t InkedHeight(const MGlyph& glyph) {
+    if (!glyph.Picture.IsValid()) return 0;
+    return static_cast<std::int32_t>(std::min<std::int64_t>(glyph.Height, glyph.Picture.Height));
+}
+
+std::int32_t HeightOf(const MColourFont& font) {
+    std::int32_t height = 0;
+    for (const auto& slot : font.Glyphs)
+        height = std::max(height, slot ? InkedHeight(*slot) : 0);
+    return height;
+}
+
 void Draw(const MGlyph& glyph, std::int64_t left, MPicture& picture) {
-    for (std::int32_t y = 0; y < glyph.Height; ++y) {
+    for (std::int32_t y = 0; y < InkedHeight(glyph); ++y) {
         for (std::int32_t x = 0; x < glyph.Width; ++x) {
             const MColour ink = glyph.GetPixel(x, y);
             if (ink.a == 0) continue;
@@ -65,14 +78,12 @@ void Draw(const MGlyph& glyph, std::int64_t left, MPicture& picture) {
 MPicture SetText(const MColourFont& font, const MString& text, const MColour& background) {
     const Line line = LayOut(font, text);
     const std::int64_t width = line.right - line.left;
-    const std::int32_t height = font.MaxGlyphHeight();
+    const std::int32_t height = HeightOf(font);
     if (width < 1 || width > std::numeric_limits<std::int32_t>::max() || height < 1) return {};
     MPicture picture(static_cast<std::uint32_t>(width), static_cast<std::uint32_t>(height), FormatRGB8);
     picture.Fill(background);
     if (!picture.IsValid()) return picture;
-    for (const auto& [glyph, x] : line.glyphs) {
-        // A glyph without a picture may claim any size; it has no ink.
-        if (glyph->Picture.IsValid()) Draw(*glyph, x - line.left, picture);
-    }
+    for (const auto& [glyph, x] : line.glyphs)
+        Draw(*glyph, x - line.left, picture);
     return picture;
 }

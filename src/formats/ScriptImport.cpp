@@ -19,6 +19,8 @@ namespace {
 constexpr const char* assignment = "']=[";
 
 MString KeyOf(MString line) {
+    // A line that is cut off before its list names nothing, where a known key would be set to 0.
+    if (!line.Contains(assignment)) return {};
     line.KeepBefore(assignment);
     line.KeepAfter("['");
     return line;

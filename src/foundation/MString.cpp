@@ -156,7 +156,8 @@ MString& MString::operator=(MString&& other) noexcept {
 
 MString& MString::operator=(const char16_t* text) {
     if (text && text == chars) return *this;
-    return *this = MString(text);
+    const MString source(text); // a copy also of a part of the own buffer
+    return *this = source;
 }
 
 MString& MString::operator=(const char* text) {

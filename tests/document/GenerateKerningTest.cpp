@@ -43,12 +43,28 @@ TEST_F(GenerateKerningTest, AnyFontAsTheRowScan) {
                 glyph.SetPixel(static_cast<std::int32_t>(random() % 20),
                                static_cast<std::int32_t>(random() % 8), {0, 0, 0, 1});
             }
-            if (random() % 5 == 0) glyph.Width += 3; // differs from its picture
+            // Differs from its picture.
+            if (random() % 5 == 0) glyph.Width += static_cast<std::int32_t>(random() % 70);
+            if (random() % 5 == 0) glyph.Height = random() % 2 == 0 ? 5 : 23;
         }
         font.SetKerning('a', 'b', 5); // is lost
         font.GenerateKerning();
         ASSERT_EQ(PairsOf(font), PlainKerning(font));
     }
+}
+
+// A glyph whose resize failed claims any size, but has the picture of before, which repeats.
+TEST_F(GenerateKerningTest, RowsThatAGlyphOnlyClaimsTakeNoMemoryAndNoTime) {
+    MColourFont font(nullptr);
+    for (const char16_t c : {u'A', u'B', u'C'}) {
+        MGlyph& glyph = AddGlyph(font, c, 10, c == u'B' ? 7 : 10);
+        for (std::int32_t x = 2; x < 7; ++x)
+            glyph.SetPixel(x, c == u'B' ? 3 : 6, {1, 2, 3}); // meet in row 66
+        glyph.Width = glyph.Height = 2'000'000'000;
+    }
+    font.GetGlyph(u'C')->Picture.Free();
+    font.GenerateKerning();
+    EXPECT_EQ(PairsOf(font), (Pairs{{'A', 'A', -5}, {'A', 'B', -5}, {'B', 'A', -5}, {'B', 'B', -5}}));
 }
 
 } // namespace

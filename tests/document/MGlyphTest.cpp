@@ -64,6 +64,7 @@ TEST(Glyph, TrimRowsTakesFromBothEnds) {
         glyph.SetPixel(1, y, {static_cast<std::uint8_t>(y), 0, 0});
     glyph.TrimRows(6, 4); // nothing would be left
     glyph.TrimRows(0xFFFFFFFF, 5);
+    glyph.TrimRows(0, 0); // a copy
     EXPECT_EQ(glyph.Height, 10);
     glyph.TrimRows(3, 2);
     EXPECT_EQ(glyph.Height, 5);

@@ -66,9 +66,12 @@ TEST_F(WholeFontEditsTest, TrimVertically) {
     EXPECT_NE(font.GetGlyph(u'A')->GetPixel(4, 0).a, 0);
     font.TrimVertically();
     EXPECT_EQ(settings.GlyphHeight, 22);
-    AddGlyph(font, u'B', 3, 22); // transparent: margins of 0 stop all trimming
+    font.GetGlyph(u'A')->SetPixel(4, 0, {0, 0, 0, 0});
+    font.TrimVertically(); // at the top alone
+    EXPECT_EQ(std::tuple(settings.GlyphHeight, font.Baseline), std::tuple(21, 6));
+    AddGlyph(font, u'B', 3, 21); // transparent: margins of 0 stop all trimming
     font.TrimVertically();
-    EXPECT_EQ(settings.GlyphHeight, 22);
+    EXPECT_EQ(settings.GlyphHeight, 21);
 }
 
 TEST_F(WholeFontEditsTest, TrimmingAnEmptyFontTakes10000OnEitherSide) {

@@ -117,11 +117,12 @@ TEST_F(LetterCubesExportTest, TheNetPixelForPixel) {
 
 TEST_F(LetterCubesExportTest, StatisticsAreAskedAbout) {
     settings.LetterCubesNames = "Anna\r\nBo\r\n";
+    AddGlyph(font, u'~', 40, 5); // in no name, but it is the largest
     Headless::script.answers = {Desktop::Answer::No};
     EXPECT_FALSE(font.ExportLetterCubes(folder.File("cube.png")));
     EXPECT_EQ(Narrow(Headless::record.messages.at(0).text),
               "Number of names:\t3\nShortest name:\t0 letters\nLongest name:\t4 letters\nRequired cubes:\t4\n"
-              "Print resolution:\t133 x 99 pixels\n\nWould you like to create the cut-outs?");
+              "Print resolution:\t172 x 128 pixels\n\nWould you like to create the cut-outs?");
     EXPECT_TRUE(std::filesystem::is_empty(folder.path));
 }
 

@@ -115,6 +115,11 @@ TEST_F(PhotofontTest, PlacesGlyphsOnOneBaseline) {
     EXPECT_EQ(g.GetPixel(0, 14).r, 9);
     EXPECT_EQ(PairsOf(font), (Pairs{{'A', 'g', -5}}));
     EXPECT_EQ(Headless::record.progressPercents.back(), 66);
+
+    std::vector<Glyph> tall = sample;
+    tall[2].baseY = 18; // rows that no picture reaches
+    ASSERT_TRUE(Import(File(tall)));
+    EXPECT_EQ(std::tuple(settings.GlyphHeight, font.GetGlyph(u'g')->Height), std::tuple(21, 21)) << "trimmed";
 }
 
 TEST_F(PhotofontTest, AnyEncodingLineEndAndAttributeOrder) {
@@ -154,10 +159,12 @@ TEST_F(PhotofontTest, PicturesAreCutOrPaddedToTheirBox) {
     std::vector<Glyph> glyphs = sample;
     glyphs[0].boxWidth = 6;  // ink from column 2 on
     glyphs[1].boxWidth = 15; // five more columns, empty
+    glyphs.push_back({"none", 116, 4, 16, 4, 16, 0, 10, 6});
     ASSERT_TRUE(Import(File(glyphs)));
     EXPECT_EQ(font.GetGlyph(u'A')->Width, 4);
     EXPECT_EQ(std::tuple(font.GetGlyph(u'g')->Width, font.GetGlyph(u'g')->SpacingAfter),
               std::tuple(6, 11 - 15 + 7));
+    EXPECT_EQ(NumbersOf(*font.GetGlyph(u't')), std::tuple(4, 21, 0, 2)) << "without ink there is no margin";
 }
 
 TEST_F(PhotofontTest, ToldLosses) {
@@ -171,6 +178,8 @@ TEST_F(PhotofontTest, ToldLosses) {
         {"an image that no glyph uses stops all after it", ReplaceAll(whole, imageA, "<image id=\"nobody\">\n"),
          ""},
         {"a blank makes a line no data", ReplaceAll(whole, "\niVBOR", "\n iVBOR"), ""},
+        {"so that lines between are passed over", ReplaceAll(whole, "\niVBOR", "\na note\niVBOR"), "65 103 "},
+        {"a picture of the space", File({{"space", 32, 6, 3, 6, 3, 0, 2, 9}}), ""},
         {"data on the line of the word base64", ReplaceAll(whole, "base64\n\niVBOR", "base64 iVBOR"), ""},
         {"no </glyphs>", ReplaceAll(whole, "</glyphs>\n", ""), ""},
         {"no base64", ReplaceAll(whole, "base64", "none"), ""},
@@ -182,7 +191,9 @@ TEST_F(PhotofontTest, ToldLosses) {
         {"not base64 at all", ReplaceAll(whole, "iVBOR", "!!!!!"), ""},
     };
     for (const auto& c : cases) {
+        settings.PaddingTop = settings.SpacingAfter = 5;
         EXPECT_TRUE(Import(c.text)) << c.what;
+        EXPECT_EQ(settings.PaddingTop + settings.SpacingAfter, 0) << c.what;
         EXPECT_EQ(Codes(), c.codes) << c.what;
     }
     EXPECT_FALSE(MPhotofontImporter(nullptr).Import(folder.File("missing.phf"), &font));

@@ -43,7 +43,7 @@ TEST_F(ScriptImportTest, NumbersAreOneFlatList) {
                                                   "x['Baseline']=50;\n" // no brackets, no key
                                                   "y['Glyph']=[65,[1,2,2],1x-3;,4,66,0,0,1,1,0]];\n"
                                                   "['Kerning']=[65,66,-7],[32,65,1],[66,66,9],[67]\n"
-                                                  "z['Unknown']=[1];\n")));
+                                                  "z['Unknown']=[1];\nz['SpaceWidth"))); // cut off
     EXPECT_EQ(font.SpaceWidth, 5);
     EXPECT_EQ(font.Baseline, 0);
     const MGlyph& glyph = *font.GetGlyph(u'A');

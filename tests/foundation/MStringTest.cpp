@@ -52,6 +52,10 @@ TEST(String, OwnsExactlyWhatItNeeds) {
     const MString shorter("x");
     text = shorter;
     EXPECT_EQ(text.capacity, 26); // the old buffer is kept
+    text = u"yx";
+    text = text.Chars() + 1;
+    EXPECT_EQ(text.capacity, 26); // by wide text too, also from the own buffer
+    EXPECT_EQ(Narrow(text), "x");
 
     MString moved(std::move(text));
     EXPECT_TRUE(IsNullForm(text));
@@ -219,6 +223,7 @@ TEST(String, Extensions) {
     const std::pair<const char*, const char*> cases[] = {
         {"x.y", "Y"},
         {"a.", ""},
+        {".a", ""}, // shorter than three units
         {"ab.", ""},
         {"ab", ""},
         {"a.tar.gz", "GZ"},

@@ -222,6 +222,9 @@ TEST_F(GlyphRenderer, RunFillsSlotsAndTakesMetricsFromA) {
     settings.Selected.fill(0);
     settings.Selected[32] = 1;
     EXPECT_FALSE(font.GenerateSelectedCharacters()) << "the space is no character to render";
+    settings.Selected['H'] = 1;
+    EXPECT_TRUE(font.GenerateSelectedCharacters());
+    EXPECT_EQ(font.CapHeight + font.Baseline, 0) << "no other letter is measured";
 
     settings.Selected.fill(1);
     font.Glyphs[4] = std::make_unique<MGlyph>(0xA0, 5, 5, 0, 0, true);

@@ -112,6 +112,11 @@ TEST_F(ChosenPictures, YesAddsTheRestOfTheSeries) {
     EXPECT_EQ(font.GetGlyph(u'd')->Height, 30);
     EXPECT_EQ(Narrow(settings.Path(MPathKind::GlyphPicture).GetFileName()), "b.png") << "stays the chosen one";
     EXPECT_EQ(settings.Char, std::uint32_t{'b'});
+
+    folder.Write("c.png", "no picture");
+    font.Clear();
+    AddChosenPictures(font, false);
+    EXPECT_EQ(Characters(), "bd") << "what becomes no glyph doesn't end the walk";
 }
 
 TEST_F(ChosenPictures, AFileThatIsNoPictureIsPassedOver) {

@@ -71,6 +71,10 @@ TEST_F(Program, WithoutAWindowNothingIsWritten) {
 
 TEST_F(Program, OpensTheTextureFontItIsGiven) {
     const MString font = SomeFont();
+    Headless::script.dialogs[DialogId::About] = [] {
+        EXPECT_EQ(CurrentFont, nullptr) << "the About box comes first";
+        return true;
+    };
     const struct {
         MString file;
         std::int32_t glyphs; // -1: no font

@@ -1,0 +1,37 @@
+#include "platform/MProgressDialog.h"
+
+#include "DocumentFixture.h"
+#include "Text.h"
+
+#include <cmath>
+#include <string>
+#include <vector>
+
+namespace {
+
+using ProgressDialogTest = DocumentTest;
+
+TEST_F(ProgressDialogTest, TellsTheDesktopOfChangesOnly) {
+    MProgressDialog dialog;
+    dialog.Update(0.5F, "closed");
+    dialog.Close();
+    EXPECT_TRUE(Headless::record.progressPercents.empty());
+    dialog.Configure(AnyWindow());
+    dialog.Open();
+    dialog.Configure(nullptr);
+    EXPECT_EQ(dialog.owner, AnyWindow()) << "ignored while it is open";
+    for (const float fraction : {0.0F, 0.499F, 0.4999F, 1.5F, 1.0F, -2.0F, std::nanf("")})
+        dialog.Update(fraction, "A");
+    dialog.Update(0.0F, "B");
+    dialog.Close();
+    dialog.Update(0.7F, "C");
+    dialog.Open(); // starts clean, whatever was shown
+    dialog.Close();
+    EXPECT_EQ(Headless::record.progressPercents, (std::vector<std::int32_t>{0, 49, 100, 0, 0}));
+    std::vector<std::string> texts;
+    for (const MString& text : Headless::record.progressTexts)
+        texts.push_back(Narrow(text));
+    EXPECT_EQ(texts, (std::vector<std::string>{"", "A", "B", ""}));
+}
+
+} // namespace
