@@ -51,7 +51,7 @@ Gaps MeasureGlyph(const MGlyph& glyph) {
     // A glyph without a picture has no ink in any row.
     const std::size_t rows =
         glyph.Picture.IsValid()
-            ? std::min<std::size_t>(static_cast<std::size_t>(glyph.Height), glyph.Picture.Height)
+            ? std::min<std::size_t>(static_cast<std::size_t>(std::max(glyph.Height, 0)), glyph.Picture.Height)
             : 0;
     Gaps gaps{&glyph, std::vector<std::int32_t>(rows, noGap), std::vector<std::int32_t>(rows, noGap)};
     for (std::size_t row = 0; row < rows; ++row) {

@@ -16,6 +16,7 @@ protected:
     // A texture font of the letter "A".
     static MString SomeFont() {
         MPicture picture(8, 8, FormatRGBA8);
+        picture.Fill(MColour(0, 0, 255));
         EXPECT_TRUE(picture.Save(Home().File("some.png")));
         picture.Free();
         return Home().Write("some.sm", "Showmarquee TextureFont\nCHA\tA\t0\t0\t5\t100\n");
