@@ -51,7 +51,8 @@ void WriteFreshBlocks(const std::vector<std::size_t>& sizes) {
     }
 }
 
-void BareFreeType(benchmark::State& state, bool withResult) {
+template<bool withResult>
+void BareFreeType(benchmark::State& state) {
     UseSettings(static_cast<std::int32_t>(state.range(0)));
     const std::int32_t cell = MGlyphRenderer(nullptr).fontHeight * 2;
     const std::string file = MatchFont(family, 400, false)->file;
@@ -84,8 +85,18 @@ void GenerateSelectedCharacters(benchmark::State& state) {
     }
 }
 
-BENCHMARK_CAPTURE(BareFreeType, alone, false)->Arg(100)->Arg(512)->Arg(1024)->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(BareFreeType, andResult, true)->Arg(100)->Arg(512)->Arg(1024)->Unit(benchmark::kMillisecond);
+BENCHMARK(BareFreeType<false>)
+    ->Name("GenerateSelectedCharactersBare")
+    ->Arg(100)
+    ->Arg(512)
+    ->Arg(1024)
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK(BareFreeType<true>)
+    ->Name("GenerateSelectedCharactersBound")
+    ->Arg(100)
+    ->Arg(512)
+    ->Arg(1024)
+    ->Unit(benchmark::kMillisecond);
 BENCHMARK(GenerateSelectedCharacters)->Arg(100)->Arg(512)->Arg(1024)->Unit(benchmark::kMillisecond);
 
 } // namespace

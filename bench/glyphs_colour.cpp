@@ -56,7 +56,7 @@ std::vector<std::uint32_t> OutlinesOf(const MOpenFace& face, const MColourTable&
     return outlines;
 }
 
-void BareCairo(benchmark::State& state) {
+void GenerateInColourBare(benchmark::State& state) {
     const ColourFace& wish = faces[static_cast<std::size_t>(state.range(0))];
     if (!Use(state, wish)) return;
     const MGlyphRenderer sizes(nullptr);
@@ -102,7 +102,7 @@ void GenerateInColour(benchmark::State& state) {
     }
 }
 
-BENCHMARK(BareCairo)->DenseRange(0, 2)->Unit(benchmark::kMillisecond);
+BENCHMARK(GenerateInColourBare)->DenseRange(0, 2)->Unit(benchmark::kMillisecond);
 BENCHMARK(GenerateInColour)->DenseRange(0, 2)->Unit(benchmark::kMillisecond);
 
 } // namespace

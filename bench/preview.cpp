@@ -35,7 +35,7 @@ MColourFont& LargeFont() {
     return font;
 }
 
-void OnePassOverThePixels(benchmark::State& state) {
+void ShrinkAndPaintBound(benchmark::State& state) {
     const MPicture& picture = LargeFont().Picture;
     const std::size_t words = std::size_t{picture.Stride} * picture.Height / 8;
     for (auto _ : state) {
@@ -75,7 +75,7 @@ void PaintWhileResized(benchmark::State& state) {
     Headless::script.client = {0, 0, 1600, 900};
 }
 
-BENCHMARK(OnePassOverThePixels)->Unit(benchmark::kMillisecond);
+BENCHMARK(ShrinkAndPaintBound)->Unit(benchmark::kMillisecond);
 BENCHMARK(ShrinkAndPaint)->Unit(benchmark::kMillisecond);
 BENCHMARK(PaintAgain)->Unit(benchmark::kMillisecond);
 BENCHMARK(PaintWhileResized)->Unit(benchmark::kMillisecond);

@@ -137,7 +137,7 @@ void MemoryAtHeight1024(benchmark::State& state) {
         bytes += 4 * width * numberAfter("height", at);
     }
     state.counters["peakMB"] = peak / 1e6;
-    state.counters["ratio"] = peak / bytes;
+    state.counters["bounds"] = peak / bytes;
 }
 
 } // namespace
