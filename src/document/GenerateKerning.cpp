@@ -48,11 +48,7 @@ void MeasureRow(std::span<const MColour> row, std::int32_t& left, std::int32_t& 
 }
 
 Gaps MeasureGlyph(const MGlyph& glyph) {
-    // A glyph without a picture has no ink in any row.
-    const std::size_t rows =
-        glyph.Picture.IsValid()
-            ? std::min<std::size_t>(static_cast<std::size_t>(std::max(glyph.Height, 0)), glyph.Picture.Height)
-            : 0;
+    const auto rows = static_cast<std::size_t>(glyph.PictureRows());
     Gaps gaps{&glyph, std::vector<std::int32_t>(rows, noGap), std::vector<std::int32_t>(rows, noGap)};
     for (std::size_t row = 0; row < rows; ++row) {
         const auto y = static_cast<std::int32_t>(row);

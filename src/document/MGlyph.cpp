@@ -3,6 +3,7 @@
 #include "foundation/MDebug.h"
 #include "foundation/MNumbers.h"
 
+#include <algorithm>
 #include <cstring>
 
 namespace {
@@ -33,6 +34,11 @@ MColour MGlyph::GetPixel(std::int32_t x, std::int32_t y) const {
 
 void MGlyph::SetPixel(std::int32_t x, std::int32_t y, const MColour& colour) {
     Picture.SetPixel(x, y, colour);
+}
+
+std::int32_t MGlyph::PictureRows() const {
+    if (!Picture.IsValid() || Height < 1) return 0;
+    return static_cast<std::int32_t>(std::min(static_cast<std::uint32_t>(Height), Picture.Height));
 }
 
 bool MGlyph::RowsMatchPicture() const {

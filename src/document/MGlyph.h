@@ -41,6 +41,9 @@ public:
     // True if the picture is valid and exactly Width x Height, so that its rows can be read as they lie.
     bool RowsMatchPicture() const;
 
+    // The rows of Height that the picture has: fewer after a failed resize, and 0 without a picture.
+    std::int32_t PictureRows() const;
+
     void GetVerticalMargins(std::uint32_t& top, std::uint32_t& bottom) const;
     // Removes the empty columns at both sides but one, which stays at the right. Nothing happens where that
     // would not make the glyph narrower. The spacings stay.

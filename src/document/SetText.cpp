@@ -46,21 +46,16 @@ std::uint8_t Blend(std::uint8_t source, std::uint8_t alpha, std::uint8_t ground)
     return static_cast<std::uint8_t>((source * alpha + ground * (255 - alpha) + 127) / 255);
 }
 
-// A glyph may claim more rows than it has a picture for, or any number without one; it has no ink there.
-std::int32_t InkedHeight(const MGlyph& glyph) {
-    if (!glyph.Picture.IsValid()) return 0;
-    return static_cast<std::int32_t>(std::min<std::int64_t>(glyph.Height, glyph.Picture.Height));
-}
-
+// Without the rows that a glyph only claims, which hold no ink.
 std::int32_t HeightOf(const MColourFont& font) {
     std::int32_t height = 0;
     for (const auto& slot : font.Glyphs)
-        height = std::max(height, slot ? InkedHeight(*slot) : 0);
+        height = std::max(height, slot ? slot->PictureRows() : 0);
     return height;
 }
 
 void Draw(const MGlyph& glyph, std::int64_t left, MPicture& picture) {
-    for (std::int32_t y = 0; y < InkedHeight(glyph); ++y) {
+    for (std::int32_t y = 0; y < glyph.PictureRows(); ++y) {
         for (std::int32_t x = 0; x < glyph.Width; ++x) {
             const MColour ink = glyph.GetPixel(x, y);
             if (ink.a == 0) continue;

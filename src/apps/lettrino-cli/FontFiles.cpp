@@ -126,9 +126,11 @@ StepResult Open(Run& run, const std::string& file) {
     return {};
 }
 
-// A failure if one of these files stands there and can't be written over. What is looked at after writing would
-// be the old file then.
-StepResult RefuseProtected(const std::string& file, std::initializer_list<MString> targets) {
+// Why `file` can't be written, which makes the `targets`: its folder is missing, or one of them stands there
+// and can't be written over. What is looked at after writing would be the old one then.
+StepResult RefuseTargets(const std::string& file, std::initializer_list<MString> targets) {
+    const fs::path folder = ToSystemPath(FullPath(FromSystem(file))).parent_path();
+    if (!IsFolder(folder)) return StepFailure{file, "there is no folder " + folder.string()};
     for (const MString& target : targets) {
         std::error_code error;
         const fs::path path = ToSystemPath(target);
@@ -140,11 +142,9 @@ StepResult RefuseProtected(const std::string& file, std::initializer_list<MStrin
 
 StepResult Save(MColourFont& font, const std::string& file) {
     const MString path = FullPath(FromSystem(file)); // the font file records its picture's full path
-    const fs::path folder = ToSystemPath(path).parent_path();
-    if (!IsFolder(folder)) return StepFailure{file, "there is no folder " + folder.string()};
     const MString text = SiblingPath(path, "sm");
     const MString picture = SiblingPath(path, "png");
-    if (StepResult failure = RefuseProtected(file, {text, picture})) return failure;
+    if (StepResult failure = RefuseTargets(file, {text, picture})) return failure;
     if (!font.Save(path)) return StepFailure{file, "the font has no picture: there was no memory for it"};
 
     // Saving is a success for the program even where nothing could be written.
@@ -184,19 +184,17 @@ StepResult ExportPage(MColourFont& font, const std::string& file, bool minimal) 
     if (file.find(' ') != std::string::npos)
         return StepFailure{file, "a font for the web takes no blanks in its path"};
     const MString path = FullPath(FromSystem(file));
-    const fs::path folder = ToSystemPath(path).parent_path();
-    if (!IsFolder(folder)) return StepFailure{file, "there is no folder " + folder.string()};
     const MString picture = SiblingPath(path, "png");
     const MString script = SiblingPath(path, "js");
     const MString page = SiblingPath(path, "html");
-    if (StepResult failure = RefuseProtected(file, {picture, script, page})) return failure;
+    if (StepResult failure = RefuseTargets(file, {picture, script, page})) return failure;
     WarnOfName(minimal ? "--minimal-html" : "--html", WebFontName(path));
     const bool exported = font.ExportHtml(path, minimal);
 
     // Failed copies, and a picture that can't be written, are not told by the export.
     const bool whole = exported && IsWholePng(picture) && EndsAsWritten(script) && FileExists(page);
     if (!whole) return StepFailure{file, "the page, its script and its picture could not all be written"};
-    if (!FileExists(JoinPath(FromSystemPath(folder), "lettrino-1.0.js"))) {
+    if (!FileExists(JoinPath(path.GetFolder(), "lettrino-1.0.js"))) {
         return StepFailure{file, "the run-time script is missing beside the program, in Media/www"};
     }
     return {};
@@ -230,8 +228,7 @@ StepResult ReadNames(Run& run, const std::string& file) {
     return {};
 }
 
-// The path with no folder that wasn't typed, since the names of cubes are cut at the first dot of the whole
-// path:
+// The path with no folder that wasn't typed, since the names of cubes are cut at the first dot of it all:
 // "./a.png" is "a.png". What climbs with ".." becomes a full path.
 MString PathAsTyped(const std::string& file) {
     const fs::path typed = ToSystemPath(FromSystem(file));
@@ -242,12 +239,10 @@ MString PathAsTyped(const std::string& file) {
 
 StepResult ExportCubes(MColourFont& font, const std::string& file) {
     const MString path = PathAsTyped(file);
-    const fs::path folder = ToSystemPath(FullPath(FromSystem(file))).parent_path();
-    if (!IsFolder(folder)) return StepFailure{file, "there is no folder " + folder.string()};
     MString first = path;
     first.KeepBefore(".");
     first += "1.png";
-    if (StepResult failure = RefuseProtected(file, {first})) return failure;
+    if (StepResult failure = RefuseTargets(file, {first})) return failure;
     auto& told = Headless::record.messages;
     const std::size_t before = told.size();
     const bool exported = font.ExportLetterCubes(path);

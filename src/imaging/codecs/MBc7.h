@@ -1,4 +1,4 @@
-// BC7 blocks (BPTC), after chapter 20 of the Khronos Data Format Specification 1.3.
+// BC7 blocks (BPTC), after Khronos Data Format 1.3, chapter 20.
 #pragma once
 
 #include <cstdint>

@@ -141,7 +141,7 @@ bool WritePicture(png_structp png, png_infop info, const MPicture& picture, std:
 } // namespace
 
 bool SniffPng(std::span<const std::uint8_t> start) {
-    return StartsWith(start, "\x89PNG\r\n\x1A\n"); // PNG specification, 5.2
+    return StartsWith(start, "\x89PNG\r\n\x1A\n"); // ISO/IEC 15948, 5.2
 }
 
 bool DecodePng(MByteSource& file, std::int32_t frame, MPicture& picture) {

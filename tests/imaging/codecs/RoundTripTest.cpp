@@ -123,7 +123,7 @@ Bytes Sample(const MCodec& codec) {
     return tga;
 }
 
-// The check sum of the first chunk (PNG specification, annex D).
+// The check sum of the first chunk (ISO/IEC 15948, annex D).
 void MendPngHeader(Bytes& png) {
     std::uint32_t crc = 0xFFFFFFFF;
     for (std::size_t i = 12; i < 29; ++i) {
