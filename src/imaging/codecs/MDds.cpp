@@ -1,5 +1,6 @@
 #include "imaging/codecs/MDds.h"
 
+#include "imaging/codecs/MBc1.h"
 #include "imaging/codecs/MBc7.h"
 
 #include <squish.h>
@@ -110,15 +111,6 @@ std::uint32_t BytesPerBlock(MDdsFormat format) {
     case MDdsFormat::Bc3:
     case MDdsFormat::Bc5:
     case MDdsFormat::Bc7: return 16;
-    default: return 0;
-    }
-}
-
-int SquishFlag(MDdsFormat format) {
-    switch (format) {
-    case MDdsFormat::Bc1: return squish::kDxt1;
-    case MDdsFormat::Bc2: return squish::kDxt3;
-    case MDdsFormat::Bc3: return squish::kDxt5;
     default: return 0;
     }
 }
@@ -241,20 +233,38 @@ private:
     }
 };
 
-void DecompressBc7(const MDdsImage& image, std::uint8_t* rgba) {
+// The part of a block that lies inside of an image.
+struct BlockPlace {
+    std::size_t x;
+    std::size_t y;
+    std::size_t columns;
+    std::size_t rows;
+};
+
+template<typename Work>
+void ForEachBlock(const MDdsImage& image, Work work) {
+    for (std::size_t y = 0; y < image.height; y += 4) {
+        for (std::size_t x = 0; x < image.width; x += 4) {
+            work(BlockPlace{x, y, std::min<std::size_t>(4, image.width - x),
+                            std::min<std::size_t>(4, image.height - y)});
+        }
+    }
+}
+
+template<std::size_t BlockBytes>
+void DecompressBlocks(const MDdsImage& image, std::uint8_t* rgba,
+                      void (&decode)(std::span<const std::uint8_t, BlockBytes>, std::span<std::uint8_t, 64>)) {
     const std::uint8_t* block = image.GetImage();
     const std::size_t rowBytes = std::size_t{image.width} * 4;
     std::array<std::uint8_t, 64> pixels{};
-    for (std::size_t y = 0; y < image.height; y += 4) {
-        for (std::size_t x = 0; x < image.width; x += 4, block += Bc7BlockBytes) {
-            DecodeBc7Block(std::span<const std::uint8_t, Bc7BlockBytes>(block, Bc7BlockBytes), pixels);
-            const std::size_t columns = std::min<std::size_t>(4, image.width - x);
-            const std::size_t rows = std::min<std::size_t>(4, image.height - y);
-            for (std::size_t row = 0; row < rows; ++row) {
-                std::memcpy(rgba + (y + row) * rowBytes + x * 4, pixels.data() + row * 16, columns * 4);
-            }
+    ForEachBlock(image, [&](const BlockPlace& place) {
+        decode(std::span<const std::uint8_t, BlockBytes>(block, BlockBytes), pixels);
+        block += BlockBytes;
+        for (std::size_t row = 0; row < place.rows; ++row) {
+            std::memcpy(rgba + (place.y + row) * rowBytes + place.x * 4, pixels.data() + row * 16,
+                        place.columns * 4);
         }
-    }
+    });
 }
 
 } // namespace
@@ -277,22 +287,25 @@ bool LoadDds(MByteSource& file, MDdsImage& image) {
 }
 
 bool DecompressDds(const MDdsImage& image, MDdsImage& result) {
-    const int flag = SquishFlag(image.format);
-    if (!image.GetImage() || (flag == 0 && image.format != MDdsFormat::Bc7)) return false;
+    const bool decodes = image.format == MDdsFormat::Bc1 || image.format == MDdsFormat::Bc2 ||
+                         image.format == MDdsFormat::Bc3 || image.format == MDdsFormat::Bc7;
+    if (!image.GetImage() || !decodes) return false;
     result.format = MDdsFormat::Rgba8;
     result.width = image.width;
     result.height = image.height;
     result.pixels.reset(MGetMemory(result.SlicePitch()));
     if (!result.pixels) return false;
-    if (image.format == MDdsFormat::Bc7) {
-        DecompressBc7(image, result.pixels.get());
-        return true;
+    std::uint8_t* const rgba = result.pixels.get();
+    switch (image.format) {
+    case MDdsFormat::Bc1: DecompressBlocks(image, rgba, DecodeBc1Block); break;
+    case MDdsFormat::Bc2: DecompressBlocks(image, rgba, DecodeBc2Block); break;
+    case MDdsFormat::Bc3: DecompressBlocks(image, rgba, DecodeBc3Block); break;
+    default: DecompressBlocks(image, rgba, DecodeBc7Block); break;
     }
-    squish::DecompressImage(result.pixels.get(), static_cast<int>(image.width), static_cast<int>(image.height),
-                            image.GetImage(), flag);
     return true;
 }
 
+// Block by block, since the library counts the bytes of a whole image in an int.
 bool CompressDds(const MDdsImage& image, MDdsImage& result) {
     constexpr std::uint32_t most = 0x7FFFFFFF;
     if (image.format != MDdsFormat::Rgba8 || !image.GetImage() || image.width > most || image.height > most)
@@ -302,8 +315,19 @@ bool CompressDds(const MDdsImage& image, MDdsImage& result) {
     result.height = image.height;
     result.pixels.reset(MGetMemory(result.SlicePitch()));
     if (!result.pixels) return false;
-    squish::CompressImage(image.GetImage(), static_cast<int>(image.width), static_cast<int>(image.height),
-                          result.pixels.get(), squish::kDxt1);
+    std::uint8_t* block = result.pixels.get();
+    const std::size_t rowBytes = std::size_t{image.width} * 4;
+    ForEachBlock(image, [&](const BlockPlace& place) {
+        std::array<std::uint8_t, 64> pixels{};
+        int mask = 0; // of the pixels that are inside
+        for (std::size_t row = 0; row < place.rows; ++row) {
+            std::memcpy(pixels.data() + row * 16, image.GetImage() + (place.y + row) * rowBytes + place.x * 4,
+                        place.columns * 4);
+            mask |= ((1 << place.columns) - 1) << (4 * row);
+        }
+        squish::CompressMasked(pixels.data(), mask, block, squish::kDxt1);
+        block += Bc1BlockBytes;
+    });
     return true;
 }
 

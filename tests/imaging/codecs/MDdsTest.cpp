@@ -1,11 +1,14 @@
 #include "imaging/codecs/MDds.h"
 
 #include "imaging/codecs/Coding.h"
+#include "imaging/codecs/MBc1.h"
 #include "imaging/codecs/MBc7.h"
 
 #include <gtest/gtest.h>
 
 #include <array>
+#include <cstdlib>
+#include <cstring>
 
 TEST(Dds, ReadsTheListedFormats) {
     int files = 0;
@@ -42,6 +45,56 @@ TEST(Dds, WritesBc1AndWideChannels) {
     EXPECT_EQ(wide.size(), 128U + 5 * 6 * 8);
     const OwnedPicture halves = Decoded("DDS", Encoded("DDS", SmoothPicture(2, 2, FormatRHalf)));
     EXPECT_EQ(halves.GetPixelHalf(0, 0).a, Imath::half(1.0F));
+}
+
+// Random blocks by exact fractions of whole numbers, each rounded to the nearest byte. Halfway between two end
+// points there may be two.
+TEST(Bc1, MatchesExactFractions) {
+    const auto isNearest = [](int byte, int above, int below) {
+        return 2 * std::abs(byte * below - above) <= below;
+    };
+    Random random(1);
+    for (int i = 0; i < 100'000; ++i) {
+        std::array<std::uint8_t, Bc2BlockBytes> block{};
+        for (auto& byte : block)
+            byte = static_cast<std::uint8_t>(random() >> 24);
+        std::array<std::uint8_t, 64> bc1{}, bc2{}, bc3{};
+        const auto colours = std::span(block).subspan<8, 8>();
+        DecodeBc1Block(colours, bc1);
+        DecodeBc2Block(block, bc2);
+        DecodeBc3Block(block, bc3);
+        const int first = block[8] | block[9] << 8;
+        const int second = block[10] | block[11] << 8;
+        for (int pixel = 0; pixel < 16; ++pixel) {
+            const int index = block[static_cast<std::size_t>(12 + pixel / 4)] >> (pixel % 4 * 2) & 3;
+            const auto at = static_cast<std::size_t>(pixel * 4);
+            constexpr int shifts[] = {11, 5, 0}, most[] = {31, 63, 31};
+            for (std::size_t channel = 0; channel < 3; ++channel) {
+                const int a = first >> shifts[channel] & most[channel];
+                const int b = second >> shifts[channel] & most[channel];
+                const int thirds[] = {3 * a, 3 * b, 2 * a + b, a + 2 * b};
+                const int halves[] = {2 * a, 2 * b, a + b, 0};
+                const bool four = first > second;
+                ASSERT_TRUE(isNearest(bc1[at + channel], 255 * (four ? thirds : halves)[index],
+                                      (four ? 3 : 2) * most[channel]))
+                    << a << " " << b << " " << index;
+                ASSERT_TRUE(isNearest(bc2[at + channel], 255 * thirds[index], 3 * most[channel]));
+                ASSERT_EQ(bc3[at + channel], bc2[at + channel]);
+            }
+            ASSERT_EQ(bc1[at + 3], first <= second && index == 3 ? 0 : 255);
+            ASSERT_EQ(bc2[at + 3], (block[static_cast<std::size_t>(pixel / 2)] >> (pixel % 2 * 4) & 15) * 17);
+            std::uint64_t indices = 0;
+            std::memcpy(&indices, block.data() + 2, 6);
+            const int step = static_cast<int>(indices >> (pixel * 3) & 7);
+            const int steps = block[0] > block[1] ? 7 : 5;
+            const int sum = step == 0       ? block[0] * steps
+                            : step == 1     ? block[1] * steps
+                            : step <= steps ? block[0] * (steps - step + 1) + block[1] * (step - 1)
+                                            : (step == 7 ? 255 * steps : 0);
+            ASSERT_TRUE(isNearest(bc3[at + 3], sum, steps))
+                << int{block[0]} << " " << int{block[1]} << " " << step;
+        }
+    }
 }
 
 // Random blocks of every mode, 4096 of each. The sums are those of what another decoder (Pillow 9.4) makes of
