@@ -24,12 +24,16 @@ std::uint64_t BigEndian(Bytes bytes, std::size_t offset, std::size_t count) {
 
 class References {
 public:
+    // A file that names every part once has no more of them than bytes; only boxes that lie within one another
+    // could have this read more.
+    explicit References(std::size_t fileBytes) : unread(fileBytes) {}
+
     // The boxes behind the header of a reference box, up to the first that is none.
     void AddAll(Bytes boxes, std::size_t idBytes) {
         constexpr std::size_t header = 8;
         while (boxes.size() >= header) {
             const std::uint64_t size = BigEndian(boxes, 0, 4);
-            if (size < header || size > boxes.size()) return;
+            if (size < header || size > boxes.size() || !Take(header)) return;
             const Bytes box = boxes.first(static_cast<std::size_t>(size));
             // A derived picture names its parts; an auxiliary one, the alpha of another, is decoded with that.
             if (StartsWith(box.subspan(4), "dimg")) Add(box.subspan(header), idBytes, false);
@@ -39,22 +43,30 @@ public:
     }
 
     bool End() {
-        return std::ranges::all_of(parts,
-                                   [this](const auto& item) { return Count(item.first, 0) <= mostParts; });
+        return !overlap && std::ranges::all_of(
+                               parts, [this](const auto& item) { return Count(item.first, 0) <= mostParts; });
     }
 
 private:
     static constexpr std::uint32_t tooMany = mostParts + 1;
 
+    std::size_t unread; // bytes
+    bool overlap = false;
     std::map<std::uint64_t, std::vector<std::uint64_t>> parts; // of each item
     std::map<std::uint64_t, std::uint32_t> counts;             // of those that were counted
+
+    bool Take(std::size_t bytes) {
+        overlap |= bytes > unread;
+        unread -= std::min(bytes, unread);
+        return !overlap;
+    }
 
     void Add(Bytes box, std::size_t idBytes, bool backwards) {
         if (box.size() < idBytes + 2) return;
         const std::uint64_t from = BigEndian(box, 0, idBytes);
         const auto count = static_cast<std::size_t>(BigEndian(box, idBytes, 2));
         const Bytes ids = box.subspan(idBytes + 2);
-        for (std::size_t i = 0; i < count && (i + 1) * idBytes <= ids.size(); ++i) {
+        for (std::size_t i = 0; i < count && (i + 1) * idBytes <= ids.size() && Take(idBytes); ++i) {
             const std::uint64_t to = BigEndian(ids, i * idBytes, idBytes);
             backwards ? parts[to].push_back(from) : parts[from].push_back(to);
         }
@@ -78,7 +90,7 @@ private:
 
 bool ReferencesEnd(Bytes file) {
     constexpr std::string_view name = "iref";
-    References references;
+    References references(file.size());
     // Wherever a box of this name may stand; its own size doesn't matter.
     for (Bytes rest = file;;) {
         const auto found = std::search(rest.begin(), rest.end(), name.begin(), name.end());

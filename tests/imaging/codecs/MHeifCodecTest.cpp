@@ -108,6 +108,19 @@ TEST(HeifCodec, PicturesMadeOfOneAnotherAreRefused) {
     }
 }
 
+// Each box of references lies in all that stand before it, so that a walk through each would take 2 GB.
+TEST(HeifCodec, ReferencesThatOverlapAreRefused) {
+    constexpr std::uint32_t count = 20'000;
+    constexpr std::uint32_t unit = 20;
+    Bytes bytes;
+    for (std::uint32_t i = 0; i < count; ++i) {
+        bytes.insert(bytes.end(), {'i', 'r', 'e', 'f', 0, 0, 0, 0});
+        Append(bytes, {{(count - i) * unit - 8, 4}});
+        bytes.insert(bytes.end(), {'d', 'i', 'm', 'g', 0, 1, 0xFF, 0xFF});
+    }
+    EXPECT_FALSE(ReferencesEnd(bytes));
+}
+
 TEST(HeifCodec, SmallFilesDontTakeAllMemory) {
     for (const char* name : {"heif/made-of-itself.heic", "heif/grid-larger-than-told.heic"})
         EXPECT_FALSE(Decoded("HEIF", DataFile(name)).IsValid()) << name;
