@@ -26,8 +26,7 @@ function(lettrino_compressed file name destination)
 endfunction()
 file(MAKE_DIRECTORY ${PROJECT_BINARY_DIR}/compressed)
 
-install(TARGETS lettrino lettrino-cli RUNTIME DESTINATION ${home})
-install(TARGETS lettrino-steps LIBRARY DESTINATION ${home})
+install(TARGETS lettrino lettrino-cli lettrino-svg RUNTIME DESTINATION ${home})
 install(DIRECTORY Media DESTINATION ${shared})
 # Where texture fonts are looked for at first. The program makes it if it may, and then nobody would remove it.
 install(DIRECTORY DESTINATION ${shared}/Media/Fonts)

@@ -1,7 +1,10 @@
 #include "document/MColourFont.h"
 #include "document/MSettings.h"
+#include "foundation/Product.h"
 #include "glyphs/MGlyphRenderer.h"
+#include "platform/Desktop.h"
 #include "platform/MProgressDialog.h"
+#include "platform/text/MSvgGlyphs.h"
 
 #include <cstdint>
 
@@ -18,6 +21,16 @@ void TakeMetrics(MColourFont& font, const MGlyph& letter) {
     font.Baseline = static_cast<std::int32_t>(bottom);
 }
 
+// The characters whose drawings in the font ended what draws them, or took it too long.
+void TellLost(Desktop::WindowHandle owner, const MString& characters, std::int32_t count) {
+    if (count == 0) return;
+    Desktop::ShowMessage(
+        owner,
+        "The drawings of these " + MString(count) + " characters in the font \"" + Settings->FontName +
+            "\" can't be drawn, or take too much time or memory. They are left empty:\n\n" + characters,
+        ProductName, Desktop::Buttons::Ok, Desktop::Icon::Warning);
+}
+
 } // namespace
 
 bool MColourFont::GenerateSelectedCharacters() {
@@ -29,6 +42,9 @@ bool MColourFont::GenerateSelectedCharacters() {
     ProgressDialog.Configure(Owner);
     ProgressDialog.Open();
     std::int32_t done = 0;
+    MString lost;
+    std::int32_t lostCount = 0;
+    MSvgGlyphs::TakeLost();
     for (std::uint16_t code = firstCode; code <= lastCode; ++code) {
         if (!Settings->Selected[code]) continue;
         ++done;
@@ -39,8 +55,14 @@ bool MColourFont::GenerateSelectedCharacters() {
         if (slot < 0) continue;
         auto& glyph = Glyphs[static_cast<std::size_t>(slot)];
         glyph = renderer.RenderGlyph(code);
+        if (MSvgGlyphs::TakeLost() > 0) {
+            const char16_t unit = code;
+            lost += MString(std::u16string_view(&unit, 1));
+            ++lostCount;
+        }
         if (glyph && code == u'A' && (CapHeight == 0 || Baseline == 0)) TakeMetrics(*this, *glyph);
     }
     ProgressDialog.Close();
+    TellLost(Owner, lost, lostCount);
     return true;
 }

@@ -135,3 +135,41 @@ TEST(SvgGlyphs, HugeAndBrokenDocumentsHaveNoGlyphs) {
         EXPECT_FALSE(glyphs.Has(3)) << length;
     }
 }
+
+// Each of these ends the library's process or holds it up, two of them while they are read.
+TEST(SvgGlyphs, ADocumentThatEndsItsRendererCostsNothingButItsGlyph) {
+    struct Case {
+        const char* name;
+        std::string definitions;
+        bool takesAll;
+    };
+    const auto filter = [](const std::string& primitives) {
+        return "<filter id='f' x='0' y='0' width='1' height='1'>" + primitives + "</filter>";
+    };
+    std::string kernel;
+    for (int i = 0; i < 30 * 30; ++i)
+        kernel += "1 ";
+    std::string style = "<style>";
+    for (int i = 0; i < 30'000; ++i)
+        style += "g>g>g>.x" + std::to_string(i) + "{x:y}";
+    style += "</style>";
+    for (int i = 0; i < 30'000; ++i)
+        style += "<g class='x1'/>";
+    for (const Case& c :
+         {Case{"tile", filter("<feFlood x='0' y='0' width='0' height='0' result='e'/><feTile in='e'/>"), false},
+          Case{"matrix", filter("<feConvolveMatrix order='30' kernelMatrix='" + kernel + "'/>"), true},
+          Case{"octaves", filter("<feTurbulence baseFrequency='0.1' numOctaves='1000000'/>"), false},
+          Case{"style", style, true}}) {
+        MSvgGlyphs glyphs(
+            Table(Document(c.definitions +
+                           "<g id='glyph3'><rect width='1000' height='1000' y='-500' filter='url(#f)'/></g>"
+                           "<rect id='glyph4' width='1000' height='1000' y='-1000' fill='#00ff00'/>")),
+            {});
+        MSvgGlyphs::TakeLost();
+        EXPECT_EQ(PixelOf(glyphs, 4, 50, 50), c.takesAll ? 0U : 0xFF00FF00U) << c.name;
+        EXPECT_EQ(PixelOf(glyphs, 3, 50, 50), 0U) << c.name << ": drawn, and empty";
+        EXPECT_EQ(PixelOf(glyphs, 3, 50, 50), 0U) << c.name;
+        EXPECT_EQ(MSvgGlyphs::TakeLost(), c.takesAll ? 2 : 1) << c.name << ": each is counted once";
+        EXPECT_EQ(PixelOf(glyphs, 4, 50, 50), c.takesAll ? 0U : 0xFF00FF00U) << c.name << ": the others stay";
+    }
+}

@@ -3,7 +3,6 @@
 #include "apps/lettrino-cli/FontFiles.h"
 #include "apps/lettrino-cli/PictureSteps.h"
 #include "apps/lettrino-cli/Report.h"
-#include "apps/lettrino-cli/StepNames.h"
 #include "apps/lettrino-cli/Words.h"
 #include "document/ChangeGlyphHeight.h"
 #include "foundation/MNumbers.h"
@@ -12,7 +11,8 @@
 
 #include <algorithm>
 #include <array>
-#include <string_view>
+#include <cstdio>
+#include <ranges>
 
 namespace {
 
@@ -26,6 +26,34 @@ Prepared Set(const std::optional<Value>& value) {
         run.settings.*Field = value;
         return {};
     };
+}
+
+Prepared SetFamily(StepArguments arguments) {
+    return Set<&MSettings::FontName>(std::optional(FromSystem(arguments[0])));
+}
+
+Prepared SetWeight(StepArguments arguments) {
+    return Set<&MSettings::Weight>(ReadNumber(arguments[0]));
+}
+
+Prepared SetItalic(StepArguments) {
+    return Set<&MSettings::Italic>(std::optional(true));
+}
+
+Prepared SetColour(StepArguments arguments) {
+    return Set<&MSettings::Colour>(ReadColour(arguments[0]));
+}
+
+Prepared SetColourFont(StepArguments) {
+    return Set<&MSettings::ColourFont>(std::optional(true));
+}
+
+Prepared SetBackground(StepArguments arguments) {
+    return Set<&MSettings::BackgroundColour>(ReadColour(arguments[0]));
+}
+
+Prepared SetSelection(StepArguments arguments) {
+    return Set<&MSettings::Selected>(ReadSelection(arguments[0]));
 }
 
 std::optional<std::int32_t> ReadHeight(const std::string& text) {
@@ -47,10 +75,21 @@ StepResult RepackResult(MColourFont& font) {
     return PackedResult(font.Repack());
 }
 
+// What a window would have told while the step was done, which did not end it: each in one line.
+void PrintMessages(const char* step, std::size_t first) {
+    for (const Headless::Message& message : Headless::record.messages | std::views::drop(first)) {
+        std::string text = ToSystem(message.text);
+        std::ranges::replace(text, '\n', ' ');
+        std::fprintf(stderr, "lettrino-cli: %s: %s\n", step, text.c_str());
+    }
+}
+
 Prepared Generate(StepArguments) {
     return [](Run& run) -> StepResult {
         MColourFont& font = run.FontOrNew();
+        const std::size_t told = Headless::record.messages.size();
         if (!font.GenerateSelectedCharacters()) return StepFailure{{}, "no character is selected"};
+        PrintMessages("--generate", told);
         if (StepResult failure = RepackResult(font)) return failure;
         for (std::size_t code = 33; code < run.settings.Selected.size(); ++code) {
             if (run.settings.Selected[code] && font.GetGlyph(static_cast<char16_t>(code))) return {};
@@ -136,60 +175,57 @@ Prepared Resize(StepArguments arguments) {
     });
 }
 
-struct Preparation {
-    std::string_view name;
-    PrepareStep prepare;
+constexpr std::array steps{
+    Step{"--family", "NAME", 1, "the font family to render; a missing one is substituted (Arial Black)",
+         SetFamily},
+    Step{"--weight", "N", 1, "its weight, 100 to 900 (400)", SetWeight},
+    Step{"--italic", "", 0, "its italic face", SetItalic},
+    Step{"--height", "N", 1, "the glyph height in pixels, limited to 16 to 1024 (100)", SetHeight},
+    Step{"--colour", "RRGGBB", 1, "the colour of plain glyphs (FF0000)", SetColour},
+    Step{"--colour-font", "", 0, "glyphs in the font's own colours; what it does not colour is white",
+         SetColourFont},
+    Step{"--background", "RRGGBB", 1, "the background colour (FFFFFF)", SetBackground},
+    Step{"--select", "SET", 1, "the characters: A-Z,a-z,48-57,U+00E9 or all (33 to 255) or none (A-Z)",
+         SetSelection},
+    Step{"--font-file", "FILE", 1, "makes the faces of a font file available, as if installed",
+         PrepareFontFile},
+    Step{"--generate", "", 0, "renders the selected characters into the font, then repacks", Generate},
+    Step{"--open", "FILE", 1, "opens a font: .sm, .js of a web page, or .phf; then repacks", PrepareOpen},
+    Step{"--padding", "TOP,BOTTOM", 1, "pixels above and below the pictures that follow (0,0)",
+         SetPair<&MSettings::PaddingTop, &MSettings::PaddingBottom>},
+    Step{"--spacing", "BEFORE,AFTER", 1, "spacings of the pictures that follow (0,0)",
+         SetPair<&MSettings::SpacingBefore, &MSettings::SpacingAfter>},
+    Step{"--trim", "yes|no", 1, "whether their empty columns are removed (yes)", SetTrim},
+    Step{"--picture", "CHAR=FILE", 1, "a picture as a glyph; the first one of a new font sets its height",
+         PreparePicture},
+    Step{"--pictures", "CHAR=FILE", 1,
+         "the same with all pictures that follow it: A.png, B.png or x65.png, x66.png", PreparePictures},
+    Step{"--kern", "", 0, "generates and sorts the kerning", Kern},
+    Step{"--set-kerning", "L,R,N", 1, "sets the kerning of a pair in pixels", SetKerning},
+    Step{"--remove", "CHAR", 1, "removes a glyph and its kerning", Remove},
+    Step{"--ascii-only", "", 0, "removes the glyphs from code 128 on", EditAll<&MColourFont::RemoveNonAscii>},
+    Step{"--trim-rows", "", 0, "removes the rows that are empty in all glyphs",
+         EditAll<&MColourFont::TrimVertically>},
+    Step{"--resize", "N", 1, "scales the font to a glyph height, limited to 16 to 1024",
+         Resize<Desktop::Answer::No>},
+    Step{"--resize-normalised", "N", 1,
+         "the same to the height at which capitals take 70 % of N; N itself without a cap height",
+         Resize<Desktop::Answer::Yes>},
+    Step{"--save", "FILE.sm", 1, "writes the font as a texture font, FILE.sm and FILE.png", PrepareSave},
+    Step{"--single-files", "FOLDER", 1, "writes each glyph as a PNG into a folder", PrepareSingleFiles},
+    Step{"--html", "FILE.html", 1, "writes a web page on which the font can be tried, and all it needs",
+         PrepareHtml},
+    Step{"--minimal-html", "FILE.html", 1, "the same with a minimal page", PrepareMinimalHtml},
+    Step{"--names", "TEXTFILE", 1, "the names that the letter cubes shall spell, one to a line", PrepareNames},
+    Step{"--cubes", "FILE.png", 1,
+         "writes the nets of letter cubes, FILE1.png and so on; prints their statistics", PrepareCubes},
+    Step{"--text", "TEXT FILE.png", 2, "sets a line of text with the font, on the background", PrepareText},
+    Step{"--info", "", 0, "prints the font's numbers as JSON", PrepareInfo},
+    Step{"--list-fonts", "", 0, "prints the installed faces as JSON", PrepareFontList},
 };
-
-constexpr std::array preparations{
-    Preparation{"--family",
-                [](StepArguments arguments) {
-                    return Set<&MSettings::FontName>(std::optional(FromSystem(arguments[0])));
-                }},
-    Preparation{"--weight",
-                [](StepArguments arguments) { return Set<&MSettings::Weight>(ReadNumber(arguments[0])); }},
-    Preparation{"--italic", [](StepArguments) { return Set<&MSettings::Italic>(std::optional(true)); }},
-    Preparation{"--height", SetHeight},
-    Preparation{"--colour",
-                [](StepArguments arguments) { return Set<&MSettings::Colour>(ReadColour(arguments[0])); }},
-    Preparation{"--colour-font",
-                [](StepArguments) { return Set<&MSettings::ColourFont>(std::optional(true)); }},
-    Preparation{
-        "--background",
-        [](StepArguments arguments) { return Set<&MSettings::BackgroundColour>(ReadColour(arguments[0])); }},
-    Preparation{"--select",
-                [](StepArguments arguments) { return Set<&MSettings::Selected>(ReadSelection(arguments[0])); }},
-    Preparation{"--font-file", PrepareFontFile},
-    Preparation{"--generate", Generate},
-    Preparation{"--open", PrepareOpen},
-    Preparation{"--padding", SetPair<&MSettings::PaddingTop, &MSettings::PaddingBottom>},
-    Preparation{"--spacing", SetPair<&MSettings::SpacingBefore, &MSettings::SpacingAfter>},
-    Preparation{"--trim", SetTrim},
-    Preparation{"--picture", PreparePicture},
-    Preparation{"--pictures", PreparePictures},
-    Preparation{"--kern", Kern},
-    Preparation{"--set-kerning", SetKerning},
-    Preparation{"--remove", Remove},
-    Preparation{"--ascii-only", EditAll<&MColourFont::RemoveNonAscii>},
-    Preparation{"--trim-rows", EditAll<&MColourFont::TrimVertically>},
-    Preparation{"--resize", Resize<Desktop::Answer::No>},
-    Preparation{"--resize-normalised", Resize<Desktop::Answer::Yes>},
-    Preparation{"--save", PrepareSave},
-    Preparation{"--single-files", PrepareSingleFiles},
-    Preparation{"--html", PrepareHtml},
-    Preparation{"--minimal-html", PrepareMinimalHtml},
-    Preparation{"--names", PrepareNames},
-    Preparation{"--cubes", PrepareCubes},
-    Preparation{"--text", PrepareText},
-    Preparation{"--info", PrepareInfo},
-    Preparation{"--list-fonts", PrepareFontList},
-};
-
-static_assert(std::ranges::equal(preparations, stepNames, {}, &Preparation::name, &StepName::name),
-              "every step that is named has its preparation, in the same order");
 
 } // namespace
 
-PrepareStep PreparationOf(std::size_t step) {
-    return preparations[step].prepare;
+std::span<const Step> AllSteps() {
+    return steps;
 }

@@ -21,8 +21,16 @@ using StepArguments = std::span<const std::string>;
 // Understands a step's arguments, before any step is done. Nothing if they mean nothing.
 using PrepareStep = std::optional<StepAction> (*)(StepArguments arguments);
 
-// Of the step at this place of stepNames.
-PrepareStep PreparationOf(std::size_t step);
+struct Step {
+    const char* name;      // "--save"
+    const char* arguments; // as the help shows them, separated by blanks; empty for none
+    int argumentCount;
+    const char* help;
+    PrepareStep prepare;
+};
+
+// All that the command line understands, in the order of the help.
+std::span<const Step> AllSteps();
 
 // The action of a step that needs a document, which fails without one.
 template<typename Work>

@@ -2,33 +2,40 @@
 // starting from the default settings; the user's own settings and folders play no part.
 //
 // Status 0: all steps done. 1: a step failed; one line on standard error names it, its file and the reason.
-// 2: wrong usage.
+// 2: wrong usage, found before any step is done.
 
-#include "apps/lettrino-cli/StepModule.h"
-#include "apps/lettrino-cli/StepNames.h"
+#include "apps/lettrino-cli/Steps.h"
+#include "foundation/MUtf8.h"
+#include "platform/headless/Headless.h"
 
 #include <CLI/CLI.hpp>
-#include <dlfcn.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cstdio>
-#include <filesystem>
 #include <string>
 #include <unordered_map>
 #include <vector>
 
 namespace {
 
-using StepOptions = std::unordered_map<const CLI::Option*, std::size_t>;
+constexpr int statusFailed = 1;
+constexpr int statusWrongUsage = 2;
+
+struct StepCall {
+    const Step* step;
+    std::vector<std::string> arguments;
+};
+
+using StepOptions = std::unordered_map<const CLI::Option*, const Step*>;
 
 void ReportError(const std::string& text) {
-    std::fputs(ErrorLine(text).c_str(), stderr);
+    std::fprintf(stderr, "lettrino-cli: %s\n", text.c_str());
 }
 
 StepOptions AddSteps(CLI::App& app) {
     StepOptions options;
-    for (std::size_t i = 0; i < stepNames.size(); ++i) {
-        const StepName& step = stepNames[i];
+    for (const Step& step : AllSteps()) {
         CLI::Option* option = nullptr;
         if (step.argumentCount == 0) {
             option = app.add_flag(step.name, step.help)->disable_flag_override();
@@ -40,7 +47,7 @@ StepOptions AddSteps(CLI::App& app) {
                          ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
                          ->allow_extra_args(false);
         }
-        options[option] = i;
+        options[option] = &step;
     }
     return options;
 }
@@ -52,7 +59,7 @@ std::vector<StepCall> InOrder(const CLI::App& app, const StepOptions& options) {
     for (const CLI::Option* option : app.parse_order()) {
         const auto known = options.find(option);
         if (known == options.end()) continue;
-        const int count = stepNames[known->second].argumentCount;
+        const int count = known->second->argumentCount;
         const auto words = static_cast<std::size_t>(std::max(count, 1));
         const std::size_t word = taken[option]++;
         if (word % words == 0) calls.push_back({known->second, {}});
@@ -61,21 +68,44 @@ std::vector<StepCall> InOrder(const CLI::App& app, const StepOptions& options) {
     return calls;
 }
 
-// Beside the program; asked for by its full path, since a run path is not followed under every run time.
-std::string ModulePath() {
-    std::error_code error;
-    const auto program = std::filesystem::read_symlink("/proc/self/exe", error);
-    return (program.parent_path() / StepModuleFile).string();
+void ShowProgressBar(std::int32_t percent, const MString& text) {
+    constexpr int width = 40;
+    if (percent < 0) {
+        std::fputs("\r\033[K", stderr);
+        return;
+    }
+    const std::string bar(static_cast<std::size_t>(percent * width / 100), '#');
+    std::fprintf(stderr, "\r%s [%-*s] %d%%\033[K", ToSystem(text).c_str(), width, bar.c_str(), percent);
 }
 
-int LoadAndRun(const std::vector<StepCall>& calls) {
-    void* const module = dlopen(ModulePath().c_str(), RTLD_NOW | RTLD_LOCAL); // stays loaded to the end
-    void* const function = module ? dlsym(module, RunStepsName) : nullptr;
-    if (!function) {
-        ReportError(dlerror());
-        return StatusFailed;
+std::string Describe(const Step& step, const StepFailure& failure) {
+    return std::string(step.name) + ": " + (failure.file.empty() ? "" : failure.file + ": ") + failure.reason;
+}
+
+std::string DescribeUsage(const Step& step, const std::string& argument) {
+    return std::string(step.name) + " '" + argument + "': wrong usage; it is " + step.name + " " +
+           step.arguments + ": " + step.help;
+}
+
+int RunSteps(const std::vector<StepCall>& calls) {
+    std::vector<StepAction> actions;
+    for (const auto& [step, arguments] : calls) {
+        auto action = step->prepare(arguments);
+        if (!action) {
+            ReportError(DescribeUsage(*step, arguments[0]));
+            return statusWrongUsage;
+        }
+        actions.push_back(std::move(*action));
     }
-    return reinterpret_cast<RunStepsFunction>(function)(calls);
+    if (isatty(STDERR_FILENO)) Headless::script.onProgress = ShowProgressBar;
+    Run run;
+    for (std::size_t i = 0; i < calls.size(); ++i) {
+        if (const StepResult failure = actions[i](run)) {
+            ReportError(Describe(*calls[i].step, *failure));
+            return statusFailed;
+        }
+    }
+    return 0;
 }
 
 } // namespace
@@ -93,12 +123,12 @@ int main(int argc, char** argv) {
         return app.exit(request);
     } catch (const CLI::ParseError& error) {
         ReportError(std::string(error.what()) + "; --help lists the steps");
-        return StatusWrongUsage;
+        return statusWrongUsage;
     }
     const std::vector<StepCall> calls = InOrder(app, options);
     if (calls.empty()) {
         ReportError("no steps; --help lists them");
-        return StatusWrongUsage;
+        return statusWrongUsage;
     }
-    return LoadAndRun(calls);
+    return RunSteps(calls);
 }

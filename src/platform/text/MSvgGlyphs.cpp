@@ -1,18 +1,25 @@
 #include "platform/text/MSvgGlyphs.h"
 
+#include "foundation/MDebug.h"
+#include "foundation/MNumbers.h"
 #include "platform/text/MColourTable.h"
 
-#include <librsvg/rsvg.h>
+#include <cairo.h>
 #include <zlib.h>
 
 #include <algorithm>
 #include <array>
 #include <charconv>
-#include <optional>
+#include <cmath>
+#include <utility>
 
 namespace {
 
 constexpr std::string_view variable = "var(--color";
+constexpr double largestSide = 16384; // pixels of an image to draw on
+
+// Of all fonts, since the last TakeLost.
+std::int32_t lostGlyphs = 0;
 
 std::optional<std::string> Inflate(std::span<const std::uint8_t> bytes) {
     z_stream stream{};
@@ -32,10 +39,6 @@ std::optional<std::string> Inflate(std::span<const std::uint8_t> bytes) {
     inflateEnd(&stream);
     if (result != Z_STREAM_END || text.size() > MSvgGlyphs::maximumDocument) return std::nullopt;
     return text;
-}
-
-std::string IdOf(std::uint16_t glyph) {
-    return "#glyph" + std::to_string(glyph);
 }
 
 std::string CssColour(MColour colour) {
@@ -97,11 +100,6 @@ std::string WithPalette(std::string_view document, const std::vector<std::uint8_
 MSvgGlyphs::MSvgGlyphs(std::vector<std::uint8_t> svgTable, std::vector<std::uint8_t> cpalTable)
     : svg(std::move(svgTable)), cpal(std::move(cpalTable)) {}
 
-MSvgGlyphs::~MSvgGlyphs() {
-    for (const auto& [offset, document] : documents)
-        if (document.handle) g_object_unref(document.handle);
-}
-
 // OpenType 1.9, chapter "SVG": a header, then the list of documents, sorted by glyph.
 MSvgGlyphs::Place MSvgGlyphs::Find(std::uint16_t glyph) const {
     MTableView table(svg);
@@ -113,47 +111,75 @@ MSvgGlyphs::Place MSvgGlyphs::Find(std::uint16_t glyph) const {
     return place;
 }
 
-MSvgGlyphs::Document* MSvgGlyphs::Open(std::uint16_t glyph) {
-    const Place place = Find(glyph);
+const std::string* MSvgGlyphs::Open(const Place& place) {
     if (place.length == 0) return nullptr;
     if (const auto known = documents.find(place.offset); known != documents.end())
-        return known->second.handle ? &known->second : nullptr;
-    Document& document = documents[place.offset];
+        return known->second ? &*known->second : nullptr;
+    std::optional<std::string>& document = documents[place.offset];
 
     const auto bytes = std::span(svg).subspan(place.offset, place.length);
     const bool compressed = bytes.size() > 2 && bytes[0] == 0x1F && bytes[1] == 0x8B;
     std::optional<std::string> text =
         compressed ? Inflate(bytes) : std::string(reinterpret_cast<const char*>(bytes.data()), bytes.size());
-    if (!text || text->size() > maximumDocument) return nullptr;
+    if (!text || text->empty() || text->size() > maximumDocument) return nullptr;
     if (static_cast<std::size_t>(std::ranges::count(*text, '<')) > maximumElements) return nullptr;
-    const std::string content = WithPalette(*text, cpal);
-    // Without a base, no reference that leaves the document is followed.
-    document.handle =
-        rsvg_handle_new_from_data(reinterpret_cast<const guint8*>(content.data()), content.size(), nullptr);
-    return document.handle ? &document : nullptr;
+    document = WithPalette(*text, cpal);
+    return &*document;
+}
+
+bool MSvgGlyphs::Ask(const SvgWire::Request& request, MSvgRenderer::Image& image) {
+    const auto glyph = static_cast<std::uint16_t>(request.glyph);
+    if (lost.contains(glyph)) return true;
+    const Place place = Find(glyph);
+    const std::string* const text = Open(place);
+    if (!text) return false;
+    const auto result = renderer.Ask(request, place.offset, *text, image);
+    if (result != MSvgRenderer::Result::Lost) return result == MSvgRenderer::Result::Done;
+    image = {};
+    lost.insert(glyph);
+    ++lostGlyphs;
+    DebugOutput(u"An SVG glyph could not be drawn within its time and memory\n");
+    return true;
 }
 
 bool MSvgGlyphs::Has(std::uint16_t glyph) {
     if (IsEmpty()) return false;
-    const Document* const document = Open(glyph);
-    return document && rsvg_handle_has_sub(document->handle, IdOf(glyph).c_str());
+    MSvgRenderer::Image none;
+    return Ask({.task = SvgWire::Task::HasElement, .glyph = glyph}, none);
 }
 
 bool MSvgGlyphs::Draw(cairo_t* context, std::uint16_t glyph, std::int32_t unitsPerEm, MColour foreground) {
-    if (!Has(glyph)) return false;
-    Document& document = *Open(glyph);
-    // A style makes librsvg go through the whole document.
-    if (!document.coloured || !(document.foreground == foreground)) {
-        const std::string style = "svg{color:" + CssColour(foreground) + "}";
-        rsvg_handle_set_stylesheet(document.handle, reinterpret_cast<const guint8*>(style.data()), style.size(),
-                                   nullptr);
-        document.coloured = true;
-        document.foreground = foreground;
-    }
-    const RsvgRectangle viewport{0, 0, static_cast<double>(unitsPerEm), static_cast<double>(unitsPerEm)};
+    if (IsEmpty()) return false;
+    SvgWire::Request request{.task = SvgWire::Task::Draw,
+                             .glyph = glyph,
+                             .viewport = static_cast<double>(unitsPerEm),
+                             .foreground = {foreground.r, foreground.g, foreground.b, foreground.a}};
+    cairo_matrix_t matrix;
+    cairo_get_matrix(context, &matrix);
     cairo_save(context);
-    const bool drawn =
-        rsvg_handle_render_layer(document.handle, context, IdOf(glyph).c_str(), &viewport, nullptr);
+    cairo_identity_matrix(context);
+    double left = 0, top = 0, right = 0, bottom = 0;
+    cairo_clip_extents(context, &left, &top, &right, &bottom);
+    left = std::floor(left);
+    top = std::floor(top);
+    request.width = ToInteger(std::clamp(std::ceil(right) - left, 0.0, largestSide));
+    request.height = ToInteger(std::clamp(std::ceil(bottom) - top, 0.0, largestSide));
+    std::ranges::copy(std::array{matrix.xx, matrix.yx, matrix.xy, matrix.yy, matrix.x0 - left, matrix.y0 - top},
+                      request.matrix);
+    MSvgRenderer::Image image;
+    const bool drawn = Ask(request, image);
+    if (!image.pixels.empty()) {
+        cairo_surface_t* const surface = cairo_image_surface_create_for_data(
+            reinterpret_cast<unsigned char*>(image.pixels.data()), CAIRO_FORMAT_ARGB32, image.place.width,
+            image.place.height, image.place.width * static_cast<int>(sizeof(std::uint32_t)));
+        cairo_set_source_surface(context, surface, left + image.place.x, top + image.place.y);
+        cairo_paint(context);
+        cairo_surface_destroy(surface);
+    }
     cairo_restore(context);
     return drawn;
+}
+
+std::int32_t MSvgGlyphs::TakeLost() {
+    return std::exchange(lostGlyphs, 0);
 }

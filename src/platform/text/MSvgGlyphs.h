@@ -1,17 +1,20 @@
 // The OpenType table SVG: glyphs as elements of SVG documents, which may be compressed and may each serve many
-// glyphs. Nothing outside the document is ever read for it.
+// glyphs. Nothing outside the document is ever read for it, and no document can end or hold up the program:
+// they are drawn by a process of their own (MSvgRenderer.h). A glyph that is lost there is empty.
 #pragma once
 
 #include "imaging/MColour.h"
+#include "platform/text/MSvgRenderer.h"
 #include "platform/text/MTableView.h"
 
 #include <cstdint>
 #include <map>
+#include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
 struct _cairo;
-struct _RsvgHandle;
 
 class MSvgGlyphs {
 public:
@@ -23,14 +26,16 @@ public:
     MSvgGlyphs(std::vector<std::uint8_t> svgTable, std::vector<std::uint8_t> cpalTable);
     MSvgGlyphs(const MSvgGlyphs&) = delete;
     MSvgGlyphs& operator=(const MSvgGlyphs&) = delete;
-    ~MSvgGlyphs();
 
     bool IsEmpty() const { return svg.empty(); }
-    // True if a document says that it serves the glyph and has an element for it.
+    // True if a document says that it serves the glyph and has an element for it, and for a lost one.
     bool Has(std::uint16_t glyph);
     // In coordinates whose unit is the font's, with y downwards and the origin on the baseline. `foreground` is
-    // the document's currentColor. False, with nothing painted, if Has is.
+    // the document's currentColor. False, with nothing painted, if Has is. A lost glyph paints nothing.
     bool Draw(_cairo* context, std::uint16_t glyph, std::int32_t unitsPerEm, MColour foreground);
+
+    // How many glyphs of all fonts were lost since the last call; each is counted once.
+    static std::int32_t TakeLost();
 
 private:
     struct Place {
@@ -40,16 +45,13 @@ private:
 
     std::vector<std::uint8_t> svg;
     std::vector<std::uint8_t> cpal;
-    struct Document {
-        _RsvgHandle* handle = nullptr; // null for one that can't be read
-        bool coloured = false;         // has a foreground
-        MColour foreground;
-    };
-
-    std::map<std::size_t, Document> documents; // by offset
+    std::map<std::size_t, std::optional<std::string>> documents; // by offset; none for one that is refused
+    std::set<std::uint16_t> lost;
+    MSvgRenderer renderer;
 
     Place Find(std::uint16_t glyph) const;
-    Document* Open(std::uint16_t glyph); // null if there is none that can be read
+    const std::string* Open(const Place& place); // null if there is none that can be read
+    bool Ask(const SvgWire::Request& request, MSvgRenderer::Image& image);
 };
 
 // The document's text with palette entries in place of var(--colorN, ...), or with what stands after the comma
