@@ -9,6 +9,7 @@
 #include "views/Windows.h"
 
 #include <QApplication>
+#include <QBackingStore>
 #include <QComboBox>
 #include <QDropEvent>
 #include <QElapsedTimer>
@@ -80,6 +81,16 @@ private:
         });
     }
 };
+
+// What is to be seen of a window, without painting it anew as QWidget::grab does. Qt's offscreen screen shows
+// of a dense window a quarter at best, and of windows that lie over one another any; what was painted there is
+// in the window's own image.
+QImage Shown(QWidget& window) {
+    if (QGuiApplication::platformName() != "offscreen")
+        return window.screen()->grabWindow(window.winId()).toImage();
+    const QPaintDevice* const painted = window.backingStore()->paintDevice();
+    return painted->devType() == QInternal::Image ? *static_cast<const QImage*>(painted) : QImage();
+}
 
 class MainWindowTest : public UserTest {
 protected:
@@ -185,19 +196,19 @@ TEST_F(MainWindowTest, TheWholeRoad) {
 
 TEST_F(MainWindowTest, TheProgressWindowIsSeenAndMoves) {
     std::set<int> percents;
-    std::set<QRgb> middles; // of the bar, as the screen shows it
+    std::set<QRgb> middles; // of the bar, as it stands on the screen
     QTimer look;
     look.callOnTimeout([&] {
         for (QWidget* const window : QApplication::topLevelWidgets()) {
             auto* const bar = window->findChild<QProgressBar*>();
             if (!bar || bar->window() != window || !window->windowHandle()->isExposed()) continue;
             percents.insert(bar->value());
-            const QPoint corner = window->mapToGlobal(QPoint(0, 0));
-            const QPixmap shown =
-                window->screen()->grabWindow(0, corner.x(), corner.y(), window->width(), window->height());
-            if (shown.isNull()) continue;
-            middles.insert(shown.toImage().pixel(bar->geometry().center() + QPoint(0, bar->height() / 4)));
-            if (bar->value() > 60 && bar->value() < 90) Keep(shown, "progress");
+            const QImage shown = Shown(*window);
+            const QPointF middle = bar->geometry().center() + QPoint(0, bar->height() / 4);
+            const QPoint pixel = (middle * shown.width() / window->width()).toPoint();
+            ASSERT_TRUE(shown.rect().contains(pixel));
+            middles.insert(shown.pixel(pixel));
+            if (bar->value() > 60 && bar->value() < 90) Keep(QPixmap::fromImage(shown), "progress");
         }
     });
     look.start(0);
@@ -210,7 +221,7 @@ TEST_F(MainWindowTest, TheProgressWindowIsSeenAndMoves) {
               }},
              Look([](QWidget&) { EXPECT_GT(CurrentFont->GlyphCount(), 180); })});
     EXPECT_GT(percents.size(), 50U) << "of 0 to 100";
-    EXPECT_NE(middles.size(), 1U) << "the bar goes past its middle, where the screen can be looked at";
+    EXPECT_GT(middles.size(), 1U) << "the bar goes past its middle";
 }
 
 TEST_F(MainWindowTest, ADroppedTextureFontIsOpened) {
