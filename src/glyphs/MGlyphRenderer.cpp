@@ -80,6 +80,10 @@ float MGlyphRenderer::ColourSize() const {
     return static_cast<float>(std::int64_t{Settings->GlyphHeight} * scale) * colourSizeFactor;
 }
 
+double MGlyphRenderer::EmPixels() const {
+    return (Settings->ColourFont ? double{ColourSize()} : font->Em()) / scale;
+}
+
 Desktop::Rect MGlyphRenderer::MeasureRectangle() const {
     return {ToInteger(static_cast<float>(Settings->GlyphHeight) * 0.2F), 0, canvasWidth, canvasHeight};
 }

@@ -45,6 +45,9 @@ public:
     // Null if the font can't tell the character's widths, or if its ink would be at most one pixel wide.
     std::unique_ptr<MGlyph> RenderGlyph(char16_t character);
 
+    // An em of the face in pixels of a glyph: of its colours, where these are drawn.
+    double EmPixels() const;
+
 private:
     // First and last canvas row with ink; both -1 without any.
     struct Rows {

@@ -5,11 +5,13 @@
 #include "document/MSettings.h"
 
 #include <memory>
+#include <vector>
 
 class Run {
 public:
     MSettings settings;
     std::unique_ptr<MColourFont> font;
+    std::vector<MKerningPair> modelPairs; // that optical kerning follows
 
     Run();
     Run(const Run&) = delete;

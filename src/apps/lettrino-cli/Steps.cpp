@@ -1,6 +1,7 @@
 #include "apps/lettrino-cli/Steps.h"
 
 #include "apps/lettrino-cli/FontFiles.h"
+#include "apps/lettrino-cli/KerningSteps.h"
 #include "apps/lettrino-cli/PictureSteps.h"
 #include "apps/lettrino-cli/Report.h"
 #include "apps/lettrino-cli/Words.h"
@@ -99,27 +100,6 @@ Prepared Generate(StepArguments) {
     };
 }
 
-Prepared Kern(StepArguments) {
-    return OnFont([](Run&, MColourFont& font) -> StepResult {
-        font.GenerateKerning();
-        font.SortKerningByAmount();
-        return {};
-    });
-}
-
-Prepared SetKerning(StepArguments arguments) {
-    const auto parts = SplitList(arguments[0]);
-    if (parts.size() != 3) return std::nullopt;
-    const auto left = ReadCharacter(parts[0]);
-    const auto right = ReadCharacter(parts[1]);
-    const auto amount = ReadNumber(parts[2]);
-    if (!left || !right || !amount) return std::nullopt;
-    return OnFont([left = *left, right = *right, amount = *amount](Run&, MColourFont& font) -> StepResult {
-        if (font.SetKerning(left, right, amount)) return {};
-        return StepFailure{{}, "characters below 33 take no kerning"};
-    });
-}
-
 Prepared Remove(StepArguments arguments) {
     const auto character = ReadCharacter(arguments[0]);
     if (!character) return std::nullopt;
@@ -200,8 +180,14 @@ constexpr std::array steps{
          PreparePicture},
     Step{"--pictures", "CHAR=FILE", 1,
          "the same with all pictures that follow it: A.png, B.png or x65.png, x66.png", PreparePictures},
-    Step{"--kern", "", 0, "generates and sorts the kerning", Kern},
-    Step{"--set-kerning", "L,R,N", 1, "sets the kerning of a pair in pixels", SetKerning},
+    Step{"--kern", "", 0, "generates and sorts the kerning: ink touches in its closest row", PrepareKern},
+    Step{"--set-kerning", "L,R,N", 1, "sets the kerning of a pair in pixels", PrepareSetKerning},
+    Step{"--model-pairs", "L,R,N;...", 1, "pairs that the optical kerning keeps and follows",
+         PrepareModelPairs},
+    Step{"--kern-optical", "[PERCENT]", 1, "kerns by the white between the letters, for running text (100)",
+         PrepareKernOptical, true},
+    Step{"--kern-from-font", "", 0, "takes the kerning of the family, scaled to the glyph height",
+         PrepareKernFromFont},
     Step{"--remove", "CHAR", 1, "removes a glyph and its kerning", Remove},
     Step{"--ascii-only", "", 0, "removes the glyphs from code 128 on", EditAll<&MColourFont::RemoveNonAscii>},
     Step{"--trim-rows", "", 0, "removes the rows that are empty in all glyphs",

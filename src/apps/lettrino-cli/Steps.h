@@ -27,6 +27,7 @@ struct Step {
     int argumentCount;
     const char* help;
     PrepareStep prepare;
+    bool argumentOptional = false; // its one argument is empty then
 };
 
 // All that the command line understands, in the order of the help.

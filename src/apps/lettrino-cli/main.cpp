@@ -46,6 +46,7 @@ StepOptions AddSteps(CLI::App& app) {
                          ->expected(1, CLI::detail::expected_max_vector_size)
                          ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
                          ->allow_extra_args(false);
+            if (step.argumentOptional) option->expected(0, 1);
         }
         options[option] = &step;
     }

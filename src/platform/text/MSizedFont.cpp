@@ -66,15 +66,16 @@ MSizedFont::MSizedFont(const MString& family, std::int32_t weight, bool italic) 
 
 MSizedFont::~MSizedFont() = default;
 
-// In 64ths of a pixel.
 bool MSizedFont::SetSize(std::int64_t em) {
     valid = false;
     loaded = -1;
     ascent = 0;
+    em64 = 0;
     if (!face || !face->face || !FT_IS_SCALABLE(face->face)) return false;
     if (em < 1 || em > maximumPixels * 64 || FT_Set_Char_Size(face->face, 0, em, 72, 72) != 0) return false;
     const std::int64_t units = face->unitsPerEm * std::int64_t{64};
     ascent = static_cast<std::int32_t>((em * face->cellAscent * 2 + units) / (units * 2));
+    em64 = em;
     valid = true;
     return true;
 }

@@ -60,6 +60,9 @@ public:
     // The em becomes this many pixels, with the same limits.
     bool SetEm(std::int32_t pixels);
 
+    // In pixels; 0 without a size.
+    double Em() const { return static_cast<double>(em64) / 64; }
+
     // False if the font has no outline for the character, not even the box for what is missing, or one that
     // reaches further than 32767 pixels.
     bool GetInk(char16_t character, MInk& ink);
@@ -74,8 +77,9 @@ private:
     std::unique_ptr<MOpenFace> face;
     std::int32_t loaded = -1; // the character in the face's slot
     MInk loadedInk;
+    std::int64_t em64 = 0; // 64ths of a pixel
 
-    bool SetSize(std::int64_t em);
+    bool SetSize(std::int64_t em); // in 64ths of a pixel
     bool Load(char16_t character);
     bool Synthesise(std::int64_t& advance);
 };
