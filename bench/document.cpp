@@ -2,6 +2,7 @@
 
 #include "document/MColourFont.h"
 #include "document/MSettings.h"
+#include "document/OpticalKerning.h"
 
 #include <benchmark/benchmark.h>
 
@@ -37,6 +38,22 @@ public:
     }
     ~Font() { Settings = nullptr; }
 };
+
+// All pairs of 223 glyphs, measured and given their amounts.
+void OpticalKerning(benchmark::State& state) {
+    const Font f(static_cast<std::int32_t>(state.range(0)));
+    for (auto _ : state)
+        benchmark::DoNotOptimize(MOpticalKerning(f.font).Pairs({}, {}));
+}
+
+// What each key in its dialog costs once the pairs are measured.
+void OpticalKerningFollowsModels(benchmark::State& state) {
+    const Font f(static_cast<std::int32_t>(state.range(0)));
+    const MOpticalKerning optical(f.font);
+    const std::vector<MKerningPair> models(20, {u'A', u'V', -5});
+    for (auto _ : state)
+        benchmark::DoNotOptimize(optical.Pairs({}, models));
+}
 
 void Repack(benchmark::State& state) {
     Font f(static_cast<std::int32_t>(state.range(0)));
@@ -162,3 +179,5 @@ BENCHMARK(Kerning)->Arg(512)->Unit(benchmark::kMillisecond);
 BENCHMARK(KerningPlain)->Arg(512)->Iterations(1)->Unit(benchmark::kMillisecond);
 BENCHMARK(AddPicture)->Unit(benchmark::kMillisecond);
 BENCHMARK(AddPictureBound)->Unit(benchmark::kMillisecond);
+BENCHMARK(OpticalKerning)->Arg(100)->Arg(512)->Unit(benchmark::kMillisecond);
+BENCHMARK(OpticalKerningFollowsModels)->Arg(512)->Unit(benchmark::kMillisecond);

@@ -158,7 +158,7 @@ Line Fitted(std::span<const Point> points, const Line& prior) {
 const MOpticalKerning::Fits MOpticalKerning::designers = {{
     {0.58F, 0.008F}, // capitals
     {0.65F, 0.002F}, // a small letter behind a capital
-    {0.35F, 0.020F}, // a capital behind a small letter
+    {0.25F, 0.025F}, // a capital behind a small letter
     {0.62F, 0.008F}, // small letters
     {0.50F, 0.020F}, // with a mark or figure
     {0.50F, 0.020F}, // figures

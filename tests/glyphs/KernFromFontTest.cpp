@@ -1,0 +1,124 @@
+#include "glyphs/KernFromFont.h"
+
+#include "DocumentFixture.h"
+#include "glyphs/MGlyphRenderer.h"
+
+#include <hb.h>
+
+#include <cmath>
+#include <map>
+
+namespace {
+
+using KernFromFontTest = DocumentTest;
+
+// The file's own kerning, set by HarfBuzz on its own reader of fonts, as text with the feature and without.
+class Shaper {
+public:
+    explicit Shaper(const char* file) {
+        hb_blob_t* const blob = hb_blob_create_from_file(file);
+        hb_face_t* const face = hb_face_create(blob, 0);
+        font = hb_font_create(face);
+        unitsPerEm = hb_face_get_upem(face);
+        hb_face_destroy(face);
+        hb_blob_destroy(blob);
+    }
+    Shaper(const Shaper&) = delete;
+    Shaper& operator=(const Shaper&) = delete;
+    ~Shaper() { hb_font_destroy(font); }
+
+    double Kerning(char16_t left, char16_t right) const {
+        return (Width(left, right, "kern,-liga,-calt") - Width(left, right, "-kern,-liga,-calt")) / unitsPerEm;
+    }
+
+private:
+    hb_font_t* font = nullptr;
+    double unitsPerEm = 1;
+
+    double Width(char16_t left, char16_t right, const std::string& names) const {
+        std::vector<hb_feature_t> features;
+        for (std::size_t at = 0; at < names.size(); at = names.find(',', at) + 1) {
+            hb_feature_from_string(names.c_str() + at,
+                                   static_cast<int>(std::min(names.find(',', at), names.size()) - at),
+                                   &features.emplace_back());
+            if (names.find(',', at) == std::string::npos) break;
+        }
+        const std::uint16_t text[] = {left, right};
+        hb_buffer_t* const buffer = hb_buffer_create();
+        hb_buffer_add_utf16(buffer, text, 2, 0, 2);
+        hb_buffer_guess_segment_properties(buffer);
+        hb_shape(font, buffer, features.data(), static_cast<unsigned>(features.size()));
+        unsigned count = 0;
+        const auto* const positions = hb_buffer_get_glyph_positions(buffer, &count);
+        double width = 0;
+        for (unsigned i = 0; i < count; ++i)
+            width += positions[i].x_advance;
+        hb_buffer_destroy(buffer);
+        return width;
+    }
+};
+
+} // namespace
+
+TEST_F(KernFromFontTest, EqualsTheAdvancesOfAShaperAtEveryHeight) {
+    const std::pair<const char*, const char*> faces[] = {
+        {"DejaVu Sans", "/usr/share/fonts/truetype/dejavu/DejaVuSans.ttf"},
+        {"DejaVu Serif", "/usr/share/fonts/truetype/dejavu/DejaVuSerif.ttf"},
+        {"Liberation Serif", "/usr/share/fonts/truetype/liberation/LiberationSerif-Regular.ttf"}};
+    for (const auto& [family, file] : faces) {
+        const Shaper shaper(file);
+        for (const std::int32_t height : {24, 100, 300}) {
+            settings.FontName = family;
+            settings.GlyphHeight = height;
+            MColourFont font(nullptr);
+            // The glyphs' own pictures do not matter, only which characters there are.
+            for (char16_t c = 33; c <= 255; ++c)
+                AddGlyph(font, c, 1, 1);
+            ASSERT_EQ(KernFromFont(font), KernFromFontResult::Kerned);
+            std::map<std::pair<std::uint32_t, std::uint32_t>, std::int32_t> amounts;
+            for (std::int32_t i = 0; i < font.Kerning.count; ++i)
+                amounts[{font.Kerning.data[i].Left, font.Kerning.data[i].Right}] = font.Kerning.data[i].Amount;
+            // An em in pixels by the advance of a wide letter, as it is rendered.
+            const double em = MGlyphRenderer(nullptr).EmPixels();
+            std::size_t kerned = 0;
+            for (char16_t l = 33; l <= 255; ++l) {
+                for (char16_t r = 33; r <= 255; ++r) {
+                    const double exact = shaper.Kerning(l, r) * em;
+                    const auto found = amounts.find({l, r});
+                    const std::int32_t amount = found == amounts.end() ? 0 : found->second;
+                    ASSERT_LE(std::abs(amount - exact), 0.5 + 1e-9)
+                        << family << " " << height << " " << int{l} << " " << int{r};
+                    kerned += amount != 0;
+                }
+            }
+            EXPECT_EQ(kerned, amounts.size());
+            EXPECT_GT(kerned, 50U) << family << " " << height;
+        }
+    }
+}
+
+// At the height at which the em is told, "H" of the rendered font has the height that the face's outline gives
+// it.
+TEST_F(KernFromFontTest, TheEmIsThatOfTheRenderedGlyphs) {
+    settings.FontName = "DejaVu Sans";
+    settings.GlyphHeight = 400;
+    settings.Selected.fill(0);
+    settings.Selected[u'H'] = 1;
+    MColourFont font(nullptr);
+    ASSERT_TRUE(font.GenerateSelectedCharacters());
+    std::uint32_t top = 0, bottom = 0;
+    font.GetGlyph(u'H')->GetVerticalMargins(top, bottom);
+    const double capital = 400.0 - top - bottom;
+    EXPECT_NEAR(MGlyphRenderer(nullptr).EmPixels() * 1493 / 2048, capital, 1.5);
+}
+
+TEST_F(KernFromFontTest, AFaceWithoutKerningChangesNothing) {
+    settings.FontName = "DejaVu Sans Mono";
+    settings.GlyphHeight = 100;
+    MColourFont font(nullptr);
+    AddGlyph(font, u'A', 1, 1);
+    AddGlyph(font, u'V', 1, 1);
+    font.SetKerning(u'A', u'V', -3);
+    EXPECT_EQ(KernFromFont(font), KernFromFontResult::NoKerning);
+    EXPECT_EQ(font.KerningCount(), 1);
+}
