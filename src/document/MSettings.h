@@ -46,6 +46,8 @@ public:
     std::int32_t SpacingAfter = 0;
     bool Trim = true;
     MString LetterCubesNames;
+    MString KerningText = "Hamburgefonstiv AVATAR Tomorrow, Type 1984"; // the line of the optical kerning
+    std::int32_t KerningStrength = 100;                                  // percent
     Desktop::Rect WindowRect;
     std::array<MString, 3> Keys;
     bool FileRead = false; // a settings file was opened for reading

@@ -73,6 +73,7 @@ enum class DialogId : std::uint16_t {
     GlyphHeight = 140,
     KerningEditor = 141,
     GlyphEditor = 142,
+    OpticalKerning = 151,
 };
 
 // Modal. A dialog works on the process-wide settings and document; true if it ended with OK.

@@ -98,6 +98,10 @@ void EditKerning(MColourFont&) {
     Desktop::RunDialog(MainWindow, DialogId::KerningEditor);
 }
 
+void KernOptically(MColourFont&) {
+    Desktop::RunDialog(MainWindow, DialogId::OpticalKerning);
+}
+
 void AskGlyphHeight(MColourFont& font) {
     const std::int32_t before = Settings->GlyphHeight;
     if (before < 1 || !Desktop::RunDialog(MainWindow, DialogId::GlyphHeight)) return;
@@ -140,6 +144,7 @@ void RunCommand(CommandId command) {
     case CommandId::AddPicture: return AddPicture();
     case CommandId::GlyphsEditor: return OnCurrentFont(EditGlyphs);
     case CommandId::KerningEditor: return OnCurrentFont(EditKerning);
+    case CommandId::OpticalKerning: return OnCurrentFont(KernOptically);
     case CommandId::ChangeGlyphHeight: return OnCurrentFont(AskGlyphHeight);
     case CommandId::RemoveNonAscii: return OnCurrentFont(RemoveNonAscii);
     case CommandId::TrimVertically: return OnCurrentFont(TrimVertically);

@@ -28,6 +28,7 @@ enum class CommandId : std::uint16_t {
     TrimVertically = 32877,
     ImportHtml = 32880,
     Community = 32882,
+    OpticalKerning = 32892,
 };
 
 struct MenuItem {
@@ -63,6 +64,7 @@ inline constexpr std::array editItems{
     MenuItem{"Add/change picture...", "F4", CommandId::AddPicture},
     MenuItem{"Glyphs editor...", "F5", CommandId::GlyphsEditor},
     MenuItem{"Kerning editor...", "F6", CommandId::KerningEditor},
+    MenuItem{"Optical kerning...", "", CommandId::OpticalKerning},
     MenuItem{"Change glyph height...", "F7", CommandId::ChangeGlyphHeight},
     menuSeparator,
     MenuItem{"Remove non-ASCII characters", "", CommandId::RemoveNonAscii},

@@ -111,6 +111,16 @@ constexpr std::array firstFields{
     TextField<&MSettings::LetterCubesNames>(u"LetterCubesNames"),
 };
 
+constexpr Field opticalKerningField{u"OpticalKerning",
+                                    [](const MTextFile& file, MSettings& settings) {
+                                        settings.KerningText = file.GetString(1);
+                                        settings.KerningStrength = file.GetInt(2);
+                                    },
+                                    [](MTextFile& file, const MSettings& settings) {
+                                        file.WriteString(settings.KerningText);
+                                        file.WriteInt(settings.KerningStrength);
+                                    }};
+
 // "Path" or "S" with a number.
 MString NumberedKey(const char* name, std::size_t number) {
     return MString(name) + MString(static_cast<std::int32_t>(number));
@@ -152,7 +162,9 @@ void ReadLine(const MTextFile& file, MSettings& settings) {
     for (const Field& field : firstFields) {
         if (ReadField(field, file, key, settings)) return;
     }
-    if (ReadField(windowField, file, key, settings) || ReadField(keysField, file, key, settings)) return;
+    for (const Field* const field : {&windowField, &keysField, &opticalKerningField}) {
+        if (ReadField(*field, file, key, settings)) return;
+    }
     ReadNumbered(file, key, settings);
 }
 
@@ -195,4 +207,8 @@ void MSettings::Save() const {
     }
     WriteField(windowField, file, *this);
     if (!Keys[0].IsEmpty()) WriteField(keysField, file, *this);
+    // Only what was changed: who never uses it has a file as it always was.
+    const MSettings defaults;
+    if (!KerningText.Equals(defaults.KerningText) || KerningStrength != defaults.KerningStrength)
+        WriteField(opticalKerningField, file, *this);
 }

@@ -51,6 +51,30 @@ TEST(Cli, EditsTheFont) {
     EXPECT_EQ(cli.Info("--select A --generate --select B --generate")["glyphs"].size(), 2U);
 }
 
+TEST(Cli, KernsForText) {
+    Cli cli;
+    const auto amount = [&](const std::string& steps) {
+        const auto info = cli.Info("--family 'DejaVu Sans' --height 200 --select A-Z,a-z --generate " + steps);
+        for (const auto& pair : info["kerning"])
+            if (pair["left"] == 'A' && pair["right"] == 'V') return pair["amount"].get<int>();
+        return 0;
+    };
+    const int optical = amount("--kern-optical");
+    EXPECT_LT(optical, -5);
+    EXPECT_GT(optical, amount("--kern") / 2) << "far from letters that touch";
+    EXPECT_NEAR(amount("--kern-optical 50"), optical / 2.0, 1);
+    EXPECT_EQ(amount("--kern-optical 0"), 0);
+    EXPECT_EQ(amount("--model-pairs 'A,V,-3;T,o,2' --kern-optical"), -3);
+    EXPECT_NEAR(amount("--kern-from-font"), optical, 4) << "as the designer has it";
+    cli.Run("--family 'DejaVu Sans' --select A,V --generate --kern-optical");
+    EXPECT_EQ(cli.status, 1);
+    EXPECT_THAT(cli.error, HasSubstr("--kern-optical: the font has none of the letters"));
+    for (const char* const steps :
+         {"--kern-optical 301", "--kern-optical x", "--model-pairs A,V", "--model-pairs 'A,V,1;'"}) {
+        EXPECT_EQ(cli.Run(steps), std::string(steps) == "--model-pairs 'A,V,1;'" ? 0 : 2) << steps;
+    }
+}
+
 // A plain family comes out in the chosen colour; on the path of colour fonts it is white, whatever the colour.
 TEST(Cli, GlyphsCarryTheirColour) {
     Cli cli;

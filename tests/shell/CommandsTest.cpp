@@ -54,15 +54,15 @@ TEST_F(Commands, TheMenuNamesEachCommandOnce) {
         for (const MenuItem& item : menu.items)
             if (*item.text) commands.insert(item.command);
     }
-    EXPECT_EQ(commands.size(), 22U);
-    EXPECT_EQ(std::set(commands.begin(), commands.end()).size(), 22U);
+    EXPECT_EQ(commands.size(), 23U);
+    EXPECT_EQ(std::set(commands.begin(), commands.end()).size(), 23U);
 }
 
 TEST_F(Commands, ThoseThatNeedAFontDoNothingWithoutOne) {
     for (const CommandId command :
          {CommandId::SaveAs, CommandId::ExportHtml, CommandId::ExportSingleFiles, CommandId::ExportCubes,
-          CommandId::GlyphsEditor, CommandId::KerningEditor, CommandId::ChangeGlyphHeight,
-          CommandId::RemoveNonAscii, CommandId::TrimVertically}) {
+          CommandId::GlyphsEditor, CommandId::KerningEditor, CommandId::OpticalKerning,
+          CommandId::ChangeGlyphHeight, CommandId::RemoveNonAscii, CommandId::TrimVertically}) {
         RunCommand(command);
         const auto& record = Headless::record;
         EXPECT_EQ(record.dialogs.size() + record.messages.size() + record.fileDialogs.size(), 0U)

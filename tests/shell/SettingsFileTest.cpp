@@ -111,3 +111,14 @@ TEST_F(SavedSettings, TellsIfItCannotBeWritten) {
     EXPECT_EQ(Headless::record.messages[0].text, "Could not open:\n\n\"" + settings.SettingsFilePath() + "\"");
     EXPECT_EQ(Headless::record.messages[0].icon, Desktop::Icon::Error);
 }
+
+TEST_F(SavedSettings, WhatTheOpticalKerningWasToldIsKept) {
+    MSettings settings = Loaded("");
+    settings.KerningText = "Two words";
+    settings.KerningStrength = 80;
+    settings.Save();
+    MSettings again;
+    again.Load();
+    EXPECT_EQ(std::pair(Narrow(again.KerningText), again.KerningStrength),
+              std::pair(std::string("Two words"), 80));
+}

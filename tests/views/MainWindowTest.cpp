@@ -128,7 +128,7 @@ protected:
 
 } // namespace
 
-TEST_F(MainWindowTest, TheMenuIsAsItWasTold) {
+TEST_F(MainWindowTest, TheMenuHoldsEveryItemInOrder) {
     Run({}, {Look([](QWidget& window) {
             auto* const bar = static_cast<QMainWindow&>(window).menuBar();
             QStringList lines;
@@ -144,7 +144,8 @@ TEST_F(MainWindowTest, TheMenuIsAsItWasTold) {
                       "Import photofont...\t\n-\nExport as HTML...\t\nExport as single files...\t\nExport as "
                       "cubes...\t\n-\nExit\t\n"
                       "EDIT\nAdd/change characters...\tF3\nAdd/change picture...\tF4\nGlyphs editor...\tF5\n"
-                      "Kerning editor...\tF6\nChange glyph height...\tF7\n-\nRemove non-ASCII characters\t\n"
+                      "Kerning editor...\tF6\nOptical kerning...\t\nChange glyph height...\tF7\n-\nRemove "
+                      "non-ASCII characters\t\n"
                       "Trim vertically\t\n"
                       "SETTINGS\nSet background colour...\t\nEnter license keys...\t\n"
                       "HELP\nUser guide\tF1\nCommunity\t\n-\nOrdering information...\t\nAbout Lettrino\t");

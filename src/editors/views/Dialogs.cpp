@@ -9,6 +9,7 @@
 #include "editors/views/MKerningEditorView.h"
 #include "editors/views/MLetterCubeNamesView.h"
 #include "editors/views/MLicenseKeysView.h"
+#include "editors/views/MOpticalKerningView.h"
 #include "platform/Desktop.h"
 
 namespace {
@@ -27,6 +28,7 @@ bool Desktop::RunDialog(WindowHandle owner, DialogId id) {
     case DialogId::LicenseKeys: return Run<MLicenseKeysView>(owner);
     case DialogId::LetterCubesNames: return Run<MLetterCubeNamesView>(owner);
     case DialogId::KerningEditor: return CurrentFont && Run<MKerningEditorView>(owner);
+    case DialogId::OpticalKerning: return CurrentFont && Run<MOpticalKerningView>(owner);
     case DialogId::GlyphEditor: return CurrentFont && Run<MGlyphEditorView>(owner);
     case DialogId::About: return Run<MAboutView>(owner);
     case DialogId::AddGlyphs: return Run<MAddGlyphsView>(owner);

@@ -1,0 +1,102 @@
+// The optical kerning as a user has it.
+
+#include "document/OpticalKerning.h"
+
+#include "document/Pairs.h"
+#include "foundation/MUtf8.h"
+#include "views/Fonts.h"
+
+#include <QCheckBox>
+#include <QListView>
+#include <QSlider>
+
+using Desktop::DialogId;
+
+namespace {
+
+class OpticalKerningWindow : public EditorWindowTest {
+protected:
+    std::int32_t Amount(char16_t left, char16_t right) const {
+        const MKerningPair* const pair = font->FindKerning(left, right);
+        return pair ? pair->Amount : 0;
+    }
+    static QString LabelWith(QWidget& dialog, const QString& part) {
+        for (const QLabel* const label : dialog.findChildren<QLabel*>())
+            if (label->text().contains(part) && !label->buddy()) return label->text();
+        return {};
+    }
+};
+
+} // namespace
+
+TEST_F(OpticalKerningWindow, APairThatIsNudgedByKeysStandsAndTheRestFollows) {
+    AddLetters();
+    const auto plain = MOpticalKerning(*font).Pairs({}, {});
+    ASSERT_TRUE(RunAnd(DialogId::OpticalKerning, [&](QWidget& dialog) {
+        EXPECT_EQ(LabelWith(dialog, " pairs").toStdString(), std::to_string(plain.size()) + " pairs");
+        TypeInto(Named<QLineEdit>(dialog, "Text"), "LAVA To");
+        auto* const line = Named<QWidget>(dialog, "Line of text");
+        line->setFocus();
+        // The first gap is that of "LA"; the blank is none.
+        QTest::keyClick(line, Qt::Key_Down);
+        EXPECT_EQ(LabelWith(dialog, "white").left(4), "L A:");
+        QTest::keyClick(line, Qt::Key_Down);
+        EXPECT_EQ(LabelWith(dialog, "white").left(4), "A V:");
+        QTest::keyClick(line, Qt::Key_Left, Qt::ControlModifier);
+        QTest::keyClick(line, Qt::Key_Left);
+        auto* const models = Named<QListView>(dialog, "Model pairs");
+        EXPECT_EQ(models->model()->rowCount(), 1);
+        Screenshot(dialog, "optical-kerning");
+        for (int i = 0; i < 2; ++i)
+            QTest::keyClick(line, Qt::Key_Down);
+        EXPECT_EQ(LabelWith(dialog, "white").left(4), "T o:") << "no gap across a blank";
+        ExpectTextFits(dialog);
+        Click(dialog, "OK");
+    }));
+    const auto amountOf = [&](char16_t left, char16_t right) {
+        for (const MKerningPair& pair : plain)
+            if (pair.Left == left && pair.Right == right) return pair.Amount;
+        return 0;
+    };
+    EXPECT_EQ(Amount(u'A', u'V'), amountOf(u'A', u'V') - 11);
+    EXPECT_LT(Amount(u'V', u'A'), amountOf(u'V', u'A')) << "follows the model";
+    EXPECT_TRUE(std::ranges::is_sorted(PairsOf(*font), {}, &MKerningPair::Amount));
+    EXPECT_EQ(ToSystem(settings.KerningText), "LAVA To");
+}
+
+TEST_F(OpticalKerningWindow, TheMouseChoosesAndTheSliderTellsHowMuch) {
+    AddLetters();
+    RunAnd(DialogId::OpticalKerning, [&](QWidget& dialog) {
+        TypeInto(Named<QLineEdit>(dialog, "Text"), "AV");
+        auto* const line = Named<QWidget>(dialog, "Line of text");
+        const QImage before = dialog.grab(line->geometry()).toImage();
+        QTest::mouseClick(&dialog, Qt::LeftButton, {}, line->geometry().center());
+        EXPECT_EQ(LabelWith(dialog, "white").left(4), "A V:");
+        EXPECT_TRUE(line->hasFocus());
+        QTest::keyClick(line, Qt::Key_Right, Qt::ControlModifier);
+        EXPECT_NE(dialog.grab(line->geometry()).toImage(), before);
+        auto* const models = Named<QListView>(dialog, "Model pairs");
+        EXPECT_EQ(models->model()->rowCount(), 1);
+        Click(dialog, "Remove pair");
+        EXPECT_EQ(models->model()->rowCount(), 0);
+        Named<QSlider>(dialog, "Strength")->setValue(0);
+        EXPECT_EQ(LabelWith(dialog, " pairs"), "0 pairs");
+        Click(dialog, "Cancel");
+    });
+    EXPECT_EQ(font->KerningCount(), 0);
+}
+
+TEST_F(OpticalKerningWindow, AFontWithoutLettersSaysSo) {
+    AddBlock(u'@');
+    RunAnd(DialogId::OpticalKerning, [&](QWidget& dialog) {
+        Screenshot(dialog, "optical-kerning-none");
+        for (const auto* const button : dialog.findChildren<QAbstractButton*>())
+            EXPECT_EQ(button->isEnabled(), button->text() != "OK" && button->text() != "&Remove pair")
+                << button->text().toStdString();
+        TypeInto(Named<QLineEdit>(dialog, "Text"), "@@");
+        auto* const line = Named<QWidget>(dialog, "Line of text");
+        line->setFocus();
+        for (const auto key : {Qt::Key_Down, Qt::Key_Left, Qt::Key_Delete})
+            QTest::keyClick(line, key);
+    });
+}
