@@ -4,6 +4,7 @@
 #include "document/MSettings.h"
 #include "editors/MGlyphEditor.h"
 #include "editors/MKerningEditor.h"
+#include "editors/MOpticalKerningEditor.h"
 #include "platform/headless/Headless.h"
 
 #include <benchmark/benchmark.h>
@@ -117,8 +118,36 @@ void ClearAndCancel(MKerningEditor& editor, std::int32_t) {
     editor.Cancel();
 }
 
+// A line of 42 characters in a preview of 800 by 380 pixels; each key is painted. Its own bound is half of the
+// others'.
+template<void (*Work)(MOpticalKerningEditor&, std::int32_t)>
+void InOpticalKerning(benchmark::State& state) {
+    FullFont full;
+    MOpticalKerningEditor editor(full.font);
+    static char window;
+    editor.Window = reinterpret_cast<Desktop::WindowHandle>(&window);
+    editor.Area = {8, 40, 808, 420};
+    std::int32_t turn = 0;
+    Measure(state, [&] {
+        Work(editor, ++turn);
+        editor.Paint();
+    });
+    state.counters["bounds"] = state.counters["bounds"] * 2;
+}
+
+void TypeText(MOpticalKerningEditor& editor, std::int32_t turn) {
+    editor.TextChanged(turn % 2 ? "Hamburgefonstiv AVATAR Tomorrow, Type 1984"
+                                : "Hamburgefonstiv AVATAR Tomorrow, Type 1985");
+}
+void NudgePair(MOpticalKerningEditor& editor, std::int32_t turn) {
+    if (editor.Gap < 0) editor.MoveGap(1);
+    editor.Nudge(turn % 2 ? 1 : -1);
+}
+
 } // namespace
 
+BENCHMARK(InOpticalKerning<TypeText>)->Unit(benchmark::kMillisecond);
+BENCHMARK(InOpticalKerning<NudgePair>)->Unit(benchmark::kMillisecond);
 BENCHMARK(OpenGlyphEditor)->Unit(benchmark::kMillisecond);
 BENCHMARK(InGlyphEditor<ShowGlyph>)->Unit(benchmark::kMillisecond);
 BENCHMARK(InGlyphEditor<TypeSpacing>)->Unit(benchmark::kMillisecond);

@@ -45,10 +45,6 @@ MOpticalKerningEditor::MOpticalKerningEditor(MColourFont& font)
     Follow();
 }
 
-MOpticalKerningEditor::~MOpticalKerningEditor() {
-    beforePicture.Free();
-}
-
 MString MOpticalKerningEditor::Notice() const {
     switch (optical.state) {
     case MOpticalKerning::State::NoInk: return "No glyph has ink that could be measured.";
@@ -109,7 +105,6 @@ float MOpticalKerningEditor::WhiteAt(std::int32_t gap) const {
 
 void MOpticalKerningEditor::TextChanged(const MString& text) {
     Text = text;
-    beforePicture.Free();
     LayOut();
 }
 
@@ -198,12 +193,43 @@ Desktop::Rect MOpticalKerningEditor::Half(bool lower) const {
     return {place.left + 8, place.top + captionHeight, place.right - 8, place.bottom - 2};
 }
 
+MTextLine MOpticalKerningEditor::Reduced(const MTextLine& whole) {
+    constexpr float kept = 3;
+    const std::int32_t wanted = std::max(ToInteger(1 / (scale * kept)), 1);
+    if (wanted != reduction) {
+        reduced.clear();
+        reduction = wanted;
+    }
+    if (reduction == 1) return whole;
+    const auto shrunk = [&](std::int64_t size) {
+        return static_cast<std::int32_t>((size + reduction - 1) / reduction);
+    };
+    MTextLine small{{}, whole.left / reduction, whole.right / reduction, shrunk(whole.height)};
+    for (const MPlacedGlyph& placed : whole.glyphs) {
+        std::unique_ptr<MGlyph>& glyph = reduced[placed.glyph];
+        if (!glyph) {
+            glyph = std::make_unique<MGlyph>(placed.glyph->Character, 0, 0, 0, 0, false);
+            glyph->Width = shrunk(placed.glyph->Width);
+            glyph->Height = shrunk(placed.glyph->PictureRows());
+            if (IsVisible(placed.glyph)) {
+                glyph->Picture = MPicture(placed.glyph->Picture, static_cast<std::uint32_t>(glyph->Width),
+                                          static_cast<std::uint32_t>(glyph->Height), FormatRGBA8, true, false);
+            }
+        }
+        const std::int64_t x = std::max(placed.x / reduction, small.left);
+        small.glyphs.push_back({glyph.get(), x, placed.joined});
+        small.right = std::max(small.right, x + glyph->Width);
+    }
+    return small;
+}
+
 // From the left edge, shrunk by the scale that both lines share.
 void MOpticalKerningEditor::DrawLine(MDirect2DSurface& surface, const MPicture& picture,
                                      const Desktop::Rect& place) {
     if (!picture.IsValid()) return;
     const auto scaled = [&](std::uint32_t size) {
-        return static_cast<std::uint32_t>(std::max(ToInteger(static_cast<float>(size) * scale + 0.5F), 1));
+        const float shown = static_cast<float>(size) * scale * static_cast<float>(reduction);
+        return static_cast<std::uint32_t>(std::max(ToInteger(shown + 0.5F), 1));
     };
     const std::int32_t top =
         place.top + (place.Height() - static_cast<std::int32_t>(scaled(picture.Height))) / 2;
@@ -272,13 +298,15 @@ void MOpticalKerningEditor::Paint() {
                       static_cast<float>(upper.Height()) / static_cast<float>(std::max(line.height, 1))});
     origin = static_cast<float>(lower.left);
     if (scale > 0) {
-        if (!beforePicture.IsValid()) beforePicture = DrawTextLine(now, ground);
-        MPicture after = DrawTextLine(line, ground);
+        const MTextLine after = Reduced(line);
+        MPicture afterPicture = DrawTextLine(after, ground);
+        MPicture beforePicture = DrawTextLine(Reduced(now), ground);
         tell(upper, "Before");
         DrawLine(surface, beforePicture, upper);
         tell(lower, "After");
-        DrawLine(surface, after, lower);
-        after.Free();
+        DrawLine(surface, afterPicture, lower);
+        beforePicture.Free();
+        afterPicture.Free();
         DrawGap(surface, lower);
         if (ShowWhite && IsReady()) DrawWhite(surface, lower.bottom + 2);
     }

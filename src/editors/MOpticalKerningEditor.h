@@ -10,6 +10,8 @@
 #include "glyphs/MWindowSurface.h"
 
 #include <cstdint>
+#include <map>
+#include <memory>
 #include <optional>
 #include <vector>
 
@@ -33,7 +35,6 @@ public:
 
     // Starts with the line and the strength of the settings.
     explicit MOpticalKerningEditor(MColourFont& font);
-    ~MOpticalKerningEditor();
     MOpticalKerningEditor(const MOpticalKerningEditor&) = delete;
     MOpticalKerningEditor& operator=(const MOpticalKerningEditor&) = delete;
 
@@ -64,12 +65,17 @@ public:
 
 private:
     MOpticalKerning optical;
-    MPicture beforePicture; // of the line, until it changes
-    MTextLine line;         // as it would be
+    MTextLine line; // as it would be
     // Of the line as it is drawn: pixels of the screen for one of the font's, and where its left edge lies.
     float scale = 0;
     float origin = 0;
 
+    // Where a line is drawn many times smaller than it is, it is set from letters that were shrunk by a whole
+    // number before, which leaves three pixels for each one that is seen.
+    std::int32_t reduction = 1;
+    std::map<const MGlyph*, std::unique_ptr<MGlyph>> reduced;
+
+    MTextLine Reduced(const MTextLine& whole);
     void Follow();
     void LayOut();
     std::optional<MKerningPair> PairAt(std::int32_t gap) const; // with the amount that it would have
