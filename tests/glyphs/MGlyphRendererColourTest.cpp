@@ -139,3 +139,17 @@ TEST_F(ColourGlyphs, BitmapsAloneHaveWidthsToo) {
     EXPECT_TRUE(plain.ready);
     EXPECT_EQ(plain.RenderGlyph(u'9'), nullptr) << "it has no outlines";
 }
+
+// Text leaves it out where no line ends at it.
+TEST_F(ColourGlyphs, TheSoftHyphenHasItsInk) {
+    settings.FontName = "DejaVu Sans";
+    MGlyphRenderer renderer(nullptr);
+    ASSERT_TRUE(renderer.ready);
+    for (const char16_t hyphen : {u'\u00AD', u'-'}) {
+        const auto glyph = renderer.RenderGlyph(hyphen);
+        ASSERT_NE(glyph, nullptr);
+        std::uint32_t top = 0, bottom = 0;
+        glyph->GetVerticalMargins(top, bottom);
+        EXPECT_NEAR(60 - static_cast<int>(top + bottom), 4, 2) << static_cast<int>(hyphen);
+    }
+}

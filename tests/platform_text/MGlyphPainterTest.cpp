@@ -89,6 +89,24 @@ constexpr std::uint32_t red = 0xFFFF0000;
 constexpr std::uint32_t green = 0xFF00FF00;
 constexpr std::uint32_t blue = 0xFF0000FF;
 
+// One strike of 100 pixels an em, whose glyph 1 is a bitmap of 20 by 20 pixels, 10 right of the pen and on the
+// baseline.
+void AddCbdt(fonts::Font& font, const std::string& png) {
+    fonts::Bytes data;
+    data.U16(3).U16(0);
+    data.U8(20).U8(20).U8(10).U8(20).U8(40).U32(static_cast<std::int64_t>(png.size())).Add(png);
+    fonts::Bytes metrics; // of lines
+    metrics.U8(80).U8(-20).U8(100);
+    for (int i = 0; i < 9; ++i)
+        metrics.U8(0);
+    fonts::Bytes index;
+    index.U16(3).U16(0).U32(1).U32(56).U32(8 + 16).U32(1).U32(0).Add(metrics).Add(metrics);
+    index.U16(1).U16(1).U8(100).U8(100).U8(32).U8(1);
+    index.U16(1).U16(1).U32(8).U16(1).U16(17).U32(4).U32(0).U32(static_cast<std::int64_t>(data.size()) - 4);
+    font.tables["CBDT"] = data;
+    font.tables["CBLC"] = index;
+}
+
 } // namespace
 
 TEST(GlyphPainter, PlainGlyphsHaveTheColourOfTheText) {
@@ -131,6 +149,40 @@ TEST(GlyphPainter, BitmapsComeFromTheNearestStrike) {
 
     font.tables["sbix"] = SbixTable("broken", "broken", 0, 0);
     EXPECT_EQ(Drawing(font, true).At(500, 300), white) << "no picture: the outline";
+}
+
+// FreeType takes a face with such bitmaps for one without outlines.
+TEST(GlyphPainter, OutlinesBesideBitmapsAreDrawnWhereThereIsNoPicture) {
+    fonts::Font font = OneBox();
+    font.Add({{fonts::Box(300, 0, 500, 700)}}, u'B');
+    AddCbdt(font, Png(MColour(255, 0, 0)));
+    EXPECT_EQ(Drawing(font, true).At(150, 50), red);
+    EXPECT_EQ(Drawing(font, true).At(500, 300), 0U) << "not the outline";
+    EXPECT_EQ(Drawing(font, false).At(500, 300), white);
+    const TemporaryFolder folder;
+    const std::string file = ToSystem(folder.Write("font.ttf", font.Build()));
+    for (const bool colours : {false, true})
+        EXPECT_EQ(Drawing(file, u'B', colours).At(400, 300), white) << "it has no picture";
+}
+
+TEST(GlyphPainter, ACharacterMapOfMacintoshRomanIsEnough) {
+    fonts::Font font = OneBox();
+    font.Add({{fonts::Box(300, 0, 500, 700)}});
+    fonts::Bytes map;
+    map.U16(0).U16(1).U16(1).U16(0).U32(12).U16(0).U16(262).U16(0);
+    for (int code = 0; code < 256; ++code)
+        map.U8(code == 'A' ? 1 : code == 0x8E ? 2 : 0); // é
+    font.tables["cmap"] = map;
+    const TemporaryFolder folder;
+    const std::string file = ToSystem(folder.Write("font.ttf", font.Build()));
+    EXPECT_EQ(Drawing(file, u'A', false).At(150, 300), white);
+    EXPECT_EQ(Drawing(file, u'\u00E9', false).At(150, 300), 0U);
+    EXPECT_EQ(Drawing(file, u'\u00E9', false).At(400, 300), white);
+    MFontMatch match;
+    match.file = file;
+    const MOpenFace face(match);
+    EXPECT_EQ(face.GlyphIndex(u'\u008E'), 0U) << "a code is no character";
+    EXPECT_EQ(face.GlyphIndex(U'\U0001F600'), 0U);
 }
 
 TEST(GlyphPainter, EmojiBitmaps) {

@@ -18,7 +18,7 @@ MGlyphPainter::MGlyphPainter(const MFontMatch& match) : face(match) {
     cpal = face.Table("CPAL");
     layers = MColourTable(colr, cpal);
     documents = std::make_unique<MSvgGlyphs>(face.Table("SVG "), cpal);
-    hasBitmaps = FT_HAS_FIXED_SIZES(face.face) && FT_HAS_COLOR(face.face);
+    hasBitmaps = FT_HAS_FIXED_SIZES(face.bitmaps) && FT_HAS_COLOR(face.bitmaps);
 }
 
 std::shared_ptr<MGlyphPainter> MGlyphPainter::Shared(const MFontMatch& match) {
@@ -84,7 +84,7 @@ bool MGlyphPainter::DrawColours(cairo_t* context, std::uint32_t glyph, double em
 // Loads the glyph from the smallest strike that is at least as large as asked, else from the largest.
 bool MGlyphPainter::SelectBitmap(std::uint32_t glyph, double em) {
     if (!hasBitmaps) return false;
-    FT_Face const ft = face.face;
+    FT_Face const ft = face.bitmaps;
     FT_Int best = 0;
     for (FT_Int i = 1; i < ft->num_fixed_sizes; ++i) {
         const FT_Pos size = ft->available_sizes[i].y_ppem;
@@ -100,14 +100,14 @@ bool MGlyphPainter::SelectBitmap(std::uint32_t glyph, double em) {
 
 bool MGlyphPainter::DrawBitmap(cairo_t* context, std::uint32_t glyph, double em) {
     if (!SelectBitmap(glyph, em)) return false;
-    FT_GlyphSlot const slot = face.face->glyph;
+    FT_GlyphSlot const slot = face.bitmaps->glyph;
     const FT_Bitmap& bitmap = slot->bitmap;
     if (bitmap.width == 0 || bitmap.rows == 0 || bitmap.pitch < 0) return true;
     cairo_surface_t* const image =
         cairo_image_surface_create_for_data(bitmap.buffer, CAIRO_FORMAT_ARGB32, static_cast<int>(bitmap.width),
                                             static_cast<int>(bitmap.rows), bitmap.pitch);
     cairo_save(context);
-    const double scale = em / face.face->size->metrics.y_ppem;
+    const double scale = em / face.bitmaps->size->metrics.y_ppem;
     cairo_scale(context, scale, scale);
     cairo_set_source_surface(context, image, slot->bitmap_left, -slot->bitmap_top);
     cairo_pattern_set_filter(cairo_get_source(context), CAIRO_FILTER_GOOD);

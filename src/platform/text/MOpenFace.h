@@ -16,6 +16,9 @@ FT_LibraryRec_* FreeTypeLibrary();
 class MOpenFace {
 public:
     FT_FaceRec_* face = nullptr; // owned; null if the file can't be opened
+    // Owned where it is another one: a face whose bitmaps hide its outlines is opened once with and once
+    // without them.
+    FT_FaceRec_* bitmaps = nullptr;
     MFontMatch match;
     // From the baseline up and down to the edges of the cell of a line, in font units, and the units of an em.
     // The cell is that of the Windows metrics (usWinAscent and usWinDescent of the OpenType table OS/2), or of
@@ -40,6 +43,9 @@ public:
     bool HasTable(const char (&tag)[5]) const;
 
 private:
+    std::vector<std::uint8_t> withoutBitmaps; // the file that `face` reads then
+
+    void OpenOutlines();
     void ApplyVariations();
     void ReadCell();
 };

@@ -15,6 +15,7 @@
 
 namespace {
 
+constexpr gunichar softHyphen = 0xAD; // which Pango leaves out where no line ends at it
 constexpr double largestSize = 32767; // pixels, as far as FreeType and Cairo count
 
 // One for the program, since it holds every font that was ever looked up. It must hear of added fonts.
@@ -155,6 +156,9 @@ void MTextFormat::DrawRun(cairo_t* cairo, const PangoGlyphItem& run, double& x, 
             ownGlyphs ? own->face.GlyphIndex(g_utf8_get_char(text + run.glyphs->log_clusters[i])) : 0;
         if (glyph != 0) {
             own->Draw(cairo, glyph, glyphX, y, style.size, colour, colours);
+        } else if (info.glyph == PANGO_GLYPH_EMPTY &&
+                   g_utf8_get_char(text + run.glyphs->log_clusters[i]) == softHyphen) {
+            own->Draw(cairo, own->face.GlyphIndex(softHyphen), glyphX, y, style.size, colour, colours);
         } else if (info.glyph != PANGO_GLYPH_EMPTY && info.glyph & PANGO_GLYPH_UNKNOWN_FLAG) {
             own->Draw(cairo, 0, glyphX, glyphY, style.size, colour, colours);
         } else if (info.glyph != PANGO_GLYPH_EMPTY) {
