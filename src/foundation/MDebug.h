@@ -10,5 +10,9 @@ using MDebugSink = void (*)(std::u16string_view message);
 // report exhausted memory.
 void DebugOutput(std::u16string_view message);
 
+// Sends the channel to the standard error stream if the environment variable LETTRINO_DEBUG is set and not
+// empty.
+void DebugToStandardError();
+
 // Puts a sink in place (null: none) and returns the one before it.
 MDebugSink SetDebugSink(MDebugSink sink);

@@ -51,6 +51,16 @@ TEST(Cli, EditsTheFont) {
     EXPECT_EQ(cli.Info("--select A --generate --select B --generate")["glyphs"].size(), 2U);
 }
 
+TEST(Cli, TheDebugChannelIsHeardWhenAsked) {
+    Cli cli;
+    ASSERT_EQ(cli.Run("--family 'DejaVu Sans' --select A --generate --trim-rows"), 0);
+    EXPECT_EQ(cli.error, "");
+    setenv("LETTRINO_DEBUG", "1", 1);
+    cli.Run("--family 'DejaVu Sans' --select A --generate --trim-rows");
+    unsetenv("LETTRINO_DEBUG");
+    EXPECT_THAT(cli.error, HasSubstr("Trimming Vertically: "));
+}
+
 TEST(Cli, KernsForText) {
     Cli cli;
     const auto amount = [&](const std::string& steps) {

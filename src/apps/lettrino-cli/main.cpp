@@ -5,6 +5,7 @@
 // 2: wrong usage, found before any step is done.
 
 #include "apps/lettrino-cli/Steps.h"
+#include "foundation/MDebug.h"
 #include "foundation/MUtf8.h"
 #include "platform/headless/Headless.h"
 
@@ -131,5 +132,6 @@ int main(int argc, char** argv) {
         ReportError("no steps; --help lists them");
         return statusWrongUsage;
     }
+    DebugToStandardError();
     return RunSteps(calls);
 }

@@ -1,5 +1,6 @@
 // The window: lettrino [FILE].
 
+#include "foundation/MDebug.h"
 #include "foundation/MFolders.h"
 #include "foundation/Product.h"
 #include "platform/qt/QtText.h"
@@ -46,6 +47,7 @@ QIcon ProgramIcon() {
 
 int main(int argc, char** argv) {
     if (AnswerOnTerminal(argc, argv)) return 0;
+    DebugToStandardError();
     QApplication application(argc, argv);
     QApplication::setApplicationName(ToQt(ProductName));
     QApplication::setDesktopFileName(QStringLiteral("lettrino"));
