@@ -39,6 +39,11 @@ QMessageBox::StandardButton EscapeOf(QMessageBox::StandardButtons buttons) {
     return QMessageBox::Ok;
 }
 
+// What Enter means: the first button of the set, on every desktop.
+QMessageBox::StandardButton DefaultOf(QMessageBox::StandardButtons buttons) {
+    return buttons & QMessageBox::Yes ? QMessageBox::Yes : QMessageBox::Ok;
+}
+
 // "PNG Files (*.PNG)" and "*.PNG" as Qt has it. Names of files differ in case here, extensions need not.
 QString FilterText(const Desktop::FileFilter& filter) {
     QStringList patterns;
@@ -68,6 +73,7 @@ Answer ShowMessage(WindowHandle owner, const MString& text, const MString& capti
     QMessageBox box(ToQt(icon), ToQt(caption), ToQt(text), shown, WidgetOf(owner));
     box.setTextFormat(Qt::PlainText);
     box.setEscapeButton(EscapeOf(shown));
+    box.setDefaultButton(DefaultOf(shown));
     switch (box.exec()) {
     case QMessageBox::Yes: return Answer::Yes;
     case QMessageBox::No: return Answer::No;
@@ -84,7 +90,6 @@ MString ShowFileDialog(WindowHandle owner, FileDialog& dialog, const MString& ex
     for (const FileFilter& filter : dialog.filters)
         filters << FilterText(filter);
     chooser.setNameFilters(filters);
-    chooser.setOption(QFileDialog::HideNameFilterDetails);
     if (dialog.filterIndex >= 1 && dialog.filterIndex <= filters.size())
         chooser.selectNameFilter(filters[dialog.filterIndex - 1]);
     chooser.setDefaultSuffix(ToQt(extension));

@@ -33,8 +33,11 @@ void CloseWindow(WindowHandle window) {
     if (window) WidgetOf(window)->window()->close();
 }
 
+// What is painted on it is black, so that a dark desktop's own colour would hide it.
 MColour ButtonColour() {
-    const QColor colour = QApplication::palette().color(QPalette::Button);
+    constexpr int darkest = 160; // a contrast of 8 to black
+    QColor colour = QApplication::palette().color(QPalette::Button);
+    if (qGray(colour.rgb()) < darkest) colour = QColor(240, 240, 240);
     const auto channel = [](int value) { return static_cast<std::uint8_t>(value); };
     return {channel(colour.red()), channel(colour.green()), channel(colour.blue())};
 }

@@ -4,6 +4,7 @@
 #include "shell/Commands.h"
 #include "shell/Preview.h"
 #include "shell/Program.h"
+#include "shell/window/MMnemonics.h"
 
 #include <QApplication>
 #include <QDragEnterEvent>
@@ -60,19 +61,28 @@ MMainWindow::MMainWindow(const QString& title, const QRect& frame) : wanted(fram
     setGeometry(frame);
 }
 
+// The font is another one after most commands, also after some that failed or were cancelled, and none of them may
+// leave the picture of the one before.
+void MMainWindow::Run(CommandId command) {
+    RunCommand(command);
+    preview.update();
+}
+
 void MMainWindow::BuildMenus() {
+    MMnemonics barLetters;
     for (const Menu& menu : menus) {
-        QMenu* const popup = menuBar()->addMenu(menu.title);
+        QMenu* const popup = menuBar()->addMenu(barLetters.Mark(menu.title));
+        MMnemonics letters;
         for (const MenuItem& item : menu.items) {
             if (!*item.text) {
                 popup->addSeparator();
                 continue;
             }
-            QAction* const action = popup->addAction(item.text);
+            QAction* const action = popup->addAction(letters.Mark(item.text));
             action->setShortcut(QKeySequence(QString(item.key), QKeySequence::PortableText));
             // Desktops that move items by their names shall leave these where they are.
             action->setMenuRole(QAction::NoRole);
-            connect(action, &QAction::triggered, this, [command = item.command] { RunCommand(command); });
+            connect(action, &QAction::triggered, this, [this, command = item.command] { Run(command); });
         }
     }
 }
@@ -106,6 +116,7 @@ void MMainWindow::dragEnterEvent(QDragEnterEvent* event) {
 void MMainWindow::dropEvent(QDropEvent* event) {
     event->acceptProposedAction();
     OpenDroppedFile(FromQt(FirstFile(*event->mimeData())));
+    preview.update();
 }
 
 namespace Desktop {

@@ -38,5 +38,6 @@ private:
     const QRect wanted; // where the frame shall be when the window opens
 
     void BuildMenus();
+    void Run(CommandId command);
     void LeaveRoomForFrame();
 };
