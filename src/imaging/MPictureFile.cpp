@@ -91,6 +91,10 @@ bool EncodeDirectly(const MPicture& picture, MPixelFormat format, const MCodec& 
     return written;
 }
 
+MPixelFormat Writable(MPixelFormat format) {
+    return BytesPerPixel(format) == 0 ? FormatR8 : format;
+}
+
 MString ReportText(const MPicture& picture, const MString& path, MPixelFormat format) {
     MString text = "Path\t\t" + path + "\n";
     text += "Size\t\t" + SizeText(GetFileSize(path)) + "\n";
@@ -109,18 +113,25 @@ MPicture::MPicture(const MString& path, std::int32_t frame, std::int32_t maxWidt
     *this = MPicture();
 }
 
-bool MPicture::Save(const MString& path, MPixelFormat format, MString* report) {
-    if (report) *report = MString();
-    if (path.IsEmpty()) return false;
+MSafeFile MPicture::PrepareSave(const MString& path, MPixelFormat format, MLinks links) {
     if (format == FormatNone) format = Format;
     if (HasAlpha(format)) BleedColours();
-    if (BytesPerPixel(format) == 0) format = FormatR8;
+    format = Writable(format);
     const MCodec* const codec = CodecForExtension(path.GetExtension());
-    MByteSink sink(path);
-    if (!IsValid() || !codec || !codec->encode) return false;
+    if (!IsValid()) return MSafeFile::Failed(path, "there is no picture to write");
+    if (!codec || !codec->encode) return MSafeFile::Failed(path, "pictures of this form can't be written");
+    MByteSink sink(path, links);
     const bool encoded =
         codec->sniff ? EncodeAs(*this, format, *codec, sink) : EncodeDirectly(*this, format, *codec, sink);
-    if (!encoded || !sink.Finish()) return false;
-    if (report) *report = ReportText(*this, path, format);
+    if (!encoded && !sink.Failed()) {
+        return MSafeFile::Failed(path, "the picture can't be brought into this form");
+    }
+    return sink.TakeFile();
+}
+
+bool MPicture::Save(const MString& path, MPixelFormat format, MString* report) {
+    if (report) *report = MString();
+    if (path.IsEmpty() || !PrepareSave(path, format).Place()) return false;
+    if (report) *report = ReportText(*this, path, Writable(format == FormatNone ? Format : format));
     return true;
 }

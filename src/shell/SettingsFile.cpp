@@ -176,9 +176,11 @@ void MSettings::Save() const {
     const MString path = SettingsFilePath();
     if (FileExists(path) && !FileRead) return;
     MTextFile file(path, true, false, MTextEncoding::Utf16Le);
+    const auto tell = [](const MString& text) {
+        Desktop::ShowMessage(nullptr, text, ProductName, Desktop::Buttons::Ok, Desktop::Icon::Error);
+    };
     if (!file.ok) {
-        Desktop::ShowMessage(nullptr, "Could not open:\n\n\"" + path + "\"", ProductName, Desktop::Buttons::Ok,
-                             Desktop::Icon::Error);
+        tell("Could not open:\n\n\"" + path + "\"");
         return;
     }
     for (const Field& field : firstFields)
@@ -195,4 +197,5 @@ void MSettings::Save() const {
     }
     WriteField(windowField, file, *this);
     if (!Keys[0].IsEmpty()) WriteField(keysField, file, *this);
+    if (!file.Place()) tell("Could not write:\n\n\"" + path + "\"\n\n" + file.out.Failure());
 }

@@ -6,43 +6,23 @@
 #include "formats/SiblingPath.h"
 #include "formats/TextureFont.h"
 #include "formats/WebFont.h"
-#include "foundation/MFile.h"
 #include "foundation/MFolders.h"
 #include "foundation/MUtf8.h"
 #include "platform/headless/Headless.h"
 #include "platform/text/MSystemFonts.h"
 
+#include <unistd.h>
+
 #include <algorithm>
-#include <array>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <initializer_list>
 #include <string_view>
 
 namespace {
 
 namespace fs = std::filesystem;
-
-// A PNG that was written to its end closes with the chunk IEND (PNG, third edition, 11.2.5).
-bool IsWholePng(const MString& path) {
-    static constexpr std::string_view end("\0\0\0\0IEND\xAE\x42\x60\x82", 12);
-    MFile file(path, false, false);
-    std::array<char, end.size()> tail{};
-    return file.Seek(file.GetSize() - std::int64_t{end.size()}) && file.Read(tail.data(), tail.size()) &&
-           std::string_view(tail.data(), tail.size()) == end;
-}
-
-bool HasAllRecords(const MString& path, const MColourFont& font) {
-    constexpr std::int32_t others = 4; // the header, FSZ, TEX and SPA
-    const auto pairs = std::ranges::count_if(font.Kerning, [](const auto& pair) { return pair.Amount != 0; });
-    MTextFile text(path, false, false, MTextEncoding::Ansi);
-    std::int64_t lines = 0;
-    while (text.NextLine())
-        ++lines;
-    return lines == others + font.GlyphCount() + pairs;
-}
 
 bool IsFolder(const fs::path& path) {
     std::error_code error;
@@ -84,8 +64,10 @@ public:
     fs::path path;
 
     TemporaryFolder() {
-        std::string name = (fs::temp_directory_path() / "lettrino-XXXXXX").string();
-        if (mkdtemp(name.data())) path = name;
+        std::error_code error; // the folder that the user's environment names need not exist
+        const fs::path parent = fs::temp_directory_path(error);
+        std::string name = (parent / "lettrino-XXXXXX").string();
+        if (!error && mkdtemp(name.data())) path = name;
     }
     TemporaryFolder(const TemporaryFolder&) = delete;
     TemporaryFolder& operator=(const TemporaryFolder&) = delete;
@@ -134,10 +116,26 @@ StepResult RefuseTargets(const std::string& file, std::initializer_list<MString>
     for (const MString& target : targets) {
         std::error_code error;
         const fs::path path = ToSystemPath(target);
-        if (!fs::exists(path, error) || (!IsReadOnly(target) && std::ofstream(path, std::ios::app))) continue;
+        if (!fs::exists(path, error) || (!IsReadOnly(target) && access(path.c_str(), W_OK) == 0)) continue;
         return StepFailure{file, path.string() + " can't be written over"};
     }
     return {};
+}
+
+// What could not be written, if anything. Several reasons are joined by `separator`.
+StepResult Unwritten(const std::string& file, const MWriteFailures& failures, const std::string& separator) {
+    std::string reasons;
+    for (const MWriteFailure& failure : failures) {
+        if (!reasons.empty()) reasons += separator;
+        reasons += ToSystem(failure.path) + " could not be written: " + ToSystem(failure.reason);
+    }
+    if (reasons.empty()) return {};
+    return StepFailure{file, reasons};
+}
+
+// A line for each of many files, all like the first one.
+std::string NextLine(const char* step, const std::string& file) {
+    return std::string("\nlettrino-cli: ") + step + ": " + file + ": ";
 }
 
 StepResult Save(MColourFont& font, const std::string& file) {
@@ -145,24 +143,20 @@ StepResult Save(MColourFont& font, const std::string& file) {
     const MString text = SiblingPath(path, "sm");
     const MString picture = SiblingPath(path, "png");
     if (StepResult failure = RefuseTargets(file, {text, picture})) return failure;
-    if (!font.Save(path)) return StepFailure{file, "the font has no picture: there was no memory for it"};
-
-    // Saving is a success for the program even where nothing could be written.
-    if (IsWholePng(picture) && HasAllRecords(text, font)) return {};
-    DeleteFile(text, false, false);
-    DeleteFile(picture, false, false);
-    return StepFailure{file, "it and its picture could not be written"};
+    MWriteFailures failures;
+    if (!font.Save(path, &failures))
+        return StepFailure{file, "the font has no picture: there was no memory for it"};
+    return Unwritten(file, failures, "; ");
 }
 
 StepResult SaveGlyphs(MColourFont& font, const std::string& file) {
     const MString folder = FullPath(FromSystem(file));
     if (!IsFolder(ToSystemPath(folder))) return StepFailure{file, "there is no such folder"};
-    if (font.ExportSingleFiles(JoinPath(folder, "glyph"))) return {};
+    MWriteFailures failures;
+    const bool anyWritten = font.ExportSingleFiles(JoinPath(folder, "glyph"), &failures);
+    if (StepResult failure = Unwritten(file, failures, NextLine("--single-files", file))) return failure;
+    if (anyWritten) return {};
     return StepFailure{file, font.GlyphCount() == 0 ? "the font has no glyphs" : "no file could be written"};
-}
-
-bool EndsAsWritten(const MString& script) {
-    return MTextFile::ReadWholeFile(script).View().ends_with(u"});\r\n");
 }
 
 void WarnOfName(const std::string& step, const MString& name) {
@@ -189,11 +183,11 @@ StepResult ExportPage(MColourFont& font, const std::string& file, bool minimal) 
     const MString page = SiblingPath(path, "html");
     if (StepResult failure = RefuseTargets(file, {picture, script, page})) return failure;
     WarnOfName(minimal ? "--minimal-html" : "--html", WebFontName(path));
-    const bool exported = font.ExportHtml(path, minimal);
-
-    // Failed copies, and a picture that can't be written, are not told by the export.
-    const bool whole = exported && IsWholePng(picture) && EndsAsWritten(script) && FileExists(page);
-    if (!whole) return StepFailure{file, "the page, its script and its picture could not all be written"};
+    MWriteFailures failures;
+    const bool exported = font.ExportHtml(path, minimal, &failures);
+    if (StepResult failure = Unwritten(file, failures, "; ")) return failure;
+    if (!exported) return StepFailure{file, "the font has no picture: there was no memory for it"};
+    if (!FileExists(page)) return StepFailure{file, "the page is missing beside the program, in Media/www"};
     if (!FileExists(JoinPath(path.GetFolder(), "lettrino-1.0.js"))) {
         return StepFailure{file, "the run-time script is missing beside the program, in Media/www"};
     }
@@ -204,10 +198,10 @@ StepResult DrawText(Run& run, MColourFont& font, const std::string& text, const 
     const MString path = FullPath(FromSystem(file));
     MPicture picture = SetText(font, FromSystem(text), run.settings.BackgroundColour);
     if (!picture.IsValid()) return StepFailure{file, "the text is empty in this font"};
-    const bool saved = picture.Save(path);
+    MSafeFile written = picture.PrepareSave(path);
     picture.Free();
-    if (saved) return {};
-    return StepFailure{file, "the picture could not be written"};
+    if (written.Place()) return {};
+    return StepFailure{file, "the picture could not be written: " + ToSystem(written.Failure())};
 }
 
 // A text as editors write it: UTF-8 also without its mark.
@@ -245,13 +239,14 @@ StepResult ExportCubes(MColourFont& font, const std::string& file) {
     if (StepResult failure = RefuseTargets(file, {first})) return failure;
     auto& told = Headless::record.messages;
     const std::size_t before = told.size();
-    const bool exported = font.ExportLetterCubes(path);
+    MWriteFailures failures;
+    const bool exported = font.ExportLetterCubes(path, &failures);
     const std::string text = told.size() > before ? ToSystem(told.back().text) : "the list of names is empty";
     if (told.size() > before && told.back().icon == Desktop::Icon::Error) return StepFailure{file, text};
     std::printf("%s\n", text.substr(0, text.find("\n\n")).c_str());
-    if (exported && IsWholePng(first)) return {};
-    return StepFailure{file,
-                       exported ? "the pictures could not be written" : "there was no memory for the pictures"};
+    if (StepResult failure = Unwritten(file, failures, NextLine("--cubes", file))) return failure;
+    if (exported) return {};
+    return StepFailure{file, "there was no memory for the pictures"};
 }
 
 } // namespace

@@ -8,6 +8,8 @@
 #include <unistd.h>
 
 #include <cstdio>
+#include <exception>
+#include <new>
 
 namespace {
 
@@ -34,6 +36,17 @@ std::string DescribeUsage(const StepName& step, const std::string& argument) {
            step.arguments + ": " + step.help;
 }
 
+// Nothing that a library throws ends the program without a word.
+StepResult Do(const StepAction& action, Run& run) {
+    try {
+        return action(run);
+    } catch (const std::bad_alloc&) {
+        return StepFailure{{}, "there is not enough memory for it"};
+    } catch (const std::exception& error) {
+        return StepFailure{{}, error.what()};
+    }
+}
+
 } // namespace
 
 extern "C" __attribute__((visibility("default"))) int RunSteps(const std::vector<StepCall>& calls) {
@@ -49,7 +62,7 @@ extern "C" __attribute__((visibility("default"))) int RunSteps(const std::vector
     if (isatty(STDERR_FILENO)) Headless::script.onProgress = ShowProgressBar;
     Run run;
     for (std::size_t i = 0; i < calls.size(); ++i) {
-        if (const StepResult failure = actions[i](run)) {
+        if (const StepResult failure = Do(actions[i], run)) {
             ReportError(Describe(stepNames[calls[i].step], *failure));
             return StatusFailed;
         }
