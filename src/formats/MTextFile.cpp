@@ -13,7 +13,7 @@ constexpr std::size_t chunkBytes = 65536;
 
 // A line longer than this loses the rest, as if memory were exhausted for it.
 std::size_t LongestLine() {
-    return std::min(MemoryLimit() / 4, std::size_t{1} << 30);
+    return std::min(MemoryLimit() / 4, std::size_t{1} << 26);
 }
 
 constexpr std::u16string_view blanks = u"\t\n\r ";

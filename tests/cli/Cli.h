@@ -18,10 +18,10 @@ public:
     std::string error;
 
     // Arguments as typed in a shell, in the folder or one below it. Returns the status.
-    int Run(const std::string& arguments, const std::string& below = {}) {
+    int Run(const std::string& arguments, const std::string& below = {}, const char* program = LETTRINO_CLI) {
         const std::string command = "cd '" + (folder.path / below).string() + "' && HOME='" +
-                                    folder.path.string() + "/home' '" + LETTRINO_CLI + "' " + arguments +
-                                    " >'" + folder.path.string() + "/stdout.txt' 2>'" + folder.path.string() +
+                                    folder.path.string() + "/home' '" + program + "' " + arguments + " >'" +
+                                    folder.path.string() + "/stdout.txt' 2>'" + folder.path.string() +
                                     "/stderr.txt'";
         const int result = std::system(command.c_str());
         status = WIFEXITED(result) ? WEXITSTATUS(result) : -1;

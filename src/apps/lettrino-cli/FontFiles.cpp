@@ -217,6 +217,8 @@ MString ReadUtf8Text(const MString& path) {
 StepResult ReadNames(Run& run, const std::string& file) {
     const MString path = FromSystem(file);
     if (!FileExists(path)) return StepFailure{file, "no such file"};
+    constexpr std::int64_t most = 1 << 20;
+    if (GetFileSize(path) > most) return StepFailure{file, "it is no list of names, but more than 1 MB"};
     run.settings.LetterCubesNames = ReadUtf8Text(path);
     if (run.settings.LetterCubesNames.IsEmpty()) return StepFailure{file, "it is empty"};
     return {};
