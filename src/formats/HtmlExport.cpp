@@ -18,6 +18,7 @@
 #include <initializer_list>
 #include <iterator>
 #include <optional>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -200,6 +201,17 @@ MString WebFontName(const MString& path) {
     MString name = path.GetFileName();
     name.KeepBefore(".");
     return name;
+}
+
+bool IsHarmlessWebName(const MString& path) {
+    constexpr std::string_view signs = "_-$.";
+    const MString name = path.GetFileName(); // the script names the picture with all of it
+    return std::ranges::all_of(name.View(), [&](char16_t unit) {
+        const auto written = static_cast<unsigned char>(unit & 0xFF); // what is left of it in the files
+        const char byte = static_cast<char>(written);
+        return written > 127 || (byte >= '0' && byte <= '9') || (byte >= 'A' && byte <= 'Z') ||
+               (byte >= 'a' && byte <= 'z') || signs.find(byte) != std::string_view::npos;
+    });
 }
 
 std::vector<MString> PagePaths(const MString& path, bool minimal) {

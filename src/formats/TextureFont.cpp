@@ -20,6 +20,7 @@
 #include "formats/MTextFile.h"
 #include "formats/SiblingPath.h"
 #include "foundation/MFolders.h"
+#include "imaging/MPixelBudget.h"
 
 #include <algorithm>
 #include <iterator>
@@ -145,6 +146,7 @@ bool ReadRecords(MColourFont& font, const MString& path, const MPicture& picture
 }
 
 bool LoadPair(MColourFont& font, const MString& path, const MString& picturePath) {
+    const MFontPictureScope scope;
     MPicture picture(picturePath);
     if (!picture.IsValid()) return false;
     const bool loaded = ReadRecords(font, path, picture);

@@ -2,6 +2,7 @@
 #include "foundation/MFile.h"
 #include "foundation/MFolders.h"
 #include "imaging/MPicture.h"
+#include "imaging/MPixelBudget.h"
 #include "imaging/MPixelLayout.h"
 #include "imaging/codecs/MCodec.h"
 
@@ -45,6 +46,7 @@ bool Load(const MString& path, std::int32_t frame, std::int32_t maxWidth, std::i
     if (!file.ok) return false;
     MByteSource source(file);
     const MCodec* const codec = CodecForFile(source, path.GetExtension());
+    const MPixelLimit limit(source.Size());
     if (!codec || !codec->decode(source, frame, picture) || !picture.IsValid()) return false;
     // The forms that only the extension tells have always come in their own size.
     return maxWidth < 1 || maxHeight < 1 || !codec->sniff || ScaleToFit(picture, maxWidth, maxHeight);

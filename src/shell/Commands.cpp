@@ -5,8 +5,10 @@
 #include "document/MSettings.h"
 #include "formats/ExportFiles.h"
 #include "formats/MPhotofontImporter.h"
+#include "formats/WebFont.h"
 #include "foundation/Product.h"
 #include "glyphs/PictureSeries.h"
+#include "imaging/MPixelBudget.h"
 #include "shell/CurrentFont.h"
 #include "shell/OpenFontFile.h"
 #include "shell/Replacing.h"
@@ -45,6 +47,16 @@ void SaveAs(MColourFont& font) {
     Tell("Colour font successfully saved as:\n\n" + Quoted(path));
 }
 
+bool InsistsOnName(const MString& path) {
+    return Desktop::ShowMessage(MainWindow,
+                                "WARNING: on the page the name \"" + path.GetFileName() +
+                                    "\" could run as script or markup, for everybody who opens it.\n\n"
+                                    "Letters, digits, \"_\", \"-\", \"$\" and dots are safe.\n\n"
+                                    "Would you like to export it all the same?",
+                                ProductName, Desktop::Buttons::YesNo,
+                                Desktop::Icon::Warning) == Desktop::Answer::Yes;
+}
+
 void ExportAsHtml(MColourFont& font) {
     MString typed;
     const MString path = ChooseFile(MainWindow, MPathKind::SaveHtml, &typed);
@@ -55,6 +67,7 @@ void ExportAsHtml(MColourFont& font) {
                              Desktop::Buttons::Ok, Desktop::Icon::Error);
         return;
     }
+    if (!IsHarmlessWebName(path) && !InsistsOnName(path)) return;
     const auto answer =
         Desktop::ShowMessage(MainWindow, "Would you like to have a minimal HTML page?", ProductName,
                              Desktop::Buttons::YesNoCancel, Desktop::Icon::Question);
@@ -146,9 +159,7 @@ void OnCurrentFont(void (*command)(MColourFont&)) {
     if (CurrentFont) command(*CurrentFont);
 }
 
-} // namespace
-
-void RunCommand(CommandId command) {
+void Run(CommandId command) {
     switch (command) {
     case CommandId::New: return New();
     case CommandId::Open: return OpenFontFile(ChooseFile(MainWindow, MPathKind::OpenFont));
@@ -173,4 +184,15 @@ void RunCommand(CommandId command) {
     case CommandId::Community: return OpenUrl(MakerSite + "/community/");
     case CommandId::About: Desktop::RunDialog(MainWindow, DialogId::About); return;
     }
+}
+
+} // namespace
+
+void RunCommand(CommandId command) {
+    RestorePixelBudget();
+    Run(command);
+    const MString refusal = TakePixelRefusal();
+    if (refusal.IsEmpty()) return;
+    Desktop::ShowMessage(MainWindow, "A picture was not read: " + refusal, ProductName, Desktop::Buttons::Ok,
+                         Desktop::Icon::Error);
 }

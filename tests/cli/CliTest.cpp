@@ -180,6 +180,26 @@ TEST(Cli, PipesAndOtherOddFiles) {
     unsetenv("TMPDIR");
 }
 
+TEST(Cli, WebNamesThatCouldRunAreRefused) {
+    Cli cli;
+    ASSERT_EQ(cli.Run("--family 'DejaVu Sans' --select A --generate --save a.sm"), 0);
+    const auto entries = [&] {
+        return std::distance(std::filesystem::directory_iterator(cli.folder.path), {});
+    };
+    const auto before = entries();
+    for (const char* name : {"x=document['title']='t'.html", "<b>.html", "a.\";alert(1);\".html", "a%41.html",
+                             "a(1).html", "a;b.html", "a\tb.html", "\xC4\xBC.html"}) {
+        std::string quoted = name;
+        for (std::size_t at = 0; (at = quoted.find('\'', at)) != std::string::npos; at += 4)
+            quoted.replace(at, 1, "'\\''");
+        EXPECT_EQ(cli.Run("--open a.sm --minimal-html '" + quoted + "'"), 1) << name;
+        EXPECT_THAT(cli.error, HasSubstr("script or markup")) << name;
+        EXPECT_EQ(entries(), before) << name;
+    }
+    for (const char* name : {"my-font.html", "Caf\xC3\xA9_1.html", "a.b.html", "$x.html"})
+        EXPECT_EQ(cli.Run(std::string("--open a.sm --minimal-html '") + name + "'"), 0) << name;
+}
+
 // A path that doesn't tell all the folders above the file, or whose folders have dots, is one like any other.
 TEST(Cli, PathsAreRelativeToTheWorkingFolder) {
     Cli cli;

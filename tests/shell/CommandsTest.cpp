@@ -172,6 +172,20 @@ TEST_F(Commands, ExportAsPictures) {
     EXPECT_FALSE(Home().Read("cube1.png").empty());
 }
 
+TEST_F(Commands, NamesThatCouldRunAreWarnedOf) {
+    NewFont();
+    const MString path = Home().File("x=alert(1).html");
+    for (const bool insists : {false, true}) {
+        Chosen(path);
+        Headless::script.answers = {insists ? Answer::Yes : Answer::No};
+        RunCommand(CommandId::ExportHtml);
+        EXPECT_EQ(Headless::record.messages[0].icon, Icon::Warning);
+        EXPECT_EQ(Headless::record.messages.size(), insists ? 3U : 1U);
+        EXPECT_EQ(FileExists(path), insists);
+        Headless::record.messages.clear();
+    }
+}
+
 TEST_F(Commands, AskBeforeTheFilesThatWillBeWrittenAreReplaced) {
     NewFont();
     const auto run = [](CommandId command, const MString& path, Answer answer) {

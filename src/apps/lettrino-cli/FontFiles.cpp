@@ -8,6 +8,7 @@
 #include "formats/WebFont.h"
 #include "foundation/MFolders.h"
 #include "foundation/MUtf8.h"
+#include "imaging/MPixelBudget.h"
 #include "platform/headless/Headless.h"
 #include "platform/text/MSystemFonts.h"
 
@@ -54,6 +55,8 @@ std::string WhyNotOpened(const MString& path, const FontForm& form) {
     if (!text.ok) return "it can't be opened";
     if (!form.readHeader(text)) return "it is no font of this form: its first line is not the header";
     const MString picture = SiblingPath(path, "png");
+    const MString refusal = TakePixelRefusal();
+    if (!refusal.IsEmpty()) return "its picture " + ToSystem(picture) + " can't be read: " + ToSystem(refusal);
     return FileExists(picture) ? "its picture " + ToSystem(picture) + " can't be read"
                                : "its picture is not there";
 }
@@ -86,6 +89,8 @@ StepResult OpenPhotofont(Run& run, const std::string& file, const MString& path)
     const bool imported = MPhotofontImporter(font.Owner).Import(path, &font);
     run.settings.Path(MPathKind::Temporary) = MString();
     if (!imported) return StepFailure{file, "it can't be opened"};
+    if (const MString refusal = TakePixelRefusal(); !refusal.IsEmpty())
+        return StepFailure{file, "one of its pictures was not read: " + ToSystem(refusal)};
     if (font.GlyphCount() == 0) return StepFailure{file, "it holds no glyph that could be read"};
     if (!font.Repack()) return StepFailure{file, "its glyphs don't fit a picture that memory can hold"};
     return {};
@@ -182,6 +187,11 @@ StepResult ExportPage(MColourFont& font, const std::string& file, bool minimal) 
     const MString script = SiblingPath(path, "js");
     const MString page = SiblingPath(path, "html");
     if (StepResult failure = RefuseTargets(file, {picture, script, page})) return failure;
+    if (!IsHarmlessWebName(path)) {
+        return StepFailure{file,
+                           "on the page its name could run as script or markup; letters, digits, '_', '-', '$' "
+                           "and dots are safe"};
+    }
     WarnOfName(minimal ? "--minimal-html" : "--html", WebFontName(path));
     MWriteFailures failures;
     const bool exported = font.ExportHtml(path, minimal, &failures);
