@@ -118,7 +118,9 @@ void AddCharacters() {
 void AddPicture() {
     const bool isNew = !CurrentFont;
     MColourFont& font = CurrentOrNewFont();
-    if (!Desktop::RunDialog(MainWindow, DialogId::AddPicture)) return;
+    const bool accepted = Desktop::RunDialog(MainWindow, DialogId::AddPicture);
+    RestorePixelBudget(); // the dialog has shown pictures
+    if (!accepted) return;
     AddChosenPictures(font, isNew);
     font.Draw();
 }

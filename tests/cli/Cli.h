@@ -2,6 +2,7 @@
 #pragma once
 
 #include "TemporaryFolder.h"
+#include "imaging/MPixelBudget.h"
 #include "imaging/Pictures.h"
 
 #include <nlohmann/json.hpp>
@@ -36,7 +37,10 @@ public:
         return nlohmann::json::parse(out, nullptr, false);
     }
 
-    OwnedPicture Picture(const char* file) const { return {MPicture(folder.File(file))}; }
+    OwnedPicture Picture(const char* file) const {
+        const MFontPictureScope largeOnesToo;
+        return {MPicture(folder.File(file))};
+    }
 
     bool Has(const char* file) const { return std::filesystem::exists(folder.path / file); }
 };
