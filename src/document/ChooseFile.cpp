@@ -48,7 +48,7 @@ std::optional<DialogKind> DialogOf(MPathKind kind) {
 
 } // namespace
 
-MString ChooseFile(Desktop::WindowHandle owner, MPathKind kind) {
+MString ChooseFile(Desktop::WindowHandle owner, MPathKind kind, MString* typed) {
     const auto dialogKind = DialogOf(kind);
     if (!owner || !dialogKind) return {};
     MString& remembered = Settings->Path(kind);
@@ -60,6 +60,7 @@ MString ChooseFile(Desktop::WindowHandle owner, MPathKind kind) {
     dialog.save = dialogKind->save;
     MString chosen = Desktop::ShowFileDialog(owner, dialog, dialogKind->extension);
     if (chosen.IsEmpty()) return {};
+    if (typed) *typed = chosen;
     if (dialogKind->save) chosen.SetExtension(dialogKind->extension);
     remembered = chosen;
     return chosen;

@@ -42,7 +42,7 @@ public:
     std::int32_t SpaceWidth = 0;           // advance of the space, which has no glyph; pixels
     // The order of the slots is that of packing, of the font file and of all exports.
     std::array<std::unique_ptr<MGlyph>, SlotCount> Glyphs;
-    MPicture Picture; // format 7, owned; the glyphs as the last Repack placed them
+    MPicture Picture;                  // format 7, owned; the glyphs as the last Repack placed them
     std::uint64_t PictureRevision = 0; // another one for each Repack of any font
     std::int32_t PictureWidth = 0;
     std::int32_t PictureHeight = 0;
@@ -102,9 +102,9 @@ public:
     // it: the places stay as they were, and there is no picture.
     bool Repack();
 
-    // Repaints the owner, which shows the packed picture centred, shrunk if it doesn't fit and never enlarged, on
-    // the background colour; and its title, with the number of glyphs and the size of the picture. Does nothing
-    // without an owner, and for a minimised one.
+    // Repaints the owner, which shows the packed picture centred, shrunk if it doesn't fit and never enlarged,
+    // on the background colour; and its title, with the number of glyphs and the size of the picture. Does
+    // nothing without an owner, and for a minimised one.
     void Draw() const;
 
     // Multiplies the metrics, the glyphs with their spacings, and the kerning, each as a 32-bit float truncated
@@ -117,26 +117,27 @@ public:
     void RemoveNonAscii();
 
     // A texture font: a text file with the extension sm beside a PNG of the same name; whatever extension
-    // `path` has is replaced. False only if there is no packed picture: the caller must look itself whether the
-    // files could be written.
-    bool Save(const MString& path);
+    // `path` has is replaced. False only if there is no packed picture; what could not be written is added to
+    // `failures`, and the old font stays whole then.
+    bool Save(const MString& path, MWriteFailures* failures = nullptr);
     // Into a document that was cleared. The PNG is sought beside the file, then in ../Textures, then by asking.
     // False if there is no such file or picture, or the header is wrong; what was read until then stays.
     bool Load(const MString& path);
     // A web page beside its script, picture and run-time script. A `minimal` page shows one line; the other
     // lets its reader try the font. False without a packed picture, if the user shrinks from its size, or if
-    // the page or the script can't be written.
-    bool ExportHtml(const MString& path, bool minimal);
+    // the page or the script can't be written. What could not be written is added to `failures`, as by the next
+    // exports.
+    bool ExportHtml(const MString& path, bool minimal, MWriteFailures* failures = nullptr);
     // A script that ExportHtml wrote, into a document that was cleared. The PNG is sought beside it, then by
     // asking. False if there is no such file or picture; true even for another first line, after a message.
     bool ImportJavascript(const MString& path);
     // The nets of letter cubes with which the names of the settings can be spelt: `path`, cut before its first
     // dot, with the number of each cube and ".png". Tells the statistics and asks first. False if the font
     // lacks a capital or a letter of a name, after a message; for an empty list; and if the user says no.
-    bool ExportLetterCubes(const MString& path);
+    bool ExportLetterCubes(const MString& path, MWriteFailures* failures = nullptr);
     // One PNG for each glyph, named C and its code, into the folder of `path`. True if at least one was
     // written.
-    bool ExportSingleFiles(const MString& path);
+    bool ExportSingleFiles(const MString& path, MWriteFailures* failures = nullptr);
 };
 
 // The current document, or null.

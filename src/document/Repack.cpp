@@ -102,6 +102,20 @@ void CopyPixelByPixel(MPicture& picture, const MGlyph& glyph) {
     }
 }
 
+// Glyphs can claim any size without having so many pixels, when a file told it or when memory was short; nobody
+// needs a picture of such.
+bool IsJustified(const MColourFont& font, const Size& size) {
+    constexpr std::uint64_t always = std::uint64_t{1} << 25;
+    constexpr std::uint64_t mostWaste = 16; // shelves of uneven glyphs, in a picture whose sides double
+    std::uint64_t pixels = 0;
+    for (const auto& slot : font.Glyphs) {
+        if (slot && slot->Picture.IsValid())
+            pixels += std::uint64_t{slot->Picture.Width} * slot->Picture.Height;
+    }
+    const std::uint64_t area = static_cast<std::uint64_t>(size.width) * static_cast<std::uint64_t>(size.height);
+    return area <= std::max(always, pixels * mostWaste);
+}
+
 } // namespace
 
 bool MColourFont::Repack() {
@@ -114,7 +128,7 @@ bool MColourFont::Repack() {
         fits = Fits(*this, size);
     PictureWidth = size.width;
     PictureHeight = size.height;
-    if (!fits) return false;
+    if (!fits || !IsJustified(*this, size)) return false;
 
     Picture =
         MPicture(static_cast<std::uint32_t>(size.width), static_cast<std::uint32_t>(size.height), FormatRGBA8);

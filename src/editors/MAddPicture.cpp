@@ -3,6 +3,7 @@
 #include "document/ChooseFile.h"
 #include "editors/FieldText.h"
 #include "glyphs/PictureSeries.h"
+#include "imaging/MPixelBudget.h"
 
 MAddPicture::MAddPicture()
     : Path(Settings->Path(MPathKind::GlyphPicture)),
@@ -42,6 +43,7 @@ void MAddPicture::PaintPreview(Desktop::WindowHandle window, const Desktop::Rect
     const MDirect2DSurface* const before = preview.surface.get();
     if (!preview.Bind(window, area) || !preview.surface->Begin()) return;
     if (preview.surface.get() != before || !previewPath.Equals(Path)) {
+        RestorePixelBudget(); // each choice counts alone
         preview.surface->Clear(Settings->BackgroundColour);
         preview.surface->DrawPictureFile(Path, area, true);
         previewPath = Path;

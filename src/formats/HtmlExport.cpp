@@ -4,6 +4,7 @@
 
 #include "document/MColourFont.h"
 #include "document/MSettings.h"
+#include "formats/ExportFiles.h"
 #include "formats/MTextFile.h"
 #include "formats/SiblingPath.h"
 #include "formats/WebFont.h"
@@ -11,9 +12,15 @@
 #include "foundation/MNumbers.h"
 #include "foundation/Product.h"
 
+#include <algorithm>
+#include <array>
 #include <cmath>
-#include <filesystem>
 #include <initializer_list>
+#include <iterator>
+#include <optional>
+#include <string_view>
+#include <utility>
+#include <vector>
 
 namespace {
 
@@ -133,22 +140,44 @@ MString MediaFile(const char* name) {
     return GetProgramFolder() + "/Media/www/" + name;
 }
 
-// Over an earlier file. A copy that fails is not told.
-void CopyMedia(const char* name, const MString& target) {
-    const auto source = FindExisting(MediaFile(name));
-    if (!source) return;
-    std::error_code error;
-    std::filesystem::copy_file(*source, ToSystemPath(target), std::filesystem::copy_options::overwrite_existing,
-                               error);
+constexpr std::array tryFiles{"colourpicker.png", "try.css", "try.js"};
+
+// A file that is there already with the same bytes is left alone.
+bool SameBytes(const MString& a, const MString& b) {
+    MFile first(a, false, true);
+    MFile second(b, false, true);
+    return first.inMemory && second.inMemory && std::ranges::equal(first.buffer, second.buffer);
 }
 
-void WriteTryPage(const MString& folder, const MString& htmlPath, const MString& name) {
-    for (const char* file : {"colourpicker.png", "try.css", "try.js"})
-        CopyMedia(file, folder + "/" + file);
-    CopyMedia("try.html", htmlPath);
+// Nothing for a file that doesn't come with the program, and for one that needs no copy.
+std::optional<MSafeFile> CopyOfMedia(const char* name, const MString& target) {
+    if (!FileExists(MediaFile(name)) || SameBytes(MediaFile(name), target)) return std::nullopt;
+    MFile source(MediaFile(name), false, true);
+    MSafeFile copy(target, MLinks::StayInFolder);
+    if (source.buffer.count > 0)
+        copy.WriteAt(0, source.buffer.data, static_cast<std::size_t>(source.buffer.count));
+    return copy;
+}
+
+std::vector<const char*> MediaNames(bool minimal) {
+    std::vector<const char*> names{runTime};
+    if (!minimal) names.insert(names.end(), tryFiles.begin(), tryFiles.end());
+    return names;
+}
+
+void CopyMedia(const MString& folder, bool minimal, MWriteFailures* failures) {
+    std::vector<MSafeFile> copies;
+    for (const char* name : MediaNames(minimal)) {
+        if (auto copy = CopyOfMedia(name, folder + "/" + name)) copies.push_back(std::move(*copy));
+    }
+    PlaceAll(copies, failures);
+}
+
+// Without the page that comes with the program the text is empty, and then an earlier page stays.
+MString TryPage(const MString& name) {
     MString page = MTextFile::ReadWholeFile(MediaFile("try.html"));
     page.ReplaceAll("[font]", name);
-    MTextFile::WriteWholeFile(page, htmlPath, MTextEncoding::Ansi);
+    return page;
 }
 
 bool UserAcceptsSize(const MColourFont& font) {
@@ -174,22 +203,49 @@ MString WebFontName(const MString& path) {
     return name;
 }
 
-bool MColourFont::ExportHtml(const MString& path, bool minimal) {
+bool IsHarmlessWebName(const MString& path) {
+    constexpr std::string_view signs = "_-$.";
+    const MString name = path.GetFileName(); // the script names the picture with all of it
+    return std::ranges::all_of(name.View(), [&](char16_t unit) {
+        const auto written = static_cast<unsigned char>(unit & 0xFF); // what is left of it in the files
+        const char byte = static_cast<char>(written);
+        return written > 127 || (byte >= '0' && byte <= '9') || (byte >= 'A' && byte <= 'Z') ||
+               (byte >= 'a' && byte <= 'z') || signs.find(byte) != std::string_view::npos;
+    });
+}
+
+std::vector<MString> PagePaths(const MString& path, bool minimal) {
+    std::vector<MString> paths;
+    for (const char* extension : {"html", "js", "png"})
+        paths.push_back(SiblingPath(path, extension));
+    for (const char* name : MediaNames(minimal)) {
+        const MString target = path.GetFolder() + "/" + name;
+        if (FileExists(MediaFile(name)) && !SameBytes(MediaFile(name), target)) paths.push_back(target);
+    }
+    return paths;
+}
+
+bool MColourFont::ExportHtml(const MString& path, bool minimal, MWriteFailures* failures) {
     if (!Picture.IsValid() || !UserAcceptsSize(*this)) return false;
     const MString name = WebFontName(path);
-    const MString folder = path.GetFolder();
     // Only the last extension is replaced, while the name ends at the first dot: with a dot in the name the
     // page looks for files that are not there.
-    const MString htmlPath = SiblingPath(path, "html");
     const MString picturePath = SiblingPath(path, "png");
+    const MString page = minimal ? MinimalPage(*this, name) : TryPage(name);
+    const auto prepare = [](const MString& text, const MString& target) {
+        return MTextFile::PrepareWholeFile(text, target, MTextEncoding::Ansi, MLinks::StayInFolder);
+    };
+    CopyMedia(path.GetFolder(), minimal, failures);
 
-    Picture.Save(picturePath);
-    CopyMedia(runTime, folder + "/" + runTime);
-    if (minimal) {
-        if (!MTextFile::WriteWholeFile(MinimalPage(*this, name), htmlPath, MTextEncoding::Ansi)) return false;
-    } else {
-        WriteTryPage(folder, htmlPath, name);
+    // These belong together: a picture of one font with the numbers of another would be of no use.
+    std::vector<MSafeFile> files;
+    files.push_back(Picture.PrepareSave(picturePath, FormatNone, MLinks::StayInFolder));
+    files.push_back(prepare(Script(*this, name, picturePath.GetFileName()), SiblingPath(path, "js")));
+    if (!page.IsEmpty()) files.push_back(prepare(page, SiblingPath(path, "html")));
+    const auto finished = std::ranges::count_if(files, [](MSafeFile& file) { return file.Finish(); });
+    if (finished == std::ssize(files)) return PlaceAll(files, failures) == files.size();
+    for (const MSafeFile& file : files) {
+        if (failures && !file.Ok()) failures->push_back({file.Path(), file.Failure()});
     }
-    return MTextFile::WriteWholeFile(Script(*this, name, picturePath.GetFileName()), SiblingPath(path, "js"),
-                                     MTextEncoding::Ansi);
+    return false;
 }

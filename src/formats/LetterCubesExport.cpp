@@ -2,6 +2,7 @@
 
 #include "document/MColourFont.h"
 #include "document/MSettings.h"
+#include "formats/ExportFiles.h"
 #include "formats/LetterCubes.h"
 #include "foundation/MDebug.h"
 #include "foundation/MNumbers.h"
@@ -149,20 +150,39 @@ private:
     }
 };
 
-// The names in capitals, if the font can spell them; a message and nothing otherwise.
-std::optional<std::vector<MString>> SpellableNames(const MColourFont& font) {
+// The names in capitals.
+std::vector<MString> Names() {
     std::vector<MString> names = MLetterCubes::ReadNames(Settings->LetterCubesNames);
-    for (MString& name : names) {
+    for (MString& name : names)
         name.ToUpper();
+    return names;
+}
+
+struct MissingLetter {
+    MString name;
+    char16_t letter;
+};
+
+std::optional<MissingLetter> FindMissingLetter(const MColourFont& font, const std::vector<MString>& names) {
+    for (const MString& name : names) {
         for (const char16_t letter : name.View()) {
-            if (font.GetGlyph(letter)) continue;
-            ShowError(font, "I can't create letter cubes cut-outs because the name \"" + name +
-                                "\" is using the letter " + Text(letter) +
-                                ", which is not present in this alphabet.");
-            return std::nullopt;
+            if (!font.GetGlyph(letter)) return MissingLetter{name, letter};
         }
     }
-    return names;
+    return std::nullopt;
+}
+
+bool HasAllCapitals(const MColourFont& font) {
+    for (char16_t capital = u'A'; capital <= u'Z'; ++capital) {
+        if (!font.GetGlyph(capital)) return false;
+    }
+    return true;
+}
+
+// A literal cut: a folder with a dot in its name ends the path there.
+MString CubePath(MString path, std::size_t index) {
+    path.KeepBefore(".");
+    return path + Text(index + 1) + ".png";
 }
 
 void TellDebugger(const MLetterCubes& result) {
@@ -197,15 +217,30 @@ MString Statistics(const MLetterCubes& result, const NetSize& net) {
 
 } // namespace
 
-bool MColourFont::ExportLetterCubes(const MString& path) {
-    for (char16_t capital = u'A'; capital <= u'Z'; ++capital) {
-        if (GetGlyph(capital)) continue;
+std::vector<MString> LetterCubePaths(const MColourFont& font, const MString& path) {
+    const std::vector<MString> names = Names();
+    std::vector<MString> paths;
+    if (names.empty() || !HasAllCapitals(font) || FindMissingLetter(font, names)) return paths;
+    const std::size_t count = MLetterCubes(names).cubes.size();
+    for (std::size_t i = 0; i < count; ++i)
+        paths.push_back(CubePath(path, i));
+    return paths;
+}
+
+bool MColourFont::ExportLetterCubes(const MString& path, MWriteFailures* failures) {
+    if (!HasAllCapitals(*this)) {
         ShowError(*this, "Make sure your font features all all upper case characters.");
         return false;
     }
-    const auto names = SpellableNames(*this);
-    if (!names || names->empty()) return false;
-    const MLetterCubes result(*names);
+    const std::vector<MString> names = Names();
+    if (const auto missing = FindMissingLetter(*this, names)) {
+        ShowError(*this, "I can't create letter cubes cut-outs because the name \"" + missing->name +
+                             "\" is using the letter " + Text(missing->letter) +
+                             ", which is not present in this alphabet.");
+        return false;
+    }
+    if (names.empty()) return false;
+    const MLetterCubes result(names);
     TellDebugger(result);
 
     const NetSize net(*this);
@@ -218,14 +253,13 @@ bool MColourFont::ExportLetterCubes(const MString& path) {
     MPicture picture(static_cast<std::uint32_t>(net.Width()), static_cast<std::uint32_t>(net.Height()),
                      FormatRGB8);
     if (!picture.IsValid()) return false;
-    // A literal cut: a folder with a dot in its name ends the path there.
-    MString stem = path;
-    stem.KeepBefore(".");
     NetPainter painter(*this, picture, net);
+    std::vector<MSafeFile> files;
     for (std::size_t i = 0; i < result.cubes.size(); ++i) {
         painter.Paint(result.cubes[i]);
-        picture.Save(stem + Text(i + 1) + ".png");
+        files.push_back(picture.PrepareSave(CubePath(path, i), FormatNone, MLinks::StayInFolder));
     }
     picture.Free();
+    PlaceAll(files, failures);
     return true;
 }

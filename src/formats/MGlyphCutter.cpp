@@ -1,11 +1,14 @@
 #include "formats/MGlyphCutter.h"
 
 #include "foundation/MNumbers.h"
+#include "imaging/MPixelBudget.h"
 
 #include <algorithm>
 #include <cstring>
 
 namespace {
+
+constexpr std::uint64_t fewPixels = std::uint64_t{1} << 24;
 
 std::int32_t Scaled(std::int32_t value, float factor) {
     return ToInteger(static_cast<float>(value) * factor);
@@ -13,9 +16,18 @@ std::int32_t Scaled(std::int32_t value, float factor) {
 
 } // namespace
 
-// A file can claim any number of huge glyphs, each small enough to be allocated; together they stay below half
-// of what a single block may have.
-MGlyphCutter::MGlyphCutter(const MPicture& source) : picture(source), bytesLeft(MemoryLimit() / 2) {}
+// A file can claim any number of huge glyphs, each small enough to be allocated. Together they may take half of
+// what a single block may have, and of pixels, as the glyphs of a picture rarely overlap, little more than it
+// has.
+MGlyphCutter::MGlyphCutter(const MPicture& source)
+    : picture(source), bytesLeft(MemoryLimit() / 2),
+      pixelsLeft(std::uint64_t{source.Width} * source.Height * 2 + fewPixels) {}
+
+bool MGlyphCutter::TakePixels(std::uint64_t count) {
+    const bool free = count <= pixelsLeft;
+    if (free) pixelsLeft -= count;
+    return free || TakeSparePixels(count);
+}
 
 void MGlyphCutter::Cut(MColourFont& font, MGlyphRecord record) {
     if (horizontalScale != 1.0F || verticalScale != 1.0F) {
@@ -33,7 +45,7 @@ void MGlyphCutter::Cut(MColourFont& font, MGlyphRecord record) {
     const std::uint64_t bytes = hasArea ? static_cast<std::uint64_t>(record.width) *
                                               static_cast<std::uint64_t>(record.height) * sizeof(MColour)
                                         : 0;
-    const bool affordable = bytes <= bytesLeft;
+    const bool affordable = bytes <= bytesLeft && TakePixels(bytes / sizeof(MColour));
     auto glyph = std::make_unique<MGlyph>(record.character, affordable ? record.width : 0,
                                           affordable ? record.height : 0, record.spacingBefore,
                                           record.spacingAfter, true);

@@ -34,7 +34,10 @@ public:
 
 private:
     const MPicture& picture;
-    std::uint64_t bytesLeft; // for the pictures of all glyphs together
+    std::uint64_t bytesLeft;  // for the pictures of all glyphs together
+    std::uint64_t pixelsLeft; // the same in pixels, before the spare ones are asked for
+
+    bool TakePixels(std::uint64_t count);
 
     void CopyPixels(MGlyph& glyph, std::int32_t left, std::int32_t top) const;
 };

@@ -13,7 +13,7 @@ constexpr std::size_t chunkBytes = 65536;
 
 // A line longer than this loses the rest, as if memory were exhausted for it.
 std::size_t LongestLine() {
-    return std::min(MemoryLimit() / 4, std::size_t{1} << 30);
+    return std::min(MemoryLimit() / 4, std::size_t{1} << 26);
 }
 
 constexpr std::u16string_view blanks = u"\t\n\r ";
@@ -81,14 +81,17 @@ void Unescape(MString& text, bool literalBackslashN) {
 
 } // namespace
 
-MTextFile::MTextFile(const MString& filePath, bool forWriting, bool preload, MTextEncoding fileEncoding)
-    : path(filePath), file(filePath, forWriting, preload), writing(forWriting), encoding(fileEncoding) {
-    ok = file.ok != 0;
-    if (!ok) return;
+MTextFile::MTextFile(const MString& filePath, bool forWriting, bool preload, MTextEncoding fileEncoding,
+                     MLinks links)
+    : path(filePath), file(forWriting ? MString() : filePath, false, preload), writing(forWriting),
+      encoding(fileEncoding) {
     if (writing) {
-        OpenForWriting();
+        out = MSafeFile(path, links);
+        ok = out.Ok();
+        if (ok) OpenForWriting();
     } else {
-        OpenForReading();
+        ok = file.ok != 0;
+        if (ok) OpenForReading();
     }
 }
 
@@ -99,7 +102,7 @@ void MTextFile::OpenForWriting() {
     }
     const auto mark = MarkOf(encoding);
     markLength = static_cast<int>(mark.size());
-    if (!mark.empty()) ok = file.Write(mark.data(), mark.size());
+    unwritten.append(mark.begin(), mark.end());
 }
 
 void MTextFile::OpenForReading() {
@@ -277,10 +280,24 @@ void MTextFile::WriteUnits(std::u16string_view units) {
     if (unwritten.size() >= chunkBytes) Flush();
 }
 
-// A full disk is not told, as nothing here is.
+// A full disk is told by `out`.
 void MTextFile::Flush() {
-    file.Write(unwritten.data(), unwritten.size());
+    if (!unwritten.empty() && out.WriteAt(written, unwritten.data(), unwritten.size()))
+        written += unwritten.size();
     unwritten.clear();
+}
+
+MSafeFile MTextFile::Take() {
+    if (ok) Flush();
+    ok = false;
+    return std::move(out);
+}
+
+bool MTextFile::Place() {
+    if (!writing || !ok) return false;
+    Flush();
+    ok = false;
+    return out.Place();
 }
 
 MString MTextFile::ReadWholeFile(const MString& path) {
@@ -297,8 +314,12 @@ MString MTextFile::ReadWholeFile(const MString& path) {
 
 bool MTextFile::WriteWholeFile(const MString& text, const MString& path, MTextEncoding encoding) {
     if (text.IsEmpty()) return true;
-    MTextFile out(path, true, false, encoding);
-    if (!out.ok) return false;
-    out.WriteUnits(text.View());
-    return true;
+    return PrepareWholeFile(text, path, encoding).Place();
+}
+
+MSafeFile MTextFile::PrepareWholeFile(const MString& text, const MString& path, MTextEncoding encoding,
+                                      MLinks links) {
+    MTextFile file(path, true, false, encoding, links);
+    file.WriteUnits(text.View());
+    return file.Take();
 }

@@ -7,6 +7,7 @@
 #pragma once
 
 #include "foundation/MFile.h"
+#include "foundation/MSafeFile.h"
 #include "foundation/MString.h"
 
 #include <cstdint>
@@ -24,8 +25,9 @@ enum class MTextEncoding : std::uint8_t {
 class MTextFile {
 public:
     MString path;
-    bool ok = true; // false if the file couldn't be opened or its mark not written
-    MFile file;
+    bool ok = true;  // false if the file couldn't be opened or its mark not written
+    MFile file;      // read from
+    MSafeFile out;   // written to
     MString pending; // the line being written
     bool writing;
     MTextEncoding encoding;
@@ -33,11 +35,16 @@ public:
 
     // `encoding` is for writing; on reading the file's mark tells it, and a file without one is Ansi. `preload`
     // reads the file at once and closes it.
-    MTextFile(const MString& path, bool writing, bool preload, MTextEncoding encoding);
+    MTextFile(const MString& path, bool writing, bool preload, MTextEncoding encoding,
+              MLinks links = MLinks::Follow);
     MTextFile(const MTextFile&) = delete;
     MTextFile& operator=(const MTextFile&) = delete;
-    // What was written is in the file from here on.
-    ~MTextFile() { Flush(); }
+    // What was written takes the place of the old file from here on, which stays if any of it failed.
+    ~MTextFile() { Place(); }
+    // The same earlier. Whether all of it succeeded; `out` tells why not.
+    bool Place();
+    // Nothing is written from here on; the complete file is still to be put into its place.
+    MSafeFile Take();
 
     // Reads and takes apart one line, ended by CR, LF, CR LF or the end of the file. False at the end; the
     // tokens stay then.
@@ -66,12 +73,16 @@ public:
     static MString ReadWholeFile(const MString& path);
     // Writes a text with its mark in one go. True at once, and nothing created, for an empty text.
     static bool WriteWholeFile(const MString& text, const MString& path, MTextEncoding encoding);
+    // The same as a file that is still to be put into its place; also made for an empty text.
+    static MSafeFile PrepareWholeFile(const MString& text, const MString& path, MTextEncoding encoding,
+                                      MLinks links = MLinks::Follow);
 
 private:
     std::vector<std::uint8_t> chunk; // read ahead from the file
     std::size_t chunkPosition = 0;
     std::string unwritten; // bytes that are not in the file yet
-    std::u16string line;   // the current line without CR and LF
+    std::uint64_t written = 0;
+    std::u16string line; // the current line without CR and LF
     // Into `line`, once they are asked for: readers of whole lines need none.
     mutable std::vector<std::u16string_view> tokens;
     mutable bool tokenised = true;

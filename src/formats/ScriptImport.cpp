@@ -11,6 +11,7 @@
 #include "formats/WebFont.h"
 #include "foundation/MFolders.h"
 #include "foundation/Product.h"
+#include "imaging/MPixelBudget.h"
 
 #include <string_view>
 
@@ -124,6 +125,7 @@ bool MColourFont::ImportJavascript(const MString& path) {
     MString picturePath = SiblingPath(path, "png");
     if (!FileExists(picturePath)) picturePath = ChooseFile(Owner, MPathKind::FindPicture);
     if (picturePath.IsEmpty()) return false;
+    const MFontPictureScope scope;
     MPicture picture(picturePath);
     if (!picture.IsValid()) return false;
     ReadScript(*this, path, picture);

@@ -1,15 +1,34 @@
 // One PNG for each glyph: C65.png for "A".
 
 #include "document/MColourFont.h"
+#include "formats/ExportFiles.h"
 #include "foundation/MFolders.h"
 
-bool MColourFont::ExportSingleFiles(const MString& path) {
-    if (path.IsEmpty()) return false;
-    bool anyWritten = false;
-    for (const auto& slot : Glyphs) {
-        if (!slot) continue;
-        const MString name = MString("C") + MString(slot->Character) + ".png";
-        anyWritten |= slot->SavePicture(JoinPath(path.GetFolder(), name));
+#include <vector>
+
+namespace {
+
+MString FileOf(const MGlyph& glyph, const MString& folder) {
+    return JoinPath(folder, MString("C") + MString(glyph.Character) + ".png");
+}
+
+} // namespace
+
+std::vector<MString> SingleFilePaths(const MColourFont& font, const MString& path) {
+    std::vector<MString> paths;
+    for (const auto& slot : font.Glyphs) {
+        if (slot && slot->Picture.IsValid()) paths.push_back(FileOf(*slot, path.GetFolder()));
     }
-    return anyWritten;
+    return paths;
+}
+
+bool MColourFont::ExportSingleFiles(const MString& path, MWriteFailures* failures) {
+    if (path.IsEmpty()) return false;
+    std::vector<MSafeFile> files;
+    for (const auto& slot : Glyphs) {
+        if (!slot || !slot->Picture.IsValid()) continue;
+        files.push_back(
+            slot->Picture.PrepareSave(FileOf(*slot, path.GetFolder()), FormatNone, MLinks::StayInFolder));
+    }
+    return PlaceAll(files, failures) > 0;
 }

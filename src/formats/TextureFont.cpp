@@ -14,10 +14,16 @@
 #include "document/MColourFont.h"
 #include "document/MKerningTable.h"
 #include "document/MSettings.h"
+#include "formats/ExportFiles.h"
+#include "formats/MFontPair.h"
 #include "formats/MGlyphCutter.h"
 #include "formats/MTextFile.h"
 #include "formats/SiblingPath.h"
 #include "foundation/MFolders.h"
+#include "imaging/MPixelBudget.h"
+
+#include <algorithm>
+#include <iterator>
 
 namespace {
 
@@ -52,15 +58,33 @@ void WriteKerning(MTextFile& file, const MKerningPair& pair) {
     file.EndLine();
 }
 
-// Beside the file, in the folder Textures above its folder, or where the user says. Empty if cancelled. The
-// path in the TEX record plays no part: it may name a place that no longer exists.
-MString FindPicture(const MString& path, Desktop::WindowHandle owner) {
+// Beside the file, in the folder Textures above its folder, or where the user says, which `chosen` keeps. Empty
+// if cancelled. The path in the TEX record plays no part: it may name a place that no longer exists.
+MString FindPicture(const MString& path, Desktop::WindowHandle owner, MString& chosen) {
     MString beside = SiblingPath(path, "png");
     if (FileExists(beside)) return beside;
     const MString above = path.GetFolder().GetFolder();
     MString inTextures = JoinPath(JoinPath(above, "Textures"), beside.GetFileName());
     if (FileExists(inTextures)) return inTextures;
-    return ChooseFile(owner, MPathKind::FindPicture);
+    return chosen = ChooseFile(owner, MPathKind::FindPicture);
+}
+
+MSafeFile WriteText(const MColourFont& font, const MString& path, const MString& picturePath) {
+    MTextFile file(path, true, false, MTextEncoding::Utf16Le);
+    file.EndLine("Showmarquee TextureFont 1.0");
+    WriteRecord(file, "FSZ", {Settings->GlyphHeight, font.Baseline, font.CapHeight});
+    file.WriteString("TEX");
+    file.WriteString(picturePath);
+    file.WriteInt(font.PictureWidth);
+    file.WriteInt(font.PictureHeight);
+    file.EndLine();
+    for (const auto& slot : font.Glyphs) {
+        if (slot) WriteGlyph(file, *slot);
+    }
+    WriteRecord(file, "SPA", {font.SpaceWidth});
+    for (const MKerningPair& pair : font.Kerning)
+        WriteKerning(file, pair);
+    return file.Take();
 }
 
 class RecordReader {
@@ -121,6 +145,15 @@ bool ReadRecords(MColourFont& font, const MString& path, const MPicture& picture
     return true;
 }
 
+bool LoadPair(MColourFont& font, const MString& path, const MString& picturePath) {
+    const MFontPictureScope scope;
+    MPicture picture(picturePath);
+    if (!picture.IsValid()) return false;
+    const bool loaded = ReadRecords(font, path, picture);
+    picture.Free();
+    return loaded;
+}
+
 } // namespace
 
 bool ReadTextureFontHeader(MTextFile& file) {
@@ -128,37 +161,40 @@ bool ReadTextureFontHeader(MTextFile& file) {
            file.GetString(1).Equals(u"TextureFont");
 }
 
-bool MColourFont::Save(const MString& path) {
+std::vector<MString> FontPaths(const MString& path) {
+    return {SiblingPath(path, "sm"), SiblingPath(path, "png")};
+}
+
+bool MColourFont::Save(const MString& path, MWriteFailures* failures) {
     if (!Picture.IsValid()) return false;
     const MString picturePath = SiblingPath(path, "png");
-    Picture.Save(picturePath);
-
-    // Neither result is looked at: the user is told of success even where nothing could be written.
-    MTextFile file(SiblingPath(path, "sm"), true, false, MTextEncoding::Utf16Le);
-    file.EndLine("Showmarquee TextureFont 1.0");
-    WriteRecord(file, "FSZ", {Settings->GlyphHeight, Baseline, CapHeight});
-    file.WriteString("TEX");
-    file.WriteString(picturePath);
-    file.WriteInt(PictureWidth);
-    file.WriteInt(PictureHeight);
-    file.EndLine();
-    for (const auto& slot : Glyphs) {
-        if (slot) WriteGlyph(file, *slot);
-    }
-    WriteRecord(file, "SPA", {SpaceWidth});
-    for (const MKerningPair& pair : Kerning)
-        WriteKerning(file, pair);
+    const auto writeText = [&](const MString& namedPicture) {
+        return WriteText(*this, SiblingPath(path, "sm"), namedPicture);
+    };
+    MWriteFailures failed;
+    PlaceFontPair(Picture.PrepareSave(picturePath), writeText(picturePath), writeText, failed);
+    if (failures) std::ranges::move(failed, std::back_inserter(*failures));
     return true;
 }
 
 bool MColourFont::Load(const MString& path) {
     if (!FileExists(path)) return false;
-    const MString picturePath = FindPicture(path, Owner);
-    if (picturePath.IsEmpty()) return false;
-    MPicture picture(picturePath);
-    if (!picture.IsValid()) return false;
-    const bool loaded = ReadRecords(*this, path, picture);
-    picture.Free();
+    if (!UnfinishedPicture(path).IsEmpty()) FinishFontPair(path);
+    // A save by another program while the two files are read makes them read again.
+    constexpr int mostAttempts = 100;
+    const auto text = FindExisting(path).value_or(std::filesystem::path());
+    MString chosen; // by the user, who is asked once
+    bool loaded = false;
+    for (int attempt = 0; attempt < mostAttempts; ++attempt) {
+        const MFileStamp before = StampOf(text);
+        MString picturePath = UnfinishedPicture(path);
+        if (picturePath.IsEmpty()) picturePath = chosen.IsEmpty() ? FindPicture(path, Owner, chosen) : chosen;
+        if (picturePath.IsEmpty()) return false;
+        loaded = LoadPair(*this, path, picturePath);
+        if (StampOf(text) == before) break;
+        Clear();
+        loaded = false;
+    }
     if (loaded) SortKerningByAmount();
     return loaded;
 }

@@ -43,8 +43,9 @@ void MFile::Open(const MString& path) {
     }
     const auto existing = FindExisting(path);
     std::error_code error;
-    // A folder can be opened like a file on some systems; only its reads would fail.
-    if (!existing || std::filesystem::is_directory(*existing, error)) return;
+    // A folder can be opened like a file on some systems; only its reads would fail. A pipe would keep the
+    // program waiting for whoever writes into it.
+    if (!existing || !std::filesystem::is_regular_file(*existing, error)) return;
     handle.open(*existing, std::ios::binary | std::ios::in);
 }
 

@@ -10,9 +10,12 @@
 #include <new>
 #include <string_view>
 
-// The largest single block that is tried, in bytes: half of the machine's memory. A larger request counts as
-// exhausted memory, so that a hostile file meets a refusal and not the out-of-memory killer.
+// What the program may take in all, in bytes: half of the machine's memory. A request that goes beyond counts
+// as exhausted memory, so that a hostile file meets a refusal and not the out-of-memory killer.
 std::size_t MemoryLimit();
+// Whether a block of this size stays within the limit, together with all that the process holds already, its
+// libraries included.
+bool IsAffordable(std::size_t bytes);
 
 // Replaces the limit (0: back to the machine's own). For tests and fuzzing.
 void SetMemoryLimit(std::size_t bytes);
@@ -29,7 +32,7 @@ void MCopyMemory(void* destination, const void* source, std::size_t size);
 template<typename T>
 T* AllocateArray(std::size_t count, std::u16string_view message) {
     try {
-        if (count > MemoryLimit() / sizeof(T)) throw std::bad_alloc();
+        if (count > MemoryLimit() / sizeof(T) || !IsAffordable(count * sizeof(T))) throw std::bad_alloc();
         return new T[count];
     } catch (const std::bad_alloc&) {
         DebugOutput(message);

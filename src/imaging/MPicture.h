@@ -8,6 +8,7 @@
 // writes do nothing.
 #pragma once
 
+#include "foundation/MSafeFile.h"
 #include "foundation/MString.h"
 #include "imaging/MColour.h"
 
@@ -91,8 +92,11 @@ public:
     // Writes the picture in the form that the extension names. `format` 0 means the picture's own; it is the
     // format written, as near as the form can hold it. An alpha format bleeds the picture's colours first,
     // which changes the picture itself. True only if the whole file was written; `report` then tells path,
-    // size, resolution and format in four lines, and is empty otherwise.
+    // size, resolution and format in four lines, and is empty otherwise. An old file stays until the new one is
+    // complete.
     bool Save(const MString& path, MPixelFormat format = FormatNone, MString* report = nullptr);
+    // The same, up to the moment where the old file would be replaced; what failed is told by the result.
+    MSafeFile PrepareSave(const MString& path, MPixelFormat format = FormatNone, MLinks links = MLinks::Follow);
 
     // A bitmap for drawing: a picture of format 7 whose colours are premultiplied, owned by the caller. Formats
     // that CopyPixels doesn't bring into format 7 give an empty one. Invalid for an invalid picture or without

@@ -2,6 +2,7 @@
 #include "foundation/MFile.h"
 #include "foundation/MFolders.h"
 #include "imaging/MPicture.h"
+#include "imaging/MPixelBudget.h"
 #include "imaging/MPixelLayout.h"
 #include "imaging/codecs/MCodec.h"
 
@@ -45,6 +46,7 @@ bool Load(const MString& path, std::int32_t frame, std::int32_t maxWidth, std::i
     if (!file.ok) return false;
     MByteSource source(file);
     const MCodec* const codec = CodecForFile(source, path.GetExtension());
+    const MPixelLimit limit(source.Size());
     if (!codec || !codec->decode(source, frame, picture) || !picture.IsValid()) return false;
     // The forms that only the extension tells have always come in their own size.
     return maxWidth < 1 || maxHeight < 1 || !codec->sniff || ScaleToFit(picture, maxWidth, maxHeight);
@@ -91,6 +93,10 @@ bool EncodeDirectly(const MPicture& picture, MPixelFormat format, const MCodec& 
     return written;
 }
 
+MPixelFormat Writable(MPixelFormat format) {
+    return BytesPerPixel(format) == 0 ? FormatR8 : format;
+}
+
 MString ReportText(const MPicture& picture, const MString& path, MPixelFormat format) {
     MString text = "Path\t\t" + path + "\n";
     text += "Size\t\t" + SizeText(GetFileSize(path)) + "\n";
@@ -109,18 +115,25 @@ MPicture::MPicture(const MString& path, std::int32_t frame, std::int32_t maxWidt
     *this = MPicture();
 }
 
-bool MPicture::Save(const MString& path, MPixelFormat format, MString* report) {
-    if (report) *report = MString();
-    if (path.IsEmpty()) return false;
+MSafeFile MPicture::PrepareSave(const MString& path, MPixelFormat format, MLinks links) {
     if (format == FormatNone) format = Format;
     if (HasAlpha(format)) BleedColours();
-    if (BytesPerPixel(format) == 0) format = FormatR8;
+    format = Writable(format);
     const MCodec* const codec = CodecForExtension(path.GetExtension());
-    MByteSink sink(path);
-    if (!IsValid() || !codec || !codec->encode) return false;
+    if (!IsValid()) return MSafeFile::Failed(path, "there is no picture to write");
+    if (!codec || !codec->encode) return MSafeFile::Failed(path, "pictures of this form can't be written");
+    MByteSink sink(path, links);
     const bool encoded =
         codec->sniff ? EncodeAs(*this, format, *codec, sink) : EncodeDirectly(*this, format, *codec, sink);
-    if (!encoded || !sink.Finish()) return false;
-    if (report) *report = ReportText(*this, path, format);
+    if (!encoded && !sink.Failed()) {
+        return MSafeFile::Failed(path, "the picture can't be brought into this form");
+    }
+    return sink.TakeFile();
+}
+
+bool MPicture::Save(const MString& path, MPixelFormat format, MString* report) {
+    if (report) *report = MString();
+    if (path.IsEmpty() || !PrepareSave(path, format).Place()) return false;
+    if (report) *report = ReportText(*this, path, Writable(format == FormatNone ? Format : format));
     return true;
 }

@@ -3,11 +3,15 @@
 #include "document/ChangeGlyphHeight.h"
 #include "document/ChooseFile.h"
 #include "document/MSettings.h"
+#include "formats/ExportFiles.h"
 #include "formats/MPhotofontImporter.h"
+#include "formats/WebFont.h"
 #include "foundation/Product.h"
 #include "glyphs/PictureSeries.h"
+#include "imaging/MPixelBudget.h"
 #include "shell/CurrentFont.h"
 #include "shell/OpenFontFile.h"
+#include "shell/Replacing.h"
 #include "shell/Shell.h"
 
 namespace {
@@ -31,13 +35,31 @@ void New() {
 }
 
 void SaveAs(MColourFont& font) {
-    const MString path = ChooseFile(MainWindow, MPathKind::SaveFont);
-    if (path.IsEmpty() || !font.Save(path)) return;
+    MString typed;
+    const MString path = ChooseFile(MainWindow, MPathKind::SaveFont, &typed);
+    if (path.IsEmpty() || !font.Picture.IsValid()) return;
+    // The picture of a font belongs to it: who was asked about the one was asked about both.
+    const bool asked = typed.Equals(path) && IsThere(path);
+    if (!asked && !MayReplace(FontPaths(path))) return;
+    MWriteFailures failures;
+    font.Save(path, &failures);
+    TellFailures(failures);
     Tell("Colour font successfully saved as:\n\n" + Quoted(path));
 }
 
+bool InsistsOnName(const MString& path) {
+    return Desktop::ShowMessage(MainWindow,
+                                "WARNING: on the page the name \"" + path.GetFileName() +
+                                    "\" could run as script or markup, for everybody who opens it.\n\n"
+                                    "Letters, digits, \"_\", \"-\", \"$\" and dots are safe.\n\n"
+                                    "Would you like to export it all the same?",
+                                ProductName, Desktop::Buttons::YesNo,
+                                Desktop::Icon::Warning) == Desktop::Answer::Yes;
+}
+
 void ExportAsHtml(MColourFont& font) {
-    const MString path = ChooseFile(MainWindow, MPathKind::SaveHtml);
+    MString typed;
+    const MString path = ChooseFile(MainWindow, MPathKind::SaveHtml, &typed);
     if (path.IsEmpty()) return;
     // The name becomes part of an address.
     if (path.Contains(u' ')) {
@@ -45,24 +67,38 @@ void ExportAsHtml(MColourFont& font) {
                              Desktop::Buttons::Ok, Desktop::Icon::Error);
         return;
     }
+    if (!IsHarmlessWebName(path) && !InsistsOnName(path)) return;
     const auto answer =
         Desktop::ShowMessage(MainWindow, "Would you like to have a minimal HTML page?", ProductName,
                              Desktop::Buttons::YesNoCancel, Desktop::Icon::Question);
     if (answer == Desktop::Answer::Cancel) return;
-    if (font.ExportHtml(path, answer == Desktop::Answer::Yes))
-        Tell("Colour font successfully exported as:\n\n" + Quoted(path));
+    const bool minimal = answer == Desktop::Answer::Yes;
+    if (!font.Picture.IsValid() || !MayReplace(PagePaths(path, minimal), typed)) return;
+    MWriteFailures failures;
+    const bool exported = font.ExportHtml(path, minimal, &failures);
+    TellFailures(failures);
+    if (exported) Tell("Colour font successfully exported as:\n\n" + Quoted(path));
 }
 
 void ExportAsSingleFiles(MColourFont& font) {
-    const MString path = ChooseFile(MainWindow, MPathKind::SavePicture);
-    if (!path.IsEmpty() && font.ExportSingleFiles(path))
-        Tell("Colour font successfully exported as single files!");
+    MString typed;
+    const MString path = ChooseFile(MainWindow, MPathKind::SavePicture, &typed);
+    if (path.IsEmpty() || !MayReplace(SingleFilePaths(font, path), typed)) return;
+    MWriteFailures failures;
+    const bool exported = font.ExportSingleFiles(path, &failures);
+    TellFailures(failures);
+    if (exported) Tell("Colour font successfully exported as single files!");
 }
 
 void ExportAsCubes(MColourFont& font) {
     if (!Desktop::RunDialog(MainWindow, DialogId::LetterCubesNames)) return;
-    const MString path = ChooseFile(MainWindow, MPathKind::SavePicture);
-    if (!path.IsEmpty() && font.ExportLetterCubes(path)) Tell("Successfully created letter cubes cut-outs!");
+    MString typed;
+    const MString path = ChooseFile(MainWindow, MPathKind::SavePicture, &typed);
+    if (path.IsEmpty() || !MayReplace(LetterCubePaths(font, path), typed)) return;
+    MWriteFailures failures;
+    const bool exported = font.ExportLetterCubes(path, &failures);
+    TellFailures(failures);
+    if (exported) Tell("Successfully created letter cubes cut-outs!");
 }
 
 // The old font is gone before the user is asked for a file.
@@ -82,7 +118,9 @@ void AddCharacters() {
 void AddPicture() {
     const bool isNew = !CurrentFont;
     MColourFont& font = CurrentOrNewFont();
-    if (!Desktop::RunDialog(MainWindow, DialogId::AddPicture)) return;
+    const bool accepted = Desktop::RunDialog(MainWindow, DialogId::AddPicture);
+    RestorePixelBudget(); // the dialog has shown pictures
+    if (!accepted) return;
     AddChosenPictures(font, isNew);
     font.Draw();
 }
@@ -127,9 +165,7 @@ void OnCurrentFont(void (*command)(MColourFont&)) {
     if (CurrentFont) command(*CurrentFont);
 }
 
-} // namespace
-
-void RunCommand(CommandId command) {
+void Run(CommandId command) {
     switch (command) {
     case CommandId::New: return New();
     case CommandId::Open: return OpenFontFile(ChooseFile(MainWindow, MPathKind::OpenFont));
@@ -155,4 +191,15 @@ void RunCommand(CommandId command) {
     case CommandId::Community: return OpenUrl(MakerSite + "/community/");
     case CommandId::About: Desktop::RunDialog(MainWindow, DialogId::About); return;
     }
+}
+
+} // namespace
+
+void RunCommand(CommandId command) {
+    RestorePixelBudget();
+    Run(command);
+    const MString refusal = TakePixelRefusal();
+    if (refusal.IsEmpty()) return;
+    Desktop::ShowMessage(MainWindow, "A picture was not read: " + refusal, ProductName, Desktop::Buttons::Ok,
+                         Desktop::Icon::Error);
 }

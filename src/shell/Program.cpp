@@ -4,6 +4,7 @@
 #include "foundation/Product.h"
 #include "glyphs/MFontList.h"
 #include "imaging/MFileTypes.h"
+#include "imaging/MPixelBudget.h"
 #include "licensing/MLicense.h"
 #include "shell/CurrentFont.h"
 #include "shell/OpenFontFile.h"
@@ -18,6 +19,7 @@ MString CommandLineFile;
 namespace {
 
 void OpenTextureFont(const MString& path) {
+    RestorePixelBudget();
     if (path.GetExtension().Equals("SM")) OpenFontFile(path);
 }
 

@@ -188,9 +188,11 @@ void MSettings::Save() const {
     const MString path = SettingsFilePath();
     if (FileExists(path) && !FileRead) return;
     MTextFile file(path, true, false, MTextEncoding::Utf16Le);
+    const auto tell = [](const MString& text) {
+        Desktop::ShowMessage(nullptr, text, ProductName, Desktop::Buttons::Ok, Desktop::Icon::Error);
+    };
     if (!file.ok) {
-        Desktop::ShowMessage(nullptr, "Could not open:\n\n\"" + path + "\"", ProductName, Desktop::Buttons::Ok,
-                             Desktop::Icon::Error);
+        tell("Could not open:\n\n\"" + path + "\"");
         return;
     }
     for (const Field& field : firstFields)
@@ -211,4 +213,5 @@ void MSettings::Save() const {
     const MSettings defaults;
     if (!KerningText.Equals(defaults.KerningText) || KerningStrength != defaults.KerningStrength)
         WriteField(opticalKerningField, file, *this);
+    if (!file.Place()) tell("Could not write:\n\n\"" + path + "\"\n\n" + file.out.Failure());
 }

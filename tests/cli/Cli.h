@@ -2,6 +2,7 @@
 #pragma once
 
 #include "TemporaryFolder.h"
+#include "imaging/MPixelBudget.h"
 #include "imaging/Pictures.h"
 
 #include <nlohmann/json.hpp>
@@ -18,10 +19,10 @@ public:
     std::string error;
 
     // Arguments as typed in a shell, in the folder or one below it. Returns the status.
-    int Run(const std::string& arguments, const std::string& below = {}) {
+    int Run(const std::string& arguments, const std::string& below = {}, const char* program = LETTRINO_CLI) {
         const std::string command = "cd '" + (folder.path / below).string() + "' && HOME='" +
-                                    folder.path.string() + "/home' '" + LETTRINO_CLI + "' " + arguments +
-                                    " >'" + folder.path.string() + "/stdout.txt' 2>'" + folder.path.string() +
+                                    folder.path.string() + "/home' '" + program + "' " + arguments + " >'" +
+                                    folder.path.string() + "/stdout.txt' 2>'" + folder.path.string() +
                                     "/stderr.txt'";
         const int result = std::system(command.c_str());
         status = WIFEXITED(result) ? WEXITSTATUS(result) : -1;
@@ -36,7 +37,10 @@ public:
         return nlohmann::json::parse(out, nullptr, false);
     }
 
-    OwnedPicture Picture(const char* file) const { return {MPicture(folder.File(file))}; }
+    OwnedPicture Picture(const char* file) const {
+        const MFontPictureScope largeOnesToo;
+        return {MPicture(folder.File(file))};
+    }
 
     bool Has(const char* file) const { return std::filesystem::exists(folder.path / file); }
 };

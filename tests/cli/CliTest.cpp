@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <algorithm>
 #include <tuple>
@@ -156,6 +157,81 @@ TEST(Cli, FailuresNameStepFileAndReason) {
     EXPECT_FALSE(cli.Has("f.sm"));
     EXPECT_TRUE(cli.Has("kept.png"));
     EXPECT_FALSE(cli.Has("kept.sm"));
+}
+
+// Every file that could not be written has its line, and the others are whole; the old ones stay.
+TEST(Cli, FullDisks) {
+    Cli cli;
+    const std::string font = "--family 'DejaVu Sans' --height 200 --select A-Z --generate ";
+    ASSERT_EQ(cli.Run(font + "--save f.sm --minimal-html p.html --single-files . --cubes cube.png"), 0)
+        << cli.error;
+    const std::string script = cli.folder.Read("p.js");
+    const struct {
+        const char* steps;
+        const char* names;
+        std::ptrdiff_t lines;
+    } cases[] = {
+        {"--single-files .", "--single-files: .: ", 24}, // of 26; "I" and "J" have room
+        {"--cubes cube.png", "--cubes: cube.png: ", 9},
+        {"--save f.sm", "--save: f.sm: ", 1},
+        {"--minimal-html p.html", "--minimal-html: p.html: ", 1},
+        {"--text AAAA line.png", "--text: line.png: ", 1},
+    };
+    for (const auto& c : cases) {
+        const std::string limited =
+            "-c 'ulimit -f 1 && exec \"$0\" \"$@\"' '" + std::string(LETTRINO_CLI) + "' ";
+        EXPECT_EQ(cli.Run(limited + font + c.steps, {}, "bash"), 1) << c.steps;
+        const auto lines = std::ranges::count(cli.error, '\n');
+        EXPECT_TRUE(c.lines == 1 ? lines == 1 : lines > 1) << cli.error;
+        EXPECT_THAT(cli.error, testing::StartsWith(std::string("lettrino-cli: ") + c.names));
+        EXPECT_THAT(cli.error, HasSubstr("File too large"));
+    }
+    for (const char* picture : {"f.png", "p.png", "C65.png", "C73.png", "cube1.png"})
+        EXPECT_TRUE(cli.Picture(picture).IsValid()) << picture;
+    EXPECT_EQ(cli.folder.Read("p.js"), script);
+    EXPECT_FALSE(cli.Has("line.png"));
+    EXPECT_EQ(cli.Run("--open f.sm"), 0);
+}
+
+// Files that can't be what they are named: told, and neither waited for nor died of.
+TEST(Cli, PipesAndOtherOddFiles) {
+    Cli cli;
+    ASSERT_EQ(cli.Run("--family 'DejaVu Sans' --select A-Z --generate --save a.sm"), 0);
+    for (const char* name : {"f.sm", "f.png", "f.phf", "f.js", "f.ttf", "f.txt"})
+        ASSERT_EQ(mkfifo((cli.folder.path / name).c_str(), 0600), 0);
+    cli.folder.Write("p.phf", "<PhF>\n");
+    cli.folder.Write("names.txt", std::string(3 << 20, 'A'));
+    cli.folder.Write("long.js", cli.folder.Read("a.sm") + std::string(40 << 20, 'A'));
+    setenv("TMPDIR", "/no/such/folder", 1);
+    for (const char* steps :
+         {"--open f.sm", "--open f.phf", "--open f.js", "--picture A=f.png", "--font-file f.ttf",
+          "--open a.sm --names f.txt --cubes x.png", "--open a.sm --save f.sm", "--open p.phf",
+          "--open a.sm --html f.html", "--open a.sm --text A f.png", "--open long.js",
+          "--open a.sm --names names.txt --cubes x.png"}) {
+        EXPECT_EQ(cli.Run(steps), 1) << steps;
+        EXPECT_EQ(std::ranges::count(cli.error, '\n'), 1) << cli.error;
+    }
+    unsetenv("TMPDIR");
+}
+
+TEST(Cli, WebNamesThatCouldRunAreRefused) {
+    Cli cli;
+    ASSERT_EQ(cli.Run("--family 'DejaVu Sans' --select A --generate --save a.sm"), 0);
+    const auto entries = [&] {
+        return std::distance(std::filesystem::directory_iterator(cli.folder.path), {});
+    };
+    const auto before = entries();
+    for (const char* name : {"x=document['title']='t'.html", "<b>.html", "a.\";alert(1);\".html", "a%41.html",
+                             "a(1).html", "a;b.html", "a\tb.html", "\xC4\xBC.html"}) {
+        std::string quoted = name;
+        for (std::size_t at = 0; (at = quoted.find('\'', at)) != std::string::npos; at += 4)
+            quoted.replace(at, 1, "'\\''");
+        EXPECT_EQ(cli.Run("--open a.sm --minimal-html '" + quoted + "'"), 1) << name;
+        EXPECT_THAT(cli.error, HasSubstr("script or markup")) << name;
+        EXPECT_EQ(entries(), before) << name;
+    }
+    for (const char* name : {"my-font.html", "Caf\xC3\xA9_1.html", "a.b.html", "$x.html"})
+        EXPECT_EQ(cli.Run(std::string("--open a.sm --minimal-html '") + name + "'"), 0) << name;
 }
 
 // A path that doesn't tell all the folders above the file, or whose folders have dots, is one like any other.

@@ -172,6 +172,19 @@ TEST_F(TextureFontTest, HostileNumbers) {
     SetMemoryLimit(0);
 }
 
+// A picture of 4 x 4 pixels, of which the records make gigabytes.
+TEST_F(TextureFontTest, ClaimsWithoutPixelsAreNotPacked) {
+    std::string records = "TEX\tx\t4\t4\r\n";
+    for (const char c : {'A', 'B', 'C', 'D', 'E', 'F', 'G'})
+        records += std::string("CHA\t") + c + "\t0\t0\t16000\t4000\t0\t0\r\n";
+    ASSERT_TRUE(font.Load(WriteFont(records)));
+    EXPECT_FALSE(font.Repack());
+    font.Clear();
+    ASSERT_TRUE(font.Load(WriteFont("TEX\tx\t4\t4\r\nCHA\tA\t0\t0\t4000\t1000\t0\t0\r\n")));
+    EXPECT_TRUE(font.GetGlyph(u'A')->Picture.IsValid()) << "a little more than the picture has is given";
+    EXPECT_TRUE(font.Repack());
+}
+
 TEST_F(TextureFontTest, MoreCharactersThanSlots) {
     std::string records;
     for (char16_t c = 0x100; c < 0x22C; ++c)

@@ -5,7 +5,10 @@
 
 #include <gtest/gtest.h>
 
+#include <cstring>
+#include <memory>
 #include <new>
+#include <vector>
 
 namespace {
 
@@ -92,6 +95,23 @@ TEST(Vector, RefusesMoreThanTheMachineShouldGive) {
     };
     MVector<Large> absurd;
     EXPECT_FALSE(absurd.Resize(std::numeric_limits<std::int32_t>::max(), false));
+}
+
+TEST(Memory, AllThatIsHeldCountsTogether) {
+    SetMemoryLimit(std::size_t{64} << 20);
+    constexpr std::size_t size = std::size_t{8} << 20;
+    std::vector<std::unique_ptr<std::uint8_t[]>> blocks;
+    while (std::unique_ptr<std::uint8_t[]> block{MGetMemory(size)}) {
+        std::memset(block.get(), 1, size);
+        blocks.push_back(std::move(block));
+        ASSERT_LE(blocks.size(), 9U);
+    }
+    EXPECT_GE(blocks.size(), 6U);
+    blocks.clear();
+#if !defined(__SANITIZE_ADDRESS__) // which keeps what was freed
+    EXPECT_TRUE(std::unique_ptr<std::uint8_t[]>(MGetMemory(size)));
+#endif
+    SetMemoryLimit(0);
 }
 
 TEST(Memory, SurvivesExhaustedMemory) {

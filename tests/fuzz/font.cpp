@@ -6,6 +6,7 @@
 #include "document/MSettings.h"
 #include "formats/MPhotofontImporter.h"
 #include "formats/WebFont.h"
+#include "imaging/MPixelBudget.h"
 
 #include <cstdint>
 #include <string>
@@ -42,7 +43,8 @@ bool Read(MColourFont& font, const MString& path) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     static const Place place;
-    SetMemoryLimit(std::size_t{64} << 20);
+    SetMemoryLimit(std::size_t{64} << 20); // beyond what is held now
+    RestorePixelBudget();
     MSettings settings;
     Settings = &settings;
     settings.Path(MPathKind::Temporary) = FromSystemPath(place.path);

@@ -172,6 +172,87 @@ TEST_F(Commands, ExportAsPictures) {
     EXPECT_FALSE(Home().Read("cube1.png").empty());
 }
 
+TEST_F(Commands, NamesThatCouldRunAreWarnedOf) {
+    NewFont();
+    const MString path = Home().File("x=alert(1).html");
+    for (const bool insists : {false, true}) {
+        Chosen(path);
+        Headless::script.answers = {insists ? Answer::Yes : Answer::No};
+        RunCommand(CommandId::ExportHtml);
+        EXPECT_EQ(Headless::record.messages[0].icon, Icon::Warning);
+        EXPECT_EQ(Headless::record.messages.size(), insists ? 3U : 1U);
+        EXPECT_EQ(FileExists(path), insists);
+        Headless::record.messages.clear();
+    }
+}
+
+TEST_F(Commands, AskBeforeTheFilesThatWillBeWrittenAreReplaced) {
+    NewFont();
+    const auto run = [](CommandId command, const MString& path, Answer answer) {
+        Headless::record.messages.clear();
+        Chosen(path);
+        Headless::script.answers = {answer};
+        if (command == CommandId::ExportHtml) Headless::script.answers.push_front(Answer::Yes);
+        RunCommand(command);
+    };
+    const auto asked = [](std::string_view count) {
+        return std::ranges::any_of(Headless::record.messages, [&](const Headless::Message& message) {
+            return message.buttons == Buttons::YesNo && Narrow(message.text).starts_with(count);
+        });
+    };
+    for (const char* name : {"demo.sm", "demo.png", "page.js", "C65.png", "lettrino-1.0.js"})
+        Home().Write(name, "old");
+    run(CommandId::SaveAs, Home().File("demo.txt"), Answer::No);
+    EXPECT_TRUE(asked("2 files are there already"));
+    EXPECT_EQ(Home().Read("demo.sm") + Home().Read("demo.png"), "oldold");
+    EXPECT_EQ(Headless::record.messages.size(), 1U) << "no success is told";
+    run(CommandId::ExportHtml, Home().File("page.html"), Answer::No);
+    EXPECT_TRUE(asked("2 files")) << "the run-time script too, since it isn't the program's own";
+    EXPECT_EQ(Home().Read("page.js"), "old");
+    run(CommandId::ExportSingleFiles, Home().File("any.png"), Answer::No);
+    EXPECT_TRUE(asked("This file is there already"));
+    EXPECT_EQ(Home().Read("C65.png"), "old");
+
+    run(CommandId::SaveAs, Home().File("demo.sm"), Answer::No);
+    EXPECT_FALSE(asked("")) << "the file dialog has asked about this font";
+    EXPECT_NE(Home().Read("demo.png"), "old");
+    run(CommandId::ExportSingleFiles, Home().File("C65.png"), Answer::No);
+    EXPECT_FALSE(asked("")) << "the file dialog has asked about the only one";
+    run(CommandId::ExportHtml, Home().File("page.html"), Answer::Yes);
+    EXPECT_TRUE(asked("2 files"));
+    run(CommandId::ExportHtml, Home().File("page.html"), Answer::Yes);
+    EXPECT_TRUE(asked("2 files")) << "the script and the picture; the run-time script is the same now";
+}
+
+TEST_F(Commands, WhatCouldNotBeWrittenIsToldBeforeTheSuccess) {
+    NewFont();
+    const auto texts = [] {
+        std::vector<std::string> all;
+        for (const Headless::Message& message : Headless::record.messages)
+            all.push_back((message.icon == Icon::Error ? "error: " : "") + Narrow(message.text));
+        Headless::record.messages.clear();
+        return all;
+    };
+    const MString font = Home().File("no/f.sm");
+    Chosen(font);
+    RunCommand(CommandId::SaveAs);
+    EXPECT_THAT(texts(),
+                testing::ElementsAre(testing::AllOf(testing::StartsWith("error: 2 files"),
+                                                    testing::HasSubstr("no/f.png\"\nNo such file")),
+                                     "Colour font successfully saved as:\n\n\"" + Narrow(font) + "\""));
+    std::filesystem::create_directory(Home().path / "C65.png");
+    Chosen(Home().File("any.png"));
+    RunCommand(CommandId::ExportSingleFiles);
+    EXPECT_THAT(texts(), testing::ElementsAre(testing::StartsWith("This file is there"),
+                                              testing::AllOf(testing::StartsWith("error: This file could not"),
+                                                             testing::HasSubstr("C65.png\"\nit is a folder")),
+                                              "Colour font successfully exported as single files!"));
+    Chosen(Home().File("no/page.html"));
+    RunCommand(CommandId::ExportHtml);
+    EXPECT_THAT(texts(), testing::ElementsAre("Would you like to have a minimal HTML page?",
+                                              testing::StartsWith("error: 4 files could not be written")));
+}
+
 TEST_F(Commands, ImportPhotofontCancelledLosesTheFont) {
     NewFont();
     RunCommand(CommandId::ImportPhotofont);

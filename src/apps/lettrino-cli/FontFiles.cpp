@@ -6,43 +6,24 @@
 #include "formats/SiblingPath.h"
 #include "formats/TextureFont.h"
 #include "formats/WebFont.h"
-#include "foundation/MFile.h"
 #include "foundation/MFolders.h"
 #include "foundation/MUtf8.h"
+#include "imaging/MPixelBudget.h"
 #include "platform/headless/Headless.h"
 #include "platform/text/MSystemFonts.h"
 
+#include <unistd.h>
+
 #include <algorithm>
-#include <array>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <initializer_list>
 #include <string_view>
 
 namespace {
 
 namespace fs = std::filesystem;
-
-// A PNG that was written to its end closes with the chunk IEND (PNG, third edition, 11.2.5).
-bool IsWholePng(const MString& path) {
-    static constexpr std::string_view end("\0\0\0\0IEND\xAE\x42\x60\x82", 12);
-    MFile file(path, false, false);
-    std::array<char, end.size()> tail{};
-    return file.Seek(file.GetSize() - std::int64_t{end.size()}) && file.Read(tail.data(), tail.size()) &&
-           std::string_view(tail.data(), tail.size()) == end;
-}
-
-bool HasAllRecords(const MString& path, const MColourFont& font) {
-    constexpr std::int32_t others = 4; // the header, FSZ, TEX and SPA
-    const auto pairs = std::ranges::count_if(font.Kerning, [](const auto& pair) { return pair.Amount != 0; });
-    MTextFile text(path, false, false, MTextEncoding::Ansi);
-    std::int64_t lines = 0;
-    while (text.NextLine())
-        ++lines;
-    return lines == others + font.GlyphCount() + pairs;
-}
 
 bool IsFolder(const fs::path& path) {
     std::error_code error;
@@ -74,6 +55,8 @@ std::string WhyNotOpened(const MString& path, const FontForm& form) {
     if (!text.ok) return "it can't be opened";
     if (!form.readHeader(text)) return "it is no font of this form: its first line is not the header";
     const MString picture = SiblingPath(path, "png");
+    const MString refusal = TakePixelRefusal();
+    if (!refusal.IsEmpty()) return "its picture " + ToSystem(picture) + " can't be read: " + ToSystem(refusal);
     return FileExists(picture) ? "its picture " + ToSystem(picture) + " can't be read"
                                : "its picture is not there";
 }
@@ -84,8 +67,10 @@ public:
     fs::path path;
 
     TemporaryFolder() {
-        std::string name = (fs::temp_directory_path() / "lettrino-XXXXXX").string();
-        if (mkdtemp(name.data())) path = name;
+        std::error_code error; // the folder that the user's environment names need not exist
+        const fs::path parent = fs::temp_directory_path(error);
+        std::string name = (parent / "lettrino-XXXXXX").string();
+        if (!error && mkdtemp(name.data())) path = name;
     }
     TemporaryFolder(const TemporaryFolder&) = delete;
     TemporaryFolder& operator=(const TemporaryFolder&) = delete;
@@ -104,6 +89,8 @@ StepResult OpenPhotofont(Run& run, const std::string& file, const MString& path)
     const bool imported = MPhotofontImporter(font.Owner).Import(path, &font);
     run.settings.Path(MPathKind::Temporary) = MString();
     if (!imported) return StepFailure{file, "it can't be opened"};
+    if (const MString refusal = TakePixelRefusal(); !refusal.IsEmpty())
+        return StepFailure{file, "one of its pictures was not read: " + ToSystem(refusal)};
     if (font.GlyphCount() == 0) return StepFailure{file, "it holds no glyph that could be read"};
     if (!font.Repack()) return StepFailure{file, "its glyphs don't fit a picture that memory can hold"};
     return {};
@@ -134,10 +121,26 @@ StepResult RefuseTargets(const std::string& file, std::initializer_list<MString>
     for (const MString& target : targets) {
         std::error_code error;
         const fs::path path = ToSystemPath(target);
-        if (!fs::exists(path, error) || (!IsReadOnly(target) && std::ofstream(path, std::ios::app))) continue;
+        if (!fs::exists(path, error) || (!IsReadOnly(target) && access(path.c_str(), W_OK) == 0)) continue;
         return StepFailure{file, path.string() + " can't be written over"};
     }
     return {};
+}
+
+// What could not be written, if anything. Several reasons are joined by `separator`.
+StepResult Unwritten(const std::string& file, const MWriteFailures& failures, const std::string& separator) {
+    std::string reasons;
+    for (const MWriteFailure& failure : failures) {
+        if (!reasons.empty()) reasons += separator;
+        reasons += ToSystem(failure.path) + " could not be written: " + ToSystem(failure.reason);
+    }
+    if (reasons.empty()) return {};
+    return StepFailure{file, reasons};
+}
+
+// A line for each of many files, all like the first one.
+std::string NextLine(const char* step, const std::string& file) {
+    return std::string("\nlettrino-cli: ") + step + ": " + file + ": ";
 }
 
 StepResult Save(MColourFont& font, const std::string& file) {
@@ -145,24 +148,20 @@ StepResult Save(MColourFont& font, const std::string& file) {
     const MString text = SiblingPath(path, "sm");
     const MString picture = SiblingPath(path, "png");
     if (StepResult failure = RefuseTargets(file, {text, picture})) return failure;
-    if (!font.Save(path)) return StepFailure{file, "the font has no picture: there was no memory for it"};
-
-    // Saving is a success for the program even where nothing could be written.
-    if (IsWholePng(picture) && HasAllRecords(text, font)) return {};
-    DeleteFile(text, false, false);
-    DeleteFile(picture, false, false);
-    return StepFailure{file, "it and its picture could not be written"};
+    MWriteFailures failures;
+    if (!font.Save(path, &failures))
+        return StepFailure{file, "the font has no picture: there was no memory for it"};
+    return Unwritten(file, failures, "; ");
 }
 
 StepResult SaveGlyphs(MColourFont& font, const std::string& file) {
     const MString folder = FullPath(FromSystem(file));
     if (!IsFolder(ToSystemPath(folder))) return StepFailure{file, "there is no such folder"};
-    if (font.ExportSingleFiles(JoinPath(folder, "glyph"))) return {};
+    MWriteFailures failures;
+    const bool anyWritten = font.ExportSingleFiles(JoinPath(folder, "glyph"), &failures);
+    if (StepResult failure = Unwritten(file, failures, NextLine("--single-files", file))) return failure;
+    if (anyWritten) return {};
     return StepFailure{file, font.GlyphCount() == 0 ? "the font has no glyphs" : "no file could be written"};
-}
-
-bool EndsAsWritten(const MString& script) {
-    return MTextFile::ReadWholeFile(script).View().ends_with(u"});\r\n");
 }
 
 void WarnOfName(const std::string& step, const MString& name) {
@@ -188,12 +187,17 @@ StepResult ExportPage(MColourFont& font, const std::string& file, bool minimal) 
     const MString script = SiblingPath(path, "js");
     const MString page = SiblingPath(path, "html");
     if (StepResult failure = RefuseTargets(file, {picture, script, page})) return failure;
+    if (!IsHarmlessWebName(path)) {
+        return StepFailure{file,
+                           "on the page its name could run as script or markup; letters, digits, '_', '-', '$' "
+                           "and dots are safe"};
+    }
     WarnOfName(minimal ? "--minimal-html" : "--html", WebFontName(path));
-    const bool exported = font.ExportHtml(path, minimal);
-
-    // Failed copies, and a picture that can't be written, are not told by the export.
-    const bool whole = exported && IsWholePng(picture) && EndsAsWritten(script) && FileExists(page);
-    if (!whole) return StepFailure{file, "the page, its script and its picture could not all be written"};
+    MWriteFailures failures;
+    const bool exported = font.ExportHtml(path, minimal, &failures);
+    if (StepResult failure = Unwritten(file, failures, "; ")) return failure;
+    if (!exported) return StepFailure{file, "the font has no picture: there was no memory for it"};
+    if (!FileExists(page)) return StepFailure{file, "the page is missing beside the program, in Media/www"};
     if (!FileExists(JoinPath(path.GetFolder(), "lettrino-1.0.js"))) {
         return StepFailure{file, "the run-time script is missing beside the program, in Media/www"};
     }
@@ -204,10 +208,10 @@ StepResult DrawText(Run& run, MColourFont& font, const std::string& text, const 
     const MString path = FullPath(FromSystem(file));
     MPicture picture = SetText(font, FromSystem(text), run.settings.BackgroundColour);
     if (!picture.IsValid()) return StepFailure{file, "the text is empty in this font"};
-    const bool saved = picture.Save(path);
+    MSafeFile written = picture.PrepareSave(path);
     picture.Free();
-    if (saved) return {};
-    return StepFailure{file, "the picture could not be written"};
+    if (written.Place()) return {};
+    return StepFailure{file, "the picture could not be written: " + ToSystem(written.Failure())};
 }
 
 // A text as editors write it: UTF-8 also without its mark.
@@ -223,6 +227,8 @@ MString ReadUtf8Text(const MString& path) {
 StepResult ReadNames(Run& run, const std::string& file) {
     const MString path = FromSystem(file);
     if (!FileExists(path)) return StepFailure{file, "no such file"};
+    constexpr std::int64_t most = 1 << 20;
+    if (GetFileSize(path) > most) return StepFailure{file, "it is no list of names, but more than 1 MB"};
     run.settings.LetterCubesNames = ReadUtf8Text(path);
     if (run.settings.LetterCubesNames.IsEmpty()) return StepFailure{file, "it is empty"};
     return {};
@@ -245,13 +251,14 @@ StepResult ExportCubes(MColourFont& font, const std::string& file) {
     if (StepResult failure = RefuseTargets(file, {first})) return failure;
     auto& told = Headless::record.messages;
     const std::size_t before = told.size();
-    const bool exported = font.ExportLetterCubes(path);
+    MWriteFailures failures;
+    const bool exported = font.ExportLetterCubes(path, &failures);
     const std::string text = told.size() > before ? ToSystem(told.back().text) : "the list of names is empty";
     if (told.size() > before && told.back().icon == Desktop::Icon::Error) return StepFailure{file, text};
     std::printf("%s\n", text.substr(0, text.find("\n\n")).c_str());
-    if (exported && IsWholePng(first)) return {};
-    return StepFailure{file,
-                       exported ? "the pictures could not be written" : "there was no memory for the pictures"};
+    if (StepResult failure = Unwritten(file, failures, NextLine("--cubes", file))) return failure;
+    if (exported) return {};
+    return StepFailure{file, "there was no memory for the pictures"};
 }
 
 } // namespace

@@ -4,6 +4,7 @@
 #include "foundation/MFolders.h"
 #include "foundation/MUtf8.h"
 #include "glyphs/PictureSeries.h"
+#include "imaging/MPixelBudget.h"
 
 namespace {
 
@@ -21,13 +22,19 @@ std::optional<CharacterFile> ReadCharacterFile(const std::string& text) {
     return CharacterFile{*character, text.substr(sign + 1)};
 }
 
+// The refusal of a picture for its size, where that was the reason.
+std::string WhyNotRead(const char* otherwise) {
+    const MString refusal = TakePixelRefusal();
+    return refusal.IsEmpty() ? otherwise : ToSystem(refusal);
+}
+
 StepResult AddPictures(Run& run, const CharacterFile& wanted, bool series) {
     const MString path = FullPath(FromSystem(wanted.file)); // a series is walked in the file's folder
     if (!FileExists(path)) return StepFailure{wanted.file, "no such file"};
     const bool isNew = !run.font;
     MColourFont& font = run.FontOrNew();
     MPicture picture(path);
-    if (!picture.IsValid()) return StepFailure{wanted.file, "it is no picture that can be read"};
+    if (!picture.IsValid()) return StepFailure{wanted.file, WhyNotRead("it is no picture that can be read")};
     const bool added = AddPicture(font, isNew, wanted.character, picture);
     picture.Free();
     if (!added) {
@@ -35,6 +42,8 @@ StepResult AddPictures(Run& run, const CharacterFile& wanted, bool series) {
         return StepFailure{wanted.file, full ? "the font has 223 glyphs already" : "a padding is negative"};
     }
     if (series) AddSuccessivePictures(font, path, wanted.character);
+    if (const std::string refusal = WhyNotRead(""); !refusal.empty())
+        return StepFailure{wanted.file, "of the pictures that follow it, one was not read: " + refusal};
     font.SortGlyphs();
     if (font.Repack()) return {};
     return StepFailure{wanted.file, "the glyphs don't fit a picture that memory can hold"};

@@ -14,6 +14,8 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <exception>
+#include <new>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -89,6 +91,17 @@ std::string DescribeUsage(const Step& step, const std::string& argument) {
            step.arguments + ": " + step.help;
 }
 
+// Nothing that a library throws ends the program without a word.
+StepResult Do(const StepAction& action, Run& run) {
+    try {
+        return action(run);
+    } catch (const std::bad_alloc&) {
+        return StepFailure{{}, "there is not enough memory for it"};
+    } catch (const std::exception& error) {
+        return StepFailure{{}, error.what()};
+    }
+}
+
 int RunSteps(const std::vector<StepCall>& calls) {
     std::vector<StepAction> actions;
     for (const auto& [step, arguments] : calls) {
@@ -102,7 +115,7 @@ int RunSteps(const std::vector<StepCall>& calls) {
     if (isatty(STDERR_FILENO)) Headless::script.onProgress = ShowProgressBar;
     Run run;
     for (std::size_t i = 0; i < calls.size(); ++i) {
-        if (const StepResult failure = actions[i](run)) {
+        if (const StepResult failure = Do(actions[i], run)) {
             ReportError(Describe(*calls[i].step, *failure));
             return statusFailed;
         }

@@ -64,9 +64,17 @@ bool MByteSink::WriteAt(std::uint64_t offset, const void* bytes, std::size_t cou
 }
 
 bool MByteSink::Finish() {
-    if (!failed && path) Flush();
-    file.reset();
+    if (failed || !path) return !failed;
+    failed = !TakeFile().Place();
     return !failed;
+}
+
+MSafeFile MByteSink::TakeFile() {
+    if (!failed) Flush();
+    MSafeFile taken = file ? std::move(*file) : MSafeFile();
+    file.reset();
+    if (failed && taken.Ok()) return MSafeFile::Failed(*path, "there is not enough memory for it");
+    return taken;
 }
 
 bool MByteSink::Reserve(std::size_t count) {
@@ -83,10 +91,10 @@ bool MByteSink::Reserve(std::size_t count) {
 
 bool MByteSink::Flush() {
     const auto count = static_cast<std::size_t>(end - blockStart);
-    if (!file) file.emplace(*path, true, false);
+    if (!file) file.emplace(*path, links);
     if (count != 0 && !WriteToFile(blockStart, block.get(), count)) return Fail();
     blockStart = end;
-    return file->ok != 0 || Fail();
+    return file->Ok() || Fail();
 }
 
 bool MByteSink::Fail() {
@@ -95,5 +103,5 @@ bool MByteSink::Fail() {
 }
 
 bool MByteSink::WriteToFile(std::uint64_t offset, const void* bytes, std::size_t count) {
-    return file && file->Seek(static_cast<std::int64_t>(offset)) && file->Write(bytes, count);
+    return file && file->WriteAt(offset, bytes, count);
 }

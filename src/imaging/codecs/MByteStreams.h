@@ -4,6 +4,7 @@
 
 #include "foundation/MFile.h"
 #include "foundation/MMemory.h"
+#include "foundation/MSafeFile.h"
 
 #include <cstdint>
 #include <memory>
@@ -32,19 +33,23 @@ private:
 };
 
 // Collects bytes and writes them out in large pieces. A file is made only when the first piece is full or at
-// Finish, so an encoder that gives up early leaves none.
+// the end, so an encoder that gives up early makes none; an old file is replaced at the end alone.
 class MByteSink {
 public:
     MByteSink() = default; // keeps everything in memory
-    explicit MByteSink(const MString& filePath) : path(filePath) {}
+    explicit MByteSink(const MString& filePath, MLinks fileLinks = MLinks::Follow)
+        : path(filePath), links(fileLinks) {}
 
     bool Write(const void* bytes, std::size_t count) { return WriteAt(end, bytes, count); }
     // Overwrites, or continues at the end, after zeros if the offset lies beyond it: for forms that align their
     // parts and go back to a header.
     bool WriteAt(std::uint64_t offset, const void* bytes, std::size_t count);
     std::uint64_t Size() const { return end; }
-    // True if all that was written is in the file, or in memory. Once anything failed it stays false.
+    // Puts the file into its place. True if all that was written is there, or in memory. Once anything failed
+    // it stays false.
     bool Finish();
+    // The complete file, still to be put into its place, or what failed of it.
+    MSafeFile TakeFile();
     bool Failed() const { return failed; }
 
     // Of a sink in memory.
@@ -52,7 +57,8 @@ public:
 
 private:
     std::optional<MString> path;
-    std::optional<MFile> file;
+    MLinks links = MLinks::Follow;
+    std::optional<MSafeFile> file;
     std::unique_ptr<std::uint8_t[]> block; // what is not in the file yet
     std::size_t capacity = 0;
     std::uint64_t blockStart = 0; // its place in the file; always 0 in memory

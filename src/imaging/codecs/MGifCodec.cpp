@@ -49,19 +49,11 @@ public:
         if (gif) DGifCloseFile(gif, &error);
     }
 
-    // To the end of the file, which tells how many frames there are.
+    // To the end of the file, which tells how many frames there are, or to where it is damaged: a frame that is
+    // whole is not lost for what follows it.
     bool Read() {
         if (!gif || asked < 0) return false;
-        GifRecordType record = UNDEFINED_RECORD_TYPE;
-        while (record != TERMINATE_RECORD_TYPE) {
-            if (DGifGetRecordType(gif, &record) == GIF_ERROR) return Reported(gif->Error);
-            if (record == EXTENSION_RECORD_TYPE && !ReadExtension()) return Reported(gif->Error);
-            if (record != IMAGE_DESC_RECORD_TYPE) continue;
-            if (DGifGetImageDesc(gif) == GIF_ERROR) return Reported(gif->Error);
-            if (!(frames == asked ? ReadFrame() : SkipFrame())) return Reported(gif->Error);
-            ++frames;
-            control = {};
-        }
+        if (!Walk()) ReportCodec("GIF", "damaged");
         if (asked >= frames) return false;
         if (frames > 1) {
             picture.FrameCount = frames;
@@ -76,6 +68,20 @@ public:
     }
 
 private:
+    bool Walk() {
+        GifRecordType record = UNDEFINED_RECORD_TYPE;
+        while (record != TERMINATE_RECORD_TYPE) {
+            if (DGifGetRecordType(gif, &record) == GIF_ERROR) return Reported(gif->Error);
+            if (record == EXTENSION_RECORD_TYPE && !ReadExtension()) return Reported(gif->Error);
+            if (record != IMAGE_DESC_RECORD_TYPE) continue;
+            if (DGifGetImageDesc(gif) == GIF_ERROR) return Reported(gif->Error);
+            if (!(frames == asked ? ReadFrame() : SkipFrame())) return Reported(gif->Error);
+            ++frames;
+            control = {};
+        }
+        return true;
+    }
+
     // What the extension before a frame tells of it.
     static constexpr GraphicsControlBlock noControl{0, false, 0, NO_TRANSPARENT_COLOR};
 

@@ -1,6 +1,7 @@
 // TIFF, through libtiff with its default settings. Grey, RGB and RGB with straight alpha keep their depth, with
-// 8 or 16 bits or binary16 channels; other floats become format 7, 16-bit grey with alpha format 8, and every
-// other kind is rendered by libtiff and becomes format 7. Each directory is a frame.
+// 8 or 16 bits or binary16 channels; other floats become format 7, 16-bit grey with alpha and premultiplied
+// colours format 8, 16-bit inks format 5, and every other kind is rendered by libtiff and becomes format 7.
+// Each directory is a frame.
 #include "imaging/MPixelLayout.h"
 #include "imaging/codecs/MByteRows.h"
 #include "imaging/codecs/MCodec.h"
@@ -267,9 +268,12 @@ private:
         const auto sampleFormat = Tag<std::uint16_t>(tiff, TIFFTAG_SAMPLEFORMAT);
         const bool rgb = photometric == PHOTOMETRIC_RGB;
         const bool whiteIsZero = photometric == PHOTOMETRIC_MINISWHITE;
-        const bool known = (rgb || whiteIsZero || photometric == PHOTOMETRIC_MINISBLACK) &&
+        const bool inks =
+            photometric == PHOTOMETRIC_SEPARATED && Tag<std::uint16_t>(tiff, TIFFTAG_INKSET) == INKSET_CMYK;
+        const bool known = (rgb || whiteIsZero || inks || photometric == PHOTOMETRIC_MINISBLACK) &&
                            (sampleFormat == SAMPLEFORMAT_UINT || sampleFormat == SAMPLEFORMAT_IEEEFP);
-        const MTiffSamples kind{bits, samples, sampleFormat == SAMPLEFORMAT_IEEEFP, rgb, whiteIsZero, alpha};
+        const MTiffSamples kind{bits,        samples, sampleFormat == SAMPLEFORMAT_IEEEFP, rgb, inks,
+                                whiteIsZero, alpha};
         const MPixelFormat format = known ? ConvertedFormat(kind) : FormatNone;
         return format == FormatNone ? ReadRendered() : ReadConverted(kind, format);
     }

@@ -14,11 +14,13 @@ struct MTiffSamples {
     std::uint16_t count = 1; // for each pixel
     bool floats = false;     // IEEE 754, otherwise unsigned
     bool rgb = false;        // otherwise grey
+    bool inks = false;       // cyan, magenta, yellow and black; `rgb` and `alpha` mean nothing then
     bool whiteIsZero = false;
     MTiffAlpha alpha = MTiffAlpha::None; // of the last sample
 };
 
-// Format 7 for floats of 16 and 32 bits, format 8 for 16-bit grey with alpha; none for all other kinds.
+// Format 7 for floats of 16 and 32 bits; of 16-bit numbers, format 8 for grey with alpha and for premultiplied
+// colours, and format 5 for inks. None for all other kinds.
 MPixelFormat ConvertedFormat(const MTiffSamples& kind);
 
 // `width` pixels of such a kind, in the byte order of the machine. Floats count from 0 to 1, as those of the

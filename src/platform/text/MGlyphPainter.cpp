@@ -1,11 +1,13 @@
 #include "platform/text/MGlyphPainter.h"
 
+#include "imaging/MPixelBudget.h"
 #include "platform/text/MGlyphPath.h"
 #include "platform/text/MPaintTreePainter.h"
 
 #include <cairo.h>
 #include <ft2build.h>
 
+#include <algorithm>
 #include <array>
 #include <bit>
 #include FT_FREETYPE_H
@@ -81,6 +83,22 @@ bool MGlyphPainter::DrawColours(cairo_t* context, std::uint32_t glyph, double em
     return DrawBitmap(context, glyph, em);
 }
 
+namespace {
+
+// By its size alone: a strike of few bytes can unpack to gigabytes, for each glyph.
+bool IsWithinBudget(FT_Face face, std::uint32_t glyph) {
+    if (FT_Load_Glyph(face, glyph, FT_LOAD_COLOR | FT_LOAD_BITMAP_METRICS_ONLY) != 0) return false;
+    const FT_GlyphSlot slot = face->glyph;
+    if (slot->format != FT_GLYPH_FORMAT_BITMAP) return true;
+    // What the file has for each glyph; a claim of few glyphs doesn't make it much.
+    constexpr std::uint64_t mostBytes = 16384;
+    const std::uint64_t glyphs = static_cast<std::uint64_t>(std::max<FT_Long>(face->num_glyphs, 1));
+    const std::uint64_t bytes = face->stream ? face->stream->size / glyphs : 0;
+    return TakePixels(slot->bitmap.width, slot->bitmap.rows, std::min(bytes, mostBytes));
+}
+
+} // namespace
+
 // Loads the glyph from the smallest strike that is at least as large as asked, else from the largest.
 bool MGlyphPainter::SelectBitmap(std::uint32_t glyph, double em) {
     if (!hasBitmaps) return false;
@@ -93,9 +111,9 @@ bool MGlyphPainter::SelectBitmap(std::uint32_t glyph, double em) {
         const bool chosenLarge = static_cast<double>(chosen) >= em * 64;
         if (large == chosenLarge ? (large ? size < chosen : size > chosen) : large) best = i;
     }
-    return FT_Select_Size(ft, best) == 0 && FT_Load_Glyph(ft, glyph, FT_LOAD_COLOR) == 0 &&
-           ft->glyph->format == FT_GLYPH_FORMAT_BITMAP && ft->glyph->bitmap.pixel_mode == FT_PIXEL_MODE_BGRA &&
-           ft->size->metrics.y_ppem > 0;
+    return FT_Select_Size(ft, best) == 0 && IsWithinBudget(ft, glyph) &&
+           FT_Load_Glyph(ft, glyph, FT_LOAD_COLOR) == 0 && ft->glyph->format == FT_GLYPH_FORMAT_BITMAP &&
+           ft->glyph->bitmap.pixel_mode == FT_PIXEL_MODE_BGRA && ft->size->metrics.y_ppem > 0;
 }
 
 bool MGlyphPainter::DrawBitmap(cairo_t* context, std::uint32_t glyph, double em) {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "platform/qt/MClientArea.h"
+#include "shell/Menu.h"
 
 #include <QMainWindow>
 #include <QTimer>

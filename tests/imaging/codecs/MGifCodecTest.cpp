@@ -88,3 +88,19 @@ TEST(GifCodec, GreyFormatsHaveAGreyPalette) {
     for (const auto& [x, y] : PlacesOf(picture))
         EXPECT_EQ(loaded.GetPixel(x, y), picture.GetPixel(x, y));
 }
+
+TEST(GifCodec, AWholeFrameIsReadWhateverFollows) {
+    const Bytes whole = DataFile("gif/three-frames.gif");
+    const OwnedPicture first = Decoded("GIF", whole, 0);
+    std::size_t read = 0;
+    for (std::size_t length = whole.size() - 1; length > 0; --length) {
+        const OwnedPicture cut =
+            Decoded("GIF", Bytes(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(length)), 0);
+        if (!cut.IsValid()) break;
+        EXPECT_TRUE(SamePicture(cut, first)) << length;
+        ++read;
+    }
+    EXPECT_GT(read, whole.size() / 2) << "until the first frame itself is cut";
+    EXPECT_FALSE(Decoded("GIF", Bytes(whole.begin(), whole.end() - 8), 2).IsValid())
+        << "the last frame is not whole";
+}

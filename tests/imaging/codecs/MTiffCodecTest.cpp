@@ -87,3 +87,52 @@ TEST(TiffCodec, PremultipliedColoursBecomeStraight) {
     const auto straight = static_cast<std::uint16_t>(WordAt(4, 5, 0) * 65535.0 / WordAt(4, 5, 1));
     EXPECT_EQ(pixel, (MColour16{straight, straight, straight, WordAt(4, 5, 1)}));
 }
+
+namespace {
+
+// One row of 16-bit samples, four to a pixel, as TIFF 6.0 has it: the header, the samples, the directory.
+Bytes WordTiff(std::uint32_t photometric, const std::vector<std::uint32_t>& words, bool premultiplied) {
+    const auto width = static_cast<std::uint32_t>(words.size() / 4);
+    const auto size = static_cast<std::uint32_t>(words.size() * 2);
+    Bytes file;
+    Append(file, {{0x4D4D002A, 4}, {8 + size + 8, 4}});
+    for (const std::uint32_t word : words)
+        Append(file, {{word, 2}});
+    for (int i = 0; i < 4; ++i)
+        Append(file, {{16, 2}}); // the bits of each sample
+    const std::uint32_t entries = premultiplied ? 10 : 9;
+    Append(file, {{entries, 2}});
+    const auto entry = [&](std::uint32_t tag, std::uint32_t kind, std::uint32_t count, std::uint32_t value) {
+        Append(file, {{tag, 2}, {kind, 2}, {count, 4}, {kind == 3 && count == 1 ? value << 16 : value, 4}});
+    };
+    entry(256, 4, 1, width);
+    entry(257, 4, 1, 1);
+    entry(258, 3, 4, 8 + size);
+    entry(259, 3, 1, 1);
+    entry(262, 3, 1, photometric);
+    entry(273, 4, 1, 8);
+    entry(277, 3, 1, 4);
+    entry(278, 4, 1, 1);
+    entry(279, 4, 1, size);
+    if (premultiplied) entry(338, 3, 1, 1);
+    Append(file, {{0, 4}});
+    return file;
+}
+
+} // namespace
+
+TEST(TiffCodec, WordsOfPremultipliedColoursAndInksKeepTheirDepth) {
+    const OwnedPicture colours =
+        Decoded("TIFF", WordTiff(2, {1000, 20000, 300, 40000, 7, 7, 7, 0, 5, 6, 7, 65535}, true));
+    ASSERT_EQ(colours.Format, FormatRGBA16);
+    EXPECT_EQ(colours.GetPixel16(0, 0), (MColour16{1638, 32767, 491, 40000})) << "times 65535 / 40000";
+    EXPECT_EQ(colours.GetPixel16(1, 0), (MColour16{0, 0, 0, 0}));
+    EXPECT_EQ(colours.GetPixel16(2, 0), (MColour16{5, 6, 7, 65535}));
+
+    const OwnedPicture inks =
+        Decoded("TIFF", WordTiff(5, {0, 65535, 32768, 0, 0, 1000, 0, 32768, 9, 9, 9, 65535}, false));
+    ASSERT_EQ(inks.Format, FormatRGB16);
+    EXPECT_EQ(inks.GetPixel16(0, 0), (MColour16{65535, 0, 32767, 65535}));
+    EXPECT_EQ(inks.GetPixel16(1, 0), (MColour16{32767, 32267, 32767, 65535}));
+    EXPECT_EQ(inks.GetPixel16(2, 0), (MColour16{0, 0, 0, 65535}));
+}
