@@ -1,5 +1,6 @@
 #include "document/ChooseFile.h"
 
+#include "foundation/MFolders.h"
 #include "imaging/MFileTypes.h"
 
 #include <optional>
@@ -55,13 +56,13 @@ MString ChooseFile(Desktop::WindowHandle owner, MPathKind kind, MString* typed) 
     Desktop::FileDialog dialog;
     dialog.title = dialogKind->title;
     // A dot anywhere is taken for that of a file name, so a folder with a dot in it loses its last part.
-    dialog.folder = remembered.Contains(u'.') ? remembered.GetFolder() : remembered;
+    dialog.folder = remembered.Contains(u'.') ? FolderOf(remembered) : remembered;
     dialog.filters = {dialogKind->filter};
     dialog.save = dialogKind->save;
     MString chosen = Desktop::ShowFileDialog(owner, dialog, dialogKind->extension);
     if (chosen.IsEmpty()) return {};
     if (typed) *typed = chosen;
-    if (dialogKind->save) chosen.SetExtension(dialogKind->extension);
+    if (dialogKind->save) chosen = WithExtension(chosen, dialogKind->extension);
     remembered = chosen;
     return chosen;
 }

@@ -5,6 +5,9 @@
 #include "glyphs/MFontList.h"
 #include "glyphs/MWindowSurface.h"
 
+#include <algorithm>
+#include <cstdlib>
+
 MAddGlyphs::MAddGlyphs() {
     const MFontList& list = InstalledFonts();
     for (std::int32_t i = 0; i < list.count; ++i) {
@@ -74,15 +77,44 @@ bool MAddGlyphs::ChooseColour(Desktop::WindowHandle window) {
     return Desktop::ChooseColour(window, Settings->Colour);
 }
 
-bool MAddGlyphs::Drag(std::int32_t x, std::int32_t y, bool leftButton, bool rightButton) {
-    const std::int32_t code = Grid.HitTest(x, y);
-    if ((!leftButton && !rightButton) || !MCharacterGrid::Counts(code)) return false;
-    Grid.Cursor = code;
-    return MCharacterGrid::Mark(code, leftButton);
+bool MAddGlyphs::Drag(std::int32_t x, std::int32_t y, bool leftButton, bool rightButton, bool moved) {
+    if (!leftButton && !rightButton) return false;
+    const std::int64_t fromX = moved ? lastX : x;
+    const std::int64_t fromY = moved ? lastY : y;
+    lastX = x;
+    lastY = y;
+    // A quick mouse is told at few places: no step of the way is longer than half of a cell.
+    const std::int64_t step = std::max(
+        std::min(Grid.Area.Width() / MCharacterGrid::Columns, Grid.Area.Height() / MCharacterGrid::Rows) / 2,
+        1);
+    const std::int64_t steps = std::max(std::abs(x - fromX), std::abs(y - fromY)) / step + 1;
+    bool changed = false;
+    for (std::int64_t i = 1; i <= steps; ++i) {
+        const std::int32_t code = Grid.HitTest(static_cast<std::int32_t>(fromX + (x - fromX) * i / steps),
+                                               static_cast<std::int32_t>(fromY + (y - fromY) * i / steps));
+        if (!MCharacterGrid::Counts(code)) continue;
+        Grid.Cursor = code;
+        changed |= MCharacterGrid::Mark(code, leftButton);
+    }
+    return changed;
+}
+
+bool MAddGlyphs::MarkAll() {
+    bool changed = false;
+    for (std::int32_t code = MCharacterGrid::FirstCode; code <= MCharacterGrid::LastCode; ++code)
+        changed |= MCharacterGrid::Mark(code, true);
+    return changed;
 }
 
 bool MAddGlyphs::ToggleAtCursor() {
     return MCharacterGrid::Mark(Grid.Cursor, Settings->Selected[static_cast<std::size_t>(Grid.Cursor)] == 0);
+}
+
+void MAddGlyphs::MarkPassed(std::int32_t before) const {
+    const bool sameColumn = (Grid.Cursor - before) % MCharacterGrid::Columns == 0;
+    const std::int32_t step = (sameColumn ? MCharacterGrid::Columns : 1) * (Grid.Cursor < before ? -1 : 1);
+    for (std::int32_t code = before; code != Grid.Cursor + step; code += step)
+        MCharacterGrid::Mark(code, true);
 }
 
 void MAddGlyphs::Accept(const MString& family, std::int32_t glyphHeight, bool colourFont) {

@@ -38,14 +38,22 @@ public:
     static bool ChooseColour(Desktop::WindowHandle window);
 
     // A button pressed on the grid, or the mouse moved over it with a button held: the left one marks the
-    // character there, the right one alone takes the mark away. True if the grid is to be painted.
-    bool Drag(std::int32_t x, std::int32_t y, bool leftButton, bool rightButton);
+    // character there, the right one alone takes the mark away, and so for all on the way from the place
+    // before. True if the grid is to be painted.
+    bool Drag(std::int32_t x, std::int32_t y, bool leftButton, bool rightButton, bool moved = false);
+    // All of the grid. True if that changed something.
+    static bool MarkAll();
     // The same for the character at the cursor.
     bool ToggleAtCursor();
+    // Marks all from the code where the cursor was, along its row or column, to where it is.
+    void MarkPassed(std::int32_t before) const;
 
     // What the controls say in the end. An empty family leaves that of the settings alone.
     static void Accept(const MString& family, std::int32_t glyphHeight, bool colourFont);
 
 private:
+    std::int32_t lastX = 0; // of the mouse
+    std::int32_t lastY = 0;
+
     void FillStyles();
 };

@@ -198,14 +198,14 @@ MString ScriptHeader() {
 }
 
 MString WebFontName(const MString& path) {
-    MString name = path.GetFileName();
+    MString name = FileNameOf(path);
     name.KeepBefore(".");
     return name;
 }
 
 bool IsHarmlessWebName(const MString& path) {
     constexpr std::string_view signs = "_-$.";
-    const MString name = path.GetFileName(); // the script names the picture with all of it
+    const MString name = FileNameOf(path); // the script names the picture with all of it
     return std::ranges::all_of(name.View(), [&](char16_t unit) {
         const auto written = static_cast<unsigned char>(unit & 0xFF); // what is left of it in the files
         const char byte = static_cast<char>(written);
@@ -219,7 +219,7 @@ std::vector<MString> PagePaths(const MString& path, bool minimal) {
     for (const char* extension : {"html", "js", "png"})
         paths.push_back(SiblingPath(path, extension));
     for (const char* name : MediaNames(minimal)) {
-        const MString target = path.GetFolder() + "/" + name;
+        const MString target = FolderOf(path) + "/" + name;
         if (FileExists(MediaFile(name)) && !SameBytes(MediaFile(name), target)) paths.push_back(target);
     }
     return paths;
@@ -235,12 +235,12 @@ bool MColourFont::ExportHtml(const MString& path, bool minimal, MWriteFailures* 
     const auto prepare = [](const MString& text, const MString& target) {
         return MTextFile::PrepareWholeFile(text, target, MTextEncoding::Ansi, MLinks::StayInFolder);
     };
-    CopyMedia(path.GetFolder(), minimal, failures);
+    CopyMedia(FolderOf(path), minimal, failures);
 
     // These belong together: a picture of one font with the numbers of another would be of no use.
     std::vector<MSafeFile> files;
     files.push_back(Picture.PrepareSave(picturePath, FormatNone, MLinks::StayInFolder));
-    files.push_back(prepare(Script(*this, name, picturePath.GetFileName()), SiblingPath(path, "js")));
+    files.push_back(prepare(Script(*this, name, FileNameOf(picturePath)), SiblingPath(path, "js")));
     if (!page.IsEmpty()) files.push_back(prepare(page, SiblingPath(path, "html")));
     const auto finished = std::ranges::count_if(files, [](MSafeFile& file) { return file.Finish(); });
     if (finished == std::ssize(files)) return PlaceAll(files, failures) == files.size();

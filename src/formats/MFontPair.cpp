@@ -40,7 +40,7 @@ fs::path RealPath(const MString& path) {
 // have been moved since.
 std::optional<fs::path> UnfinishedPicture(const MString& textPath, const fs::path& picture) {
     MTextFile text(textPath, false, false, MTextEncoding::Ansi);
-    const fs::path named = ToSystemPath(NamedPicture(text).GetFileName());
+    const fs::path named = ToSystemPath(FileNameOf(NamedPicture(text)));
     for (const char* mark : secondNames) {
         const fs::path second = SecondName(picture, mark);
         std::error_code error;

@@ -17,7 +17,7 @@ MString FileOf(const MGlyph& glyph, const MString& folder) {
 std::vector<MString> SingleFilePaths(const MColourFont& font, const MString& path) {
     std::vector<MString> paths;
     for (const auto& slot : font.Glyphs) {
-        if (slot && slot->Picture.IsValid()) paths.push_back(FileOf(*slot, path.GetFolder()));
+        if (slot && slot->Picture.IsValid()) paths.push_back(FileOf(*slot, FolderOf(path)));
     }
     return paths;
 }
@@ -28,7 +28,7 @@ bool MColourFont::ExportSingleFiles(const MString& path, MWriteFailures* failure
     for (const auto& slot : Glyphs) {
         if (!slot || !slot->Picture.IsValid()) continue;
         files.push_back(
-            slot->Picture.PrepareSave(FileOf(*slot, path.GetFolder()), FormatNone, MLinks::StayInFolder));
+            slot->Picture.PrepareSave(FileOf(*slot, FolderOf(path)), FormatNone, MLinks::StayInFolder));
     }
     return PlaceAll(files, failures) > 0;
 }

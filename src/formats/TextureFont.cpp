@@ -63,8 +63,8 @@ void WriteKerning(MTextFile& file, const MKerningPair& pair) {
 MString FindPicture(const MString& path, Desktop::WindowHandle owner, MString& chosen) {
     MString beside = SiblingPath(path, "png");
     if (FileExists(beside)) return beside;
-    const MString above = path.GetFolder().GetFolder();
-    MString inTextures = JoinPath(JoinPath(above, "Textures"), beside.GetFileName());
+    const MString above = FolderOf(FolderOf(path));
+    MString inTextures = JoinPath(JoinPath(above, "Textures"), FileNameOf(beside));
     if (FileExists(inTextures)) return inTextures;
     return chosen = ChooseFile(owner, MPathKind::FindPicture);
 }

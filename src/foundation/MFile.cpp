@@ -38,7 +38,7 @@ void MFile::Open(const MString& path) {
         // Also where the system would let this user write it all the same.
         if (IsReadOnly(path)) return;
         handle.rdbuf()->pubsetbuf(nullptr, 0);
-        handle.open(ToSystemPath(path), std::ios::binary | std::ios::out);
+        handle.open(PlaceToWrite(path), std::ios::binary | std::ios::out);
         return;
     }
     const auto existing = FindExisting(path);

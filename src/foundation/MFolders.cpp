@@ -89,6 +89,31 @@ MString JoinPath(const MString& folder, const MString& name) {
     return path;
 }
 
+MString FolderOf(const MString& path) {
+    const std::size_t separator = path.View().find_last_of(u"/\\");
+    return separator == std::u16string_view::npos ? path : MString(path.View().substr(0, separator));
+}
+
+MString FileNameOf(const MString& path) {
+    const std::size_t separator = path.View().find_last_of(u"/\\");
+    return separator == std::u16string_view::npos ? path : MString(path.View().substr(separator + 1));
+}
+
+MString ExtensionOf(const MString& path) {
+    const MString name = FileNameOf(path);
+    const std::size_t dot = name.View().rfind(u'.');
+    if (dot == std::u16string_view::npos) return {};
+    MString extension(name.View().substr(dot + 1));
+    extension.ToUpper();
+    return extension;
+}
+
+MString WithExtension(const MString& path, const MString& extension) {
+    const std::size_t stop = path.View().find_last_of(u"./\\");
+    const bool has = stop != std::u16string_view::npos && path.View()[stop] == u'.';
+    return (has ? MString(path.View().substr(0, stop)) : path) + "." + extension;
+}
+
 std::optional<fs::path> FindExisting(const MString& path) {
     if (path.IsEmpty()) return std::nullopt;
     const fs::path asGiven = ToSystemPath(path);
@@ -109,6 +134,14 @@ std::optional<fs::path> FindExisting(const MString& path) {
     return found;
 }
 
+fs::path PlaceToWrite(const MString& path) {
+    if (const auto existing = FindExisting(path)) return *existing;
+    const fs::path given = ToSystemPath(path);
+    if (!given.has_parent_path() || given.parent_path() == given) return given;
+    const auto folder = FindExisting(FromSystemPath(given.parent_path()));
+    return folder ? *folder / given.filename() : given;
+}
+
 bool FileExists(const MString& path) {
     const auto existing = FindExisting(path);
     std::error_code error;
@@ -126,7 +159,7 @@ bool FolderExists(const MString& path) {
 bool IsReadOnly(const MString& path) {
     constexpr fs::perms writers = fs::perms::owner_write | fs::perms::group_write | fs::perms::others_write;
     std::error_code error;
-    const fs::file_status status = fs::status(ToSystemPath(path), error);
+    const fs::file_status status = fs::status(PlaceToWrite(path), error);
     return fs::exists(status) && (status.permissions() & writers) == fs::perms::none;
 }
 
@@ -141,7 +174,7 @@ bool CreateFolder(const MString& path) {
         const MString part(folder.View().substr(0, static_cast<std::size_t>(last ? i + 1 : i)));
         if (FolderExists(part)) continue;
         std::error_code error;
-        if (!fs::create_directory(ToSystemPath(part), error)) return false;
+        if (!fs::create_directory(PlaceToWrite(part), error)) return false;
         DebugOutput((MString("New folder created: \"") + part + "\"\n").View());
     }
     return true;
@@ -149,7 +182,7 @@ bool CreateFolder(const MString& path) {
 
 bool DeleteFile(const MString& path, bool clearReadOnly, bool toRecycleBin) {
     if (path.IsEmpty()) return true;
-    const fs::path file = ToSystemPath(path);
+    const fs::path file = PlaceToWrite(path);
     std::error_code error;
     if (fs::is_directory(file, error)) return false;
     if (clearReadOnly && IsReadOnly(path))
@@ -176,7 +209,7 @@ MString SizeText(std::int64_t bytes) {
 MString GetProgramFolder() {
     std::error_code error;
     const fs::path program = fs::read_symlink("/proc/self/exe", error);
-    return error ? MString() : FromSystemPath(program).GetFolder();
+    return error ? MString() : FolderOf(FromSystemPath(program));
 }
 
 MString GetAppDataFolder(const MString& first, const MString& second) {

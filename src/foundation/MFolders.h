@@ -2,8 +2,8 @@
 // and the program composes with PathSeparator. None of these reports anything beyond its result.
 //
 // A look-up that finds nothing under the exact name goes through the folder's entries without regard to case,
-// part by part, since the program's own names rely on a file system that ignores case. Creating uses the name
-// as given.
+// part by part, since the program's own names rely on a file system that ignores case. Writing and deleting
+// find the same file; a new one gets the name as given, in the folder that reading would find.
 #pragma once
 
 #include "foundation/MString.h"
@@ -17,6 +17,13 @@ inline constexpr char16_t PathSeparator = static_cast<char16_t>(std::filesystem:
 // folder, separator, name; also after an empty folder.
 MString JoinPath(const MString& folder, const MString& name);
 
+// The parts of a path on disk. Only '/' and '\\' divide it: ':' and '?' are letters of names here, unlike in
+// addresses, whose parts MString tells.
+MString FolderOf(const MString& path); // up to the last separator; all of it without one
+MString FileNameOf(const MString& path);
+MString ExtensionOf(const MString& path); // of the name, upper case, without its dot; empty if it has none
+MString WithExtension(const MString& path, const MString& extension);
+
 // The path in the system's own form, with its own separators.
 std::filesystem::path ToSystemPath(const MString& path);
 MString FromSystemPath(const std::filesystem::path& path);
@@ -26,6 +33,10 @@ MString FullPath(const MString& path);
 
 // The existing file or folder that `path` means, with case ignored where the exact name is not there.
 std::optional<std::filesystem::path> FindExisting(const MString& path);
+
+// Where a file of this path is written: the existing one that it means, else its name in the existing folder
+// that is meant, else just as it stands.
+std::filesystem::path PlaceToWrite(const MString& path);
 
 bool FileExists(const MString& path);   // false for a folder and for an empty path
 bool FolderExists(const MString& path); // one trailing separator doesn't matter

@@ -143,7 +143,7 @@ MSafeFile& MSafeFile::operator=(MSafeFile&& other) noexcept {
 
 bool MSafeFile::FindTarget(MLinks links) {
     constexpr int mostLinks = 40; // as the system itself
-    const fs::path given = ToSystemPath(path);
+    const fs::path given = PlaceToWrite(path);
     target = given;
     std::error_code error;
     for (int i = 0; fs::is_symlink(target, error); ++i) {

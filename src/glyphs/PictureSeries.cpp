@@ -12,7 +12,7 @@ constexpr std::int32_t firstCode = 33;
 constexpr std::int32_t lastCode = 65535;
 
 MString BareName(const MString& path) {
-    MString name = path.GetFileName();
+    MString name = FileNameOf(path);
     name.KeepBefore(".");
     return name;
 }
@@ -52,7 +52,7 @@ bool NextSuccessivePicture(MString& path, char16_t& character) {
         nextName.Truncate(name.length - static_cast<std::int32_t>(digits.size()));
         nextName += MString(next);
     }
-    path = JoinPath(path.GetFolder(), nextName + "." + path.GetExtension());
+    path = JoinPath(FolderOf(path), nextName + "." + ExtensionOf(path));
     character = next;
     return FileExists(path);
 }

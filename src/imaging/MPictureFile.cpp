@@ -45,7 +45,7 @@ bool Load(const MString& path, std::int32_t frame, std::int32_t maxWidth, std::i
     MFile file(path, false, false);
     if (!file.ok) return false;
     MByteSource source(file);
-    const MCodec* const codec = CodecForFile(source, path.GetExtension());
+    const MCodec* const codec = CodecForFile(source, ExtensionOf(path));
     const MPixelLimit limit(source.Size());
     if (!codec || !codec->decode(source, frame, picture) || !picture.IsValid()) return false;
     // The forms that only the extension tells have always come in their own size.
@@ -119,7 +119,7 @@ MSafeFile MPicture::PrepareSave(const MString& path, MPixelFormat format, MLinks
     if (format == FormatNone) format = Format;
     if (HasAlpha(format)) BleedColours();
     format = Writable(format);
-    const MCodec* const codec = CodecForExtension(path.GetExtension());
+    const MCodec* const codec = CodecForExtension(ExtensionOf(path));
     if (!IsValid()) return MSafeFile::Failed(path, "there is no picture to write");
     if (!codec || !codec->encode) return MSafeFile::Failed(path, "pictures of this form can't be written");
     MByteSink sink(path, links);

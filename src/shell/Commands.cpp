@@ -6,6 +6,7 @@
 #include "formats/ExportFiles.h"
 #include "formats/MPhotofontImporter.h"
 #include "formats/WebFont.h"
+#include "foundation/MFolders.h"
 #include "foundation/Product.h"
 #include "glyphs/PictureSeries.h"
 #include "imaging/MPixelBudget.h"
@@ -49,7 +50,7 @@ void SaveAs(MColourFont& font) {
 
 bool InsistsOnName(const MString& path) {
     return Desktop::ShowMessage(MainWindow,
-                                "WARNING: on the page the name \"" + path.GetFileName() +
+                                "WARNING: on the page the name \"" + FileNameOf(path) +
                                     "\" could run as script or markup, for everybody who opens it.\n\n"
                                     "Letters, digits, \"_\", \"-\", \"$\" and dots are safe.\n\n"
                                     "Would you like to export it all the same?",

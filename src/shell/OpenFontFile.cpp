@@ -1,6 +1,7 @@
 #include "shell/OpenFontFile.h"
 
 #include "document/MColourFont.h"
+#include "foundation/MFolders.h"
 #include "imaging/MFileTypes.h"
 #include "shell/CurrentFont.h"
 
@@ -8,7 +9,7 @@ void OpenFontFile(const MString& path) {
     if (path.IsEmpty()) return;
     MColourFont& font = CurrentOrNewFont();
     font.Clear();
-    const MString extension = path.GetExtension();
+    const MString extension = ExtensionOf(path);
     bool opened = false;
     if (extension.Equals("SM")) opened = font.Load(path);
     if (extension.Equals("JS")) opened = font.ImportJavascript(path);

@@ -1,6 +1,7 @@
 #include "shell/Program.h"
 
 #include "document/MSettings.h"
+#include "foundation/MFolders.h"
 #include "foundation/Product.h"
 #include "glyphs/MFontList.h"
 #include "imaging/MFileTypes.h"
@@ -20,7 +21,7 @@ namespace {
 
 void OpenTextureFont(const MString& path) {
     RestorePixelBudget();
-    if (path.GetExtension().Equals("SM")) OpenFontFile(path);
+    if (ExtensionOf(path).Equals("SM")) OpenFontFile(path);
 }
 
 // What the user meets between the opening of the window and its end.

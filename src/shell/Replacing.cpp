@@ -26,7 +26,7 @@ MString Quoted(const MString& path) {
 
 bool IsThere(const MString& path) {
     std::error_code error;
-    return std::filesystem::exists(std::filesystem::symlink_status(ToSystemPath(path), error));
+    return std::filesystem::exists(std::filesystem::symlink_status(PlaceToWrite(path), error));
 }
 
 bool MayReplace(const std::vector<MString>& paths, const MString& askedAbout) {

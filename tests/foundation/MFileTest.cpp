@@ -98,6 +98,38 @@ TEST(Folders, FullPathsHaveNoDotsToStayWhereTheyAre) {
     EXPECT_TRUE(FullPath("").IsEmpty());
 }
 
+TEST(Folders, PathsOnDiskAreDividedBySlashesAlone) {
+    struct Case {
+        const char* path;
+        const char* folder;
+        const char* name;
+        const char* extension;
+        const char* asPng;
+    };
+    for (const Case& c : {Case{"a/b.sm", "a", "b.sm", "SM", "a/b.png"}, Case{"what?/1:2.html", "what?", "1:2.html", "HTML", "what?/1:2.png"},
+                          Case{"a.b/c", "a.b", "c", "", "a.b/c.png"}, Case{"a\\b.x.Y", "a", "b.x.Y", "Y", "a\\b.x.png"},
+                          Case{"b#1.js", "b#1.js", "b#1.js", "JS", "b#1.png"}, Case{"/a.sm", "", "a.sm", "SM", "/a.png"}, Case{"", "", "", "", ".png"}}) {
+        EXPECT_EQ(FolderOf(c.path), MString(c.folder)) << c.path;
+        EXPECT_EQ(FileNameOf(c.path), MString(c.name)) << c.path;
+        EXPECT_EQ(ExtensionOf(c.path), MString(c.extension)) << c.path;
+        EXPECT_EQ(WithExtension(c.path, "png"), MString(c.asPng)) << c.path;
+    }
+}
+
+TEST(Folders, WritingFindsWhatReadingFinds) {
+    const TemporaryFolder folder;
+    std::filesystem::create_directory(folder.path / "documents");
+    EXPECT_TRUE(CreateFolder(folder.File("Documents/Lettrino/Fonts")));
+    EXPECT_TRUE(std::filesystem::is_directory(folder.path / "documents/Lettrino/Fonts"));
+    EXPECT_FALSE(std::filesystem::exists(folder.path / "Documents"));
+    ASSERT_EQ(MFile(folder.File("DOCUMENTS/new.txt"), true, false).Write("1", 1), true);
+    ASSERT_EQ(MFile(folder.File("Documents/NEW.txt"), true, false).Write("22", 2), true);
+    EXPECT_EQ(folder.Read("documents/new.txt"), "22") << "one file, found in either case";
+    EXPECT_TRUE(DeleteFile(folder.File("documents/New.txt"), false, false));
+    EXPECT_FALSE(std::filesystem::exists(folder.path / "documents/new.txt"));
+    EXPECT_EQ(PlaceToWrite("no/such/folder.txt"), std::filesystem::path("no/such/folder.txt"));
+}
+
 TEST(Folders, CreatesWithAllParents) {
     const TemporaryFolder folder;
     EXPECT_TRUE(CreateFolder(folder.File("one\\two/three/")));

@@ -132,11 +132,20 @@ TEST_F(MainWindowTest, TheMenuHoldsEveryItemInOrder) {
     Run({}, {Look([](QWidget& window) {
             auto* const bar = static_cast<QMainWindow&>(window).menuBar();
             QStringList lines;
+            const auto plain = [](QString text) { return text.remove('&'); };
+            // The underlined letter, which no other item of the menu has.
+            const auto letterOf = [](const QString& text) { return text.section('&', 1, 1).left(1).toLower().toStdString(); };
+            std::set<std::string> menuLetters;
             for (const QAction* const menu : bar->actions()) {
-                lines << menu->text();
+                lines << plain(menu->text());
+                EXPECT_TRUE(menuLetters.insert(letterOf(menu->text())).second && !letterOf(menu->text()).empty());
+                std::set<std::string> letters;
                 for (const QAction* const item : menu->menu()->actions()) {
                     EXPECT_TRUE(item->isEnabled());
-                    lines << (item->isSeparator() ? "-" : item->text() + '\t' + item->shortcut().toString());
+                    lines << (item->isSeparator() ? "-" : plain(item->text()) + '\t' + item->shortcut().toString());
+                    if (item->isSeparator()) continue;
+                    EXPECT_TRUE(letters.insert(letterOf(item->text())).second) << item->text().toStdString();
+                    EXPECT_FALSE(letterOf(item->text()).empty());
                 }
             }
             EXPECT_EQ(lines.join('\n').toStdString(),
@@ -239,6 +248,49 @@ TEST_F(MainWindowTest, ADroppedTextureFontIsOpened) {
             QDropEvent drop(QPointF(5, 5), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
             QApplication::sendEvent(&window, &drop);
             EXPECT_EQ(window.windowTitle().toStdString(), "Lettrino - 1 Glyphs (128 x 256)");
+        })});
+}
+
+// By the window's own image: a grab would paint it anew and hide a picture that stayed.
+TEST_F(MainWindowTest, AnOpenThatFailedLeavesNoOldPicture) {
+    const MString broken = Home().Write("broken.sm", "no font at all");
+    const auto isBlank = [](QWidget& window) {
+        const QImage image = Shown(window);
+        const QColor ground = image.pixelColor(image.width() / 2, image.height() - 2);
+        for (int y = image.height() / 4; y < image.height(); y += 3) {
+            for (int x = 0; x < image.width(); x += 3)
+                if (image.pixelColor(x, y) != ground) return false;
+        }
+        return true;
+    };
+    Run({}, {Key(Qt::Key_F2),
+             {"Add/Change characters",
+              [](QWidget& dialog) {
+                  QTest::keyClicks(Named<QComboBox>(dialog, "Font family"), "DejaVu Sans");
+                  Click(dialog, "OK");
+              }},
+             Look([&](QWidget& window) {
+                 QTest::qWait(50);
+                 EXPECT_FALSE(isBlank(window));
+             }),
+             Key(Qt::Key_O, Qt::ControlModifier), ChooseFile("Open Font", broken), Look([&](QWidget& window) {
+                 EXPECT_TRUE(QTest::qWaitFor([&] { return isBlank(window); }, 2000));
+                 EXPECT_EQ(window.windowTitle().toStdString(), "Lettrino - 0 Glyphs");
+             })});
+}
+
+TEST_F(MainWindowTest, MenusOpenByTheirLetters) {
+    Run({}, {Look([](QWidget& window) {
+            window.activateWindow();
+            EXPECT_TRUE(QTest::qWaitForWindowActive(&window));
+            auto* const bar = static_cast<QMainWindow&>(window).menuBar();
+            bool seen = false;
+            QTimer::singleShot(200, [&] {
+                seen = bar->activeAction() && bar->activeAction()->text().remove('&') == "FILE";
+                if (auto* const popup = QApplication::activePopupWidget()) popup->close();
+            });
+            QTest::keyClick(&window, Qt::Key_F, Qt::AltModifier);
+            EXPECT_TRUE(QTest::qWaitFor([&] { return seen; }, 2000));
         })});
 }
 

@@ -98,9 +98,9 @@ StepResult OpenPhotofont(Run& run, const std::string& file, const MString& path)
 
 StepResult Open(Run& run, const std::string& file) {
     const MString path = FullPath(FromSystem(file)); // the picture is also sought above the file's folder
-    if (path.GetExtension().Equals(u"PHF")) return OpenPhotofont(run, file, path);
+    if (ExtensionOf(path).Equals(u"PHF")) return OpenPhotofont(run, file, path);
     const auto form = std::ranges::find_if(
-        forms, [extension = path.GetExtension()](const FontForm& f) { return extension.Equals(f.extension); });
+        forms, [extension = ExtensionOf(path)](const FontForm& f) { return extension.Equals(f.extension); });
     if (form == std::end(forms)) return StepFailure{file, "fonts are opened from .sm, .js and .phf files"};
     MColourFont& font = run.FontOrNew();
     font.Clear();
@@ -116,11 +116,11 @@ StepResult Open(Run& run, const std::string& file) {
 // Why `file` can't be written, which makes the `targets`: its folder is missing, or one of them stands there
 // and can't be written over. What is looked at after writing would be the old one then.
 StepResult RefuseTargets(const std::string& file, std::initializer_list<MString> targets) {
-    const fs::path folder = ToSystemPath(FullPath(FromSystem(file))).parent_path();
+    const fs::path folder = PlaceToWrite(FullPath(FromSystem(file))).parent_path();
     if (!IsFolder(folder)) return StepFailure{file, "there is no folder " + folder.string()};
     for (const MString& target : targets) {
         std::error_code error;
-        const fs::path path = ToSystemPath(target);
+        const fs::path path = PlaceToWrite(target);
         if (!fs::exists(path, error) || (!IsReadOnly(target) && access(path.c_str(), W_OK) == 0)) continue;
         return StepFailure{file, path.string() + " can't be written over"};
     }
@@ -156,7 +156,7 @@ StepResult Save(MColourFont& font, const std::string& file) {
 
 StepResult SaveGlyphs(MColourFont& font, const std::string& file) {
     const MString folder = FullPath(FromSystem(file));
-    if (!IsFolder(ToSystemPath(folder))) return StepFailure{file, "there is no such folder"};
+    if (!FolderExists(folder)) return StepFailure{file, "there is no such folder"};
     MWriteFailures failures;
     const bool anyWritten = font.ExportSingleFiles(JoinPath(folder, "glyph"), &failures);
     if (StepResult failure = Unwritten(file, failures, NextLine("--single-files", file))) return failure;
@@ -198,7 +198,7 @@ StepResult ExportPage(MColourFont& font, const std::string& file, bool minimal) 
     if (StepResult failure = Unwritten(file, failures, "; ")) return failure;
     if (!exported) return StepFailure{file, "the font has no picture: there was no memory for it"};
     if (!FileExists(page)) return StepFailure{file, "the page is missing beside the program, in Media/www"};
-    if (!FileExists(JoinPath(path.GetFolder(), "lettrino-1.0.js"))) {
+    if (!FileExists(JoinPath(FolderOf(path), "lettrino-1.0.js"))) {
         return StepFailure{file, "the run-time script is missing beside the program, in Media/www"};
     }
     return {};

@@ -11,7 +11,9 @@ MAddGlyphsView::MAddGlyphsView(QWidget* owner) : MDialogView(owner, "Add/Change 
     LayOut();
     for (const MString& name : dialog.Families)
         family.addItem(ToQt(name));
+    family.setPlaceholderText(ToQt(Settings->FontName) + " (not installed)");
     family.setCurrentIndex(dialog.FamilyIndex);
+    style.setPlaceholderText("(choose a family)");
     FillStyles();
     Fill(height, Settings->GlyphHeight);
     colourFont.setChecked(Settings->ColourFont);
@@ -59,7 +61,7 @@ void MAddGlyphsView::Connect() {
     onMouse = [this](const MMouse& mouse) {
         if (!mouse.moved && IsStrictlyInside(SwatchArea(), {mouse.x, mouse.y})) return ChooseColour();
         if (!mouse.moved && dialog.Grid.HitTest(mouse.x, mouse.y) >= 0) grid.setFocus();
-        if (dialog.Drag(mouse.x, mouse.y, mouse.left && !mouse.rightPress, mouse.right))
+        if (dialog.Drag(mouse.x, mouse.y, mouse.left && !mouse.rightPress, mouse.right, mouse.moved))
             Repaint(dialog.Grid.Area);
         TellCursor();
     };
@@ -107,6 +109,13 @@ void MAddGlyphsView::ChooseColour() {
 bool MAddGlyphsView::GridKey(const QKeyEvent& event) {
     MCharacterGrid& characters = dialog.Grid;
     const QString text = event.text();
+    const std::int32_t before = characters.Cursor;
+    if (event.matches(QKeySequence::SelectAll)) {
+        MAddGlyphs::MarkAll();
+        Repaint(characters.Area);
+        TellCursor();
+        return true;
+    }
     switch (event.key()) {
     case Qt::Key_Left: characters.MoveCursor(-1, 0); break;
     case Qt::Key_Right: characters.MoveCursor(1, 0); break;
@@ -123,6 +132,10 @@ bool MAddGlyphsView::GridKey(const QKeyEvent& event) {
             return false;
         characters.Cursor = text.front().unicode();
     }
+    // With Shift the arrows mark what they pass, as dragging does.
+    const bool passes = event.modifiers().testFlag(Qt::ShiftModifier) && event.key() >= Qt::Key_Home &&
+                        event.key() <= Qt::Key_PageDown;
+    if (passes && characters.Cursor != before) dialog.MarkPassed(before);
     Repaint(characters.Area);
     TellCursor();
     return true;

@@ -13,7 +13,9 @@ MLetterCubeNamesView::MLetterCubeNamesView(QWidget* owner)
     AddButtons(79, 145, 127, 145);
     names.setFocus();
     onOk = [this] {
-        // The raw text, since the plain one makes blanks of no-break spaces.
-        StoreLetterCubeNames(FromQt(names.document()->toRawText().replace(QChar::ParagraphSeparator, '\n')));
+        // The raw text, since the plain one makes blanks of no-break spaces. Shift and Enter end a line too.
+        QString text = names.document()->toRawText();
+        text.replace(QChar::ParagraphSeparator, '\n').replace(QChar::LineSeparator, '\n');
+        StoreLetterCubeNames(FromQt(text));
     };
 }

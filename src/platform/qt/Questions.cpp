@@ -101,7 +101,8 @@ MString ShowFileDialog(WindowHandle owner, FileDialog& dialog, const MString& ex
 
 bool ChooseColour(WindowHandle owner, MColour& colour) {
     PrepareCustomColours();
-    const QColor chosen = QColorDialog::getColor(QColor(colour.r, colour.g, colour.b), WidgetOf(owner));
+    const QColor chosen =
+        QColorDialog::getColor(QColor(colour.r, colour.g, colour.b), WidgetOf(owner), "Select colour");
     if (!chosen.isValid()) return false;
     const auto channel = [](int value) { return static_cast<std::uint8_t>(value); };
     colour = MColour(channel(chosen.red()), channel(chosen.green()), channel(chosen.blue()));
