@@ -1,0 +1,98 @@
+#include "formats/MFontDescription.h"
+
+#include <algorithm>
+#include <limits>
+#include <tuple>
+
+namespace {
+
+constexpr char16_t space = u' ';
+
+std::int32_t Narrow(std::int64_t value) {
+    return static_cast<std::int32_t>(std::clamp<std::int64_t>(value, std::numeric_limits<std::int32_t>::min(),
+                                                              std::numeric_limits<std::int32_t>::max()));
+}
+
+// The part of the picture that the glyph shows. They differ only after a failed resize.
+MPicture Shown(const MGlyph& glyph) {
+    MPicture view = glyph.Picture;
+    view.Width = std::min(view.Width, static_cast<std::uint32_t>(std::max(glyph.Width, 0)));
+    view.Height = static_cast<std::uint32_t>(glyph.PictureRows());
+    return view;
+}
+
+MInkBox InkOf(const MGlyph& glyph) {
+    const MPicture view = Shown(glyph);
+    if (!view.IsValid()) return {};
+    std::uint32_t top = 0;
+    std::uint32_t right = 0;
+    std::uint32_t bottom = 0;
+    std::uint32_t left = 0;
+    view.GetMargins(top, right, bottom, left);
+    // Margins of 0 are also what a picture without ink has.
+    const bool full = top + right + bottom + left == 0;
+    const auto inked = [&](std::uint32_t y) {
+        for (std::uint32_t x = 0; x < view.Width; ++x) {
+            if (view.GetPixel(static_cast<std::int32_t>(x), static_cast<std::int32_t>(y)).a != 0) return true;
+        }
+        return false;
+    };
+    if (full && !inked(0)) return {};
+    return {static_cast<std::int32_t>(left), static_cast<std::int32_t>(top),
+            static_cast<std::int32_t>(view.Width - left - right),
+            static_cast<std::int32_t>(view.Height - top - bottom)};
+}
+
+MGlyphDescription Describe(const MGlyph& glyph) {
+    return {glyph.Character, &glyph,
+            InkOf(glyph),    glyph.Width,
+            glyph.SpacingBefore,
+            Narrow(std::int64_t{glyph.SpacingBefore} + glyph.Width + glyph.SpacingAfter)};
+}
+
+auto Sides(const MKerningPair& pair) {
+    return std::tuple(pair.Left, pair.Right);
+}
+
+} // namespace
+
+const MGlyphDescription* MFontDescription::Find(std::uint32_t character) const {
+    const auto found = std::ranges::lower_bound(Glyphs, character, {}, &MGlyphDescription::Character);
+    return found != Glyphs.end() && found->Character == character ? &*found : nullptr;
+}
+
+std::int32_t MFontDescription::AmountOf(std::uint32_t left, std::uint32_t right) const {
+    const auto found = std::ranges::lower_bound(Pairs, std::tuple(left, right), {}, Sides);
+    return found != Pairs.end() && Sides(*found) == std::tuple(left, right) ? found->Amount : 0;
+}
+
+MFontDescription DescribeFont(const MColourFont& font, std::int32_t glyphHeight) {
+    MFontDescription description;
+    description.Height = glyphHeight;
+    description.Baseline = font.Baseline;
+    description.CapHeight = font.CapHeight;
+    for (const auto& slot : font.Glyphs) {
+        if (slot) description.Glyphs.push_back(Describe(*slot));
+    }
+    // A file may bring a glyph for the space, which is then drawn like any other.
+    if (!font.GetGlyph(space)) {
+        MGlyphDescription blank;
+        blank.Character = space;
+        blank.Advance = font.SpaceWidth;
+        description.Glyphs.push_back(blank);
+    }
+    std::ranges::sort(description.Glyphs, {}, &MGlyphDescription::Character);
+
+    std::vector<bool> present(0x10000);
+    for (const MGlyphDescription& glyph : description.Glyphs)
+        present[glyph.Character] = glyph.Glyph != nullptr;
+    const auto exists = [&](std::uint32_t character) {
+        return character < present.size() && present[character];
+    };
+    for (const MKerningPair& pair : font.Kerning) {
+        if (pair.Amount == 0) continue;
+        (exists(pair.Left) && exists(pair.Right) ? description.Pairs : description.LostPairs).push_back(pair);
+    }
+    std::ranges::sort(description.Pairs, {}, Sides);
+    return description;
+}
