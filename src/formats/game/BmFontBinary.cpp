@@ -161,17 +161,17 @@ std::string WhyNotBinary(const MBmFont& font) {
     const MBmCommon& common = font.Common;
     if (!within(font.Info.Size, 0, bmShort) || !within(common.LineHeight, 0, bmWord) ||
         !within(common.Base, 0, bmWord))
-        return "the height of the lines or the baseline is beyond 16 bits";
+        return "the height of the lines, or the baseline in them, is more than the format holds";
     for (const MBmChar& c : font.Chars) {
         for (const auto& field : bmCharFields) {
             if (within(c.*field.Member, field.Low, field.High)) continue;
-            return "the " + std::string(field.Name) + " of character " + std::to_string(c.Id) + " is beyond 16 bits";
+            return "the " + std::string(field.Name) + " of character " + std::to_string(c.Id) + " is more than the format holds";
         }
     }
     for (const MBmKerning& pair : font.Kernings) {
         if (!within(pair.Amount, -bmShort - 1, bmShort))
             return "the kerning of " + std::to_string(pair.First) + " and " + std::to_string(pair.Second) +
-                   " is beyond 16 bits";
+                   " is more than the format holds";
     }
     return {};
 }
