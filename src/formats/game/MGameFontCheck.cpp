@@ -60,7 +60,7 @@ bool TouchesCell(const MGlyphDescription& glyph) {
 
 // Halves of surrogate pairs, and what controls a text instead of standing in it.
 bool IsUnusable(char16_t character) {
-    return (character >= 0xD800 && character < 0xE000) || character < 32 || character == 127;
+    return (character >= 0xD800 && character < 0xE000) || character < 32;
 }
 
 std::string CodeText(std::uint32_t character) {
