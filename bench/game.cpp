@@ -1,5 +1,5 @@
-// Fonts for games: the packing beside one plain pass of the library's packer, the whole export beside the writing
-// of its picture.
+// Fonts for games: the packing beside one plain pass of the library's packer, the whole export beside the
+// writing of its picture.
 
 #include "document/MSettings.h"
 #include "formats/game/MGameFontExport.h"

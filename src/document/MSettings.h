@@ -1,6 +1,6 @@
 // The program's choices, and the one home of what the document's operations take from the user: the glyph
-// height, the selected characters, the font choice, the padding. A plain record; no value is validated. Load and
-// Save are in shell/, with the program's start and end.
+// height, the selected characters, the font choice, the padding. A plain record; no value is validated. Load
+// and Save are in shell/, with the program's start and end.
 #pragma once
 
 #include "foundation/MString.h"

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <limits>
-#include <tuple>
 
 namespace {
 
@@ -44,14 +43,17 @@ MInkBox InkOf(const MGlyph& glyph) {
 }
 
 MGlyphDescription Describe(const MGlyph& glyph) {
-    return {glyph.Character, &glyph,
-            InkOf(glyph),    glyph.Width,
-            glyph.SpacingBefore,
-            Narrow(std::int64_t{glyph.SpacingBefore} + glyph.Width + glyph.SpacingAfter)};
+    return {glyph.Character,     &glyph,
+            InkOf(glyph),        glyph.Width,
+            glyph.SpacingBefore, Narrow(std::int64_t{glyph.SpacingBefore} + glyph.Width + glyph.SpacingAfter)};
 }
 
-auto Sides(const MKerningPair& pair) {
-    return std::tuple(pair.Left, pair.Right);
+std::uint64_t Sides(std::uint32_t left, std::uint32_t right) {
+    return std::uint64_t{left} << 32 | right;
+}
+
+std::uint64_t SidesOf(const MKerningPair& pair) {
+    return Sides(pair.Left, pair.Right);
 }
 
 } // namespace
@@ -62,8 +64,8 @@ const MGlyphDescription* MFontDescription::Find(std::uint32_t character) const {
 }
 
 std::int32_t MFontDescription::AmountOf(std::uint32_t left, std::uint32_t right) const {
-    const auto found = std::ranges::lower_bound(Pairs, std::tuple(left, right), {}, Sides);
-    return found != Pairs.end() && Sides(*found) == std::tuple(left, right) ? found->Amount : 0;
+    const auto found = std::ranges::lower_bound(Pairs, Sides(left, right), {}, SidesOf);
+    return found != Pairs.end() && SidesOf(*found) == Sides(left, right) ? found->Amount : 0;
 }
 
 MFontDescription DescribeFont(const MColourFont& font, std::int32_t glyphHeight) {
@@ -89,10 +91,12 @@ MFontDescription DescribeFont(const MColourFont& font, std::int32_t glyphHeight)
     const auto exists = [&](std::uint32_t character) {
         return character < present.size() && present[character];
     };
+    description.Pairs.reserve(static_cast<std::size_t>(font.KerningCount()));
     for (const MKerningPair& pair : font.Kerning) {
         if (pair.Amount == 0) continue;
         (exists(pair.Left) && exists(pair.Right) ? description.Pairs : description.LostPairs).push_back(pair);
     }
-    std::ranges::sort(description.Pairs, {}, Sides);
+    std::ranges::sort(description.Pairs,
+                      [](const MKerningPair& a, const MKerningPair& b) { return SidesOf(a) < SidesOf(b); });
     return description;
 }

@@ -1,6 +1,6 @@
-// One plain description of a font for whatever leaves the program: its metrics, and for each character where its
-// ink lies and how far it moves the pen; and its pairs. Made once from the document, which it only looks at: the
-// glyphs' pictures stay the font's, so a description is good until the font changes.
+// One plain description of a font for whatever leaves the program: its metrics, and for each character where
+// its ink lies and how far it moves the pen; and its pairs. Made once from the document, which it only looks
+// at: the glyphs' pictures stay the font's, so a description is good until the font changes.
 //
 // All lengths are pixels. A line is Height rows high; its baseline lies Baseline rows above its lower edge, and
 // rows are counted from its upper edge down.

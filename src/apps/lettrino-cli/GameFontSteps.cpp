@@ -51,7 +51,8 @@ void TellFindings(std::vector<MGameFinding> findings) {
 StepResult Export(Run& run, MColourFont& font, const std::string& file) {
     const MGameFontOptions options = GameFontOptions(run.settings);
     const MString path = FullPath(GameFontPath(FromSystem(file), options.FormToWrite()));
-    if (!FolderExists(path.GetFolder())) return StepFailure{file, "there is no folder " + ToSystem(path.GetFolder())};
+    if (!FolderExists(path.GetFolder()))
+        return StepFailure{file, "there is no folder " + ToSystem(path.GetFolder())};
     run.gameFontName = GameFontName(path);
     const MFontDescription description = DescribeFont(font, run.settings.GlyphHeight);
     const MGameFontPlan plan = PlanGameFont(description, options, run.gameFontName);
@@ -99,7 +100,8 @@ StepResult Check(Run& run, MColourFont& font, const std::vector<const MGameEngin
                           {"findings", std::move(findings)}});
     }
     if (!run.checkAsLines)
-        std::puts(Json{{"engines", std::move(report)}}.dump(-1, ' ', false, Json::error_handler_t::replace).c_str());
+        std::puts(
+            Json{{"engines", std::move(report)}}.dump(-1, ' ', false, Json::error_handler_t::replace).c_str());
     return {};
 }
 

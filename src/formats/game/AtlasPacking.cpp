@@ -2,20 +2,21 @@
 // Stock-Cutting Problem", Operations Research 52, 2004): the lowest place is filled next, with the tallest box
 // that goes in. Tried over several widths of the page; a width is given up as soon as it can't be the best.
 //
-// A packer of a library that takes the boxes in one fixed order, whatever place is next, needs four times as many
-// widths for less: bench/game.cpp has both.
+// A packer of a library that takes the boxes in one fixed order, whatever place is next, needs four times as
+// many widths for less: bench/game.cpp has both.
 #include "formats/game/AtlasPacking.h"
 
 #include <algorithm>
 #include <bit>
 #include <cmath>
 #include <limits>
+#include <numeric>
 #include <vector>
 
 namespace {
 
 // The widths lie around the side of a square of the boxes' own area. More of them find hardly more.
-constexpr int triedWidths = 64;
+constexpr int triedWidths = 40;
 constexpr double narrowest = 0.72;
 constexpr double widest = 1.42;
 
@@ -31,7 +32,9 @@ public:
     // `boxes` are the tallest first; widths and heights include the gap to the right and below.
     Skyline(std::span<const MAtlasBox> source, std::int32_t stripWidth, std::int32_t stripHeight)
         : boxes(source), height(stripHeight), places(source.size()), placed(source.size()),
-          ledges{{0, 0, stripWidth}} {}
+          waiting(source.size()), ledges{{0, 0, stripWidth}} {
+        std::iota(waiting.begin(), waiting.end(), std::uint32_t{0});
+    }
 
     struct Place {
         std::int32_t x = 0;
@@ -41,11 +44,12 @@ public:
     // Until all are placed or nothing more goes in, or more than `waste` pixels stay empty under the skyline.
     // True if all were placed.
     bool Fill(std::int64_t waste) {
-        while (left > 0) {
+        while (!waiting.empty()) {
             const auto lowest = std::ranges::min_element(ledges, {}, &Ledge::y);
             const std::size_t ledge = static_cast<std::size_t>(lowest - ledges.begin());
-            if (const auto box = TallestFor(*lowest)) {
+            if (const auto box = TallestFor(*lowest); box != waiting.end()) {
                 Put(*box, ledge);
+                waiting.erase(box);
             } else if (ledges.size() == 1) {
                 return false;
             } else {
@@ -56,7 +60,7 @@ public:
         return true;
     }
 
-    bool IsPlaced(std::size_t box) const { return placed[box]; }
+    bool IsPlaced(std::size_t box) const { return placed[box] != 0; }
     Place PlaceOf(std::size_t box) const { return places[box]; }
     std::int32_t Bottom() const { return bottom; }
     std::int32_t Right() const { return right; }
@@ -65,20 +69,16 @@ private:
     std::span<const MAtlasBox> boxes;
     std::int32_t height;
     std::vector<Place> places;
-    std::vector<bool> placed;
-    std::vector<Ledge> ledges; // from the left to the right
-    std::size_t first = 0;     // all before it are placed
-    std::size_t left = boxes.size();
+    std::vector<std::uint8_t> placed;
+    std::vector<std::uint32_t> waiting; // the boxes that aren't placed, in their order
+    std::vector<Ledge> ledges;          // from the left to the right
     std::int32_t bottom = 0;
     std::int32_t right = 0;
 
-    std::optional<std::size_t> TallestFor(const Ledge& ledge) {
-        while (placed[first])
-            ++first;
-        for (std::size_t i = first; i < boxes.size(); ++i) {
-            if (!placed[i] && boxes[i].Width <= ledge.width && boxes[i].Height <= height - ledge.y) return i;
-        }
-        return std::nullopt;
+    std::vector<std::uint32_t>::iterator TallestFor(const Ledge& ledge) {
+        return std::ranges::find_if(waiting, [&, room = height - ledge.y](std::uint32_t i) {
+            return boxes[i].Width <= ledge.width && boxes[i].Height <= room;
+        });
     }
 
     std::int32_t LevelBeside(std::size_t ledge, bool leftSide) const {
@@ -94,8 +94,7 @@ private:
         const bool atLeft = LevelBeside(ledge, true) >= LevelBeside(ledge, false);
         const std::int32_t x = atLeft ? ground.x : ground.x + ground.width - size.Width;
         places[box] = {x, ground.y};
-        placed[box] = true;
-        --left;
+        placed[box] = 1;
         const Ledge top{x, ground.y + size.Height, size.Width};
         bottom = std::max(bottom, top.y);
         right = std::max(right, x + size.Width);
@@ -154,7 +153,8 @@ public:
 
     std::optional<MAtlasPages> Pack() {
         for (const std::size_t i : order) {
-            if (boxes[i].Width > room - options.Gap || boxes[i].Height > room - options.Gap) return std::nullopt;
+            if (boxes[i].Width > room - options.Gap || boxes[i].Height > room - options.Gap)
+                return std::nullopt;
             padded.push_back({boxes[i].Width + options.Gap, boxes[i].Height + options.Gap, 0, 0, 0});
             area += std::int64_t{padded.back().Width} * padded.back().Height;
         }
@@ -166,10 +166,10 @@ public:
 private:
     std::span<MAtlasBox> boxes;
     MAtlasOptions options;
-    std::int32_t room = 0;           // of the largest page, for boxes that bring their gap
-    std::vector<std::size_t> order;  // of the boxes that have an area, the tallest first
-    std::vector<MAtlasBox> padded;   // these boxes with their gap
-    std::int64_t area = 0;           // of the padded ones
+    std::int32_t room = 0;          // of the largest page, for boxes that bring their gap
+    std::vector<std::size_t> order; // of the boxes that have an area, the tallest first
+    std::vector<MAtlasBox> padded;  // these boxes with their gap
+    std::int64_t area = 0;          // of the padded ones
 
     // The smallest side that a page may have for boxes up to `extent`, which includes the gap behind them.
     std::int32_t SideFor(std::int32_t extent) const {
@@ -211,7 +211,8 @@ private:
         for (const std::int32_t width : Widths()) {
             // The highest page that would be the best so far.
             const std::int64_t side = SideFor(width);
-            const auto limit = static_cast<std::int32_t>(std::min<std::int64_t>(room, bestArea / side - options.Gap));
+            const auto limit =
+                static_cast<std::int32_t>(std::min<std::int64_t>(room, bestArea / side - options.Gap));
             const std::int64_t waste = std::int64_t{width} * limit - area;
             if (waste < 0) continue;
             Skyline skyline(padded, width, limit);

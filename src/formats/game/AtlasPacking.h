@@ -1,5 +1,5 @@
-// Boxes onto as little area as a short search finds, in any order; for pictures that others read, who may choose
-// the distance between the boxes and what sizes a page may have.
+// Boxes onto as little area as a short search finds, in any order; for pictures that others read, who may
+// choose the distance between the boxes and what sizes a page may have.
 #pragma once
 
 #include <cstdint>

@@ -116,8 +116,9 @@ MBmChar ReadChar(Cursor& content) {
 // Why a block of this type and length can't be; empty if it can.
 std::string WhyNotBlock(std::uint32_t type, std::size_t length) {
     const auto wrong = [&](bool isWrong) {
-        return isWrong ? "its block " + std::to_string(type) + " can't be " + std::to_string(length) + " bytes long"
-                       : std::string();
+        return isWrong
+                   ? "its block " + std::to_string(type) + " can't be " + std::to_string(length) + " bytes long"
+                   : std::string();
     };
     switch (type) {
     case InfoBlock: return wrong(length <= infoSize);
@@ -165,7 +166,8 @@ std::string WhyNotBinary(const MBmFont& font) {
     for (const MBmChar& c : font.Chars) {
         for (const auto& field : bmCharFields) {
             if (within(c.*field.Member, field.Low, field.High)) continue;
-            return "the " + std::string(field.Name) + " of character " + std::to_string(c.Id) + " is more than the format holds";
+            return "the " + std::string(field.Name) + " of character " + std::to_string(c.Id) +
+                   " is more than the format holds";
         }
     }
     for (const MBmKerning& pair : font.Kernings) {

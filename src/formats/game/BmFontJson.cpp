@@ -109,7 +109,8 @@ MBmResult ReadBmJson(std::string_view bytes) {
     }
     if (TakePages(reader, font) &&
         ForEach(font, "chars", reader, [&](const Json& c) { return TakeObject(reader, "char", c); })) {
-        ForEach(font, "kernings", reader, [&](const Json& pair) { return TakeObject(reader, "kerning", pair); });
+        ForEach(font, "kernings", reader,
+                [&](const Json& pair) { return TakeObject(reader, "kerning", pair); });
     }
     return reader.Finish();
 }

@@ -16,8 +16,8 @@ std::string Quoted(std::string_view text) {
     constexpr std::size_t longest = 40;
     std::string quoted(text.substr(0, longest));
     std::ranges::replace_if(
-        quoted, [](char c) { return static_cast<unsigned char>(c) < 32 || static_cast<unsigned char>(c) > 126; },
-        '?');
+        quoted,
+        [](char c) { return static_cast<unsigned char>(c) < 32 || static_cast<unsigned char>(c) > 126; }, '?');
     return text.size() > longest ? quoted + "..." : quoted;
 }
 
@@ -92,7 +92,8 @@ void BmRecordReader::TakeInfo(std::span<const BmAttribute> attributes) {
     std::int32_t ignored = 0;
     const auto take = [&](std::string_view name, std::int32_t& member) {
         const BmAttribute* const attribute = FindAttribute(attributes, name);
-        if (const auto number = attribute ? ReadBmNumber(attribute->Value, ignored) : std::nullopt) member = *number;
+        if (const auto number = attribute ? ReadBmNumber(attribute->Value, ignored) : std::nullopt)
+            member = *number;
     };
     take("size", info.Size);
     take("bold", info.Bold);

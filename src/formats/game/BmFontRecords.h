@@ -12,7 +12,7 @@
 template<typename Record>
 struct BmField {
     std::string_view Name;
-    std::int32_t Record::* Member;
+    std::int32_t Record::*Member;
     std::int32_t Low;
     std::int32_t High;
 };

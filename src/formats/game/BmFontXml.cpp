@@ -90,7 +90,8 @@ MBmResult ReadBmXml(std::string_view bytes) {
         bytes = converted;
     }
     const GMarkupParser parser{OnElement, nullptr, nullptr, nullptr, nullptr};
-    GMarkupParseContext* const context = g_markup_parse_context_new(&parser, GMarkupParseFlags{}, &parsing, nullptr);
+    GMarkupParseContext* const context =
+        g_markup_parse_context_new(&parser, GMarkupParseFlags{}, &parsing, nullptr);
     const bool whole =
         g_markup_parse_context_parse(context, bytes.data(), static_cast<gssize>(bytes.size()), nullptr) &&
         g_markup_parse_context_end_parse(context, nullptr);

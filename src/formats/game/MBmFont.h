@@ -118,11 +118,12 @@ std::optional<MBmForm> SniffBmFont(std::string_view bytes);
 // Of any form. Whatever the bytes are, it takes time and memory in proportion to their number.
 MBmResult ReadBmFont(std::string_view bytes);
 
-// Why a font doesn't fit the fields of the binary form, which are narrower than the program's; empty if it does.
+// Why a font doesn't fit the fields of the binary form, which are narrower than the program's; empty if it
+// does.
 std::string WhyNotBinary(const MBmFont& font);
 
-// The forms. Writing takes names as they stand: only such as need no escapes (see MGameFontNames.h), and for the
-// binary form only what WhyNotBinary lets through.
+// The forms. Writing takes names as they stand: only such as need no escapes (see MGameFontNames.h), and for
+// the binary form only what WhyNotBinary lets through.
 std::string WriteBmText(const MBmFont& font);
 std::string WriteBmXml(const MBmFont& font);
 std::string WriteBmBinary(const MBmFont& font);

@@ -37,7 +37,8 @@ std::string FormNames(const MGameEngine& engine) {
 }
 
 std::string EngineTable() {
-    std::string table = "| Engine | `--fnt-for` | Forms, the first one first | Pages | To know |\n|---|---|---|---|---|\n";
+    std::string table =
+        "| Engine | `--fnt-for` | Forms, the first one first | Pages | To know |\n|---|---|---|---|---|\n";
     for (const MGameEngine& engine : gameEngines) {
         std::string forms(FormatOf(engine.First).Name);
         for (const MBmFormat& format : BmFormats()) {

@@ -1,5 +1,5 @@
-// The engines that fonts are exported for, one row each: what each of them reads, and what is written differently
-// for it and why. The command line, the dialog, the check and the guide's table follow from it.
+// The engines that fonts are exported for, one row each: what each of them reads, and what is written
+// differently for it and why. The command line, the dialog, the check and the guide's table follow from it.
 #pragma once
 
 #include "formats/game/MBmFont.h"
@@ -53,8 +53,9 @@ inline constexpr std::array gameEngines{
                 .Forms = {MBmForm::Text, MBmForm::Xml},
                 .MostPages = 256,
                 .BaseIsHeight = true,
-                .Note = "Draws text too low by what lies below the baseline, so the base is written as the line's "
-                        "height"},
+                .Note =
+                    "Draws text too low by what lies below the baseline, so the base is written as the line's "
+                    "height"},
     MGameEngine{.Name = "phaser",
                 .Title = "Phaser",
                 .First = MBmForm::Xml,

@@ -19,17 +19,19 @@ constexpr MGameRule kerningIgnored{"kerning-ignored", "the engine takes no notic
                                    "set important words as pictures, or make do without it"};
 constexpr MGameRule spaceMissing{"space-missing", "the space has no width, so words run together", false,
                                  "give it one in the glyph editor"};
-constexpr MGameRule codeUnusable{"code-unusable", "no text holds this code by itself", false, "remove the glyph"};
+constexpr MGameRule codeUnusable{"code-unusable", "no text holds this code by itself", false,
+                                 "remove the glyph"};
 constexpr MGameRule cellUnequal{"cell-unequal", "the glyph's cell isn't as high as the line", true,
                                 "its upper edge is that of the line, as Lettrino sets it"};
 constexpr MGameRule inkOutside{"ink-outside", "the ink reaches below the line, into the next one", false,
                                "make the glyph height larger"};
-constexpr MGameRule advanceNegative{"advance-negative", "the engine takes an advance below 0 for the width", false,
-                                    "make its spacings larger"};
-constexpr MGameRule inkEdge{"ink-edge", "the ink touches its cell's edge, where filtering shows what lies beside",
-                            true, "clear pixels, or its own edge repeated, keep other glyphs away"};
-constexpr MGameRule inkEdgeOpen{"ink-edge", "filtering shows the neighbour of what touches its cell's edge", false,
-                                "choose a gap of at least 1"};
+constexpr MGameRule advanceNegative{"advance-negative", "the engine takes an advance below 0 for the width",
+                                    false, "make its spacings larger"};
+constexpr MGameRule inkEdge{"ink-edge",
+                            "the ink touches its cell's edge, where filtering shows what lies beside", true,
+                            "clear pixels, or its own edge repeated, keep other glyphs away"};
+constexpr MGameRule inkEdgeOpen{"ink-edge", "filtering shows the neighbour of what touches its cell's edge",
+                                false, "choose a gap of at least 1"};
 constexpr MGameRule pageEdge{"page-edge", "glyphs lie at the page's edge, where filtering shows the other side",
                              false, "choose a gap of at least 1"};
 constexpr MGameRule basePlace{"base", "the engine draws text too low by what lies below the baseline", true,
@@ -120,9 +122,9 @@ std::string SafeGameName(std::string_view name) {
         if (!Continues(c)) safe += IsPlain(c) ? c : '_';
     }
     if (safe.empty()) return "font";
-    const bool looksLikeNumber = safe.starts_with("Infinity") || !((safe[0] >= 'A' && safe[0] <= 'Z') ||
-                                                                   (safe[0] >= 'a' && safe[0] <= 'z') ||
-                                                                   safe[0] == '_');
+    const bool looksLikeNumber =
+        safe.starts_with("Infinity") ||
+        !((safe[0] >= 'A' && safe[0] <= 'Z') || (safe[0] >= 'a' && safe[0] <= 'z') || safe[0] == '_');
     if (looksLikeNumber) safe.insert(safe.begin(), '_');
     safe.resize(std::min(safe.size(), longest));
     return safe;

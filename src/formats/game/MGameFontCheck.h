@@ -1,5 +1,5 @@
-// What a font, or the files that it is exported as, breaks of the rules that an engine needs, and what the export
-// does about it. Nothing is repaired without a finding.
+// What a font, or the files that it is exported as, breaks of the rules that an engine needs, and what the
+// export does about it. Nothing is repaired without a finding.
 #pragma once
 
 #include "formats/MFontDescription.h"

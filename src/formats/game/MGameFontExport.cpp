@@ -17,14 +17,15 @@ struct PagePicture {
 
     PagePicture(std::int32_t width, std::int32_t height)
         : picture(static_cast<std::uint32_t>(width), static_cast<std::uint32_t>(height), FormatRGBA8) {
-        picture.Fill(MColour(0, 0, 0, 0));
+        if (picture.IsValid()) std::memset(picture.Pixels, 0, std::size_t{picture.Stride} * picture.Height);
     }
     PagePicture(const PagePicture&) = delete;
     PagePicture& operator=(const PagePicture&) = delete;
     ~PagePicture() { picture.Free(); }
 };
 
-// What of a glyph its character shows, in pixels of the glyph's picture: the ink and the empty columns beside it.
+// What of a glyph its character shows, in pixels of the glyph's picture: the ink and the empty columns beside
+// it.
 struct Shown {
     std::int32_t left = 0;
     std::int32_t right = 0;
@@ -108,7 +109,8 @@ void CopyRow(const MPicture& page, const MAtlasBox& box, std::int32_t bleed, std
     const auto width = static_cast<std::size_t>(glyph.Ink.Width);
     for (std::int32_t i = 0; i < bleed; ++i) {
         std::memcpy(to + static_cast<std::size_t>(i) * pixel, from, pixel);
-        std::memcpy(to + (static_cast<std::size_t>(bleed + i) + width) * pixel, from + (width - 1) * pixel, pixel);
+        std::memcpy(to + (static_cast<std::size_t>(bleed + i) + width) * pixel, from + (width - 1) * pixel,
+                    pixel);
     }
     std::memcpy(to + static_cast<std::size_t>(bleed) * pixel, from, width * pixel);
 }
@@ -163,7 +165,8 @@ MGameFontOptions GameFontOptions(const MSettings& settings) {
     return options;
 }
 
-MGameFontPlan PlanGameFont(const MFontDescription& font, const MGameFontOptions& options, const std::string& name) {
+MGameFontPlan PlanGameFont(const MFontDescription& font, const MGameFontOptions& options,
+                           const std::string& name) {
     const MGameEngine& engine = *options.Engine;
     MGameFontPlan plan;
     plan.Form = options.FormToWrite();

@@ -1,9 +1,9 @@
 // A font for games: a BMFont file in one of its forms and the pages that it names, PNGs beside it.
 //
 // How the document maps onto the format: the line is as high as the glyph height, its base as far down as the
-// baseline; a character's rectangle is the ink of its glyph, with as many of its cell's empty columns as lie in the
-// gap around it; its offsets are the spacing before and what is empty above and to the left; and it advances by
-// width and both spacings. The space has no rectangle.
+// baseline; a character's rectangle is the ink of its glyph, with as many of its cell's empty columns as lie in
+// the gap around it; its offsets are the spacing before and what is empty above and to the left; and it
+// advances by width and both spacings. The space has no rectangle.
 #pragma once
 
 #include "formats/game/AtlasPacking.h"
@@ -38,7 +38,8 @@ struct MGameFontPlan {
 
 // `name` is that of the file, without folder and extension. The plan looks at the description and the glyphs
 // of the font, which must live as long.
-MGameFontPlan PlanGameFont(const MFontDescription& font, const MGameFontOptions& options, const std::string& name);
+MGameFontPlan PlanGameFont(const MFontDescription& font, const MGameFontOptions& options,
+                           const std::string& name);
 
 // A file's name without folder and extension, in UTF-8.
 std::string GameFontName(const MString& path);

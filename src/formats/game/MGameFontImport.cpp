@@ -40,8 +40,8 @@ public:
     // "12 characters are left out (U+1F600 is the first): ..."
     void Tell(std::vector<std::string>& notes, const char* what, const char* why) const {
         if (count == 0) return;
-        notes.push_back(std::to_string(count) + " " + what + (count == 1 ? " is" : " are") + " left out (" + first +
-                        (count == 1 ? "): " : " is the first): ") + why);
+        notes.push_back(std::to_string(count) + " " + what + (count == 1 ? " is" : " are") + " left out (" +
+                        first + (count == 1 ? "): " : " is the first): ") + why);
     }
 
 private:
@@ -105,8 +105,8 @@ public:
         }
         for (std::size_t i = 0; i < chosen.size(); ++i) {
             if (!glyphs[i])
-                return "its character " + CodeText(chosen[i].Id) + " is on page " + std::to_string(chosen[i].Page) +
-                       ", which it doesn't name";
+                return "its character " + CodeText(chosen[i].Id) + " is on page " +
+                       std::to_string(chosen[i].Page) + ", which it doesn't name";
         }
         Store(notes);
         return {};
@@ -169,8 +169,7 @@ private:
         }
         above = -top;
         height = bottom - top;
-        if (height < 1 || height > highestLine)
-            return "its lines are " + std::to_string(height) + " rows high";
+        if (height < 1 || height > highestLine) return "its lines are " + std::to_string(height) + " rows high";
         if (height != file.Common.LineHeight)
             notes.push_back("the line is " + std::to_string(height) + " rows high instead of " +
                             std::to_string(file.Common.LineHeight) + ": characters stand out of it");
@@ -196,7 +195,8 @@ private:
         const OwnedPage picture(new MPicture(pagePath));
         if (!picture->IsValid()) return name() + " is no picture that can be read";
         if (!HasAlpha(picture->Format) && picture->Format != FormatR8 && file.Common.Packed == 0)
-            notes.push_back("page " + std::to_string(page.Id) + " has no transparency: its glyphs are opaque boxes");
+            notes.push_back("page " + std::to_string(page.Id) +
+                            " has no transparency: its glyphs are opaque boxes");
         for (std::size_t i = 0; i < chosen.size(); ++i) {
             if (!isOnPage(chosen[i])) continue;
             if (std::string why = CutGlyph(i, *picture); !why.empty()) return why;
@@ -213,8 +213,8 @@ private:
         // What has no picture keeps its place in the line as an empty cell.
         const std::int32_t width = inked ? c.Width : std::max(c.XAdvance, 1);
         const std::int32_t before = inked ? c.XOffset : 0;
-        const std::uint64_t bytes = static_cast<std::uint64_t>(width) * static_cast<std::uint64_t>(height) *
-                                    sizeof(MColour);
+        const std::uint64_t bytes =
+            static_cast<std::uint64_t>(width) * static_cast<std::uint64_t>(height) * sizeof(MColour);
         if (bytes > bytesLeft) return "its characters need more memory than there is";
         bytesLeft -= bytes;
         auto glyph = std::make_unique<MGlyph>(static_cast<std::uint32_t>(c.Id), width, height, before,
