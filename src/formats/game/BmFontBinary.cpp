@@ -135,8 +135,12 @@ void ReadBlock(std::uint32_t type, Cursor content, MBmFont& font) {
     case InfoBlock: return ReadInfo(content, font.Info);
     case CommonBlock: return ReadCommon(content, font.Common);
     case PagesBlock:
-        for (std::int32_t id = 0; !content.rest.empty(); ++id)
-            font.Pages.push_back({id, std::string(content.Name())});
+        // All names are of one length; tools that have it otherwise fill up with zeros.
+        while (!content.rest.empty()) {
+            const std::string_view name = content.Name();
+            if (!name.empty())
+                font.Pages.push_back({static_cast<std::int32_t>(font.Pages.size()), std::string(name)});
+        }
         return;
     case CharsBlock:
         while (!content.rest.empty())

@@ -38,9 +38,9 @@ public:
         if (count++ == 0) first = std::move(example);
     }
     // "12 characters are left out (U+1F600 is the first): ..."
-    void Tell(std::vector<std::string>& notes, const char* what, const char* why) const {
+    void Tell(std::vector<std::string>& notes, const std::string& what, const char* why) const {
         if (count == 0) return;
-        notes.push_back(std::to_string(count) + " " + what + (count == 1 ? " is" : " are") + " left out (" +
+        notes.push_back(std::to_string(count) + " " + what + (count == 1 ? " is" : "s are") + " left out (" +
                         first + (count == 1 ? "): " : " is the first): ") + why);
     }
 
@@ -146,10 +146,10 @@ private:
                 chosen.push_back(c);
             }
         }
-        beyond.Tell(notes, "characters", "codes end at U+FFFF here");
-        control.Tell(notes, "characters", "codes below 32 have no glyph here");
-        repeated.Tell(notes, "characters", "the font has them twice");
-        tooMany.Tell(notes, "characters", "a font has 223 at most here");
+        beyond.Tell(notes, "character", "codes end at U+FFFF here");
+        control.Tell(notes, "character", "codes below 32 have no glyph here");
+        repeated.Tell(notes, "character", "the font has it twice");
+        tooMany.Tell(notes, "character", "a font has 223 at most here");
         glyphs.resize(chosen.size());
     }
 
@@ -278,7 +278,7 @@ private:
                 lost.Add(CodeText(pair.First) + " " + CodeText(pair.Second));
             }
         }
-        lost.Tell(notes, "kerning pairs", "they name the space, or a character that isn't in the font");
+        lost.Tell(notes, "kerning pair", "one of the two isn't in the font");
         kerning.Store(font);
         font.SortKerningByAmount();
     }
