@@ -6,6 +6,7 @@
 #include "document/MSettings.h"
 #include "formats/MPhotofontImporter.h"
 #include "formats/WebFont.h"
+#include "formats/game/MGameFontImport.h"
 
 #include <cstdint>
 #include <string>
@@ -35,6 +36,7 @@ std::string Header() {
 bool Read(MColourFont& font, const MString& path) {
     if (form == "sm") return font.Load(path);
     if (form == "js") return font.ImportJavascript(path);
+    if (form == "fnt") return ImportGameFont(font, path).Reason.empty();
     return MPhotofontImporter(nullptr).Import(path, &font);
 }
 

@@ -39,9 +39,10 @@ void Tell(const char* step, const char* kind, const std::string& line) {
 }
 
 void TellFindings(std::vector<MGameFinding> findings) {
-    const auto open = std::ranges::stable_partition(findings, [](const auto& f) { return f.Rule->Repaired; });
-    const std::vector<MGameFinding> toDo(open.begin(), open.end());
-    findings.erase(open.begin(), open.end());
+    const auto open = std::stable_partition(findings.begin(), findings.end(),
+                                            [](const auto& finding) { return finding.Rule->Repaired; });
+    const std::vector<MGameFinding> toDo(open, findings.end());
+    findings.erase(open, findings.end());
     for (const std::string& line : FindingLines(findings))
         Tell("--fnt", "note", line);
     for (const std::string& line : FindingLines(toDo))

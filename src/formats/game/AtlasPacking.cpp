@@ -200,8 +200,7 @@ private:
         }
         // Where the page's height is what bounds it, only the widest will do.
         widths.push_back(room);
-        const auto repeated = std::ranges::unique(widths);
-        widths.erase(repeated.begin(), repeated.end());
+        widths.erase(std::unique(widths.begin(), widths.end()), widths.end());
         return widths;
     }
 
