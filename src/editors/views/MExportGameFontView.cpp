@@ -16,6 +16,8 @@ void FillList(QComboBox& list, const std::vector<MString>& lines, std::int32_t c
 MExportGameFontView::MExportGameFontView(QWidget* owner, const MColourFont& font)
     : MDialogView(owner, "Export as game font", 340, 215), dialog(font) {
     LayOut();
+    FillList(engine, dialog.Engines, dialog.Engine);
+    FillList(pageSize, dialog.PageSizes, dialog.PageSize);
     Fill(gap, dialog.Gap);
     Fill(bleed, dialog.Bleed);
     Fill(largest, dialog.Largest);
@@ -76,12 +78,10 @@ void MExportGameFontView::Connect() {
     onOk = [this] { dialog.Accept(); };
 }
 
-// The lists, and what comes of the choices; the numbers stay as they are typed.
+// What comes of the choices; the numbers stay as they are typed.
 void MExportGameFontView::Show() {
     updating = true;
-    FillList(engine, dialog.Engines, dialog.Engine);
     FillList(form, dialog.Forms, dialog.Form);
-    FillList(pageSize, dialog.PageSizes, dialog.PageSize);
     summary.setText(ToQt(dialog.Summary));
     findings.setPlainText(ToQt(dialog.Findings));
     ok.setEnabled(dialog.CanExport);
