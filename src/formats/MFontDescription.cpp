@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <numeric>
 
 namespace {
 
@@ -56,6 +57,38 @@ std::uint64_t SidesOf(const MKerningPair& pair) {
     return Sides(pair.Left, pair.Right);
 }
 
+// Fonts have tens of thousands of pairs of a few hundred characters, so both sides are told by the places of
+// their glyphs, and sorted by counting: by the right one, then, keeping that order, by the left one.
+void SortPairs(const MColourFont& font, MFontDescription& description) {
+    constexpr std::uint16_t none = 0xFFFF;
+    std::vector<std::uint16_t> places(0x10000, none);
+    for (std::size_t i = 0; i < description.Glyphs.size(); ++i) {
+        if (description.Glyphs[i].Glyph)
+            places[description.Glyphs[i].Character] = static_cast<std::uint16_t>(i);
+    }
+    const auto placeOf = [&](std::uint32_t character) {
+        return character < places.size() ? places[character] : none;
+    };
+    std::vector<MKerningPair> pairs;
+    pairs.reserve(static_cast<std::size_t>(font.KerningCount()));
+    for (const MKerningPair& pair : font.Kerning) {
+        if (pair.Amount == 0) continue;
+        const bool whole = placeOf(pair.Left) != none && placeOf(pair.Right) != none;
+        (whole ? pairs : description.LostPairs).push_back(pair);
+    }
+    description.Pairs.resize(pairs.size());
+    for (std::uint32_t MKerningPair::*const side : {&MKerningPair::Right, &MKerningPair::Left}) {
+        std::vector<std::size_t> starts(description.Glyphs.size() + 1);
+        for (const MKerningPair& pair : pairs)
+            ++starts[placeOf(pair.*side) + std::size_t{1}];
+        std::partial_sum(starts.begin(), starts.end(), starts.begin());
+        for (const MKerningPair& pair : pairs)
+            description.Pairs[starts[placeOf(pair.*side)]++] = pair;
+        pairs.swap(description.Pairs);
+    }
+    pairs.swap(description.Pairs);
+}
+
 } // namespace
 
 const MGlyphDescription* MFontDescription::Find(std::uint32_t character) const {
@@ -85,18 +118,6 @@ MFontDescription DescribeFont(const MColourFont& font, std::int32_t glyphHeight)
     }
     std::ranges::sort(description.Glyphs, {}, &MGlyphDescription::Character);
 
-    std::vector<bool> present(0x10000);
-    for (const MGlyphDescription& glyph : description.Glyphs)
-        present[glyph.Character] = glyph.Glyph != nullptr;
-    const auto exists = [&](std::uint32_t character) {
-        return character < present.size() && present[character];
-    };
-    description.Pairs.reserve(static_cast<std::size_t>(font.KerningCount()));
-    for (const MKerningPair& pair : font.Kerning) {
-        if (pair.Amount == 0) continue;
-        (exists(pair.Left) && exists(pair.Right) ? description.Pairs : description.LostPairs).push_back(pair);
-    }
-    std::ranges::sort(description.Pairs,
-                      [](const MKerningPair& a, const MKerningPair& b) { return SidesOf(a) < SidesOf(b); });
+    SortPairs(font, description);
     return description;
 }

@@ -16,7 +16,7 @@
 namespace {
 
 // The widths lie around the side of a square of the boxes' own area. More of them find hardly more.
-constexpr int triedWidths = 40;
+constexpr int triedWidths = 32;
 constexpr double narrowest = 0.72;
 constexpr double widest = 1.42;
 

@@ -15,12 +15,13 @@ template<typename Record, std::size_t Count>
 void WriteObjects(BmText& out, std::string_view name, const std::vector<Record>& records,
                   const std::array<BmField<Record>, Count>& fields) {
     out << "\"" << name << "\":[";
+    const BmFieldWriter writer(fields, "\"", "\":", ",");
     bool first = true;
     for (const Record& record : records) {
         out << (first ? "\n{" : ",\n{");
         first = false;
-        WriteFields(out, record, fields, "\"", "\":", ",");
-        out.text.back() = '}';
+        writer.Write(out, record);
+        out.ReplaceLast('}');
     }
     out << "]";
 }
@@ -72,7 +73,9 @@ bool TakePages(BmRecordReader& reader, const Json& font) {
 } // namespace
 
 std::string WriteBmJson(const MBmFont& font) {
-    BmText out;
+    constexpr std::size_t charObject = 130;
+    constexpr std::size_t kerningObject = 50;
+    BmText out(512 + font.Chars.size() * charObject + font.Kernings.size() * kerningObject);
     const MBmInfo& info = font.Info;
     out << "{\"pages\":[";
     for (const MBmPage& page : font.Pages)
@@ -81,16 +84,16 @@ std::string WriteBmJson(const MBmFont& font) {
     WriteObjects(out, "chars", font.Chars, bmCharFields);
     out << ",\n\"info\":{\"face\":\"" << info.Face << "\",\"size\":" << info.Size << ",\"bold\":" << info.Bold
         << ",\"italic\":" << info.Italic << ",\"charset\":\"\",";
-    WriteFields(out, info, bmInfoFields, "\"", "\":", ",");
+    BmFieldWriter(bmInfoFields, "\"", "\":", ",").Write(out, info);
     out << "\"padding\":[" << info.Padding[0] << "," << info.Padding[1] << "," << info.Padding[2] << ","
         << info.Padding[3] << "],\"spacing\":[" << info.Spacing[0] << "," << info.Spacing[1]
         << "],\"outline\":" << info.Outline << "},\n\"common\":{";
-    WriteFields(out, font.Common, bmCommonFields, "\"", "\":", ",");
-    out.text.back() = '}';
+    BmFieldWriter(bmCommonFields, "\"", "\":", ",").Write(out, font.Common);
+    out.ReplaceLast('}');
     out << ",\n";
     WriteObjects(out, "kernings", font.Kernings, bmKerningFields);
     out << "}\n";
-    return std::move(out.text);
+    return out.Take();
 }
 
 MBmResult ReadBmJson(std::string_view bytes) {

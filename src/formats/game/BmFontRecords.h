@@ -6,6 +6,8 @@
 
 #include <array>
 #include <charconv>
+#include <cstring>
+#include <utility>
 
 // One number of a record. What lies outside its bounds can't be held by the format's binary form, and no font
 // that could be drawn has it.
@@ -65,27 +67,66 @@ inline constexpr std::array bmInfoFields{
 // Text that grows number by number, which is most of a font file.
 class BmText {
 public:
-    std::string text;
+    explicit BmText(std::size_t expected) { text.reserve(expected); }
 
     BmText& operator<<(std::string_view part) {
-        text += part;
+        if (part.size() > piece.size()) {
+            Flush();
+            text += part;
+            return *this;
+        }
+        MakeRoom(part.size());
+        std::memcpy(piece.data() + used, part.data(), part.size());
+        used += part.size();
         return *this;
     }
     BmText& operator<<(std::int32_t number) {
-        char digits[16];
-        const auto [end, error] = std::to_chars(digits, digits + sizeof digits, number);
-        text.append(digits, end);
+        constexpr std::size_t longest = 11;
+        MakeRoom(longest);
+        char* const at = piece.data() + used;
+        used += static_cast<std::size_t>(std::to_chars(at, at + longest, number).ptr - at);
         return *this;
+    }
+    // The byte written last becomes another one.
+    void ReplaceLast(char byte) { (used > 0 ? piece[used - 1] : text.back()) = byte; }
+
+    std::string Take() {
+        Flush();
+        return std::move(text);
+    }
+
+private:
+    std::string text;
+    std::array<char, 4096> piece; // of its end, which is put there at once
+    std::size_t used = 0;
+
+    void Flush() { text.append(piece.data(), std::exchange(used, 0)); }
+    void MakeRoom(std::size_t count) {
+        if (piece.size() - used < count) Flush();
     }
 };
 
-// Each number as `before`, name, `between`, number, `after`.
+// Writes each number of a record as `before`, name, `between`, number, `after`.
 template<typename Record, std::size_t Count>
-void WriteFields(BmText& out, const Record& record, const std::array<BmField<Record>, Count>& fields,
-                 std::string_view before, std::string_view between, std::string_view after) {
-    for (const BmField<Record>& field : fields)
-        out << before << field.Name << between << record.*field.Member << after;
-}
+class BmFieldWriter {
+public:
+    BmFieldWriter(const std::array<BmField<Record>, Count>& list, std::string_view before,
+                  std::string_view between, std::string_view behind)
+        : fields(list), after(behind) {
+        for (std::size_t i = 0; i < Count; ++i)
+            (starts[i] += before).append(fields[i].Name) += between;
+    }
+
+    void Write(BmText& out, const Record& record) const {
+        for (std::size_t i = 0; i < Count; ++i)
+            out << starts[i] << record.*fields[i].Member << after;
+    }
+
+private:
+    const std::array<BmField<Record>, Count>& fields;
+    std::array<std::string, Count> starts;
+    std::string after;
+};
 
 struct BmAttribute {
     std::string_view Name;

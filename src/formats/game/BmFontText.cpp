@@ -47,31 +47,33 @@ bool TakeLine(BmRecordReader& reader, std::string_view line, std::vector<BmAttri
 } // namespace
 
 std::string WriteBmText(const MBmFont& font) {
-    constexpr std::size_t longestLine = 120;
-    BmText out;
-    out.text.reserve((font.Chars.size() + font.Kernings.size() / 2 + 8) * longestLine);
+    constexpr std::size_t charLine = 110;
+    constexpr std::size_t kerningLine = 44;
+    BmText out(512 + font.Chars.size() * charLine + font.Kernings.size() * kerningLine);
     const MBmInfo& info = font.Info;
     out << "info face=\"" << info.Face << "\" size=" << info.Size << " bold=" << info.Bold
         << " italic=" << info.Italic << " charset=\"\"";
-    WriteFields(out, info, bmInfoFields, " ", "=", "");
+    BmFieldWriter(bmInfoFields, " ", "=", "").Write(out, info);
     out << " padding=" << info.Padding[0] << "," << info.Padding[1] << "," << info.Padding[2] << ","
         << info.Padding[3] << " spacing=" << info.Spacing[0] << "," << info.Spacing[1]
         << " outline=" << info.Outline << "\ncommon";
-    WriteFields(out, font.Common, bmCommonFields, " ", "=", "");
+    BmFieldWriter(bmCommonFields, " ", "=", "").Write(out, font.Common);
     for (const MBmPage& page : font.Pages)
         out << "\npage id=" << page.Id << " file=\"" << page.File << "\"";
     out << "\nchars count=" << static_cast<std::int32_t>(font.Chars.size());
+    const BmFieldWriter chars(bmCharFields, " ", "=", "");
     for (const MBmChar& c : font.Chars) {
         out << "\nchar";
-        WriteFields(out, c, bmCharFields, " ", "=", "");
+        chars.Write(out, c);
     }
     out << "\nkernings count=" << static_cast<std::int32_t>(font.Kernings.size()) << "\n";
+    const BmFieldWriter kernings(bmKerningFields, " ", "=", "");
     for (const MBmKerning& pair : font.Kernings) {
         out << "kerning";
-        WriteFields(out, pair, bmKerningFields, " ", "=", "");
+        kernings.Write(out, pair);
         out << "\n";
     }
-    return std::move(out.text);
+    return out.Take();
 }
 
 MBmResult ReadBmText(std::string_view bytes) {

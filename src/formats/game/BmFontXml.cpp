@@ -48,38 +48,40 @@ std::string Utf8Of(std::string_view bytes) {
 } // namespace
 
 std::string WriteBmXml(const MBmFont& font) {
-    constexpr std::size_t longestElement = 140;
-    BmText out;
-    out.text.reserve((font.Chars.size() + font.Kernings.size() / 2 + 8) * longestElement);
+    constexpr std::size_t charElement = 140;
+    constexpr std::size_t kerningElement = 60;
+    BmText out(512 + font.Chars.size() * charElement + font.Kernings.size() * kerningElement);
     const MBmInfo& info = font.Info;
     out << "<?xml version=\"1.0\"?>\n<font>\n  <info face=\"" << info.Face << "\" size=\"" << info.Size
         << "\" bold=\"" << info.Bold << "\" italic=\"" << info.Italic << "\" charset=\"\"";
-    WriteFields(out, info, bmInfoFields, " ", "=\"", "\"");
+    BmFieldWriter(bmInfoFields, " ", "=\"", "\"").Write(out, info);
     out << " padding=\"" << info.Padding[0] << "," << info.Padding[1] << "," << info.Padding[2] << ","
         << info.Padding[3] << "\" spacing=\"" << info.Spacing[0] << "," << info.Spacing[1] << "\" outline=\""
         << info.Outline << "\"/>\n  <common";
-    WriteFields(out, font.Common, bmCommonFields, " ", "=\"", "\"");
+    BmFieldWriter(bmCommonFields, " ", "=\"", "\"").Write(out, font.Common);
     out << "/>\n  <pages>\n";
     for (const MBmPage& page : font.Pages)
         out << "    <page id=\"" << page.Id << "\" file=\"" << page.File << "\"/>\n";
     out << "  </pages>\n  <chars count=\"" << static_cast<std::int32_t>(font.Chars.size()) << "\">\n";
+    const BmFieldWriter chars(bmCharFields, " ", "=\"", "\"");
     for (const MBmChar& c : font.Chars) {
         out << "    <char";
-        WriteFields(out, c, bmCharFields, " ", "=\"", "\"");
+        chars.Write(out, c);
         out << "/>\n";
     }
     out << "  </chars>\n";
     if (!font.Kernings.empty()) {
         out << "  <kernings count=\"" << static_cast<std::int32_t>(font.Kernings.size()) << "\">\n";
+        const BmFieldWriter kernings(bmKerningFields, " ", "=\"", "\"");
         for (const MBmKerning& pair : font.Kernings) {
             out << "    <kerning";
-            WriteFields(out, pair, bmKerningFields, " ", "=\"", "\"");
+            kernings.Write(out, pair);
             out << "/>\n";
         }
         out << "  </kernings>\n";
     }
     out << "</font>\n";
-    return std::move(out.text);
+    return out.Take();
 }
 
 MBmResult ReadBmXml(std::string_view bytes) {
