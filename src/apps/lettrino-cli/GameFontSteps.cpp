@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
+#include <filesystem>
 #include <string_view>
 
 namespace {
@@ -52,8 +53,10 @@ void TellFindings(std::vector<MGameFinding> findings) {
 StepResult Export(Run& run, MColourFont& font, const std::string& file) {
     const MGameFontOptions options = GameFontOptions(run.settings);
     const MString path = FullPath(GameFontPath(FromSystem(file), options.FormToWrite()));
-    if (!FolderExists(path.GetFolder()))
-        return StepFailure{file, "there is no folder " + ToSystem(path.GetFolder())};
+    const std::filesystem::path folder = ToSystemPath(path).parent_path();
+    std::error_code error;
+    if (!std::filesystem::is_directory(folder, error))
+        return StepFailure{file, "there is no folder " + folder.string()};
     run.gameFontName = GameFontName(path);
     const MFontDescription description = DescribeFont(font, run.settings.GlyphHeight);
     const MGameFontPlan plan = PlanGameFont(description, options, run.gameFontName);

@@ -31,7 +31,9 @@ protected:
     void AddFont() {
         AddInked(u'A', 9, 1, 2, 4, 12);
         AddInked(u'b', 14, -3, -6, 0, 20, 1);
-        AddInked(u'\u0416', 31, 0, -40, 2, 5);
+        MGlyph& leftClear = AddInked(u'\u0416', 31, 0, -40, 2, 5);
+        for (std::int32_t y = 0; y < 20; ++y)
+            leftClear.SetPixel(0, y, MColour(0, 0, 0, 0));
         AddInked(u'\u20AC', 1, -9, 12, 19, 1);
         AddInked(u'\uFFFD', 7, 0, 0, 0, 1);
         font.SetKerning('A', 'b', -4);
