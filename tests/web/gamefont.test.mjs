@@ -91,6 +91,7 @@ const consumers = [
 ];
 for (const font of Object.keys(fonts)) {
     for (const [engine, form, extension, draw] of consumers) {
+        if (engine === 'pixi' && form === 'xml' && font === 'pictures') continue; // the same reader as text behind it
         test(`${engine} ${form} draws the ${font} font as lettrino-cli sets it`, async () => {
             const picture = await draw(exported(font, engine, form, `${engine}-${font}-${form || 'own'}.${extension}`.replace('.bin', '')), fonts[font]);
             await keep(picture, `${engine}-${font}-${form || 'own'}`);
@@ -153,11 +154,11 @@ const inLove = (file) => love(site.folder, file, line);
 const inPhaser = (file) => phaser(site, file, line, 'CANVAS');
 const traps = [
     { what: 'PixiJS draws by the base', engine: 'pixi', name: 'base', spoil: (text) => text.replace('base=64', 'base=49'), draw: inPixi, then: differs, rule: 'base' },
-    { what: 'PixiJS takes a page name for a number', engine: 'pixi', name: '8bit', spoil: (text) => text.replace('file="_8bit_0.png"', 'file="8bit_0.png"'), draw: inPixi, then: fails(/Received|string/), rule: 'name-page', face: '_8bit' },
-    { what: 'PixiJS takes a face name for a number', engine: 'pixi', name: '3D Demo', spoil: (text) => text.replace('face="_3D_Demo"', 'face="3D Demo"'), draw: inPixi, then: differs, rule: 'name-face', face: '_3D_Demo' },
+    { what: 'PixiJS takes a page name for a number', engine: 'pixi', own: true, name: '8bit', spoil: (text) => text.replace('file="_8bit_0.png"', 'file="8bit_0.png"'), draw: inPixi, then: fails(/Received|string/), rule: 'name-page', face: '_8bit' },
+    { what: 'PixiJS takes a face name for a number', engine: 'pixi', own: true, name: '3D Demo', spoil: (text) => text.replace('face="_3D_Demo"', 'face="3D Demo"'), draw: inPixi, then: differs, rule: 'name-face', face: '_3D_Demo' },
     { what: 'PixiJS gives blanks no width without a space', engine: 'pixi', name: 'space', spoil: (text) => text.replace(/char id=32 .*\n/, '').replace(/chars count=(\d+)/, (_, n) => `chars count=${n - 1}`), draw: inPixi, then: differs },
     { what: 'PixiJS knows the text form by its first words alone', engine: 'pixi', name: 'first', spoil: (text) => text.replace('info face="first" size=64', 'info size=64 face="first"'), draw: inPixi, then: differs },
-    { what: 'Phaser stumbles over a pair of a missing character', engine: 'phaser', name: 'pair', extension: 'xml', open: ['--set-kerning', 'A,U+20AC,-5'], spoil: (text) => text.replace('<kerning first', '<kerning first="65" second="8364" amount="-5"/>\n    <kerning first'), draw: inPhaser, then: fails(/kerning/), rule: 'pair-missing' },
+    { what: 'Phaser stumbles over a pair of a missing character', engine: 'phaser', own: true, name: 'pair', extension: 'xml', open: ['--set-kerning', 'A,U+20AC,-5'], spoil: (text) => text.replace('<kerning first', '<kerning first="65" second="8364" amount="-5"/>\n    <kerning first'), draw: inPhaser, then: fails(/kerning/), rule: 'pair-missing' },
     { what: 'LÖVE takes no byte order mark', engine: 'love', name: 'mark', spoil: (text) => '\uFEFF' + text, draw: inLove, then: fails(/Invalid font file/) },
     { what: 'LÖVE needs unicode=1', engine: 'love', name: 'unicode', spoil: (text) => text.replace('unicode=1', 'unicode=0'), draw: inLove, then: fails(/only unicode and ASCII/) },
     { what: 'LÖVE wants even the empty rectangle inside the page', engine: 'love', name: 'edge', spoil: (text) => text.replace('char id=32 x=0', 'char id=32 x=4000'), draw: inLove, then: fails(/Invalid coordinates/) },
@@ -180,6 +181,7 @@ for (const trap of traps) {
             return trap.draw(drawn);
         };
         await trap.then(draw(spoilt));
+        if (!trap.own) return; // what was exported is what the tests above have drawn
         const off = difference(await draw(good)(), 'plain');
         assert.ok(off <= tolerance, `repaired, but off by ${off}`);
     });
