@@ -28,6 +28,14 @@ Desktop::FileFilter FilterOf(std::int32_t category) {
     return {MString(MFileTypes::GetTypeName(category)) + " (" + pattern + ")", pattern};
 }
 
+// Game fonts in the forms XML and JSON have an extension of their own.
+DialogKind GameFontDialog() {
+    const MString& form = Settings->GameFont.Form;
+    if (form.Equals(u"xml")) return {"Export as game font", true, {"XML Files (*.XML)", "*.XML"}, "xml"};
+    if (form.Equals(u"json")) return {"Export as game font", true, {"JSON Files (*.JSON)", "*.JSON"}, "json"};
+    return {"Export as game font", true, {"FNT Files (*.FNT)", "*.FNT"}, "fnt"};
+}
+
 std::optional<DialogKind> DialogOf(MPathKind kind) {
     constexpr std::int32_t colourFonts = 4;
     constexpr std::int32_t pictureFiles = 14;
@@ -42,6 +50,12 @@ std::optional<DialogKind> DialogOf(MPathKind kind) {
         return DialogKind{"Import Photofont", false, {"PHF Files (*.PHF)", "*.PHF"}, "phf"};
     case MPathKind::ImportHtml:
         return DialogKind{"Import HTML", false, {"Javascript Files (*.JS)", "*.JS"}, "js"};
+    case MPathKind::SaveGameFont: return GameFontDialog();
+    case MPathKind::ImportGameFont:
+        return DialogKind{"Import game font",
+                          false,
+                          {"Game fonts (*.fnt;*.xml;*.bin;*.json)", "*.fnt;*.xml;*.bin;*.json"},
+                          "fnt"};
     case MPathKind::Temporary: break;
     }
     return std::nullopt;
@@ -53,10 +67,12 @@ MString ChooseFile(Desktop::WindowHandle owner, MPathKind kind, MString* typed) 
     const auto dialogKind = DialogOf(kind);
     if (!owner || !dialogKind) return {};
     MString& remembered = Settings->Path(kind);
+    const bool unused = remembered.IsEmpty() && static_cast<std::size_t>(kind) >= FirstPathKinds;
+    const MString& start = unused ? Settings->Path(MPathKind::SaveFont) : remembered;
     Desktop::FileDialog dialog;
     dialog.title = dialogKind->title;
     // A dot anywhere is taken for that of a file name, so a folder with a dot in it loses its last part.
-    dialog.folder = remembered.Contains(u'.') ? FolderOf(remembered) : remembered;
+    dialog.folder = start.Contains(u'.') ? FolderOf(start) : start;
     dialog.filters = {dialogKind->filter};
     dialog.save = dialogKind->save;
     MString chosen = Desktop::ShowFileDialog(owner, dialog, dialogKind->extension);

@@ -1,6 +1,6 @@
 // The program's choices, and the one home of what the document's operations take from the user: the glyph
-// height, the selected characters, the font choice, the padding. A plain record; no value is validated. Load and
-// Save are in shell/, with the program's start and end.
+// height, the selected characters, the font choice, the padding. A plain record; no value is validated. Load
+// and Save are in shell/, with the program's start and end.
 #pragma once
 
 #include "foundation/MString.h"
@@ -21,12 +21,32 @@ enum class MPathKind : std::uint8_t {
     ImportPhotofont,
     Temporary, // no dialog: where imported pictures are unpacked
     ImportHtml,
+    SaveGameFont,
+    ImportGameFont,
 };
-inline constexpr std::size_t PathKinds = 9;
+inline constexpr std::size_t PathKinds = 11;
+// Those up to here have a folder to begin with and always a line in the settings file; the others begin where
+// fonts are saved, and have a line once they were used.
+inline constexpr std::size_t FirstPathKinds = 9;
 
 // What dialogs and the command line limit a glyph height to; files may bring any other.
 inline constexpr std::int32_t SmallestGlyphHeight = 16;
 inline constexpr std::int32_t LargestGlyphHeight = 1024;
+
+// How a font is exported for games; words as the command line and the settings file have them.
+struct MGameFontChoices {
+    MString Engine = "any";
+    MString Form; // empty: the one that the engine likes best
+    std::int32_t Gap = 1;
+    MString PageSize = "four"; // "free", "four" or "pot"
+    std::int32_t Largest = 4096;
+    std::int32_t Bleed = 0;
+
+    bool IsDefault() const;
+};
+inline constexpr std::int32_t LargestGameGap = 64;
+inline constexpr std::int32_t SmallestGamePage = 16;
+inline constexpr std::int32_t LargestGamePage = 16384;
 
 class MSettings {
 public:
@@ -48,6 +68,7 @@ public:
     MString LetterCubesNames;
     MString KerningText = "Hamburgefonstiv AVATAR Tomorrow, Type 1984"; // the line of the optical kerning
     std::int32_t KerningStrength = 100;                                  // percent
+    MGameFontChoices GameFont;
     Desktop::Rect WindowRect;
     std::array<MString, 3> Keys;
     bool FileRead = false; // a settings file was opened for reading

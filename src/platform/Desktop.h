@@ -73,6 +73,7 @@ enum class DialogId : std::uint16_t {
     GlyphHeight = 140,
     KerningEditor = 141,
     GlyphEditor = 142,
+    ExportGameFont = 150,
     OpticalKerning = 151,
 };
 

@@ -6,7 +6,10 @@
 #include "formats/ExportFiles.h"
 #include "formats/MPhotofontImporter.h"
 #include "formats/WebFont.h"
+#include "formats/game/MGameFontExport.h"
+#include "formats/game/MGameFontImport.h"
 #include "foundation/MFolders.h"
+#include "foundation/MUtf8.h"
 #include "foundation/Product.h"
 #include "glyphs/PictureSeries.h"
 #include "imaging/MPixelBudget.h"
@@ -102,6 +105,44 @@ void ExportAsCubes(MColourFont& font) {
     if (exported) Tell("Successfully created letter cubes cut-outs!");
 }
 
+void TellFailure(const std::string& reason) {
+    Desktop::ShowMessage(MainWindow, FromSystem(reason), ProductName, Desktop::Buttons::Ok,
+                         Desktop::Icon::Error);
+}
+
+// What is repaired, and what is left to do, stands in the box too: the file's name may have been changed by it.
+void ExportAsGameFont(MColourFont& font) {
+    if (!Desktop::RunDialog(MainWindow, DialogId::ExportGameFont)) return;
+    const MString path = ChooseFile(MainWindow, MPathKind::SaveGameFont);
+    if (path.IsEmpty()) return;
+    const MFontDescription description = DescribeFont(font, Settings->GlyphHeight);
+    const MGameFontPlan plan = PlanGameFont(description, GameFontOptions(*Settings), GameFontName(path));
+    if (const std::string failure = WriteGameFont(plan, path, MainWindow); !failure.empty())
+        return TellFailure(failure);
+    MString text = "Colour font successfully exported as:\n\n" + Quoted(path);
+    for (const std::string& line : FindingLines(plan.Findings))
+        text += "\n\n" + FromSystem(line);
+    Tell(text);
+}
+
+// A font that can't be opened leaves the old one alone.
+void ImportGameFontFile() {
+    const MString path = ChooseFile(MainWindow, MPathKind::ImportGameFont);
+    if (path.IsEmpty()) return;
+    const bool isNew = !CurrentFont;
+    MColourFont& font = CurrentOrNewFont();
+    const MGameFontImport import = ImportGameFont(font, path);
+    if (!import.Reason.empty()) {
+        if (isNew) DestroyCurrentFont();
+        return TellFailure(ToSystem(path) + ": " + import.Reason);
+    }
+    RepackAndDraw(font);
+    MString text;
+    for (const std::string& note : import.Notes)
+        text += (text.IsEmpty() ? "" : "\n\n") + FromSystem(note);
+    if (!text.IsEmpty()) Tell(text);
+}
+
 // The old font is gone before the user is asked for a file.
 void ImportPhotofont() {
     MColourFont& font = ReplaceCurrentFont();
@@ -176,6 +217,8 @@ void Run(CommandId command) {
     case CommandId::ExportHtml: return OnCurrentFont(ExportAsHtml);
     case CommandId::ExportSingleFiles: return OnCurrentFont(ExportAsSingleFiles);
     case CommandId::ExportCubes: return OnCurrentFont(ExportAsCubes);
+    case CommandId::ExportGameFont: return OnCurrentFont(ExportAsGameFont);
+    case CommandId::ImportGameFont: return ImportGameFontFile();
     case CommandId::Exit: return Desktop::CloseWindow(MainWindow);
     case CommandId::AddCharacters: return AddCharacters();
     case CommandId::AddPicture: return AddPicture();

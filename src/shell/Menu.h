@@ -28,6 +28,8 @@ enum class CommandId : std::uint16_t {
     TrimVertically = 32877,
     ImportHtml = 32880,
     Community = 32882,
+    ExportGameFont = 32890,
+    ImportGameFont = 32891,
     OpticalKerning = 32892,
 };
 
@@ -51,10 +53,12 @@ inline constexpr std::array fileItems{
     menuSeparator,
     MenuItem{"Import HTML...", "", CommandId::ImportHtml},
     MenuItem{"Import photofont...", "", CommandId::ImportPhotofont},
+    MenuItem{"Import game font...", "", CommandId::ImportGameFont},
     menuSeparator,
     MenuItem{"Export as HTML...", "", CommandId::ExportHtml},
     MenuItem{"Export as single files...", "", CommandId::ExportSingleFiles},
     MenuItem{"Export as cubes...", "", CommandId::ExportCubes},
+    MenuItem{"Export as game font...", "", CommandId::ExportGameFont},
     menuSeparator,
     MenuItem{"Exit", "", CommandId::Exit},
 };

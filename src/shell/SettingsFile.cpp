@@ -97,6 +97,26 @@ constexpr Field keysField{u"Keys",
                                   file.WriteString(key);
                           }};
 
+constexpr Field gameFontField{u"GameFont",
+                              [](const MTextFile& file, MSettings& settings) {
+                                  MGameFontChoices& choices = settings.GameFont;
+                                  choices.Engine = file.GetString(1);
+                                  choices.Form = file.GetString(2);
+                                  choices.Gap = file.GetInt(3);
+                                  choices.PageSize = file.GetString(4);
+                                  choices.Largest = file.GetInt(5);
+                                  choices.Bleed = file.GetInt(6);
+                              },
+                              [](MTextFile& file, const MSettings& settings) {
+                                  const MGameFontChoices& choices = settings.GameFont;
+                                  file.WriteString(choices.Engine);
+                                  file.WriteString(choices.Form);
+                                  file.WriteInt(choices.Gap);
+                                  file.WriteString(choices.PageSize);
+                                  file.WriteInt(choices.Largest);
+                                  file.WriteInt(choices.Bleed);
+                              }};
+
 constexpr std::array firstFields{
     ColourField<&MSettings::BackgroundColour>(u"BackgroundColour"),
     TextField<&MSettings::FontName>(u"FontName"),
@@ -162,7 +182,7 @@ void ReadLine(const MTextFile& file, MSettings& settings) {
     for (const Field& field : firstFields) {
         if (ReadField(field, file, key, settings)) return;
     }
-    for (const Field* const field : {&windowField, &keysField, &opticalKerningField}) {
+    for (const Field* const field : {&windowField, &keysField, &opticalKerningField, &gameFontField}) {
         if (ReadField(*field, file, key, settings)) return;
     }
     ReadNumbered(file, key, settings);
@@ -198,6 +218,7 @@ void MSettings::Save() const {
     for (const Field& field : firstFields)
         WriteField(field, file, *this);
     for (std::size_t kind = 0; kind < PathKinds; ++kind) {
+        if (kind >= FirstPathKinds && Paths[kind].IsEmpty()) continue;
         file.WriteString(NumberedKey("Path", kind));
         file.WriteString(Paths[kind]);
         file.EndLine();
@@ -209,9 +230,10 @@ void MSettings::Save() const {
     }
     WriteField(windowField, file, *this);
     if (!Keys[0].IsEmpty()) WriteField(keysField, file, *this);
-    // Only what was changed: who never uses it has a file as it always was.
+    // Only what was changed: who never uses these has a file as it always was.
     const MSettings defaults;
     if (!KerningText.Equals(defaults.KerningText) || KerningStrength != defaults.KerningStrength)
         WriteField(opticalKerningField, file, *this);
+    if (!GameFont.IsDefault()) WriteField(gameFontField, file, *this);
     if (!file.Place()) tell("Could not write:\n\n\"" + path + "\"\n\n" + file.out.Failure());
 }

@@ -7,6 +7,7 @@
 #include "formats/MPhotofontImporter.h"
 #include "formats/WebFont.h"
 #include "imaging/MPixelBudget.h"
+#include "formats/game/MGameFontImport.h"
 
 #include <cstdint>
 #include <string>
@@ -36,6 +37,7 @@ std::string Header() {
 bool Read(MColourFont& font, const MString& path) {
     if (form == "sm") return font.Load(path);
     if (form == "js") return font.ImportJavascript(path);
+    if (form == "fnt") return ImportGameFont(font, path).Reason.empty();
     return MPhotofontImporter(nullptr).Import(path, &font);
 }
 

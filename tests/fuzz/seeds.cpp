@@ -1,4 +1,6 @@
-// Makes the first inputs for the picture decoders: seeds <folder> writes one folder for each form.
+// Makes the first inputs for the picture decoders and the reader of game fonts: seeds <folder> writes one
+// folder for each form.
+#include "formats/game/MBmFont.h"
 #include "imaging/codecs/Coding.h"
 
 #include <cstdio>
@@ -42,6 +44,23 @@ void AddData(const MCodec& codec, Corpus& corpus) {
     }
 }
 
+// One small font in each form; its page is the picture beside the fuzzer's input.
+void AddGameFonts(Corpus& corpus) {
+    MBmFont font;
+    font.Info.Face = "f";
+    font.Common = {.LineHeight = 16, .Base = 12, .ScaleW = 64, .ScaleH = 32, .Pages = 1};
+    font.Pages = {{0, "f.png"}};
+    font.Chars = {
+        {.Id = 32, .XAdvance = 5},
+        {.Id = 65, .X = 1, .Y = 2, .Width = 9, .Height = 12, .XOffset = -1, .YOffset = 1, .XAdvance = 10},
+        {.Id = 8364, .X = 20, .Y = 3, .Width = 8, .Height = 7, .YOffset = 4, .XAdvance = 9}};
+    font.Kernings = {{65, 8364, -3}};
+    for (const MBmFormat& format : BmFormats()) {
+        const std::string bytes = format.Write(font);
+        corpus.Add(Bytes(bytes.begin(), bytes.end()));
+    }
+}
+
 } // namespace
 
 // x265 keeps some frames of each encoder that libheif closes.
@@ -59,4 +78,6 @@ int main(int count, char** arguments) {
         if (codec.encode) AddEncoded(codec, corpus);
         AddData(codec, corpus);
     }
+    Corpus fonts(arguments[1], "fuzz_font_fnt");
+    AddGameFonts(fonts);
 }

@@ -1,5 +1,6 @@
 #include "shell/Commands.h"
 
+#include "foundation/MUtf8.h"
 #include "imaging/MFileTypes.h"
 #include "shell/OpenFontFile.h"
 #include "shell/ShellFixture.h"
@@ -54,15 +55,16 @@ TEST_F(Commands, TheMenuNamesEachCommandOnce) {
         for (const MenuItem& item : menu.items)
             if (*item.text) commands.insert(item.command);
     }
-    EXPECT_EQ(commands.size(), 23U);
-    EXPECT_EQ(std::set(commands.begin(), commands.end()).size(), 23U);
+    EXPECT_EQ(commands.size(), 25U);
+    EXPECT_EQ(std::set(commands.begin(), commands.end()).size(), 25U);
 }
 
 TEST_F(Commands, ThoseThatNeedAFontDoNothingWithoutOne) {
     for (const CommandId command :
          {CommandId::SaveAs, CommandId::ExportHtml, CommandId::ExportSingleFiles, CommandId::ExportCubes,
-          CommandId::GlyphsEditor, CommandId::KerningEditor, CommandId::OpticalKerning,
-          CommandId::ChangeGlyphHeight, CommandId::RemoveNonAscii, CommandId::TrimVertically}) {
+          CommandId::ExportGameFont, CommandId::GlyphsEditor, CommandId::KerningEditor,
+          CommandId::OpticalKerning, CommandId::ChangeGlyphHeight, CommandId::RemoveNonAscii,
+          CommandId::TrimVertically}) {
         RunCommand(command);
         const auto& record = Headless::record;
         EXPECT_EQ(record.dialogs.size() + record.messages.size() + record.fileDialogs.size(), 0U)
@@ -251,6 +253,47 @@ TEST_F(Commands, WhatCouldNotBeWrittenIsToldBeforeTheSuccess) {
     RunCommand(CommandId::ExportHtml);
     EXPECT_THAT(texts(), testing::ElementsAre("Would you like to have a minimal HTML page?",
                                               testing::StartsWith("error: 4 files could not be written")));
+}
+
+TEST_F(Commands, GameFonts) {
+    NewFont();
+    Chosen(Home().File("8bit.fnt"));
+    RunCommand(CommandId::ExportGameFont);
+    EXPECT_TRUE(Headless::record.fileDialogs.empty()) << "cancelled in the dialog";
+    Headless::script.dialogs[DialogId::ExportGameFont] = [] {
+        Settings->GameFont.Engine = "phaser";
+        Settings->GameFont.Form = "xml";
+        return true;
+    };
+    RunCommand(CommandId::ExportGameFont);
+    const Headless::Message& told = Headless::record.messages.back();
+    EXPECT_THAT(ToSystem(told.text),
+                testing::AllOf(testing::StartsWith("Colour font successfully exported as:\n\n\"" +
+                                                   ToSystem(Home().File("8bit.xml")) + "\"\n\n"),
+                               testing::HasSubstr("name-page"), testing::HasSubstr("_8bit")));
+    EXPECT_EQ(told.icon, Icon::Information);
+    EXPECT_EQ(Headless::record.fileDialogs.back().folder, settings.Path(MPathKind::SaveFont));
+    EXPECT_FALSE(Home().Read("_8bit_0.png").empty());
+
+    MColourFont& font = NewFont();
+    Home().Write("broken.fnt", "info face=x");
+    Chosen(Home().File("broken.fnt"));
+    RunCommand(CommandId::ImportGameFont);
+    EXPECT_THAT(ToSystem(Headless::record.messages.back().text),
+                testing::HasSubstr("broken.fnt: it has no common record"));
+    EXPECT_EQ(Headless::record.messages.back().icon, Icon::Error);
+    EXPECT_TRUE(CurrentFont == &font && font.GlyphCount() == 2) << "the old font stays";
+    DestroyCurrentFont();
+    Chosen(Home().File("broken.fnt"));
+    RunCommand(CommandId::ImportGameFont);
+    EXPECT_EQ(CurrentFont, nullptr);
+
+    Headless::record = {};
+    Chosen(Home().File("8bit.xml"));
+    RunCommand(CommandId::ImportGameFont);
+    EXPECT_EQ(CurrentFont->GlyphCount(), 2);
+    EXPECT_EQ(Paintings(), 1U);
+    EXPECT_TRUE(Headless::record.messages.empty()) << "nothing was left out";
 }
 
 TEST_F(Commands, ImportPhotofontCancelledLosesTheFont) {

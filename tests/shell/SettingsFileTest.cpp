@@ -57,6 +57,22 @@ TEST_F(SavedSettings, EveryLine) {
     EXPECT_EQ(Narrow(MTextFile::ReadWholeFile(s.SettingsFilePath())), text);
 }
 
+// A file has lines for game fonts only once something other than the defaults was chosen.
+TEST_F(SavedSettings, GameFonts) {
+    MSettings s = Loaded("Path9\t/games/a.fnt\nGameFont\tlove\ttext\t3\tpot\t512\t-1\n");
+    EXPECT_EQ(Narrow(s.Path(MPathKind::SaveGameFont)), "/games/a.fnt");
+    EXPECT_EQ(std::tuple(Narrow(s.GameFont.Engine), Narrow(s.GameFont.Form), s.GameFont.Gap,
+                         Narrow(s.GameFont.PageSize), s.GameFont.Largest, s.GameFont.Bleed),
+              std::tuple("love", "text", 3, "pot", 512, -1));
+    s.Save();
+    const std::string text = Narrow(MTextFile::ReadWholeFile(s.SettingsFilePath()));
+    EXPECT_NE(text.find("\r\nPath9\t/games/a.fnt\r\nS33\t"), text.npos);
+    EXPECT_TRUE(text.ends_with("\r\nGameFont\tlove\ttext\t3\tpot\t512\t-1\r\n"));
+    s.GameFont = {};
+    s.Save();
+    EXPECT_EQ(Narrow(MTextFile::ReadWholeFile(s.SettingsFilePath())).find("GameFont"), std::string::npos);
+}
+
 TEST_F(SavedSettings, LenientReading) {
     const struct {
         const char* what;

@@ -46,7 +46,14 @@ TEST_F(Dialogs, LookAsAUserExpectsAndWorkByKeyboard) {
          "kerning-editor",
          {"Kerning pairs", "Left character", "Right character", "Kerning", "Generate", "Clear", "OK",
           "Cancel"}},
+        {DialogId::ExportGameFont,
+         "Export as game font",
+         "export-game-font",
+         {"Engine", "Form", "Page sides", "Gap", "Bleed", "Largest side",
+          "What of the font the engine doesn't take as it is", "OK", "Cancel"}},
     };
+    settings.GameFont.Engine = "pixi";
+    font->SetKerning('A', '?', -3);
     for (const auto& c : cases) {
         SCOPED_TRACE(c.title);
         EXPECT_FALSE(RunAnd(c.id, [&](QWidget& dialog) {
@@ -60,7 +67,7 @@ TEST_F(Dialogs, LookAsAUserExpectsAndWorkByKeyboard) {
         }));
     }
     CurrentFont = nullptr;
-    for (const DialogId editor : {DialogId::GlyphEditor, DialogId::KerningEditor})
+    for (const DialogId editor : {DialogId::GlyphEditor, DialogId::KerningEditor, DialogId::ExportGameFont})
         EXPECT_FALSE(Desktop::RunDialog(nullptr, editor)) << "without a document";
 }
 

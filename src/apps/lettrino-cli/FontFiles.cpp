@@ -1,11 +1,13 @@
 #include "apps/lettrino-cli/FontFiles.h"
 
+#include "apps/lettrino-cli/GameFontSteps.h"
 #include "document/SetText.h"
 #include "formats/MPhotofontImporter.h"
 #include "formats/MTextFile.h"
 #include "formats/SiblingPath.h"
 #include "formats/TextureFont.h"
 #include "formats/WebFont.h"
+#include "formats/game/MGameFontImport.h"
 #include "foundation/MFolders.h"
 #include "foundation/MUtf8.h"
 #include "imaging/MPixelBudget.h"
@@ -99,9 +101,12 @@ StepResult OpenPhotofont(Run& run, const std::string& file, const MString& path)
 StepResult Open(Run& run, const std::string& file) {
     const MString path = FullPath(FromSystem(file)); // the picture is also sought above the file's folder
     if (ExtensionOf(path).Equals(u"PHF")) return OpenPhotofont(run, file, path);
+    if (IsGameFontExtension(ExtensionOf(path))) return OpenGameFont(run, file, path);
     const auto form = std::ranges::find_if(
         forms, [extension = ExtensionOf(path)](const FontForm& f) { return extension.Equals(f.extension); });
-    if (form == std::end(forms)) return StepFailure{file, "fonts are opened from .sm, .js and .phf files"};
+    if (form == std::end(forms))
+        return StepFailure{
+            file, "fonts are opened from .sm, .js and .phf files, and from .fnt, .xml, .bin and .json"};
     MColourFont& font = run.FontOrNew();
     font.Clear();
     // The import is a success for the program even where the header is wrong.

@@ -5,6 +5,7 @@
 #include "document/MSettings.h"
 
 #include <memory>
+#include <string>
 #include <vector>
 
 class Run {
@@ -12,6 +13,8 @@ public:
     MSettings settings;
     std::unique_ptr<MColourFont> font;
     std::vector<MKerningPair> modelPairs; // that optical kerning follows
+    std::string gameFontName;  // of the font last exported for games; empty before
+    bool checkAsLines = false; // what a check prints: lines, else JSON
 
     Run();
     Run(const Run&) = delete;

@@ -1,6 +1,7 @@
 #include "apps/lettrino-cli/Steps.h"
 
 #include "apps/lettrino-cli/FontFiles.h"
+#include "apps/lettrino-cli/GameFontSteps.h"
 #include "apps/lettrino-cli/KerningSteps.h"
 #include "apps/lettrino-cli/PictureSteps.h"
 #include "apps/lettrino-cli/Report.h"
@@ -170,7 +171,8 @@ constexpr std::array steps{
     Step{"--font-file", "FILE", 1, "makes the faces of a font file available, as if installed",
          PrepareFontFile},
     Step{"--generate", "", 0, "renders the selected characters into the font, then repacks", Generate},
-    Step{"--open", "FILE", 1, "opens a font: .sm, .js of a web page, or .phf; then repacks", PrepareOpen},
+    Step{"--open", "FILE", 1, "opens a font: .sm, .js of a web page, .phf, or a game's .fnt, .xml, .bin or .json; then repacks",
+         PrepareOpen},
     Step{"--padding", "TOP,BOTTOM", 1, "pixels above and below the pictures that follow (0,0)",
          SetPair<&MSettings::PaddingTop, &MSettings::PaddingBottom>},
     Step{"--spacing", "BEFORE,AFTER", 1, "spacings of the pictures that follow (0,0)",
@@ -205,6 +207,22 @@ constexpr std::array steps{
     Step{"--names", "TEXTFILE", 1, "the names that the letter cubes shall spell, one to a line", PrepareNames},
     Step{"--cubes", "FILE.png", 1,
          "writes the nets of letter cubes, FILE1.png and so on; prints their statistics", PrepareCubes},
+    Step{"--fnt-for", "ENGINE", 1,
+         "whom a game font is for: any, pixi, phaser, love, godot, libgdx, raylib or jimp (any)",
+         PrepareGameEngine},
+    Step{"--fnt-form", "FORM", 1, "its form: text, xml, binary or json (text, but what the engine reads)",
+         PrepareGameForm},
+    Step{"--fnt-gap", "N", 1, "clear pixels between its glyphs, limited to 0 to 64 (1)", PrepareGameGap},
+    Step{"--fnt-bleed", "N", 1, "how many pixels a glyph's edges are repeated around it, 0 to 64 (0)",
+         PrepareGameBleed},
+    Step{"--fnt-size", "free|four|pot", 1, "the sides of its pages: any, multiples of 4, powers of two (four)",
+         PrepareGamePageSize},
+    Step{"--fnt-max", "N", 1, "the largest side of a page, limited to 16 to 16384 (4096)", PrepareGameLargest},
+    Step{"--fnt", "FILE", 1, "writes the font as game engines load it: FILE beside its pages, NAME_0.png",
+         PrepareGameFont},
+    Step{"--check-form", "json|lines", 1, "how a check is printed (json)", PrepareGameCheckForm},
+    Step{"--check", "ENGINES", 1, "prints what the font breaks of the engines' rules, and what --fnt repairs",
+         PrepareGameCheck},
     Step{"--text", "TEXT FILE.png", 2, "sets a line of text with the font, on the background", PrepareText},
     Step{"--info", "", 0, "prints the font's numbers as JSON", PrepareInfo},
     Step{"--list-fonts", "", 0, "prints the installed faces as JSON", PrepareFontList},

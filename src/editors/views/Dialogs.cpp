@@ -4,6 +4,7 @@
 #include "editors/views/MAboutView.h"
 #include "editors/views/MAddGlyphsView.h"
 #include "editors/views/MAddPictureView.h"
+#include "editors/views/MExportGameFontView.h"
 #include "editors/views/MGlyphEditorView.h"
 #include "editors/views/MGlyphHeightView.h"
 #include "editors/views/MKerningEditorView.h"
@@ -14,9 +15,9 @@
 
 namespace {
 
-template<typename View>
-bool Run(Desktop::WindowHandle owner) {
-    View view(owner ? WidgetOf(owner)->window() : nullptr);
+template<typename View, typename... Subject>
+bool Run(Desktop::WindowHandle owner, const Subject&... subject) {
+    View view(owner ? WidgetOf(owner)->window() : nullptr, subject...);
     return view.exec() == QDialog::Accepted;
 }
 
@@ -33,6 +34,7 @@ bool Desktop::RunDialog(WindowHandle owner, DialogId id) {
     case DialogId::About: return Run<MAboutView>(owner);
     case DialogId::AddGlyphs: return Run<MAddGlyphsView>(owner);
     case DialogId::AddPicture: return Run<MAddPictureView>(owner);
+    case DialogId::ExportGameFont: return CurrentFont && Run<MExportGameFontView>(owner, *CurrentFont);
     }
     return false;
 }

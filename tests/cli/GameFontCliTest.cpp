@@ -1,0 +1,89 @@
+// Fonts for games on the command line.
+
+#include "Cli.h"
+#include "formats/game/MGameEngines.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace {
+
+using testing::HasSubstr;
+
+const std::string make = "--family 'DejaVu Sans' --height 32 --select A-Z --generate --kern ";
+
+TEST(GameFontCli, WrittenCheckedAndOpened) {
+    Cli cli;
+    const auto made =
+        cli.Info(make + "--set-kerning A,q,-3 --save font.sm --fnt-for pixi --fnt font --fnt-form xml "
+                        "--fnt '8 bit.xml'");
+    ASSERT_EQ(cli.status, 0) << cli.error;
+    EXPECT_TRUE(cli.Has("font.fnt") && cli.Has("font_0.png") && cli.Has("_8_bit_0.png"));
+    EXPECT_THAT(cli.error,
+                HasSubstr("lettrino-cli: --fnt: note: pair-missing: a pair names a character that the "
+                          "font lacks (U+0041 U+0071 -3); repaired: the pair is left out\n"));
+    EXPECT_THAT(cli.error, HasSubstr("note: name-page: readers split such a page name, or take it for a number "
+                                     "(_8_bit); repaired: the page gets another name\n"));
+    for (const char* file : {"font.fnt", "'8 bit.xml'"}) {
+        const auto opened = cli.Info(std::string("--open ") + file);
+        EXPECT_EQ(opened["kerning"].size() + 1, made["kerning"].size()) << "but for the missing character";
+        EXPECT_EQ(opened["baseline"], made["baseline"]);
+        EXPECT_EQ(opened["glyphs"].size(), 26U);
+    }
+    EXPECT_EQ(cli.Info("--open font.sm")["glyphs"], made["glyphs"]) << "the saved font keeps its own picture";
+
+    ASSERT_EQ(cli.Run("--open font.sm --check raylib,phaser"), 0);
+    const auto report = nlohmann::json::parse(cli.out);
+    ASSERT_EQ(report["engines"].size(), 2U);
+    EXPECT_EQ(report["engines"][1]["form"], "xml");
+    const auto& first = report["engines"][0]["findings"][0];
+    EXPECT_EQ(first["rule"], "pair-missing");
+    EXPECT_EQ(first["left"], 'A');
+    EXPECT_EQ(first["right"], 'q');
+    EXPECT_EQ(first["repaired"], true);
+    EXPECT_EQ(report["engines"][0]["findings"][1]["rule"], "kerning-ignored");
+    EXPECT_EQ(report["engines"][0]["findings"][1]["repaired"], false);
+    ASSERT_EQ(cli.Run("--open font.sm --check-form lines --check raylib"), 0);
+    EXPECT_THAT(cli.out, HasSubstr("raylib: kerning-ignored: the engine takes no notice of kerning ("));
+}
+
+TEST(GameFontCli, FailuresAndWrongUsage) {
+    Cli cli;
+    ASSERT_EQ(cli.Run(make + "--fnt-for libgdx --fnt f.fnt"), 0) << cli.error;
+    cli.folder.Write("cut.fnt", cli.folder.Read("f.fnt").substr(0, 900));
+    const struct {
+        std::string arguments;
+        int status;
+        const char* error;
+    } cases[] = {
+        {"--open cut.fnt", 1, "lettrino-cli: --open: cut.fnt: it tells of 27 characters and holds"},
+        {make + "--fnt-for phaser --fnt-form text --fnt g.fnt", 1,
+         "--fnt: g.fnt: Phaser doesn't read the text form; it reads xml"},
+        {make + "--fnt-for phaser --fnt-max 64 --fnt g.xml", 1, "pages, and Phaser reads 1"},
+        {make + "--fnt-max 20 --fnt g.fnt", 1, "doesn't fit a page of 20 by 20 pixels"},
+        {make + "--fnt no/g.fnt", 1, "--fnt: no/g.fnt: there is no folder"},
+        {"--fnt g.fnt", 1, "there is no font yet"},
+        {"--fnt-for nobody", 2, "--fnt-for"},
+        {"--fnt-size any", 2, "--fnt-size"},
+        {"--check any,nobody", 2, "--check"},
+    };
+    for (const auto& [arguments, status, error] : cases) {
+        EXPECT_EQ(cli.Run(arguments), status) << arguments;
+        EXPECT_THAT(cli.error, HasSubstr(error)) << arguments;
+    }
+    EXPECT_FALSE(cli.Has("g.fnt") || cli.Has("g_0.png"));
+    cli.folder.Write("many.fnt", "common lineHeight=9\npage id=0 file=f_0.png\nchar id=65 width=3 height=3\n"
+                                 "char id=70000\nchar id=32 xadvance=3\n");
+    EXPECT_EQ(cli.Run("--open many.fnt"), 0);
+    EXPECT_EQ(cli.error,
+              "lettrino-cli: --open: note: 1 character is left out (U+11170): codes end at U+FFFF here\n");
+}
+
+TEST(GameFontCli, TheHelpNamesAllEnginesAndForms) {
+    Cli cli;
+    cli.Run("--help");
+    for (const MGameEngine& engine : gameEngines)
+        EXPECT_THAT(cli.out, HasSubstr(std::string(engine.Name))) << engine.Name;
+}
+
+} // namespace

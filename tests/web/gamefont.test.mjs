@@ -1,0 +1,213 @@
+// Exported game fonts in the engines that read them: the same line as lettrino-cli sets it, to within two levels of
+// every channel of every pixel. And each trap that a reader lays: without what the export does about it the real
+// reader fails or draws wrong.
+import assert from 'node:assert/strict';
+import { mkdirSync, readFileSync, writeFileSync } from 'node:fs';
+import { join } from 'node:path';
+import { after, before, test } from 'node:test';
+import { Jimp } from 'jimp';
+import parseAscii from 'parse-bmfont-ascii';
+import parseBinary from 'parse-bmfont-binary';
+import { Site } from './browser.mjs';
+import { decode, godot, ground, jimp, line, love, phaser, pixi, snippet } from './consumers.mjs';
+
+const site = new Site();
+const inFolder = (name) => join(site.folder, name);
+const read = (name, encoding) => readFileSync(inFolder(name), encoding);
+const tolerance = 2;
+
+// A family in one colour with thousands of pairs; and pictures, some of them transparent, that stand into one
+// another and have codes up to U+3042.
+const fonts = {
+    plain: { text: line, size: 64, open: ['--open', 'plain.sm'] },
+    pictures: { text: 'Ab \u0416\u20AC\u3042bA', size: 48, open: ['--open', 'pictures.sm'] },
+};
+
+async function drawPicture(name, width, seed) {
+    const picture = new Jimp({ width, height: 48 });
+    for (let y = 4; y < 44; ++y) {
+        for (let x = 0; x < width; ++x) {
+            const d = Math.hypot((x - width / 2) / (width / 2), (y - 24) / 20);
+            if (d < 1) picture.bitmap.data.set([(x * 7 + seed) % 256, (y * 5 + seed * 3) % 256, (seed * 11) % 256, d < 0.6 ? 255 : Math.round((1 - d) * 637)], (y * width + x) * 4);
+        }
+    }
+    await picture.write(inFolder(name));
+}
+
+before(async () => {
+    await site.open();
+    site.cli('--family', 'DejaVu Sans', '--weight', '700', '--height', '64', '--colour', 'F0C060', '--select', 'all', '--generate', '--kern', '--save', 'plain.sm');
+    const steps = [];
+    for (const [i, [character, spacing]] of [['A', '3,-9'], ['b', '-4,2'], ['U+0416', '-7,-3'], ['U+20AC', '0,-12'], ['U+3042', '-5,4']].entries()) {
+        await drawPicture(`glyph${i}.png`, 28 + 5 * i, 40 * i + 9);
+        steps.push('--spacing', spacing, '--picture', `${character}=glyph${i}.png`);
+    }
+    site.cli(...steps, '--set-kerning', 'b,U+0416,-6', '--set-kerning', 'U+0416,U+20AC,5', '--set-kerning', 'U+20AC,U+3042,-11', '--save', 'pictures.sm');
+    for (const font of Object.values(fonts)) {
+        site.cli(...font.open, '--background', '203040', '--text', font.text, 'line.png');
+        font.line = await decode(read('line.png'));
+    }
+});
+after(() => site.close());
+
+const exported = (font, engine, form, file, ...more) => {
+    site.cli(...fonts[font].open, '--fnt-for', engine, ...(form ? ['--fnt-form', form] : []), ...more, '--fnt', file);
+    return file;
+};
+
+// The largest difference of any channel from the line at 20, 20 on the ground.
+function difference(picture, font) {
+    const wanted = fonts[font].line;
+    assert.deepEqual([picture.width, picture.height], [800, 200]);
+    assert.ok(wanted.width > 100 && wanted.height > 40);
+    let most = 0;
+    for (let y = 0; y < 200; ++y) {
+        for (let x = 0; x < 800; ++x) {
+            const inside = x >= 20 && x < 20 + wanted.width && y >= 20 && y < 20 + wanted.height;
+            for (let c = 0; c < 3; ++c) {
+                const value = inside ? wanted.data[((y - 20) * wanted.width + x - 20) * 4 + c] : ground[c];
+                most = Math.max(most, Math.abs(picture.data[(y * 800 + x) * 4 + c] - value));
+            }
+        }
+    }
+    return most;
+}
+
+async function keep(picture, name) {
+    const folder = process.env.LETTRINO_ARTEFACTS;
+    if (!folder) return;
+    mkdirSync(join(folder, 'engines'), { recursive: true });
+    await new Jimp(picture).write(join(folder, 'engines', `${name}.png`));
+}
+
+const consumers = [
+    ['jimp', 'text', 'fnt', (file, font) => jimp(site.folder, file, font.text)],
+    ['jimp', 'xml', 'xml', (file, font) => jimp(site.folder, file, font.text)],
+    ['jimp', 'binary', 'bin.fnt', (file, font) => jimp(site.folder, file, font.text)],
+    ['pixi', 'text', 'fnt', (file, font) => pixi(site, file, font.text, font.size)],
+    ['pixi', 'xml', 'xml', (file, font) => pixi(site, file, font.text, font.size)],
+    ['phaser', '', 'xml', (file, font) => phaser(site, file, font.text)],
+    ['love', '', 'fnt', (file, font) => love(site.folder, file, font.text)],
+];
+for (const font of Object.keys(fonts)) {
+    for (const [engine, form, extension, draw] of consumers) {
+        if (engine === 'pixi' && form === 'xml' && font === 'pictures') continue; // the same reader as text behind it
+        test(`${engine} ${form} draws the ${font} font as lettrino-cli sets it`, async () => {
+            const picture = await draw(exported(font, engine, form, `${engine}-${font}-${form || 'own'}.${extension}`.replace('.bin', '')), fonts[font]);
+            await keep(picture, `${engine}-${font}-${form || 'own'}`);
+            const off = difference(picture, font);
+            assert.ok(off <= tolerance, `off by ${off}`);
+        });
+    }
+}
+
+test('Godot 3 reads the same widths, metrics and kerning', () => {
+    for (const [name, font] of Object.entries(fonts)) {
+        const file = exported(name, 'godot', '', `godot-${name}.fnt`);
+        const info = JSON.parse(site.cli(...font.open, '--info'));
+        const pairs = [[65, 86], [0x0416, 0x20AC], [65, 65]];
+        const script = snippet('godot', font.text).replace('demo.fnt', file)
+            .replace('    quit()', `    print("pairs ${pairs.map((pair) => `", font.get_kerning_pair(${pair}), "`).join(' ')}")\n    quit()`);
+        const out = godot(site.folder, script);
+        const width = font.line.width;
+        assert.match(out, new RegExp(`^${info.glyphHeight} ${info.glyphHeight - info.baseline} (\\d+)$`, 'm'), out);
+        // The engine's width is from pen to pen; the last glyph's ink may lie elsewhere.
+        const glyph = Object.fromEntries(info.glyphs.map((each) => [each.code, each]));
+        const amount = (l, r) => info.kerning.find((pair) => pair.left === l && pair.right === r)?.amount ?? 0;
+        const codes = [...font.text].map((c) => c.codePointAt(0));
+        const pen = codes.reduce((sum, code, i) => sum + (glyph[code] ? glyph[code].before + glyph[code].width + glyph[code].after + amount(codes[i - 1], code) : info.spaceWidth), 0);
+        assert.equal(Number(out.match(/^\d+ \d+ (\d+)$/m)[1]), pen);
+        assert.ok(Math.abs(pen - width) < 30);
+        // It keeps kerning with the other sign.
+        assert.deepEqual(out.match(/^pairs (.*)$/m)[1].trim().split(/\s+/).map((n) => -Number(n) || 0), pairs.map((pair) => amount(...pair)));
+    }
+});
+
+test('the parsers find the same numbers in all forms', () => {
+    for (const font of Object.keys(fonts)) {
+        const [text, binary, json] = [['text', 'fnt'], ['binary', 'bin'], ['json', 'json']].map(([form, extension]) => exported(font, 'any', form, `same.${extension}`));
+        const ascii = parseAscii(read(text, 'utf8'));
+        const bytes = parseBinary(read(binary));
+        const object = JSON.parse(read(json, 'utf8'));
+        const info = JSON.parse(site.cli(...fonts[font].open, '--info'));
+        assert.equal(ascii.chars.length, info.glyphs.length + 1);
+        assert.equal(ascii.kernings.length, info.kerning.length);
+        assert.deepEqual(ascii.chars, object.chars);
+        assert.deepEqual(ascii.kernings, object.kernings);
+        assert.deepEqual(ascii.pages, object.pages);
+        for (const [i, each] of ascii.chars.entries()) assert.deepEqual({ ...bytes.chars[i] }, each);
+        assert.deepEqual(bytes.kernings.map((pair) => ({ ...pair })), ascii.kernings);
+        assert.deepEqual(bytes.pages, ascii.pages);
+        assert.equal(read(binary)[4 + 5 + 2], 0xC2, 'Unicode, whichever end of the byte a reader begins at');
+        for (const key of ['lineHeight', 'base', 'scaleW', 'scaleH', 'pages', 'packed', 'alphaChnl']) {
+            assert.equal(ascii.common[key], object.common[key]);
+            assert.equal(bytes.common[key], object.common[key]);
+        }
+    }
+});
+
+// Each trap: what is written, how it would read without the repair, and what the real reader makes of that.
+const differs = async (draw) => assert.ok(difference(await draw(), 'plain') > 50);
+const fails = (expected) => (draw) => assert.rejects(draw, expected);
+const inPixi = (file) => pixi(site, file, line, 64);
+const inLove = (file) => love(site.folder, file, line);
+const inPhaser = (file) => phaser(site, file, line, 'CANVAS');
+const traps = [
+    { what: 'PixiJS draws by the base', engine: 'pixi', name: 'base', spoil: (text) => text.replace('base=64', 'base=49'), draw: inPixi, then: differs, rule: 'base' },
+    { what: 'PixiJS takes a page name for a number', engine: 'pixi', own: true, name: '8bit', spoil: (text) => text.replace('file="_8bit_0.png"', 'file="8bit_0.png"'), draw: inPixi, then: fails(/Received|string/), rule: 'name-page', face: '_8bit' },
+    { what: 'PixiJS takes a face name for a number', engine: 'pixi', own: true, name: '3D Demo', spoil: (text) => text.replace('face="_3D_Demo"', 'face="3D Demo"'), draw: inPixi, then: differs, rule: 'name-face', face: '_3D_Demo' },
+    { what: 'PixiJS gives blanks no width without a space', engine: 'pixi', name: 'space', spoil: (text) => text.replace(/char id=32 .*\n/, '').replace(/chars count=(\d+)/, (_, n) => `chars count=${n - 1}`), draw: inPixi, then: differs },
+    { what: 'PixiJS knows the text form by its first words alone', engine: 'pixi', name: 'first', spoil: (text) => text.replace('info face="first" size=64', 'info size=64 face="first"'), draw: inPixi, then: differs },
+    { what: 'Phaser stumbles over a pair of a missing character', engine: 'phaser', own: true, name: 'pair', extension: 'xml', open: ['--set-kerning', 'A,U+20AC,-5'], spoil: (text) => text.replace('<kerning first', '<kerning first="65" second="8364" amount="-5"/>\n    <kerning first'), draw: inPhaser, then: fails(/kerning/), rule: 'pair-missing' },
+    { what: 'LÖVE takes no byte order mark', engine: 'love', name: 'mark', spoil: (text) => '\uFEFF' + text, draw: inLove, then: fails(/Invalid font file/) },
+    { what: 'LÖVE needs unicode=1', engine: 'love', name: 'unicode', spoil: (text) => text.replace('unicode=1', 'unicode=0'), draw: inLove, then: fails(/only unicode and ASCII/) },
+    { what: 'LÖVE wants even the empty rectangle inside the page', engine: 'love', name: 'edge', spoil: (text) => text.replace('char id=32 x=0', 'char id=32 x=4000'), draw: inLove, then: fails(/Invalid coordinates/) },
+];
+for (const trap of traps) {
+    test(`trap: ${trap.what}`, async () => {
+        const file = `${trap.name}.${trap.extension ?? 'fnt'}`;
+        const steps = [...fonts.plain.open, ...(trap.open ?? []), '--fnt-for', trap.engine, '--fnt', file, '--check', trap.engine];
+        const findings = JSON.parse(site.cli(...steps)).engines[0].findings;
+        if (trap.rule) assert.ok(findings.some((each) => each.rule === trap.rule && each.repaired), `nothing is told of ${trap.rule}`);
+        const good = read(file, 'utf8');
+        const spoilt = trap.spoil(good);
+        assert.notEqual(spoilt, good);
+        // The picture under the spoilt name, too, so that nothing but the name can be wrong.
+        if (trap.face) writeFileSync(inFolder(`${trap.name}_0.png`), read(`${trap.face}_0.png`));
+        // Engines of the browser find the font by its face.
+        const draw = (content) => async () => {
+            const drawn = trap.face ? `${trap.face}.fnt` : file;
+            writeFileSync(inFolder(drawn), content);
+            return trap.draw(drawn);
+        };
+        await trap.then(draw(spoilt));
+        if (!trap.own) return; // what was exported is what the tests above have drawn
+        const off = difference(await draw(good)(), 'plain');
+        assert.ok(off <= tolerance, `repaired, but off by ${off}`);
+    });
+}
+
+test('trap: Godot 3 finds nothing in XML, which is not written for it', () => {
+    exported('plain', 'any', 'xml', 'empty.xml');
+    assert.match(godot(site.folder, snippet('godot').replace('demo.fnt', 'empty.xml')), /^1? ?0? ?0? ?0$|^\S+ 0 0$/m);
+    assert.throws(() => exported('plain', 'godot', 'xml', 'none.xml'), /Godot doesn't read the xml form; it reads text, binary/);
+});
+
+test('trap: the text parser splits a face at "="', () => {
+    const safe = exported('plain', 'any', 'text', 'a=b.fnt');
+    assert.equal(parseAscii(read(safe, 'utf8')).info.face, 'a_b');
+    assert.notEqual(parseAscii(read(safe, 'utf8').replace('face="a_b"', 'face="a=b"')).info.face, 'a=b');
+});
+
+test('trap: a page too many for Phaser and for jimp in XML; LÖVE draws from several', async () => {
+    for (const [engine, form] of [['phaser', 'xml'], ['jimp', 'xml']])
+        assert.throws(() => exported('plain', engine, form, 'many.xml', '--fnt-max', '256'), /reads? (1|one)/);
+    const file = exported('plain', 'love', '', 'many.fnt', '--fnt-max', '256');
+    assert.ok((read(file, 'utf8').match(/^page /gm) ?? []).length > 2);
+    assert.ok(difference(await inLove(file), 'plain') <= tolerance);
+});
+
+test('what is bled into the gap is not drawn', async () => {
+    const file = exported('plain', 'jimp', 'text', 'bleed.fnt', '--fnt-bleed', '2');
+    assert.ok(difference(await jimp(site.folder, file, line), 'plain') <= tolerance);
+});
