@@ -1,6 +1,7 @@
 #include "document/ChooseFile.h"
 
 #include "foundation/MFolders.h"
+#include "foundation/Product.h"
 #include "imaging/MFileTypes.h"
 
 #include <optional>
@@ -73,6 +74,10 @@ MString ChooseFile(Desktop::WindowHandle owner, MPathKind kind, MString* typed) 
     dialog.title = dialogKind->title;
     // A dot anywhere is taken for that of a file name, so a folder with a dot in it loses its last part.
     dialog.folder = start.Contains(u'.') ? FolderOf(start) : start;
+    dialog.places = {JoinPath(JoinPath(GetProgramFolder(), "Media"), "Fonts")};
+    const MString documents = GetDocumentsFolder(ProductName);
+    for (const char* const name : {"Fonts", "Pictures", "HTML"})
+        dialog.places.push_back(JoinPath(documents, name));
     dialog.filters = {dialogKind->filter};
     dialog.save = dialogKind->save;
     MString chosen = Desktop::ShowFileDialog(owner, dialog, dialogKind->extension);

@@ -2,6 +2,7 @@
 
 #include "document/ChooseFile.h"
 #include "editors/FieldText.h"
+#include "foundation/MFolders.h"
 #include "glyphs/PictureSeries.h"
 #include "imaging/MPixelBudget.h"
 
@@ -38,6 +39,19 @@ Desktop::Rect MAddPicture::PreviewArea(const Desktop::Rect& previewLabel, const 
     return {previewLabel.left, characterField.top, okButton.left - previewLabel.top, okButton.bottom};
 }
 
+namespace {
+
+void TellUnreadable(MDirect2DSurface& surface, const Desktop::Rect& area, const MString& path) {
+    const MColour ground = Settings->BackgroundColour;
+    const bool bright = ground.r + ground.g + ground.b > 3 * 127;
+    surface.DrawText(area,
+                     FileExists(path) ? "This file is no picture that can be read." : "There is no such file.",
+                     MString(), 0, 0, false, bright ? MColour(90, 90, 90) : MColour(200, 200, 200), 0, 0, false,
+                     true, true, true);
+}
+
+} // namespace
+
 void MAddPicture::PaintPreview(Desktop::WindowHandle window, const Desktop::Rect& area) {
     if (Path.IsEmpty()) return;
     const MDirect2DSurface* const before = preview.surface.get();
@@ -45,7 +59,7 @@ void MAddPicture::PaintPreview(Desktop::WindowHandle window, const Desktop::Rect
     if (preview.surface.get() != before || !previewPath.Equals(Path)) {
         RestorePixelBudget(); // each choice counts alone
         preview.surface->Clear(Settings->BackgroundColour);
-        preview.surface->DrawPictureFile(Path, area, true);
+        if (!preview.surface->DrawPictureFile(Path, area, true)) TellUnreadable(*preview.surface, area, Path);
         previewPath = Path;
     }
     preview.surface->End();

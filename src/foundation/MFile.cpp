@@ -20,7 +20,9 @@ std::int64_t SizeOf(std::fstream& stream) {
 
 } // namespace
 
-MFile::MFile(const MString& path, bool forWriting, bool preload) : writing(forWriting) {
+MFile::MFile(const MString& name, bool forWriting, bool preload) : writing(forWriting) {
+    // The file that stands under the name in another case is gone with the next line, and keeps its name.
+    const MString path = writing && !name.IsEmpty() ? FromSystemPath(PlaceToWrite(name)) : name;
     if (writing) DeleteFile(path, false, false);
     constexpr int attempts = 10;
     for (int attempt = 0; attempt < attempts; ++attempt) {

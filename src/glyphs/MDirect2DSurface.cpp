@@ -260,10 +260,13 @@ void MDirect2DSurface::DrawPictureAt(const MPicture& picture, std::int32_t x, st
     DrawPictureFitted(picture, {x, y, end(x, picture.Width), end(y, picture.Height)}, false);
 }
 
-void MDirect2DSurface::DrawPictureFile(const MString& path, Desktop::Rect rectangle, bool mapCoordinates) {
-    if (!valid || !target || rectangle.IsEmpty() || !FileExists(path)) return;
+bool MDirect2DSurface::DrawPictureFile(const MString& path, Desktop::Rect rectangle, bool mapCoordinates) {
+    if (!FileExists(path)) return false;
+    if (!valid || !target || rectangle.IsEmpty()) return true;
     if (mapCoordinates) rectangle = Map(rectangle);
     MPicture picture(path);
+    const bool read = picture.IsValid();
     DrawPictureFitted(picture, rectangle, false);
     picture.Free();
+    return read;
 }

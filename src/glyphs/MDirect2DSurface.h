@@ -87,8 +87,8 @@ public:
     static MPixelSize FittedSize(const MPicture& picture, const Desktop::Rect& rectangle); // of a valid picture
     void DrawPictureFitted(const MPicture& picture, Desktop::Rect rectangle, bool mapCoordinates);
     void DrawPictureAt(const MPicture& picture, std::int32_t x, std::int32_t y, bool mapCoordinates);
-    // The picture in a file, fitted.
-    void DrawPictureFile(const MString& path, Desktop::Rect rectangle, bool mapCoordinates);
+    // The picture in a file, fitted. False if there is no file or it is no picture that can be read.
+    bool DrawPictureFile(const MString& path, Desktop::Rect rectangle, bool mapCoordinates);
 
 private:
     Desktop::WindowHandle window = nullptr; // not owned

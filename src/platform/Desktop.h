@@ -50,6 +50,7 @@ struct FileDialog {
     MString title;
     MString folder; // where it starts
     std::vector<FileFilter> filters;
+    std::vector<MString> places;  // folders to go to at once, besides the desktop's own
     std::int32_t filterIndex = 1; // from 1; in and out
     MString fileName;             // what the name field starts with
     bool save = false;            // asks before it overwrites; an open dialog accepts existing files only

@@ -113,10 +113,12 @@ void TellFailure(const std::string& reason) {
 // What is repaired, and what is left to do, stands in the box too: the file's name may have been changed by it.
 void ExportAsGameFont(MColourFont& font) {
     if (!Desktop::RunDialog(MainWindow, DialogId::ExportGameFont)) return;
-    const MString path = ChooseFile(MainWindow, MPathKind::SaveGameFont);
+    MString typed;
+    const MString path = ChooseFile(MainWindow, MPathKind::SaveGameFont, &typed);
     if (path.IsEmpty()) return;
     const MFontDescription description = DescribeFont(font, Settings->GlyphHeight);
     const MGameFontPlan plan = PlanGameFont(description, GameFontOptions(*Settings), GameFontName(path));
+    if (!MayReplace(GameFontPaths(plan, path), typed)) return;
     if (const std::string failure = WriteGameFont(plan, path, MainWindow); !failure.empty())
         return TellFailure(failure);
     MString text = "Colour font successfully exported as:\n\n" + Quoted(path);

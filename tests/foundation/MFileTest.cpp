@@ -106,9 +106,12 @@ TEST(Folders, PathsOnDiskAreDividedBySlashesAlone) {
         const char* extension;
         const char* asPng;
     };
-    for (const Case& c : {Case{"a/b.sm", "a", "b.sm", "SM", "a/b.png"}, Case{"what?/1:2.html", "what?", "1:2.html", "HTML", "what?/1:2.png"},
-                          Case{"a.b/c", "a.b", "c", "", "a.b/c.png"}, Case{"a\\b.x.Y", "a", "b.x.Y", "Y", "a\\b.x.png"},
-                          Case{"b#1.js", "b#1.js", "b#1.js", "JS", "b#1.png"}, Case{"/a.sm", "", "a.sm", "SM", "/a.png"}, Case{"", "", "", "", ".png"}}) {
+    for (const Case& c :
+         {Case{"a/b.sm", "a", "b.sm", "SM", "a/b.png"},
+          Case{"what?/1:2.html", "what?", "1:2.html", "HTML", "what?/1:2.png"},
+          Case{"a.b/c", "a.b", "c", "", "a.b/c.png"}, Case{"a\\b.x.Y", "a", "b.x.Y", "Y", "a\\b.x.png"},
+          Case{"b#1.js", "b#1.js", "b#1.js", "JS", "b#1.png"}, Case{"/a.sm", "", "a.sm", "SM", "/a.png"},
+          Case{"", "", "", "", ".png"}}) {
         EXPECT_EQ(FolderOf(c.path), MString(c.folder)) << c.path;
         EXPECT_EQ(FileNameOf(c.path), MString(c.name)) << c.path;
         EXPECT_EQ(ExtensionOf(c.path), MString(c.extension)) << c.path;
@@ -122,8 +125,8 @@ TEST(Folders, WritingFindsWhatReadingFinds) {
     EXPECT_TRUE(CreateFolder(folder.File("Documents/Lettrino/Fonts")));
     EXPECT_TRUE(std::filesystem::is_directory(folder.path / "documents/Lettrino/Fonts"));
     EXPECT_FALSE(std::filesystem::exists(folder.path / "Documents"));
-    ASSERT_EQ(MFile(folder.File("DOCUMENTS/new.txt"), true, false).Write("1", 1), true);
-    ASSERT_EQ(MFile(folder.File("Documents/NEW.txt"), true, false).Write("22", 2), true);
+    EXPECT_TRUE(MFile(folder.File("DOCUMENTS/new.txt"), true, false).Write("1", 1));
+    EXPECT_TRUE(MFile(folder.File("Documents/NEW.txt"), true, false).Write("22", 2));
     EXPECT_EQ(folder.Read("documents/new.txt"), "22") << "one file, found in either case";
     EXPECT_TRUE(DeleteFile(folder.File("documents/New.txt"), false, false));
     EXPECT_FALSE(std::filesystem::exists(folder.path / "documents/new.txt"));

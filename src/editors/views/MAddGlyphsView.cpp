@@ -72,6 +72,12 @@ void MAddGlyphsView::Connect() {
         return true;
     };
     grid.onKey = [this](const QKeyEvent& event) { return GridKey(event); };
+    swatch.role = QAccessible::PushButton;
+    swatch.value = [] { return QColor(Settings->Colour.r, Settings->Colour.g, Settings->Colour.b).name(); };
+    // A box for the character at the cursor.
+    grid.role = QAccessible::CheckBox;
+    grid.value = [this] { return grid.accessibleDescription(); };
+    grid.checked = [this] { return Settings->Selected[static_cast<std::size_t>(dialog.Grid.Cursor)] != 0; };
     grid.frame = [this] {
         return ToWidgetPixels(*this, dialog.Grid.Cell(dialog.Grid.Cursor)).translated(-grid.pos());
     };
@@ -103,7 +109,9 @@ void MAddGlyphsView::Draw() {
 
 void MAddGlyphsView::ChooseColour() {
     swatch.setFocus();
-    if (MAddGlyphs::ChooseColour(Handle())) Repaint(SwatchArea());
+    if (!MAddGlyphs::ChooseColour(Handle())) return;
+    Repaint(SwatchArea());
+    swatch.TellChange();
 }
 
 bool MAddGlyphsView::GridKey(const QKeyEvent& event) {
@@ -146,4 +154,5 @@ void MAddGlyphsView::TellCursor() {
     const auto code = static_cast<std::size_t>(dialog.Grid.Cursor);
     grid.setAccessibleDescription(QString(QChar(static_cast<char16_t>(code))) + " (" + QString::number(code) +
                                   (Settings->Selected[code] != 0 ? "), selected" : "), not selected"));
+    grid.TellChange();
 }

@@ -1,9 +1,51 @@
 #include "editors/views/MFocusArea.h"
 
+#include <QAccessibleWidget>
 #include <QKeyEvent>
 #include <QPainter>
 
+namespace {
+
+class MAccessibleArea : public QAccessibleWidget {
+public:
+    explicit MAccessibleArea(MFocusArea& shown) : QAccessibleWidget(&shown), area(shown) {}
+
+    // Given to the area after it was first asked for.
+    QAccessible::Role role() const override { return area.role; }
+
+    QString text(QAccessible::Text kind) const override {
+        return kind == QAccessible::Value && area.value ? area.value() : QAccessibleWidget::text(kind);
+    }
+    QAccessible::State state() const override {
+        QAccessible::State all = QAccessibleWidget::state();
+        all.checkable = area.checked != nullptr;
+        all.checked = area.checked && area.checked();
+        return all;
+    }
+
+private:
+    MFocusArea& area;
+};
+
+QAccessibleInterface* InterfaceOf(const QString&, QObject* object) {
+    auto* const area = dynamic_cast<MFocusArea*>(object);
+    return area ? new MAccessibleArea(*area) : nullptr;
+}
+
+} // namespace
+
+void MFocusArea::TellChange() {
+    QAccessibleValueChangeEvent shown(this, value ? value() : QString());
+    QAccessible::updateAccessibility(&shown);
+    QAccessible::State changed;
+    changed.checked = true;
+    QAccessibleStateChangeEvent state(this, changed);
+    if (checked) QAccessible::updateAccessibility(&state);
+}
+
 MFocusArea::MFocusArea(const QString& name) {
+    static const bool installed = (QAccessible::installFactory(InterfaceOf), true);
+    static_cast<void>(installed);
     setAccessibleName(name);
     setFocusPolicy(Qt::StrongFocus);
     setAttribute(Qt::WA_TransparentForMouseEvents);

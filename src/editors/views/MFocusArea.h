@@ -2,6 +2,7 @@
 // has the focus; the mouse is the dialog's.
 #pragma once
 
+#include <QAccessible>
 #include <QWidget>
 #include <functional>
 
@@ -10,7 +11,15 @@ public:
     std::function<bool(const QKeyEvent&)> onKey; // whether it meant anything
     std::function<QRect()> frame;                // in the area's own pixels; without it, around the area
 
+    // What it is for those who can't see it, and what it shows now; `checked` where that is a box to be
+    // checked.
+    QAccessible::Role role = QAccessible::Graphic;
+    std::function<QString()> value;
+    std::function<bool()> checked;
+
     explicit MFocusArea(const QString& name);
+    // What is shown is another now.
+    void TellChange();
 
 protected:
     void keyPressEvent(QKeyEvent* event) override;

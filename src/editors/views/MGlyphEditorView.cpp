@@ -9,6 +9,8 @@ MGlyphEditorView::MGlyphEditorView(QWidget* owner)
     list.lines.text = [this](int row) { return QString(QChar(editor.Lines[static_cast<std::size_t>(row)])); };
     client.draw = [this] {
         editor.Area = MGlyphEditor::AreaBeside(RectOf(list), RectOf(glyphBox));
+        drag.setGeometry(ToWidgetPixels(*this, editor.Area));
+        drag.lower();
         // What was shown of a glyph stays otherwise, also of one that is gone.
         if (editor.Lines.empty()) client.image.fill(Qt::transparent);
         editor.DrawPreview();
@@ -43,6 +45,10 @@ void MGlyphEditorView::LayOut() {
         flat.setColor(QPalette::Base, flat.color(QPalette::Window));
         field->setPalette(flat);
     }
+    drag.setParent(this);
+    drag.setCursor(Qt::SizeAllCursor);
+    drag.setToolTip("Drag with the left button held to move the spacing of that side, with the right one to "
+                    "move the base line or the cap height.");
     Place(deleteGlyph, 455, 205, 75, 14);
     AddButtons(532, 316, 580, 316);
 }

@@ -13,6 +13,7 @@ public:
     explicit MGlyphEditorView(QWidget* owner);
 
 private:
+    QWidget drag; // over the preview, with the pointer and the hint of what dragging does
     MGlyphEditor editor;
     std::int32_t fillings = 0; // of the list, that are shown
     QGroupBox glyphBox{"Glyph properties"};

@@ -12,6 +12,8 @@ MKerningEditorView::MKerningEditorView(QWidget* owner)
     list.lines.text = [this](int row) { return ToQt(editor.Lines.Text(row)); };
     client.draw = [this] {
         editor.Area = MKerningEditor::AreaBeside(RectOf(list), RectOf(left));
+        drag.setGeometry(ToWidgetPixels(*this, editor.Area));
+        drag.lower();
         // Painting shows the pair anew, which is told of a change that was made out of sight. The ground of
         // other controls is painted far more often than that of the preview.
         if (!previewPainted) return;
@@ -26,12 +28,16 @@ MKerningEditorView::MKerningEditorView(QWidget* owner)
 void MKerningEditorView::LayOut() {
     Place(list, 400, 5, 49, 325);
     list.setAccessibleName("Kerning pairs");
+    list.UseColumns(2);
     Place(left, 455, 5, 30, 14);
     left.setAccessibleName("Left character");
     left.setToolTip("Left character");
     Place(right, 500, 5, 30, 14);
     right.setAccessibleName("Right character");
     right.setToolTip("Right character");
+    drag.setParent(this);
+    drag.setCursor(Qt::SizeHorCursor);
+    drag.setToolTip("Drag with the left button held to move the two characters closer or further apart.");
     Place(amount, 500, 25, 30, 14);
     AddLabel("&Kerning", amount, 455, 25, 43, 14);
     Place(generate, 455, 50, 75, 14);

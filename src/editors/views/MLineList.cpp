@@ -1,5 +1,43 @@
 #include "editors/views/MLineList.h"
 
+#include <QPainter>
+#include <QStyledItemDelegate>
+
+namespace {
+
+constexpr auto separator = "    ";
+
+class MColumns : public QStyledItemDelegate {
+public:
+    MColumns(QObject* parent, int columnCount) : QStyledItemDelegate(parent), count(columnCount) {}
+
+    void paint(QPainter* painter, const QStyleOptionViewItem& given, const QModelIndex& index) const override {
+        QStyleOptionViewItem option = given;
+        initStyleOption(&option, index);
+        const QStringList parts = option.text.split(separator);
+        option.text.clear();
+        const QStyle* const style = option.widget->style();
+        style->drawControl(QStyle::CE_ItemViewItem, &option, painter, option.widget);
+        const bool selected = option.state.testFlag(QStyle::State_Selected);
+        const QRect line = option.rect.adjusted(6, 0, -2, 0);
+        for (int i = 0; i < parts.size(); ++i) {
+            const QRect place(line.left() + line.width() * i / count, line.top(), line.width() / count,
+                              line.height());
+            style->drawItemText(painter, place, Qt::AlignVCenter | Qt::AlignLeft, option.palette, true,
+                                parts[i], selected ? QPalette::HighlightedText : QPalette::Text);
+        }
+    }
+
+private:
+    const int count;
+};
+
+} // namespace
+
+void MLineList::UseColumns(int count) {
+    setItemDelegate(new MColumns(this, count));
+}
+
 void MLines::Refill(int newCount) {
     beginResetModel();
     count = newCount;

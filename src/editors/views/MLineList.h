@@ -27,6 +27,9 @@ public:
 
     MLineList();
 
+    // The parts of a line that blanks separate stand below one another.
+    void UseColumns(int count);
+
     // All lines are new, and none is selected.
     void Refill(int count) { lines.Refill(count); }
     void Select(int position); // -1 for none

@@ -32,6 +32,7 @@ void MOpticalKerningView::LayOut() {
         "further apart, up and down go to the pair before and behind it, Delete takes it back.");
     Place(models, 415, 37, 80, 110);
     AddLabel("&Model pairs", models, 415, 25, 80, 10);
+    models.UseColumns(3);
     models.setToolTip("Pairs that you have fixed. They stay as they are, and all others follow them.");
     Place(remove, 415, 151, 80, 14);
     Place(white, 415, 171, 80, 12);
@@ -69,6 +70,7 @@ void MOpticalKerningView::Connect() {
         ShowControls();
         models.Select(position);
     };
+    preview.value = [this] { return ToQt(editor.GapText()); };
     preview.onKey = [this](const QKeyEvent& event) { return Key(event); };
     onMouse = [this](const MMouse& mouse) {
         if (!mouse.left || mouse.moved || !IsStrictlyInside(editor.Area, {mouse.x, mouse.y})) return;
@@ -101,5 +103,6 @@ void MOpticalKerningView::ShowControls() {
     pairs.setText(ToQt(editor.PairCount()));
     gap.setText(ToQt(editor.GapText()));
     ok.setEnabled(editor.IsReady());
+    preview.TellChange();
     Repaint(RectOf(preview));
 }

@@ -1,8 +1,8 @@
 #include "formats/game/MGameFontExport.h"
 
 #include "document/MSettings.h"
-#include "foundation/MFile.h"
 #include "foundation/MFolders.h"
+#include "foundation/MSafeFile.h"
 #include "foundation/MUtf8.h"
 #include "platform/MProgressDialog.h"
 
@@ -123,15 +123,16 @@ void DrawGlyph(const MPicture& page, const MBmChar& c, const MGlyphDescription& 
         CopyRow(page, box, bleed, c.Y + row, glyph, std::clamp(row, 0, glyph.Ink.Height - 1));
 }
 
-bool WritePage(const MGameFontPlan& plan, const MBmPage& page, const MString& path) {
+// Beside its target.
+MSafeFile WritePage(const MGameFontPlan& plan, const MBmPage& page, const MString& path) {
     PagePicture drawn(plan.File.Common.ScaleW, plan.File.Common.ScaleH);
-    if (!drawn.picture.IsValid()) return false;
+    if (!drawn.picture.IsValid()) return MSafeFile::Failed(path, "there is no memory for it");
     for (std::size_t i = 0; i < plan.Glyphs.size(); ++i) {
         const MBmChar& c = plan.File.Chars[i];
         if (c.Page == page.Id && !plan.Glyphs[i]->Ink.IsEmpty())
             DrawGlyph(drawn.picture, c, *plan.Glyphs[i], plan.Bleed);
     }
-    return drawn.picture.Save(path);
+    return drawn.picture.PrepareSave(path, FormatNone, MLinks::StayInFolder);
 }
 
 class Progress {
@@ -235,24 +236,32 @@ MString GamePagePath(const MString& path, const MBmPage& page) {
     return bare ? name : JoinPath(FolderOf(path), name);
 }
 
+std::vector<MString> GameFontPaths(const MGameFontPlan& plan, const MString& path) {
+    std::vector<MString> paths{path};
+    for (const MBmPage& page : plan.File.Pages)
+        paths.push_back(GamePagePath(path, page));
+    return paths;
+}
+
 std::string WriteGameFont(const MGameFontPlan& plan, const MString& path, Desktop::WindowHandle owner) {
     if (!plan.Reason.empty()) return plan.Reason;
     const Progress progress(plan, owner);
-    std::vector<MString> written;
-    const auto fail = [&](const MString& file) {
-        for (const MString& made : written)
-            DeleteFile(made, false, false);
-        return ToSystem(file) + " can't be written";
+    const auto reason = [](const MWriteFailure& failure) {
+        return ToSystem(failure.path) + " can't be written: " + ToSystem(failure.reason);
     };
+    std::vector<MSafeFile> files;
     for (const MBmPage& page : plan.File.Pages) {
         ProgressDialog.Update(static_cast<float>(page.Id) / static_cast<float>(plan.File.Pages.size()),
                               "Exporting game font...");
-        const MString target = GamePagePath(path, page);
-        if (!WritePage(plan, page, target)) return fail(target);
-        written.push_back(target);
+        files.push_back(WritePage(plan, page, GamePagePath(path, page)));
     }
     const std::string text = FormatOf(plan.Form).Write(plan.File);
-    MFile file(path, true, false);
-    if (!file.ok || !file.Write(text.data(), text.size())) return fail(path);
-    return {};
+    files.emplace_back(path, MLinks::StayInFolder);
+    files.back().WriteAt(0, text.data(), text.size());
+    // All are complete on the disk before the first one takes its place.
+    for (MSafeFile& file : files)
+        if (!file.Finish()) return reason({file.Path(), file.Failure()});
+    MWriteFailures failures;
+    PlaceAll(files, &failures);
+    return failures.empty() ? std::string() : reason(failures.front());
 }

@@ -48,7 +48,9 @@ MString GameFontPath(const MString& path, MBmForm form);
 // Of the page beside the font file at `path`.
 MString GamePagePath(const MString& path, const MBmPage& page);
 
-// Writes the pages and then the file at `path`, over what is there. What went wrong, as the end of a sentence
-// about the file; empty if all of it was written. A failure leaves no page behind that this call made.
-// `owner` is the window of the progress of large fonts.
+// All that is written for the font file at `path`, itself first.
+std::vector<MString> GameFontPaths(const MGameFontPlan& plan, const MString& path);
+// Writes the pages and the file at `path`, over what is there, when all of them are complete beside their
+// places. What went wrong, as the end of a sentence about the file; empty if all of it was written, and old
+// files stay otherwise. `owner` is the window of the progress of large fonts.
 std::string WriteGameFont(const MGameFontPlan& plan, const MString& path, Desktop::WindowHandle owner);

@@ -12,6 +12,7 @@
 #include <QElapsedTimer>
 #include <QKeyEvent>
 #include <QLabel>
+#include <QPainter>
 #include <QProgressBar>
 #include <QThread>
 #include <QWindow>
@@ -37,6 +38,14 @@ public:
         bar.setGeometry(units.ToPixels(10, 40, 280, 14));
         bar.setRange(0, 100);
         bar.setAccessibleName(QStringLiteral("Progress"));
+    }
+
+    // It has no title bar, and would run into the window behind it.
+    void paintEvent(QPaintEvent* event) override {
+        QDialog::paintEvent(event);
+        QPainter painter(this);
+        painter.setPen(palette().color(QPalette::Dark));
+        painter.drawRect(rect().adjusted(0, 0, -1, -1));
     }
 
     void Refresh() {

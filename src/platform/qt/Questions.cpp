@@ -6,7 +6,12 @@
 
 #include <QColorDialog>
 #include <QFileDialog>
+#include <QFileInfo>
+#include <QHeaderView>
 #include <QMessageBox>
+#include <QScreen>
+#include <QTreeView>
+#include <QUrl>
 
 namespace {
 
@@ -54,6 +59,26 @@ QString FilterText(const Desktop::FileFilter& filter) {
     return ToQt(filter.name).section(" (", 0, 0) + " (" + patterns.join(' ') + ')';
 }
 
+void OfferPlaces(QFileDialog& chooser, const std::vector<MString>& places) {
+    QList<QUrl> urls = chooser.sidebarUrls();
+    for (const MString& place : places) {
+        const QUrl url = QUrl::fromLocalFile(ToQt(place));
+        if (QFileInfo(ToQt(place)).isDir() && !urls.contains(url)) urls << url;
+    }
+    chooser.setSidebarUrls(urls);
+}
+
+// Names are what matters; the other columns are as wide as they need, and the window is wide enough for all.
+void ShowWholeColumns(QFileDialog& chooser) {
+    constexpr QSize wanted(820, 500);
+    chooser.setViewMode(QFileDialog::Detail);
+    chooser.resize(wanted.boundedTo(chooser.screen()->availableSize()));
+    if (auto* const list = chooser.findChild<QTreeView*>("treeView")) {
+        list->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
+        list->header()->setSectionResizeMode(0, QHeaderView::Stretch);
+    }
+}
+
 // White at the first use; Qt keeps what the user makes of them.
 void PrepareCustomColours() {
     static bool prepared = false;
@@ -92,6 +117,8 @@ MString ShowFileDialog(WindowHandle owner, FileDialog& dialog, const MString& ex
     chooser.setNameFilters(filters);
     if (dialog.filterIndex >= 1 && dialog.filterIndex <= filters.size())
         chooser.selectNameFilter(filters[dialog.filterIndex - 1]);
+    OfferPlaces(chooser, dialog.places);
+    ShowWholeColumns(chooser);
     chooser.setDefaultSuffix(ToQt(extension));
     chooser.selectFile(ToQt(dialog.fileName));
     if (chooser.exec() != QDialog::Accepted || chooser.selectedFiles().isEmpty()) return {};

@@ -6,6 +6,7 @@
 #include "shell/Program.h"
 #include "shell/window/MMnemonics.h"
 
+#include <QAccessibleWidget>
 #include <QApplication>
 #include <QDragEnterEvent>
 #include <QMenuBar>
@@ -28,9 +29,27 @@ QString FirstFile(const QMimeData& data) {
     return urls.constFirst().toLocalFile();
 }
 
+// A picture, which the window's title describes.
+class MAccessiblePreview : public QAccessibleWidget {
+public:
+    explicit MAccessiblePreview(QWidget& shown) : QAccessibleWidget(&shown, QAccessible::Graphic) {}
+
+    QString text(QAccessible::Text kind) const override {
+        return kind == QAccessible::Value || kind == QAccessible::Description
+                   ? widget()->window()->windowTitle()
+                   : QAccessibleWidget::text(kind);
+    }
+};
+
+QAccessibleInterface* InterfaceOf(const QString&, QObject* object) {
+    auto* const preview = dynamic_cast<MPreviewWidget*>(object);
+    return preview ? new MAccessiblePreview(*preview) : nullptr;
+}
+
 } // namespace
 
 MPreviewWidget::MPreviewWidget() : client(*this) {
+    QAccessible::installFactory(InterfaceOf);
     client.draw = [this] {
         if (resized.isActive()) {
             DrawPreviewQuickly();
@@ -61,8 +80,8 @@ MMainWindow::MMainWindow(const QString& title, const QRect& frame) : wanted(fram
     setGeometry(frame);
 }
 
-// The font is another one after most commands, also after some that failed or were cancelled, and none of them may
-// leave the picture of the one before.
+// The font is another one after most commands, also after some that failed or were cancelled, and none of them
+// may leave the picture of the one before.
 void MMainWindow::Run(CommandId command) {
     RunCommand(command);
     preview.update();
@@ -110,7 +129,8 @@ void MMainWindow::LeaveRoomForFrame() {
 }
 
 void MMainWindow::dragEnterEvent(QDragEnterEvent* event) {
-    if (!FirstFile(*event->mimeData()).isEmpty()) event->acceptProposedAction();
+    // Others are refused while they are still held.
+    if (FirstFile(*event->mimeData()).endsWith(".sm", Qt::CaseInsensitive)) event->acceptProposedAction();
 }
 
 void MMainWindow::dropEvent(QDropEvent* event) {
