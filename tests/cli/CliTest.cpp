@@ -381,8 +381,10 @@ TEST(Cli, WholeFontEditsWebAndCubes) {
     EXPECT_TRUE(cli.Has("cube4.png"));
     EXPECT_EQ(cli.Picture("line.png").GetPixel(0, 0), MColour(0x10, 0x20, 0x30));
     cli.folder.Write("empty.phf", "<PhF>\n");
-    for (const char* steps : {"--html 'my font.html'", "--html no/font.html", "--open empty.phf",
-                              "--names digit.txt --cubes cube.png"})
+    EXPECT_EQ(cli.Info(make + "--open empty.phf")["glyphs"].size(), 0U)
+        << "nothing of the font before it stays";
+    for (const char* steps :
+         {"--html 'my font.html'", "--html no/font.html", "--names digit.txt --cubes cube.png"})
         EXPECT_EQ(cli.Run(make + steps), 1) << steps;
     EXPECT_THAT(cli.error, HasSubstr("letter 5"));
 }

@@ -87,13 +87,13 @@ StepResult OpenPhotofont(Run& run, const std::string& file, const MString& path)
     const TemporaryFolder temporary;
     if (temporary.path.empty()) return StepFailure{file, "there is no place for temporary files"};
     run.settings.Path(MPathKind::Temporary) = FromSystemPath(temporary.path);
+    run.font.reset(); // a fresh document, as in the window
     MColourFont& font = run.FontOrNew();
     const bool imported = MPhotofontImporter(font.Owner).Import(path, &font);
     run.settings.Path(MPathKind::Temporary) = MString();
     if (!imported) return StepFailure{file, "it can't be opened"};
     if (const MString refusal = TakePixelRefusal(); !refusal.IsEmpty())
         return StepFailure{file, "one of its pictures was not read: " + ToSystem(refusal)};
-    if (font.GlyphCount() == 0) return StepFailure{file, "it holds no glyph that could be read"};
     if (!font.Repack()) return StepFailure{file, "its glyphs don't fit a picture that memory can hold"};
     return {};
 }

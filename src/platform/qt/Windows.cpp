@@ -1,5 +1,6 @@
 // What the desktop knows of windows, screens and colours.
 
+#include "foundation/Product.h"
 #include "platform/Desktop.h"
 #include "platform/qt/MClientArea.h"
 #include "platform/qt/QtText.h"
@@ -43,7 +44,8 @@ MColour ButtonColour() {
 }
 
 void OpenInBrowser(const MString& url) {
-    QDesktopServices::openUrl(QUrl(ToQt(url)));
+    if (QDesktopServices::openUrl(QUrl(ToQt(url)))) return;
+    ShowMessage(nullptr, "No browser could be started for:\n\n" + url, ProductName, Buttons::Ok, Icon::Error);
 }
 
 Rect PrimaryScreen() {
