@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <ranges>
 #include <span>
 
 namespace {
@@ -16,13 +15,13 @@ constexpr auto transmissions = [] {
 }();
 
 // The white in front of the ink of a row, whose pixels come from the outside in.
-template<typename Pixels>
-float White(const Pixels& pixels, float far) {
+template<typename Iterator>
+float White(Iterator pixel, Iterator end, float far) {
     constexpr float dark = 1.0F / 512; // what is left behind that is no more than half of a level
     float white = 0;
     float light = 1;
-    for (const MColour& pixel : pixels) {
-        light *= transmissions[pixel.a];
+    for (; pixel != end; ++pixel) {
+        light *= transmissions[pixel->a];
         if (light < dark) return white;
         white += light;
     }
@@ -48,8 +47,8 @@ MInkProfile::MInkProfile(const MGlyph& glyph, float far) {
         const auto y = static_cast<std::int32_t>(row);
         const auto* const first = reinterpret_cast<const MColour*>(glyph.Picture.PixelAddress(0, y));
         const std::span pixels(first, static_cast<std::size_t>(glyph.Width));
-        before[row] = White(pixels, far) + static_cast<float>(glyph.SpacingBefore);
-        behind[row] = White(pixels | std::views::reverse, far) + static_cast<float>(glyph.SpacingAfter);
+        before[row] = White(pixels.begin(), pixels.end(), far) + static_cast<float>(glyph.SpacingBefore);
+        behind[row] = White(pixels.rbegin(), pixels.rend(), far) + static_cast<float>(glyph.SpacingAfter);
         if (std::ranges::none_of(pixels, [](const MColour& pixel) { return pixel.a >= inkFrom; })) continue;
         if (top == bottom) top = y;
         bottom = y + 1;

@@ -113,6 +113,10 @@ bool IsJustified(const MColourFont& font, const Size& size) {
             pixels += std::uint64_t{slot->Picture.Width} * slot->Picture.Height;
     }
     const std::uint64_t area = static_cast<std::uint64_t>(size.width) * static_cast<std::uint64_t>(size.height);
+    // Half a gigabyte and more must be filled by a third: as a smaller picture did not do, all but the oddest
+    // shapes do so.
+    constexpr std::uint64_t large = std::uint64_t{1} << 27;
+    if (area > large && area / 3 > pixels) return false;
     return area <= std::max(always, pixels * mostWaste);
 }
 

@@ -10,6 +10,12 @@ namespace {
 
 constexpr std::uint64_t fewPixels = std::uint64_t{1} << 24;
 
+// As many as the picture has, since the glyphs of a picture rarely overlap, counted with those that are spare.
+std::uint64_t PixelsOf(const MPicture& source) {
+    const std::uint64_t pixels = std::uint64_t{source.Width} * source.Height;
+    return std::max(pixels - std::min(pixels, SparePixels), fewPixels);
+}
+
 std::int32_t Scaled(std::int32_t value, float factor) {
     return ToInteger(static_cast<float>(value) * factor);
 }
@@ -17,11 +23,9 @@ std::int32_t Scaled(std::int32_t value, float factor) {
 } // namespace
 
 // A file can claim any number of huge glyphs, each small enough to be allocated. Together they may take half of
-// what a single block may have, and of pixels, as the glyphs of a picture rarely overlap, little more than it
-// has.
+// what a single block may have.
 MGlyphCutter::MGlyphCutter(const MPicture& source)
-    : picture(source), bytesLeft(MemoryLimit() / 2),
-      pixelsLeft(std::uint64_t{source.Width} * source.Height * 2 + fewPixels) {}
+    : picture(source), bytesLeft(MemoryLimit() / 2), pixelsLeft(PixelsOf(source)) {}
 
 bool MGlyphCutter::TakePixels(std::uint64_t count) {
     const bool free = count <= pixelsLeft;

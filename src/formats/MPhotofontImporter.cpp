@@ -5,6 +5,7 @@
 #include "foundation/MDebug.h"
 #include "foundation/MFile.h"
 #include "foundation/MFolders.h"
+#include "imaging/MPixelBudget.h"
 #include "platform/MProgressDialog.h"
 
 #include <algorithm>
@@ -13,7 +14,8 @@
 
 namespace {
 
-constexpr std::int32_t space = 32; // the first code that a glyph may have
+constexpr std::uint64_t fewPixels = std::uint64_t{1} << 26; // of all pictures of a small file
+constexpr std::int32_t space = 32;                          // the first code that a glyph may have
 
 bool Has(std::u16string_view line, std::u16string_view tag) {
     return line.find(tag) != std::u16string_view::npos;
@@ -79,7 +81,8 @@ bool MPhotofontImporter::Import(const MString& path, MColourFont* target) {
     MTextFile file(path, false, false, MTextEncoding::Ansi);
     if (!file.ok) return false;
     kerning.emplace(*font);
-    bytesLeft = MemoryLimit() / 2;
+    const auto bytes = static_cast<std::uint64_t>(std::max<std::int64_t>(GetFileSize(path), 0));
+    pixelsLeft = std::min(std::max(fewPixels, bytes * FreePixelsPerByte), MemoryLimit() / 2 / sizeof(MColour));
     ProgressDialog.Configure(Owner);
     ProgressDialog.Open();
     while (file.NextLine()) {
@@ -236,14 +239,12 @@ void MPhotofontImporter::StartImage(const MString& line) {
     inData = false;
 }
 
-// Boxes from a file can claim any number of huge pictures; together they stay below half of what a single block
-// may have.
-bool MPhotofontImporter::TakeBytes(std::int64_t width, std::int64_t height) {
+// Boxes from a file can claim any number of huge pictures.
+bool MPhotofontImporter::TakePixels(std::int64_t width, std::int64_t height) {
     if (width < 1 || height < 1) return false;
     const std::uint64_t area = static_cast<std::uint64_t>(width) * static_cast<std::uint64_t>(height);
-    constexpr std::uint64_t mostBytes = 8; // of a pixel
-    if (area > bytesLeft / mostBytes) return false;
-    bytesLeft -= area * sizeof(MColour);
+    if (area > pixelsLeft) return false;
+    pixelsLeft -= area;
     return true;
 }
 
@@ -257,7 +258,7 @@ void MPhotofontImporter::ProcessImage(const MPhotofontGlyph& glyph) {
                      number(picture->Height) + ") unicode " + number(glyph.Unicode) + " does not match box (" +
                      number(glyph.BoxWidth) + "," + number(glyph.BoxHeight) + ")\n")
                         .View());
-        if (TakeBytes(glyph.BoxWidth, glyph.BoxHeight)) {
+        if (TakePixels(glyph.BoxWidth, glyph.BoxHeight)) {
             const MPicture boxed(*picture, static_cast<std::uint32_t>(glyph.BoxWidth),
                                  static_cast<std::uint32_t>(glyph.BoxHeight), picture->Format, false, false);
             if (boxed.IsValid()) {
@@ -274,9 +275,10 @@ void MPhotofontImporter::ProcessImage(const MPhotofontGlyph& glyph) {
 std::optional<MPicture> MPhotofontImporter::DecodeImage(const MPhotofontGlyph& glyph) {
     const MString path = JoinPath(Settings->Path(MPathKind::Temporary), "temp.png");
     std::optional<MPicture> picture;
-    if (WriteFile(path, base64)) {
+    if (pixelsLeft > 0 && WriteFile(path, base64)) {
         picture = MPicture(path);
         if (!picture->IsValid()) picture.reset();
+        if (picture) pixelsLeft -= std::min(pixelsLeft, std::uint64_t{picture->Width} * picture->Height);
     } else {
         DebugOutput((MString("ERROR: Could not decode ") + MString(glyph.Unicode) + "\n").View());
     }
@@ -294,7 +296,7 @@ void MPhotofontImporter::AddGlyph(const MPhotofontGlyph& glyph, const MPicture& 
     picture.GetMargins(top, right, bottom, left);
     const std::int64_t width = std::int64_t{glyph.BoxWidth} - left - right;
     const std::int64_t height = std::int64_t{MaxAscent} + MaxDescent;
-    if (!TakeBytes(width, height)) return;
+    if (!TakePixels(width, height)) return;
     MPicture cell(static_cast<std::uint32_t>(width), static_cast<std::uint32_t>(height), FormatRGBA8);
     if (!cell.IsValid()) return;
     cell.Fill(MColour(0, 0, 0, 0));

@@ -67,7 +67,7 @@ private:
     bool inData = false;
     std::string base64;
     std::int32_t imagesDone = 0;
-    std::uint64_t bytesLeft = 0; // for the pictures that this import may make
+    std::uint64_t pixelsLeft = 0; // of the pictures that this import may read and make
 
     void ReadLine(const MString& line);
     bool TakeData(std::u16string_view line);
@@ -81,5 +81,5 @@ private:
     void ProcessImage(const MPhotofontGlyph& glyph);
     std::optional<MPicture> DecodeImage(const MPhotofontGlyph& glyph);
     void AddGlyph(const MPhotofontGlyph& glyph, const MPicture& picture);
-    bool TakeBytes(std::int64_t width, std::int64_t height);
+    bool TakePixels(std::int64_t width, std::int64_t height);
 };

@@ -274,8 +274,7 @@ std::size_t PlaceAll(std::span<MSafeFile> files, MWriteFailures* failures) {
         }
     }
     std::ranges::sort(folders);
-    const auto repeated = std::ranges::unique(folders);
-    folders.erase(repeated.begin(), repeated.end());
+    folders.erase(std::unique(folders.begin(), folders.end()), folders.end());
     for (const fs::path& folder : folders)
         FlushFolder(folder);
     return placed;
@@ -316,8 +315,7 @@ MFolderLock::MFolderLock(std::vector<fs::path> folders) {
         folder = fs::canonical(FolderOf(folder / "x"), error);
     // Always in the same order, and each once: two programs never wait for each other.
     std::ranges::sort(folders);
-    const auto repeated = std::ranges::unique(folders);
-    folders.erase(repeated.begin(), repeated.end());
+    folders.erase(std::unique(folders.begin(), folders.end()), folders.end());
     const auto end = Clock::now() + patience;
     for (const fs::path& folder : folders) {
         const int handle = open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);

@@ -12,7 +12,10 @@
 
 namespace {
 
+constexpr std::uint64_t megabyte = 1 << 20;
+
 std::uint64_t left = SparePixels;
+std::uint64_t smallLeft = AllFreePixels;
 bool ofFont = false;
 MString refusal;
 std::optional<std::uint64_t> limitedBytes; // of the file that is being decoded
@@ -21,33 +24,43 @@ MString Number(std::uint64_t value) {
     return MString(std::to_string(value).c_str());
 }
 
+// What a file of so many bytes may have before anything is taken from what all share.
 std::uint64_t FreeFor(std::uint64_t bytes) {
-    constexpr std::uint64_t megabyte = 1 << 20;
-    if (!ofFont) return FreePixels + bytes * FreePixelsPerByte;
+    if (!ofFont) return bytes * FreePixelsPerByte;
     return bytes < megabyte ? FontPixels : bytes * FontPixelsPerByte;
+}
+
+// The most that one picture may have now.
+std::uint64_t MostFor(std::uint64_t bytes) {
+    const std::uint64_t most = FreeFor(bytes) + std::min(FreePixels, smallLeft) + left;
+    return ofFont || bytes >= megabyte ? most : std::min(most, SparePixels);
 }
 
 } // namespace
 
 void RestorePixelBudget() {
     left = SparePixels;
+    smallLeft = AllFreePixels;
     refusal = MString();
 }
 
-bool TakePixels(std::uint64_t width, std::uint64_t height, std::uint64_t fileBytes) {
-    constexpr std::uint64_t most = std::numeric_limits<std::uint32_t>::max(); // a product of two fits then
-    if (width > most || height > most) return false;
-    const std::uint64_t free = FreeFor(std::min(fileBytes, most));
-    const std::uint64_t cost = width * height - std::min(width * height, free);
-    if (cost > left) {
+bool TakePixels(std::uint64_t width, std::uint64_t height, std::uint64_t fileBytes, std::uint64_t weight) {
+    constexpr std::uint64_t longest = std::numeric_limits<std::uint32_t>::max() / 2; // so that products fit
+    if (width > longest || height > longest) return false;
+    const std::uint64_t bytes = std::min(fileBytes, longest);
+    const std::uint64_t pixels = width * height * weight;
+    const std::uint64_t most = MostFor(bytes);
+    if (pixels > most) {
         refusal = "its " + Number(width) + " x " + Number(height) +
-                  " pixels are more than a glyph could need: of " +
-                  SizeText(static_cast<std::int64_t>(std::min(fileBytes, most))) + ", " + Number(free + left) +
-                  " pixels are read";
+                  " pixels are more than a glyph could need: of " + SizeText(static_cast<std::int64_t>(bytes)) +
+                  ", " + Number(most / weight) + " pixels are read";
         DebugOutput((refusal + "\n").View());
         return false;
     }
-    left -= cost;
+    const std::uint64_t beyond = pixels - std::min(pixels, FreeFor(bytes));
+    const std::uint64_t small = std::min({beyond, FreePixels, smallLeft});
+    smallLeft -= small;
+    left -= beyond - small;
     return true;
 }
 
@@ -73,8 +86,8 @@ MFontPictureScope::~MFontPictureScope() {
     ofFont = false;
 }
 
-bool IsWithinPixelLimit(std::uint64_t width, std::uint64_t height) {
-    return !limitedBytes || TakePixels(width, height, *limitedBytes);
+bool IsWithinPixelLimit(std::uint64_t width, std::uint64_t height, std::uint64_t weight) {
+    return !limitedBytes || TakePixels(width, height, *limitedBytes, weight);
 }
 
 MString TakePixelRefusal() {

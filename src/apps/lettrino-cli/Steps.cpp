@@ -14,7 +14,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
-#include <ranges>
+#include <span>
 
 namespace {
 
@@ -79,7 +79,7 @@ StepResult RepackResult(MColourFont& font) {
 
 // What a window would have told while the step was done, which did not end it: each in one line.
 void PrintMessages(const char* step, std::size_t first) {
-    for (const Headless::Message& message : Headless::record.messages | std::views::drop(first)) {
+    for (const Headless::Message& message : std::span(Headless::record.messages).subspan(first)) {
         std::string text = ToSystem(message.text);
         std::ranges::replace(text, '\n', ' ');
         std::fprintf(stderr, "lettrino-cli: %s: %s\n", step, text.c_str());

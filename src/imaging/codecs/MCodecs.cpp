@@ -74,7 +74,7 @@ bool StartsWith(std::span<const std::uint8_t> bytes, std::string_view signature)
 bool AllocatePicture(MPicture& picture, std::uint64_t width, std::uint64_t height, MPixelFormat format) {
     constexpr std::uint64_t most = std::numeric_limits<std::uint32_t>::max();
     if (width == 0 || height == 0 || width > most || height > most) return false;
-    if (!IsWithinPixelLimit(width, height)) return false;
+    if (!IsWithinPixelLimit(width, height, BytesPerPixel(format) > 4 ? 2 : 1)) return false;
     picture = MPicture(static_cast<std::uint32_t>(width), static_cast<std::uint32_t>(height), format);
     return picture.IsValid();
 }

@@ -1,6 +1,7 @@
 // HEIF, through libheif and its HEVC plugins with their default settings. 8-bit files become format 4 or 7,
 // deeper ones 5 or 8. Each top-level picture is a frame, the primary one first.
 #include "foundation/MNumbers.h"
+#include "imaging/MPixelBudget.h"
 #include "imaging/codecs/MByteRows.h"
 #include "imaging/codecs/MCodec.h"
 #include "imaging/codecs/MHeifReferences.h"
@@ -139,10 +140,9 @@ bool CopyImage(const heif_image* image, MPixelFormat format, bool premultiplied,
     int stride = 0;
     const std::uint8_t* const plane = heif_image_get_plane_readonly(image, heif_channel_interleaved, &stride);
     if (!plane || width < 1 || height < 1) return false;
-    if (!AllocatePicture(picture, static_cast<std::uint32_t>(width), static_cast<std::uint32_t>(height),
-                         format)) {
-        return false;
-    }
+    // Its size was asked about before it was decoded.
+    picture = MPicture(static_cast<std::uint32_t>(width), static_cast<std::uint32_t>(height), format);
+    if (!picture.IsValid()) return false;
     const int bits = heif_image_get_bits_per_pixel_range(image, heif_channel_interleaved);
     const auto channels = static_cast<std::size_t>(ChannelCount(format));
     if (ChannelClass(format) == 2 && (bits < 9 || bits > 16)) return false;
@@ -200,20 +200,24 @@ void LimitDerivedPictures(heif_context* context, std::span<const std::uint8_t> f
     heif_context_set_maximum_image_size_limit(context, ToInteger(most));
 }
 
-bool DecodeHandle(const heif_image_handle* handle, std::uint64_t fileSize, MPicture& picture) {
-    // A picture cut out of a larger one is decoded whole.
-    const auto count = [](int width, int height) {
-        return static_cast<std::uint64_t>(std::max(width, 0)) * static_cast<std::uint64_t>(std::max(height, 0));
+bool DecodeHandle(const heif_image_handle* handle, const MHevcSize& coded, std::uint64_t fileSize,
+                  MPicture& picture) {
+    const auto size = [](int width, int height) {
+        return MHevcSize{static_cast<std::uint64_t>(std::max(width, 0)),
+                         static_cast<std::uint64_t>(std::max(height, 0))};
     };
-    const std::uint64_t pixels =
-        count(heif_image_handle_get_width(handle), heif_image_handle_get_height(handle));
-    const std::uint64_t whole =
-        count(heif_image_handle_get_ispe_width(handle), heif_image_handle_get_ispe_height(handle));
-    if (pixels == 0 || !IsPlausible(std::max(pixels, whole), fileSize)) return false;
+    const MHevcSize shown = size(heif_image_handle_get_width(handle), heif_image_handle_get_height(handle));
+    // A picture cut out of a larger one is decoded whole, and what the coded data say is believed.
+    const MHevcSize largest = std::ranges::max(
+        {shown, size(heif_image_handle_get_ispe_width(handle), heif_image_handle_get_ispe_height(handle)),
+         coded},
+        {}, &MHevcSize::Pixels);
+    if (shown.Pixels() == 0 || !IsPlausible(largest.Pixels(), fileSize)) return false;
     const bool alpha = heif_image_handle_has_alpha_channel(handle) != 0;
     // Premultiplied colours have lost depth already; they are brought back in bytes.
     const bool premultiplied = heif_image_handle_is_premultiplied_alpha(handle) != 0;
     const bool deep = heif_image_handle_get_luma_bits_per_pixel(handle) > 8 && !premultiplied;
+    if (!IsWithinPixelLimit(largest.width, largest.height, deep ? 2 : 1)) return false;
     const heif_chroma chroma =
         deep    ? alpha ? heif_chroma_interleaved_RRGGBBAA_LE : heif_chroma_interleaved_RRGGBB_LE
         : alpha ? heif_chroma_interleaved_RGBA
@@ -273,7 +277,8 @@ bool DecodeHeif(MByteSource& file, std::int32_t frame, MPicture& picture) {
         const std::span<const std::uint8_t> bytes = file.All();
         const Context context(heif_context_alloc());
         if (!context || bytes.empty() || HoldsAv1(bytes)) return false;
-        if (!IsPlausible(LargestHevcPicture(bytes), bytes.size()) || !ReferencesEnd(bytes)) return false;
+        const MHevcSize coded = LargestHevcPicture(bytes);
+        if (!IsPlausible(coded.Pixels(), bytes.size()) || !ReferencesEnd(bytes)) return false;
         LimitDerivedPictures(context.get(), bytes);
         const heif_error error =
             heif_context_read_from_memory_without_copy(context.get(), bytes.data(), bytes.size(), nullptr);
@@ -282,7 +287,7 @@ bool DecodeHeif(MByteSource& file, std::int32_t frame, MPicture& picture) {
         if (!Succeeded(error) || !FindFrame(context.get(), frame, item, frames)) return false;
         const Handle handle = Made<Handle>(
             [&](heif_image_handle** made) { return heif_context_get_image_handle(context.get(), item, made); });
-        if (!handle || !DecodeHandle(handle.get(), bytes.size(), picture)) return false;
+        if (!handle || !DecodeHandle(handle.get(), coded, bytes.size(), picture)) return false;
         SetFrames(picture, frames);
         return true;
     });

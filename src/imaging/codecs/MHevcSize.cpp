@@ -66,7 +66,7 @@ void SkipProfile(BitReader& bits, std::uint32_t subLayers) {
 }
 
 // The start of seq_parameter_set_rbsp (7.3.2.2.1)
-std::uint64_t PictureSize(std::span<const std::uint8_t> parameterSet) {
+MHevcSize PictureSize(std::span<const std::uint8_t> parameterSet) {
     BitReader bits(parameterSet);
     bits.Skip(4);
     const std::uint32_t subLayers = bits.Bit() << 2 | bits.Bit() << 1 | bits.Bit();
@@ -76,19 +76,20 @@ std::uint64_t PictureSize(std::span<const std::uint8_t> parameterSet) {
     constexpr std::uint64_t fullChroma = 3;
     if (bits.Code() == fullChroma) bits.Skip(1);
     const std::uint64_t width = bits.Code();
-    return width * bits.Code();
+    return {width, bits.Code()};
 }
 
 } // namespace
 
-std::uint64_t LargestHevcPicture(std::span<const std::uint8_t> file) {
+MHevcSize LargestHevcPicture(std::span<const std::uint8_t> file) {
     // The header of such a unit (7.3.1.2). Other data may look like one, but hardly ever promise an enormous
     // size.
     constexpr std::array<std::uint8_t, 2> mark = {0x42, 0x01};
-    std::uint64_t largest = 0;
+    MHevcSize largest;
     for (auto at = file.begin();; at += mark.size()) {
         at = std::search(at, file.end(), mark.begin(), mark.end());
         if (at == file.end()) return largest;
-        largest = std::max(largest, PictureSize(std::span(at, file.end()).subspan(mark.size())));
+        const MHevcSize size = PictureSize(std::span(at, file.end()).subspan(mark.size()));
+        if (size.Pixels() > largest.Pixels()) largest = size;
     }
 }

@@ -5,5 +5,12 @@
 #include <cstdint>
 #include <span>
 
-// Width times height of the largest; 0 if there is no parameter set.
-std::uint64_t LargestHevcPicture(std::span<const std::uint8_t> file);
+struct MHevcSize {
+    std::uint64_t width = 0;
+    std::uint64_t height = 0;
+
+    std::uint64_t Pixels() const { return width * height; }
+};
+
+// Of the largest; none if there is no parameter set.
+MHevcSize LargestHevcPicture(std::span<const std::uint8_t> file);

@@ -90,11 +90,11 @@ bool IsWithinBudget(FT_Face face, std::uint32_t glyph) {
     if (FT_Load_Glyph(face, glyph, FT_LOAD_COLOR | FT_LOAD_BITMAP_METRICS_ONLY) != 0) return false;
     const FT_GlyphSlot slot = face->glyph;
     if (slot->format != FT_GLYPH_FORMAT_BITMAP) return true;
-    // What the file has for each glyph; a claim of few glyphs doesn't make it much.
-    constexpr std::uint64_t mostBytes = 16384;
+    // What the file has for each glyph, of which there are hundreds; a claim of few doesn't make it much.
+    constexpr std::uint64_t mostBytes = 4096;
     const std::uint64_t glyphs = static_cast<std::uint64_t>(std::max<FT_Long>(face->num_glyphs, 1));
     const std::uint64_t bytes = face->stream ? face->stream->size / glyphs : 0;
-    return TakePixels(slot->bitmap.width, slot->bitmap.rows, std::min(bytes, mostBytes));
+    return TakePixels(slot->bitmap.width, slot->bitmap.rows, std::min(bytes / 4, mostBytes));
 }
 
 } // namespace

@@ -35,11 +35,11 @@ TEST(HeifCodec, DeepFilesKeepTheirDepthAndEachPictureIsAFrame) {
 TEST(HeifCodec, SizesAreReadOffTheCodedDataToo) {
     for (const auto& [width, height] : {std::pair(32U, 32U), std::pair(301U, 77U), std::pair(4096U, 16U)}) {
         const std::uint64_t coded =
-            LargestHevcPicture(Encoded("HEIF", SmoothPicture(width, height, FormatRGB8)));
+            LargestHevcPicture(Encoded("HEIF", SmoothPicture(width, height, FormatRGB8))).Pixels();
         EXPECT_GE(coded, width * height);
         EXPECT_LE(coded, (width + 64) * (height + 64)) << "rounded up to whole blocks";
     }
-    EXPECT_EQ(LargestHevcPicture({}), 0U);
+    EXPECT_EQ(LargestHevcPicture({}).Pixels(), 0U);
 
     // A parameter set of 65535 by 65535 pixels: two bytes of header, 104 bits of profile, then codes for 0, 1,
     // 65535 and 65535, with a 3 behind every two zeros. The decoder would take its memory before anything tells
@@ -47,7 +47,7 @@ TEST(HeifCodec, SizesAreReadOffTheCodedDataToo) {
     Bytes hostile = {0x42, 0x01, 0x00};
     hostile.resize(15, 0x40);
     Append(hostile, Bytes{0xA0, 0, 8, 0, 0, 3, 0, 4, 0, 0, 3, 0});
-    EXPECT_EQ(LargestHevcPicture(hostile), 65535ULL * 65535);
+    EXPECT_EQ(LargestHevcPicture(hostile).Pixels(), 65535ULL * 65535);
 
     Bytes file = Encoded("HEIF", SmoothPicture(32, 32, FormatRGB8));
     Append(file, hostile);

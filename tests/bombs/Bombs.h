@@ -1,0 +1,46 @@
+// Hostile files of less than a megabyte, for every reader: pictures that unpack to gigabytes, records that
+// repeat what is slow, documents that never end. They are made when they are needed and stand in no folder.
+#pragma once
+
+#include "platform_text/FontBuilder.h"
+
+#include <functional>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace bombs {
+
+struct Bomb {
+    std::string reader;
+    std::string name;
+    std::string file; // its name, and that of the picture beside it if there is one
+    std::string bytes;
+    // What lettrino-cli is asked to do in the folder of the files, as typed in a shell. Empty for a file that
+    // only the window reads.
+    std::string steps;
+    std::vector<std::pair<std::string, std::string>> beside{}; // further files: name and bytes
+    bool sharp = false;                                        // tried in every test run
+};
+
+inline constexpr std::size_t largestFile = 1 << 20;
+
+std::vector<Bomb> PictureBombs();
+std::vector<Bomb> FaceBombs();     // files with the faces of a font
+std::vector<Bomb> ColourBombs();   // the same with glyphs in colour
+std::vector<Bomb> DocumentBombs(); // texture fonts, scripts, Photofonts, names, settings
+std::vector<Bomb> AllBombs();
+
+// Numbers with the least significant byte first.
+std::string Little(std::initializer_list<std::pair<std::uint64_t, int>> fields);
+// A zlib stream of so many bytes, all alike.
+std::string PackedRun(std::uint64_t count, char byte = 0);
+// A PNG of one colour: 8 or 16 bits, grey (0) or with all channels (6). `padding` bytes that no reader needs
+// make its file larger.
+std::string FlatPng(std::uint32_t width, std::uint32_t height, int depth, int colourType, std::size_t total = 0,
+                    bool interlaced = false);
+std::string PngChunk(const char* type, const std::string& bytes);
+// What no decoder looks at and nothing makes smaller.
+std::string Noise(std::size_t count);
+
+} // namespace bombs

@@ -1,0 +1,27 @@
+// The sharpest of the hostile files, read within limits that the system keeps, so that a slow machine fails no
+// test. scripts/bombs tells what all of them cost.
+#include "bombs/Trial.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+#if defined(__SANITIZE_ADDRESS__)
+constexpr bool sanitized = true; // which maps far more than it uses
+#else
+constexpr bool sanitized = false;
+#endif
+
+TEST(Bombs, TheSharpestStayWithinTimeAndMemory) {
+    bombs::Limits limits{.seconds = 300, .cpu = 4, .memory = bombs::mostMemory + (std::uint64_t{512} << 20)};
+    if (sanitized) limits = {.seconds = 300, .cpu = 60, .memory = 0};
+    for (const bombs::Bomb& bomb : bombs::AllBombs()) {
+        if (!bomb.sharp) continue;
+        EXPECT_LE(bomb.bytes.size(), bombs::largestFile) << bomb.name;
+        const bombs::Cost cost = bombs::Try(bomb, LETTRINO_CLI, limits);
+        EXPECT_LE(cost.status, 1) << bomb.reader << ", " << bomb.name << ": " << cost.seconds << " s, "
+                                  << (cost.memory >> 20) << " MB: " << cost.error;
+    }
+}
+
+} // namespace

@@ -1,0 +1,237 @@
+#include "bombs/Bombs.h"
+#include "platform_text/PaintBuilder.h"
+
+#include <zlib.h>
+
+namespace bombs {
+
+namespace {
+
+using fonts::Bytes;
+using fonts::ColourTables;
+using fonts::Font;
+
+constexpr int codes = 223;
+
+// Glyphs 1 to 223 are the characters from 33 on, each a box.
+Font AllGlyphs() {
+    Font font;
+    for (int i = 0; i < codes; ++i)
+        font.Add({{fonts::Box(0, -200, 1000, 800)}}, static_cast<char16_t>(33 + i));
+    return font;
+}
+
+// A document for each glyph, or one for all where `document` has them all.
+std::string Svg(const std::vector<std::string>& documents) {
+    const bool one = documents.size() == 1;
+    Bytes table = Bytes().U16(0).U32(10).U32(0).U16(static_cast<int>(documents.size()));
+    std::size_t at = 2 + documents.size() * 12;
+    for (std::size_t i = 0; i < documents.size(); ++i) {
+        const auto glyph = static_cast<int>(i + 1);
+        table.U16(glyph).U16(one ? codes : glyph).U32(static_cast<std::int64_t>(at));
+        table.U32(static_cast<std::int64_t>(documents[i].size()));
+        at += documents[i].size();
+    }
+    for (const std::string& document : documents)
+        table.Add(document);
+    Font font = AllGlyphs();
+    font.tables["SVG "] = table;
+    return font.Build();
+}
+
+std::string Document(int glyph, const std::string& definitions, const std::string& content) {
+    return "<svg xmlns='http://www.w3.org/2000/svg' xmlns:xlink='http://www.w3.org/1999/xlink'>" + definitions +
+           "<g id='glyph" + std::to_string(glyph) + "'>" + content + "</g></svg>";
+}
+
+std::string SvgOfEach(const std::string& definitions, const std::string& content) {
+    std::vector<std::string> documents;
+    for (int glyph = 1; glyph <= codes; ++glyph)
+        documents.push_back(Document(glyph, definitions, content));
+    return Svg(documents);
+}
+
+std::string Gzip(const std::string& text) {
+    z_stream stream{};
+    deflateInit2(&stream, 9, Z_DEFLATED, MAX_WBITS + 16, 8, Z_DEFAULT_STRATEGY);
+    std::string packed(deflateBound(&stream, text.size()), '\0');
+    stream.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(text.data()));
+    stream.avail_in = static_cast<uInt>(text.size());
+    stream.next_out = reinterpret_cast<Bytef*>(packed.data());
+    stream.avail_out = static_cast<uInt>(packed.size());
+    deflate(&stream, Z_FINISH);
+    packed.resize(stream.total_out);
+    deflateEnd(&stream);
+    return packed;
+}
+
+std::string Noisy(int octaves) {
+    return "<filter id='f' x='0' y='0' width='1' height='1'><feTurbulence baseFrequency='0.1' numOctaves='" +
+           std::to_string(octaves) + "'/></filter>";
+}
+const std::string filtered = "<rect width='1000' height='1000' y='-800' filter='url(#f)'/>";
+
+// Every glyph is the same picture.
+std::string Sbix(const std::string& png) {
+    Font font = AllGlyphs();
+    Bytes strike;
+    strike.U16(512).U16(72);
+    const std::size_t at = 4 + (codes + 2) * 4;
+    std::vector<Bytes> pictures;
+    // The place of each glyph's picture is where the last one ended, so only as many fit as the file has room.
+    std::size_t place = at;
+    const std::size_t each = png.size() + 8;
+    const std::size_t room = (largestFile - 60'000) / each;
+    Bytes data;
+    strike.U32(static_cast<std::int64_t>(place));
+    for (std::size_t glyph = 0; glyph <= codes; ++glyph) {
+        strike.U32(static_cast<std::int64_t>(place));
+        if (glyph + 1 > codes) break;
+        if (glyph < room) {
+            place += each;
+            data.U16(0).U16(0).Add("png ").Add(png);
+        }
+    }
+    font.tables["sbix"] = Bytes().U16(1).U16(1).U32(1).U32(12).Add(strike).Add(data);
+    return font.Build();
+}
+
+std::string Cbdt(const std::string& png, int side) {
+    Font font = AllGlyphs();
+    Bytes data;
+    data.U16(3).U16(0);
+    data.U8(side).U8(side).U8(10).U8(20).U8(40).U32(static_cast<std::int64_t>(png.size())).Add(png);
+    Bytes metrics;
+    metrics.U8(80).U8(-20).U8(100);
+    for (int i = 0; i < 9; ++i)
+        metrics.U8(0);
+    // Each glyph has a range of its own, and all of them the same place.
+    Bytes ranges;
+    Bytes tables;
+    for (int glyph = 1; glyph <= codes; ++glyph) {
+        ranges.U16(glyph).U16(glyph).U32(codes * 8 + (glyph - 1) * 16);
+        tables.U16(1).U16(17).U32(4).U32(0).U32(static_cast<std::int64_t>(data.size()) - 4);
+    }
+    Bytes index;
+    index.U16s({3, 0})
+        .U32(1)
+        .U32(56)
+        .U32(static_cast<std::int64_t>(ranges.size() + tables.size()))
+        .U32(codes)
+        .U32(0);
+    index.Add(metrics).Add(metrics).U16s({1, codes}).U8(100).U8(100).U8(32).U8(1);
+    font.tables["CBDT"] = data;
+    font.tables["CBLC"] = index.Add(ranges).Add(tables);
+    return font.Build();
+}
+
+// All glyphs have these paints; the file has them once for each.
+std::string Colr(const ColourTables& made, const Bytes& paint) {
+    ColourTables tables = made;
+    tables.palette = {{230, 40, 40, 128}, {30, 160, 60, 255}};
+    Font font = AllGlyphs();
+    for (int glyph = 1; glyph <= codes; ++glyph)
+        tables.glyphs[glyph] = paint;
+    font.tables["COLR"] = tables.Colr();
+    font.tables["CPAL"] = tables.Cpal();
+    return font.Build();
+}
+
+// So many layers over one another, each of them everywhere. More than 255 are layers of layers.
+std::string Layered(int count, const Bytes& layer) {
+    ColourTables tables;
+    Bytes all = fonts::Layers(0, std::min(count, 255));
+    for (int i = 0; i < std::min(count, 255); ++i)
+        tables.layers.push_back(count > 255 ? fonts::Layers(255, std::min(count / 255, 255)) : layer);
+    for (int i = 0; count > 255 && i < std::min(count / 255, 255); ++i)
+        tables.layers.push_back(layer);
+    return Colr(tables, all);
+}
+
+// Each of two paints is again two: a tree as deep as this.
+Bytes Composites(int depth, const Bytes& leaf) {
+    if (depth == 0) return leaf;
+    const Bytes below = Composites(depth - 1, leaf);
+    return fonts::Composite(3, below, below);
+}
+
+} // namespace
+
+std::vector<Bomb> ColourBombs() {
+    std::vector<Bomb> all;
+    const auto add = [&](const char* reader, const char* name, std::string bytes, bool sharp = false,
+                         int height = 512) {
+        all.push_back({.reader = reader,
+                       .name = name,
+                       .file = "f.ttf",
+                       .bytes = std::move(bytes),
+                       .steps = "--font-file f.ttf --family 'Built Sans' --colour-font --height " +
+                                std::to_string(height) + " --select all --generate --info",
+                       .sharp = sharp});
+    };
+    for (const int octaves : {1, 3, 10, 100, 1'000'000}) {
+        const std::string name = "noise of " + std::to_string(octaves) + " octaves in each glyph";
+        add("SVG", name.c_str(), SvgOfEach(Noisy(octaves), filtered), octaves == 3);
+    }
+    add("SVG", "one document of 200,000 elements", [] {
+        std::string many;
+        for (int i = 0; i < 200'000; ++i)
+            many += "<g/>";
+        std::string document = "<svg xmlns='http://www.w3.org/2000/svg'>" + many;
+        for (int glyph = 1; glyph <= codes; ++glyph)
+            document += "<rect id='glyph" + std::to_string(glyph) + "' width='9' height='9'/>";
+        return Svg({Gzip(document + "</svg>")});
+    }());
+    add(
+        "SVG", "a document of 30 MB for each glyph",
+        [] {
+            std::vector<std::string> documents;
+            const std::string space = "<!--" + std::string(std::size_t{30} << 20, ' ') + "-->";
+            const std::string packed = Gzip(Document(1, space, filtered));
+            for (int glyph = 1; glyph <= codes && packed.size() * documents.size() < largestFile - 100'000;
+                 ++glyph)
+                documents.push_back(packed);
+            return Svg(documents);
+        }(),
+        true);
+    add("SVG", "uses of uses, 10^9",
+        SvgOfEach(
+            [] {
+                std::string uses = "<g id='u0'><rect width='900' height='900' y='-800'/></g>";
+                for (int i = 1; i < 10; ++i) {
+                    uses += "<g id='u" + std::to_string(i) + "'>";
+                    for (int k = 0; k < 10; ++k)
+                        uses += "<use xlink:href='#u" + std::to_string(i - 1) + "'/>";
+                    uses += "</g>";
+                }
+                return uses;
+            }(),
+            "<use xlink:href='#u9'/>"));
+
+    add("sbix", "20000 x 20000", Sbix(FlatPng(20000, 20000, 1, 0)));
+    add("sbix", "1100 x 1100 in each glyph", Sbix(FlatPng(1100, 1100, 8, 6)), true);
+    add("sbix", "512 x 512 of 16 bits in each glyph", Sbix(FlatPng(511, 511, 16, 6)));
+    add("CBDT", "20000 x 20000", Cbdt(FlatPng(20000, 20000, 1, 0), 255));
+    add("CBDT", "255 x 255 in each glyph", Cbdt(FlatPng(255, 255, 8, 6), 255));
+    add("CBDT", "1100 x 1100 in each glyph", Cbdt(FlatPng(1100, 1100, 8, 6), 255), true);
+
+    const Bytes solid = fonts::Outline(1, fonts::Solid(0, 0.5));
+    const std::vector<fonts::Stop> stops = {{0, 0}, {1, 1}};
+    const Bytes sweep = fonts::Outline(1, fonts::Sweep(500, 400, 0, 90, fonts::ColourLine(1, stops)));
+    const Bytes radial =
+        fonts::Outline(1, fonts::Radial({300, 300, 60, 700, 500, 180}, fonts::ColourLine(2, stops)));
+    add("COLR", "255 layers", Layered(255, solid));
+    add("COLR", "16,000 layers", Layered(16'000, solid), true);
+    add("COLR", "16,000 layers of sweeps", Layered(16'000, sweep), true);
+    add("COLR", "16,000 layers of cones", Layered(16'000, radial));
+    add("COLR", "composites of composites, 2^8", Colr({}, Composites(8, solid)), true);
+    add("COLR", "4,000 stops", Colr({}, [] {
+            std::vector<fonts::Stop> many;
+            for (int i = 0; i < 700; ++i)
+                many.push_back({i / 700.0, i % 2});
+            return fonts::Outline(1, fonts::Sweep(500, 400, 0, 0.1, fonts::ColourLine(1, many)));
+        }()));
+    return all;
+}
+
+} // namespace bombs

@@ -1,0 +1,80 @@
+#include "bombs/Bombs.h"
+
+#include <zlib.h>
+
+#include <random>
+
+namespace bombs {
+
+std::string Little(std::initializer_list<std::pair<std::uint64_t, int>> fields) {
+    std::string bytes;
+    for (const auto& [value, size] : fields)
+        for (int i = 0; i < size; ++i)
+            bytes.push_back(static_cast<char>(value >> (8 * i) & 0xFF));
+    return bytes;
+}
+
+std::string PackedRun(std::uint64_t count, char byte) {
+    z_stream stream{};
+    deflateInit(&stream, 9);
+    const std::string piece(1 << 20, byte);
+    std::string packed;
+    std::string out(1 << 16, '\0');
+    while (true) {
+        const std::uint64_t now = std::min<std::uint64_t>(count, piece.size());
+        stream.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(piece.data()));
+        stream.avail_in = static_cast<uInt>(now);
+        count -= now;
+        do {
+            stream.next_out = reinterpret_cast<Bytef*>(out.data());
+            stream.avail_out = static_cast<uInt>(out.size());
+            deflate(&stream, count == 0 ? Z_FINISH : Z_NO_FLUSH);
+            packed.append(out, 0, out.size() - stream.avail_out);
+        } while (stream.avail_out == 0);
+        if (count == 0) break;
+    }
+    deflateEnd(&stream);
+    return packed;
+}
+
+std::string Noise(std::size_t count) {
+    std::mt19937 random(1);
+    std::string bytes(count, '\0');
+    for (char& byte : bytes)
+        byte = static_cast<char>(random() % 255 + 1);
+    return bytes;
+}
+
+std::string PngChunk(const char* type, const std::string& bytes) {
+    const std::string body = type + bytes;
+    const uLong sum = crc32(0, reinterpret_cast<const Bytef*>(body.data()), static_cast<uInt>(body.size()));
+    return fonts::Bytes()
+        .U32(static_cast<std::int64_t>(bytes.size()))
+        .Add(body)
+        .U32(static_cast<std::int64_t>(sum));
+}
+
+std::string FlatPng(std::uint32_t width, std::uint32_t height, int depth, int colourType, std::size_t total,
+                    bool interlaced) {
+    const std::uint64_t channels = colourType == 6 ? 4 : 1;
+    const auto bytesOf = [&](std::uint64_t w, std::uint64_t h) {
+        return w == 0 ? 0 : h * (1 + (w * channels * static_cast<std::uint64_t>(depth) + 7) / 8);
+    };
+    std::uint64_t count = bytesOf(width, height);
+    if (interlaced) { // Adam7 (ISO/IEC 15948, 8.2)
+        constexpr std::uint32_t passes[7][4] = {{0, 0, 8, 8}, {4, 0, 8, 8}, {0, 4, 4, 8}, {2, 0, 4, 4},
+                                                {0, 2, 2, 4}, {1, 0, 2, 2}, {0, 1, 1, 2}};
+        count = 0;
+        for (const auto& [x, y, dx, dy] : passes)
+            count += bytesOf((width - x + dx - 1) / dx, (height - y + dy - 1) / dy);
+    }
+    std::string png = "\x89PNG\r\n\x1A\n";
+    png += PngChunk(
+        "IHDR", fonts::Bytes().U32(width).U32(height).U8(depth).U8(colourType).U16(0).U8(interlaced ? 1 : 0));
+    const std::string end = PngChunk("IDAT", PackedRun(count)) + PngChunk("IEND", "");
+    if (total > png.size() + end.size() + 12)
+        png += PngChunk("prVt", Noise(total - png.size() - end.size() - 12));
+    return png + end;
+}
+
+} // namespace bombs
