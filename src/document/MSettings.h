@@ -67,9 +67,10 @@ public:
     bool Trim = true;
     MString LetterCubesNames;
     MString KerningText = "Hamburgefonstiv AVATAR Tomorrow, Type 1984"; // the line of the optical kerning
-    std::int32_t KerningStrength = 100;                                  // percent
+    std::int32_t KerningStrength = 100;                                 // percent
     MGameFontChoices GameFont;
     Desktop::Rect WindowRect;
+    Desktop::Rect FileWindowRect; // as the file had it, before it was brought into this screen
     std::array<MString, 3> Keys;
     bool FileRead = false; // a settings file was opened for reading
 

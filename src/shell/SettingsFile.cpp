@@ -77,11 +77,20 @@ constexpr Field paddingField{u"Padding",
 constexpr Field windowField{
     u"WindowRect",
     [](const MTextFile& file, MSettings& settings) {
-        settings.WindowRect = {file.GetInt(1), file.GetInt(2), file.GetInt(3), file.GetInt(4)};
+        settings.FileWindowRect = {file.GetInt(1), file.GetInt(2), file.GetInt(3), file.GetInt(4)};
+        settings.WindowRect = settings.FileWindowRect;
         settings.ClampWindowRect();
     },
     [](MTextFile& file, const MSettings& settings) {
-        const Desktop::Rect& rect = settings.WindowRect;
+        // A window that was left where it opened keeps the place it had, though this screen may be too small
+        // for it.
+        MSettings opened;
+        opened.WindowRect = settings.FileWindowRect;
+        opened.ClampWindowRect();
+        const Desktop::Rect& rect =
+            opened.WindowRect == settings.WindowRect && !settings.FileWindowRect.IsEmpty()
+                ? settings.FileWindowRect
+                : settings.WindowRect;
         for (const std::int32_t edge : {rect.left, rect.top, rect.right, rect.bottom})
             file.WriteInt(edge);
     }};
