@@ -15,8 +15,8 @@ struct MWebFontFile {
 
 enum class MWebFontForm : std::uint8_t { TrueType, Woff2 };
 
-// Of a plan without a reason of its own. Shows its progress. What will be packed as a whole is not compressed in
-// its parts before, since that would make it larger in the end.
+// Of a plan without a reason of its own. Shows its progress. What will be packed as a whole is not compressed
+// in its parts before, since that would make it larger in the end.
 MWebFontFile BuildWebFont(const MWebFont& font, MWebFontForm form);
 // Nothing if it can't be packed.
 std::vector<std::uint8_t> PackAsWoff2(const std::vector<std::uint8_t>& font);

@@ -97,8 +97,10 @@ MTableBytes SvgTable(const MWebFont& font, const MStrikePngs& pngs, bool compres
     for (const std::size_t glyph : drawn) {
         const std::uint32_t place = table.Size();
         const std::string document = DocumentOf(font, glyph, pngs[glyph]);
-        if (compressed) AddCompressed(table, document);
-        else table.Tag(document);
+        if (compressed)
+            AddCompressed(table, document);
+        else
+            table.Tag(document);
         table.PutU32(record, static_cast<std::uint32_t>(glyph << 16 | glyph));
         table.PutU32(record + 4, place - static_cast<std::uint32_t>(listPlace));
         table.PutU32(record + 8, table.Size() - place);
