@@ -33,13 +33,12 @@ export class Firefox {
     last = 0;
     received = Buffer.alloc(0);
 
-    // `density` is the number of the screen's pixels for one of the page's.
-    async open(density = 1) {
+    async open() {
         const port = await freePort();
-        const prefs = { 'marionette.port': port, 'layout.css.devPixelsPerPx': String(density), 'gfx.color_management.mode': 0,
+        const prefs = { 'marionette.port': port, 'gfx.color_management.mode': 0,
             'app.normandy.enabled': false, 'datareporting.policy.dataSubmissionEnabled': false, 'browser.shell.checkDefaultBrowser': false };
         writeFileSync(join(this.profile, 'user.js'), Object.entries(prefs).map(([key, value]) => `user_pref("${key}", ${JSON.stringify(value)});\n`).join(''));
-        this.process = spawn(process.env.FIREFOX ?? 'firefox-esr', ['--headless', '--marionette', '--no-remote', '--profile', this.profile, '--width', '1200', '--height', '800'],
+        this.process = spawn(process.env.FIREFOX ?? 'firefox-esr', ['--headless', '--marionette', '-remote-allow-system-access', '--no-remote', '--profile', this.profile, '--width', '1200', '--height', '800'],
             { stdio: 'ignore', env: { ...process.env, HOME: this.profile, MOZ_HEADLESS_WIDTH: '1200', MOZ_HEADLESS_HEIGHT: '800' } });
         this.socket = await connected(port);
         this.socket.on('data', (bytes) => this.take(bytes));
@@ -76,14 +75,17 @@ export class Firefox {
     async run(script, ...args) { return (await this.send('WebDriver:ExecuteScript', { script, args })).value; }
     async shot() { return Buffer.from((await this.send('WebDriver:TakeScreenshot', { full: false })).value, 'base64'); }
 
+    // The number of the screen's pixels for one of the page's, for pages that are loaded from here on.
+    async setDensity(density) {
+        await this.send('Marionette:SetContext', { value: 'chrome' });
+        await this.run('Services.prefs.setCharPref("layout.css.devPixelsPerPx", arguments[0])', String(density));
+        await this.send('Marionette:SetContext', { value: 'content' });
+    }
+
     async close() {
-        try {
-            await this.send('Marionette:Quit', { flags: ['eForceQuit'] });
-        } catch { /* it may go before it answers */ }
         this.socket?.destroy();
-        const gone = new Promise((done) => { this.process.once('exit', done); });
-        if (this.process.exitCode === null) await Promise.race([gone, later(5000)]);
-        this.process.kill('SIGKILL');
+        const gone = new Promise((done) => { this.process?.once('exit', done); });
+        if (this.process?.kill('SIGKILL')) await gone;
         rmSync(this.profile, { recursive: true, force: true, maxRetries: 5 });
     }
 }

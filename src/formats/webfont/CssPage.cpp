@@ -69,7 +69,7 @@ std::string ClassName(std::string_view name) {
 
 std::string Percent(std::int64_t part, std::int64_t whole) {
     std::array<char, 64> text{};
-    std::snprintf(text.data(), text.size(), "%.4f%%",
+    std::snprintf(text.data(), text.size(), "%.8f%%",
                   100.0 * static_cast<double>(part) / static_cast<double>(whole));
     return text.data();
 }
@@ -179,7 +179,7 @@ std::string CssPageText(const MWebFont& font, const std::string& name) {
                  "h1 { margin: 0 0 0.5em; font-size: 1.4em; }\n"
                  "body > p { display: inline-block; width: 5.5em; margin: 0; color: #666; }\n"
                  "label { margin: 0 1em 0 0.3em; }\n"
-                 "#sample { margin: 1em 0; padding: 16px; overflow: auto; resize: both; min-height: 1em;\n"
+                 "#sample { margin: 16px 0; padding: 16px; overflow: auto; resize: both; min-height: 1em;\n"
                  "    border: 1px solid #ccc; border-radius: 6px; }\n";
     AddRules(page, sizes);
     AddRules(page, wrappings);

@@ -47,9 +47,9 @@ std::vector<Limit> LimitsOf(const MFontDescription& font) {
         const std::string code = CodeText(glyph.Character);
         limits.push_back({glyph.Advance, mostUnsigned, code + " advances by " + PixelText(glyph.Advance)});
         if (glyph.Ink.IsEmpty()) continue;
-        for (const std::int64_t x : {left, left + glyph.Ink.Width})
+        for (const std::int64_t x : {left - 1, left + glyph.Ink.Width + 1})
             limits.push_back({x, mostSigned, code + " reaches to " + PixelText(x) + " beside its place"});
-        for (const std::int64_t y : {top, top - glyph.Ink.Height})
+        for (const std::int64_t y : {top + 1, top - glyph.Ink.Height - 1})
             limits.push_back({y, mostSigned, code + " reaches to " + PixelText(y) + " from the baseline"});
     }
     const auto size = [](const MKerningPair& pair) { return std::abs(std::int64_t{pair.Amount}); };
@@ -87,10 +87,19 @@ std::string WhyImpossible(const MFontDescription& font) {
            ", which a font file can't say";
 }
 
-MGlyphBox BoxOf(const MFontDescription& font, const MGlyphDescription& glyph) {
+MInkBox PictureOf(const MGlyphDescription& glyph) {
     if (glyph.Ink.IsEmpty()) return {};
-    const std::int32_t top = font.Height - font.Baseline - glyph.Ink.Top;
-    return {glyph.Before + glyph.Ink.Left, top - glyph.Ink.Height, glyph.Ink.Width, glyph.Ink.Height};
+    const auto width = std::min(static_cast<std::int32_t>(glyph.Glyph->Picture.Width), glyph.Width);
+    const std::int32_t left = std::max(glyph.Ink.Left - 1, 0);
+    const std::int32_t top = std::max(glyph.Ink.Top - 1, 0);
+    return {left, top, std::min(glyph.Ink.Left + glyph.Ink.Width + 1, width) - left,
+            std::min(glyph.Ink.Top + glyph.Ink.Height + 1, glyph.Glyph->PictureRows()) - top};
+}
+
+MGlyphBox BoxOf(const MFontDescription& font, const MGlyphDescription& glyph, const MInkBox& picture) {
+    if (picture.IsEmpty()) return {};
+    const std::int32_t top = font.Height - font.Baseline - picture.Top;
+    return {glyph.Before + picture.Left, top - picture.Height, picture.Width, picture.Height};
 }
 
 struct Corners {
@@ -118,11 +127,12 @@ void GiveBox(MOutline& outline, const Corners& corners) {
     if (high.X < corners.high.X || high.Y < corners.high.Y) outline.push_back({corners.high});
 }
 
-MOutline OutlineOf(const MGlyphDescription& glyph, const MGlyphBox& box, std::int32_t scale) {
+MOutline OutlineOf(const MGlyphDescription& glyph, const MInkBox& part, const MGlyphBox& box,
+                   std::int32_t scale) {
     constexpr std::size_t mostPoints = 4000; // more than any letter has; the tables count them in 16 bits
     const MPicture& picture = glyph.Glyph->Picture;
     const auto alphaRow = [&](std::int32_t y, std::span<std::uint8_t> alphas) {
-        const std::uint8_t* pixel = picture.PixelAddress(glyph.Ink.Left, glyph.Ink.Top + y);
+        const std::uint8_t* pixel = picture.PixelAddress(part.Left, part.Top + y);
         for (std::uint8_t& alpha : alphas) {
             alpha = pixel[3];
             pixel += sizeof(MColour);
@@ -164,8 +174,13 @@ void AddGlyphs(MWebFont& plan, const MFontDescription& font) {
             plan.LostCharacters.push_back(source.Character);
             continue;
         }
-        MWebFontGlyph glyph{source.Character, source.Advance, BoxOf(font, source), &source, {}};
-        if (glyph.Box.Width > 0) glyph.Outline = OutlineOf(source, glyph.Box, plan.Scale);
+        MWebFontGlyph glyph;
+        glyph.Character = source.Character;
+        glyph.Advance = source.Advance;
+        glyph.Source = &source;
+        glyph.Picture = PictureOf(source);
+        glyph.Box = BoxOf(font, source, glyph.Picture);
+        if (!glyph.Picture.IsEmpty()) glyph.Outline = OutlineOf(source, glyph.Picture, glyph.Box, plan.Scale);
         plan.Glyphs.push_back(std::move(glyph));
     }
 }

@@ -3,9 +3,10 @@
 //
 // How the document maps onto the file: the em is the glyph height, so at a size of that many pixels each
 // picture is drawn pixel by pixel; ascent and descent are the parts of the line above and below the baseline,
-// without a gap, so a line of text is one glyph height. A glyph's picture is cut to its ink. Its outline is the
-// silhouette of it, for whatever draws no pictures, and has the picture's box, since a picture of the table
-// sbix is placed by that box (github.com/MicrosoftDocs/typography-issues/issues/191).
+// without a gap, so a line of text is one glyph height. A glyph's picture is cut to its ink and one clear pixel
+// around it, where the glyph has one: scaled, soft edges stay soft, while tiles that fill their glyph leave no
+// gap. Its outline is the silhouette of it, for whatever draws no pictures, and has the picture's box, since a
+// picture of the table sbix is placed by that box (github.com/MicrosoftDocs/typography-issues/issues/191).
 #pragma once
 
 #include "formats/MFontDescription.h"
@@ -32,7 +33,8 @@ struct MGlyphBox {
 struct MWebFontGlyph {
     char16_t Character = 0; // 0 for the one of missing characters
     std::int32_t Advance = 0;
-    MGlyphBox Box;                             // of the picture; empty without one
+    MInkBox Picture;                           // the part of the source's picture; empty without ink
+    MGlyphBox Box;                             // where it stands
     const MGlyphDescription* Source = nullptr; // null for the one of missing characters
     MOutline Outline;
 };

@@ -29,20 +29,21 @@ struct OwnedPicture {
     ~OwnedPicture() { picture.Free(); }
 };
 
-// The ink of a glyph. What nobody sees has no colour, which packs best.
-MPicture InkPicture(const MGlyphDescription& glyph) {
-    MPicture ink(static_cast<std::uint32_t>(glyph.Ink.Width), static_cast<std::uint32_t>(glyph.Ink.Height),
-                 FormatRGBA8);
-    if (!ink.IsValid()) return ink;
-    const std::size_t rowSize = ink.Width * sizeof(MColour);
-    for (std::int32_t y = 0; y < glyph.Ink.Height; ++y) {
-        std::uint8_t* pixel = ink.PixelAddress(0, y);
-        std::memcpy(pixel, glyph.Glyph->Picture.PixelAddress(glyph.Ink.Left, glyph.Ink.Top + y), rowSize);
-        for (std::uint32_t x = 0; x < ink.Width; ++x, pixel += sizeof(MColour)) {
+// What nobody sees has no colour, which packs best.
+MPicture PictureOf(const MWebFontGlyph& glyph) {
+    const MInkBox& part = glyph.Picture;
+    MPicture picture(static_cast<std::uint32_t>(part.Width), static_cast<std::uint32_t>(part.Height),
+                     FormatRGBA8);
+    if (!picture.IsValid()) return picture;
+    const std::size_t rowSize = picture.Width * sizeof(MColour);
+    for (std::int32_t y = 0; y < part.Height; ++y) {
+        std::uint8_t* pixel = picture.PixelAddress(0, y);
+        std::memcpy(pixel, glyph.Source->Glyph->Picture.PixelAddress(part.Left, part.Top + y), rowSize);
+        for (std::uint32_t x = 0; x < picture.Width; ++x, pixel += sizeof(MColour)) {
             if (pixel[3] == 0) std::memset(pixel, 0, sizeof(MColour));
         }
     }
-    return ink;
+    return picture;
 }
 
 std::uint32_t Scaled(std::uint32_t length, std::int32_t strike, std::int32_t height) {
@@ -65,15 +66,15 @@ bool AddGlyph(const MWebFont& font, const MWebFontGlyph& glyph, std::vector<MStr
             pngs.emplace_back();
         return true;
     }
-    const OwnedPicture ink(InkPicture(*glyph.Source));
+    const OwnedPicture own(PictureOf(glyph));
     for (std::size_t i = 0; i < strikes.size(); ++i) {
         if (font.Strikes[i] == font.Height) {
-            if (!AddPng(ink.picture, strikes[i])) return false;
+            if (!AddPng(own.picture, strikes[i])) return false;
             continue;
         }
         const OwnedPicture smaller(
-            MPicture(ink.picture, Scaled(ink.picture.Width, font.Strikes[i], font.Height),
-                     Scaled(ink.picture.Height, font.Strikes[i], font.Height), FormatRGBA8, true, false));
+            MPicture(own.picture, Scaled(own.picture.Width, font.Strikes[i], font.Height),
+                     Scaled(own.picture.Height, font.Strikes[i], font.Height), FormatRGBA8, true, false));
         if (!AddPng(smaller.picture, strikes[i])) return false;
     }
     return true;
