@@ -37,7 +37,7 @@ second.importXML('f.ttx')
 second.save('back.ttf')
 second = TTFont('back.ttf')
 second.saveXML('g.ttx', quiet=True)
-keep = lambda f: [line for line in open(f) if 'checkSumAdjustment' not in line and '<modified' not in line]
+keep = lambda f: [line for line in open(f) if not any(word in line for word in ('checkSumAdjustment', '<modified', 'indexToLocFormat'))]
 assert keep('f.ttx') == keep('g.ttx')
 )");
     EXPECT_EQ(cli.Run("trip.py", {}, "/usr/bin/python3"), 0) << cli.error;

@@ -231,8 +231,7 @@ MWebFont PlanWebFont(const MFontDescription& font, const MString& family, std::v
     AddPairs(plan, font);
     strikes.push_back(font.Height);
     std::ranges::sort(strikes);
-    const auto same = std::ranges::unique(strikes);
-    strikes.erase(same.begin(), same.end());
+    strikes.erase(std::unique(strikes.begin(), strikes.end()), strikes.end());
     plan.Strikes = std::move(strikes);
     return plan;
 }

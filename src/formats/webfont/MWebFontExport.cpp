@@ -39,7 +39,7 @@ MString FamilyOf(const MString& path, const MWebFontOptions& options) {
 }
 
 MSafeFile Prepared(const MString& path, std::span<const std::uint8_t> bytes) {
-    MSafeFile file(path);
+    MSafeFile file(path, MLinks::StayInFolder);
     file.WriteAt(0, bytes.data(), bytes.size());
     return file;
 }

@@ -190,7 +190,7 @@ TEST_F(WebFonts, OutlinesAreTheSilhouettesWithThePicturesBox) {
     // A reader that knows nothing of such pictures.
     std::vector<std::uint8_t> bytes = Bytes();
     const std::string_view tag = "sbix";
-    *std::ranges::search(bytes, tag).begin() = 'x';
+    *std::search(bytes.begin(), bytes.end(), tag.begin(), tag.end()) = 'x';
     const Face face(bytes, height);
     FT_GlyphSlot slot = face.Load(u'o', FT_LOAD_NO_SCALE);
     FT_BBox box;
