@@ -59,9 +59,10 @@ string(CONCAT CPACK_PACKAGE_DESCRIPTION
     "and edits their spacing, kerning and metrics.\n"
     "\n"
     "A font is written as a texture font (a text file beside one picture that\n"
-    "holds all glyphs), as a web page that draws text with it, as single\n"
-    "pictures, or as nets of letter cubes to print. Texture fonts, the scripts of\n"
-    "exported web pages, and Photofont files can be read.\n"
+    "holds all glyphs), as a font file for browsers and programs, as a web page that\n"
+    "draws text with it, as single pictures, or as nets of letter cubes to print.\n"
+    "Texture fonts, the scripts of exported web pages, and Photofont files can be\n"
+    "read.\n"
     "\n"
     "The package contains the editor with a window, lettrino, and lettrino-cli,\n"
     "which does the same work from scripts and without a display.")

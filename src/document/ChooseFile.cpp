@@ -57,6 +57,8 @@ std::optional<DialogKind> DialogOf(MPathKind kind) {
                           false,
                           {"Game fonts (*.fnt;*.xml;*.bin;*.json)", "*.fnt;*.xml;*.bin;*.json"},
                           "fnt"};
+    case MPathKind::SaveWebFont:
+        return DialogKind{"Export as web font", true, {"Web fonts (*.woff2;*.ttf)", "*.woff2;*.ttf"}, "woff2"};
     case MPathKind::Temporary: break;
     }
     return std::nullopt;
@@ -83,7 +85,9 @@ MString ChooseFile(Desktop::WindowHandle owner, MPathKind kind, MString* typed) 
     MString chosen = Desktop::ShowFileDialog(owner, dialog, dialogKind->extension);
     if (chosen.IsEmpty()) return {};
     if (typed) *typed = chosen;
-    if (dialogKind->save) chosen = WithExtension(chosen, dialogKind->extension);
+    // The extension of a web font is the user's choice between its two forms.
+    const bool own = kind == MPathKind::SaveWebFont && ExtensionOf(chosen).Equals(u"TTF");
+    if (dialogKind->save && !own) chosen = WithExtension(chosen, dialogKind->extension);
     remembered = chosen;
     return chosen;
 }

@@ -23,8 +23,9 @@ enum class MPathKind : std::uint8_t {
     ImportHtml,
     SaveGameFont,
     ImportGameFont,
+    SaveWebFont,
 };
-inline constexpr std::size_t PathKinds = 11;
+inline constexpr std::size_t PathKinds = 12;
 // Those up to here have a folder to begin with and always a line in the settings file; the others begin where
 // fonts are saved, and have a line once they were used.
 inline constexpr std::size_t FirstPathKinds = 9;

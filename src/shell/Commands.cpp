@@ -8,6 +8,7 @@
 #include "formats/WebFont.h"
 #include "formats/game/MGameFontExport.h"
 #include "formats/game/MGameFontImport.h"
+#include "formats/webfont/MWebFontExport.h"
 #include "foundation/MFolders.h"
 #include "foundation/MUtf8.h"
 #include "foundation/Product.h"
@@ -127,6 +128,21 @@ void ExportAsGameFont(MColourFont& font) {
     Tell(text);
 }
 
+void ExportAsWebFont(MColourFont& font) {
+    MString typed;
+    const MString path = ChooseFile(MainWindow, MPathKind::SaveWebFont, &typed);
+    if (path.IsEmpty() || !MayReplace({path}, typed)) return;
+    const MWebFontForm form = ExtensionOf(path).Equals(u"TTF") ? MWebFontForm::TrueType : MWebFontForm::Woff2;
+    const MFontDescription description = DescribeFont(font, Settings->GlyphHeight);
+    const MWebFontResult result = ExportWebFont(description, path, form, {}, MainWindow);
+    if (!result.Reason.empty()) return TellFailure(ToSystem(path) + ": " + result.Reason);
+    TellFailures(result.Failures);
+    if (!result.Ok()) return;
+    MString text = "Colour font successfully exported as:\n\n" + Quoted(path);
+    if (!result.LostCharacters.empty()) text += "\n\nCodes that no font file can name are left out.";
+    Tell(text);
+}
+
 // A font that can't be opened leaves the old one alone.
 void ImportGameFontFile() {
     const MString path = ChooseFile(MainWindow, MPathKind::ImportGameFont);
@@ -220,6 +236,7 @@ void Run(CommandId command) {
     case CommandId::ExportSingleFiles: return OnCurrentFont(ExportAsSingleFiles);
     case CommandId::ExportCubes: return OnCurrentFont(ExportAsCubes);
     case CommandId::ExportGameFont: return OnCurrentFont(ExportAsGameFont);
+    case CommandId::ExportWebFont: return OnCurrentFont(ExportAsWebFont);
     case CommandId::ImportGameFont: return ImportGameFontFile();
     case CommandId::Exit: return Desktop::CloseWindow(MainWindow);
     case CommandId::AddCharacters: return AddCharacters();

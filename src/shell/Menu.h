@@ -31,6 +31,7 @@ enum class CommandId : std::uint16_t {
     ExportGameFont = 32890,
     ImportGameFont = 32891,
     OpticalKerning = 32892,
+    ExportWebFont = 32893,
 };
 
 struct MenuItem {
@@ -59,6 +60,7 @@ inline constexpr std::array fileItems{
     MenuItem{"Export as single files...", "", CommandId::ExportSingleFiles},
     MenuItem{"Export as cubes...", "", CommandId::ExportCubes},
     MenuItem{"Export as game font...", "", CommandId::ExportGameFont},
+    MenuItem{"Export as web font...", "", CommandId::ExportWebFont},
     menuSeparator,
     MenuItem{"Exit", "", CommandId::Exit},
 };

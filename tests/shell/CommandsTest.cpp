@@ -55,16 +55,16 @@ TEST_F(Commands, TheMenuNamesEachCommandOnce) {
         for (const MenuItem& item : menu.items)
             if (*item.text) commands.insert(item.command);
     }
-    EXPECT_EQ(commands.size(), 25U);
-    EXPECT_EQ(std::set(commands.begin(), commands.end()).size(), 25U);
+    EXPECT_EQ(commands.size(), 26U);
+    EXPECT_EQ(std::set(commands.begin(), commands.end()).size(), 26U);
 }
 
 TEST_F(Commands, ThoseThatNeedAFontDoNothingWithoutOne) {
     for (const CommandId command :
          {CommandId::SaveAs, CommandId::ExportHtml, CommandId::ExportSingleFiles, CommandId::ExportCubes,
-          CommandId::ExportGameFont, CommandId::GlyphsEditor, CommandId::KerningEditor,
-          CommandId::OpticalKerning, CommandId::ChangeGlyphHeight, CommandId::RemoveNonAscii,
-          CommandId::TrimVertically}) {
+          CommandId::ExportGameFont, CommandId::ExportWebFont, CommandId::GlyphsEditor,
+          CommandId::KerningEditor, CommandId::OpticalKerning, CommandId::ChangeGlyphHeight,
+          CommandId::RemoveNonAscii, CommandId::TrimVertically}) {
         RunCommand(command);
         const auto& record = Headless::record;
         EXPECT_EQ(record.dialogs.size() + record.messages.size() + record.fileDialogs.size(), 0U)
@@ -294,6 +294,37 @@ TEST_F(Commands, GameFonts) {
     EXPECT_EQ(CurrentFont->GlyphCount(), 2);
     EXPECT_EQ(Paintings(), 1U);
     EXPECT_TRUE(Headless::record.messages.empty()) << "nothing was left out";
+}
+
+TEST_F(Commands, WebFontsHaveTheFormOfTheirExtension) {
+    NewFont();
+    const struct {
+        const char* typed;
+        const char* written;
+        std::string start;
+    } cases[] = {
+        {"a.ttf", "a.ttf", {0, 1, 0, 0}}, {"b.woff2", "b.woff2", "wOF2"}, {"c.txt", "c.woff2", "wOF2"}};
+    for (const auto& [typed, written, start] : cases) {
+        Chosen(Home().File(typed));
+        RunCommand(CommandId::ExportWebFont);
+        EXPECT_EQ(Home().Read(written).substr(0, 4), start) << typed;
+        EXPECT_EQ(ToSystem(Headless::record.messages.back().text),
+                  "Colour font successfully exported as:\n\n\"" + ToSystem(Home().File(written)) + "\"");
+        EXPECT_EQ(settings.Path(MPathKind::SaveWebFont), Home().File(written));
+    }
+    Headless::record.messages.clear();
+    Home().Write("c.woff2", "old");
+    Headless::script.answers = {Desktop::Answer::No};
+    Chosen(Home().File("c.txt"));
+    RunCommand(CommandId::ExportWebFont);
+    EXPECT_THAT(ToSystem(Headless::record.messages.back().text), testing::StartsWith("This file is there"));
+    EXPECT_EQ(Home().Read("c.woff2"), "old");
+    CurrentFont->GetGlyph(u'A')->SpacingAfter = -1000;
+    Chosen(Home().File("d.ttf"));
+    RunCommand(CommandId::ExportWebFont);
+    EXPECT_THAT(ToSystem(Headless::record.messages.back().text),
+                testing::HasSubstr("d.ttf: the glyph of code 65"));
+    EXPECT_FALSE(std::filesystem::exists(Home().path / "d.ttf"));
 }
 
 TEST_F(Commands, ImportPhotofontCancelledLosesTheFont) {

@@ -155,7 +155,8 @@ TEST_F(MainWindowTest, TheMenuHoldsEveryItemInOrder) {
             EXPECT_EQ(lines.join('\n').toStdString(),
                       "FILE\nNew...\tF2\nOpen...\tCtrl+O\nSave as...\tCtrl+S\n-\nImport HTML...\t\n"
                       "Import photofont...\t\nImport game font...\t\n-\nExport as HTML...\t\nExport as single "
-                      "files...\t\nExport as cubes...\t\nExport as game font...\t\n-\nExit\t\n"
+                      "files...\t\nExport as cubes...\t\nExport as game font...\t\n"
+                      "Export as web font...\t\n-\nExit\t\n"
                       "EDIT\nAdd/change characters...\tF3\nAdd/change picture...\tF4\nGlyphs editor...\tF5\n"
                       "Kerning editor...\tF6\nOptical kerning...\t\nChange glyph height...\tF7\n-\nRemove "
                       "non-ASCII characters\t\n"

@@ -9,10 +9,10 @@ import { chromium } from 'playwright-core';
 const types = { '.html': 'text/html; charset=utf-8', '.js': 'text/javascript', '.css': 'text/css', '.png': 'image/png' };
 const jQuery = readFileSync(new URL('./node_modules/jquery/dist/jquery.min.js', import.meta.url));
 
-export const launch = () => chromium.launch({
+export const launch = (...more) => chromium.launch({
     executablePath: process.env.CHROMIUM ?? '/usr/bin/chromium',
     args: ['--no-sandbox', '--disable-gpu', '--disable-quic', '--no-first-run', '--disable-background-networking',
-        '--disable-component-update', '--disable-sync', '--force-color-profile=srgb'],
+        '--disable-component-update', '--disable-sync', '--force-color-profile=srgb', ...more],
 });
 
 export class Site {

@@ -3,6 +3,7 @@
 
 #include "document/MColourFont.h"
 #include "document/MSettings.h"
+#include "formats/webfont/MWebFontExport.h"
 
 #include <memory>
 #include <string>
@@ -13,8 +14,9 @@ public:
     MSettings settings;
     std::unique_ptr<MColourFont> font;
     std::vector<MKerningPair> modelPairs; // that optical kerning follows
-    std::string gameFontName;  // of the font last exported for games; empty before
-    bool checkAsLines = false; // what a check prints: lines, else JSON
+    std::string gameFontName;             // of the font last exported for games; empty before
+    MWebFontOptions webFont;              // of the font files that follow
+    bool checkAsLines = false;            // what a check prints: lines, else JSON
 
     Run();
     Run(const Run&) = delete;

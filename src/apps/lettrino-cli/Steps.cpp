@@ -5,6 +5,7 @@
 #include "apps/lettrino-cli/KerningSteps.h"
 #include "apps/lettrino-cli/PictureSteps.h"
 #include "apps/lettrino-cli/Report.h"
+#include "apps/lettrino-cli/WebFontSteps.h"
 #include "apps/lettrino-cli/Words.h"
 #include "document/ChangeGlyphHeight.h"
 #include "foundation/MNumbers.h"
@@ -171,7 +172,8 @@ constexpr std::array steps{
     Step{"--font-file", "FILE", 1, "makes the faces of a font file available, as if installed",
          PrepareFontFile},
     Step{"--generate", "", 0, "renders the selected characters into the font, then repacks", Generate},
-    Step{"--open", "FILE", 1, "opens a font: .sm, .js of a web page, .phf, or a game's .fnt, .xml, .bin or .json; then repacks",
+    Step{"--open", "FILE", 1,
+         "opens a font: .sm, .js of a web page, .phf, or a game's .fnt, .xml, .bin or .json; then repacks",
          PrepareOpen},
     Step{"--padding", "TOP,BOTTOM", 1, "pixels above and below the pictures that follow (0,0)",
          SetPair<&MSettings::PaddingTop, &MSettings::PaddingBottom>},
@@ -220,6 +222,16 @@ constexpr std::array steps{
     Step{"--fnt-max", "N", 1, "the largest side of a page, limited to 16 to 16384 (4096)", PrepareGameLargest},
     Step{"--fnt", "FILE", 1, "writes the font as game engines load it: FILE beside its pages, NAME_0.png",
          PrepareGameFont},
+    Step{"--font-name", "NAME", 1, "the family name of the font files that follow (the file's own name)",
+         PrepareWebFontName},
+    Step{"--strikes", "N,N", 1,
+         "heights of smaller sets of pictures in them, for sharp small text; tells their bytes",
+         PrepareWebFontStrikes},
+    Step{"--ttf", "FILE.ttf", 1, "writes a font file with the glyphs as pictures, for programs and browsers",
+         PrepareTrueType},
+    Step{"--woff2", "FILE.woff2", 1, "the same packed for the web", PrepareWoff2},
+    Step{"--css-page", "FILE.html", 1,
+         "writes it with a style sheet and a page on which to try it, without a script", PrepareCssPage},
     Step{"--check-form", "json|lines", 1, "how a check is printed (json)", PrepareGameCheckForm},
     Step{"--check", "ENGINES", 1, "prints what the font breaks of the engines' rules, and what --fnt repairs",
          PrepareGameCheck},

@@ -1,0 +1,72 @@
+// Font files of pictures on the command line, looked at by the tools of others.
+
+#include "Cli.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace {
+
+using testing::HasSubstr;
+
+const std::string make = "--family 'DejaVu Sans' --height 32 --select A-Z,a-z --generate --kern ";
+
+TEST(WebFontCli, OtherToolsTakeWhatIsWritten) {
+    Cli cli;
+    ASSERT_EQ(cli.Run(make +
+                      "--font-name 'Demo <1>' --ttf f.ttf --woff2 f.woff2 --css-page page.html --strikes 16 "
+                      "--ttf strikes.ttf"),
+              0)
+        << cli.error;
+    EXPECT_THAT(cli.error, testing::MatchesRegex(
+                               "lettrino-cli: --ttf: note: the pictures for 16 pixels take [0-9]+ bytes\n"));
+    for (const std::string file : {"f.ttf", "f.woff2", "page.woff2", "strikes.ttf"})
+        EXPECT_EQ(cli.Run(file + " out.ttf", {}, "/usr/bin/ots-sanitize"), 0) << file << cli.out << cli.error;
+    EXPECT_THAT(cli.folder.Read("page.css"), HasSubstr("url(\"page.woff2\")"));
+    EXPECT_THAT(cli.folder.Read("page.html"), HasSubstr("class=\"font-page\""));
+    // Every table is understood, and the same after a way through text.
+    cli.folder.Write("trip.py", R"(
+from fontTools.ttLib import TTFont
+first = TTFont('strikes.ttf')
+assert 'CBDT' not in first and {'GPOS', 'SVG ', 'sbix', 'glyf'} <= set(first.keys())
+assert first['name'].getDebugName(1) == 'Demo <1>' and first['name'].getDebugName(6) == 'Demo1'
+assert sorted(first['sbix'].strikes) == [16, 32] and first['OS/2'].sxHeight > 0
+first.saveXML('f.ttx', quiet=True)
+second = TTFont()
+second.importXML('f.ttx')
+second.save('back.ttf')
+second = TTFont('back.ttf')
+second.saveXML('g.ttx', quiet=True)
+keep = lambda f: [line for line in open(f) if not any(word in line for word in ('checkSumAdjustment', '<modified', 'indexToLocFormat'))]
+assert keep('f.ttx') == keep('g.ttx')
+)");
+    EXPECT_EQ(cli.Run("trip.py", {}, "/usr/bin/python3"), 0) << cli.error;
+}
+
+TEST(WebFontCli, FailuresAndWrongUsage) {
+    Cli cli;
+    const struct {
+        std::string arguments;
+        int status;
+        const char* error;
+    } cases[] = {
+        {"--ttf f.ttf", 1, "--ttf: there is no font yet"},
+        {make + "--remove A --spacing 0,-900 --trim no --picture A=A.png --woff2 f.woff2", 1,
+         "--woff2: f.woff2: the glyph of code 65 moves the pen back by"},
+        {make + "--ttf no/f.ttf", 1, "--ttf: no/f.ttf: there is no folder"},
+        {make + "--css-page no/f.html", 1, "--css-page: no/f.html: there is no folder"},
+        {make + "--ttf folder", 1, "--ttf: folder: "},
+        {"--strikes 0", 2, "--strikes"},
+        {"--strikes a", 2, "--strikes"},
+    };
+    ASSERT_EQ(cli.Run(make + "--single-files . "), 0);
+    std::filesystem::rename(cli.folder.path / "C65.png", cli.folder.path / "A.png");
+    std::filesystem::create_directory(cli.folder.path / "folder");
+    for (const auto& [arguments, status, error] : cases) {
+        EXPECT_EQ(cli.Run(arguments), status) << arguments;
+        EXPECT_THAT(cli.error, HasSubstr(error)) << arguments;
+    }
+    EXPECT_FALSE(cli.Has("f.ttf") || cli.Has("f.woff2") || cli.Has("f.html"));
+}
+
+} // namespace

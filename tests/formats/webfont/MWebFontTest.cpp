@@ -1,0 +1,316 @@
+// Font files of pictures, read back by those who will read them: HarfBuzz, FreeType, and our own painter.
+
+#include "formats/game/GameFontFile.h"
+#include "formats/webfont/MWebFontExport.h"
+#include "platform/text/MGlyphPainter.h"
+#include "platform_text/Canvas.h"
+
+#include <ft2build.h>
+#include FT_FREETYPE_H
+#include FT_OUTLINE_H
+#include <hb.h>
+
+#include <cmath>
+#include <functional>
+#include <numeric>
+
+namespace {
+
+using testing::HasSubstr;
+
+class WebFonts : public GameFontTest {
+protected:
+    static constexpr std::int32_t height = 20;
+
+    WebFonts() {
+        AddFont();
+        font.GetGlyph(u'\u0416')->SpacingAfter = -12;
+        MGlyph& fill = AddInked(u'q', 6, 0, 0, 0, 20); // to the edges of its cell
+        fill.Picture.Fill(MColour(10, 200, 30));
+    }
+
+    MFontDescription Description() const { return DescribeFont(font, settings.GlyphHeight); }
+    std::vector<std::uint8_t> Bytes(std::vector<std::int32_t> strikes = {}) const {
+        const MFontDescription description = Description();
+        const MWebFont plan = PlanWebFont(description, "Test", std::move(strikes));
+        EXPECT_EQ(plan.Reason, "");
+        return BuildWebFont(plan, MWebFontForm::TrueType).Bytes;
+    }
+    std::string Reason(const char* name = "f.woff2") const {
+        const MWebFontResult result =
+            ExportWebFont(Description(), folder.File(name), MWebFontForm::Woff2, {}, nullptr);
+        EXPECT_EQ(result.Ok(), std::filesystem::exists(folder.path / name));
+        return result.Reason;
+    }
+};
+
+// A face of FreeType at a size.
+class Face {
+public:
+    std::vector<std::uint8_t> bytes;
+    FT_Face face = nullptr;
+
+    Face(std::vector<std::uint8_t> file, std::int32_t size) : bytes(std::move(file)) {
+        EXPECT_EQ(
+            FT_New_Memory_Face(FreeTypeLibrary(), bytes.data(), static_cast<FT_Long>(bytes.size()), 0, &face),
+            0);
+        EXPECT_EQ(FT_Set_Pixel_Sizes(face, 0, static_cast<FT_UInt>(size)), 0);
+    }
+    Face(const Face&) = delete;
+    Face& operator=(const Face&) = delete;
+    ~Face() { FT_Done_Face(face); }
+
+    FT_GlyphSlot Load(char16_t character, FT_Int32 flags) const {
+        EXPECT_EQ(FT_Load_Char(face, character, flags), 0) << int{character};
+        return face->glyph;
+    }
+};
+
+std::uint8_t Premultiplied(std::uint8_t value, std::uint8_t alpha) {
+    return static_cast<std::uint8_t>((value * alpha + 127) / 255);
+}
+
+void ExpectPixel(const MColour& wanted, std::array<int, 4> bgra, const std::string& where) {
+    const std::array<int, 4> expected{Premultiplied(wanted.b, wanted.a), Premultiplied(wanted.g, wanted.a),
+                                      Premultiplied(wanted.r, wanted.a), wanted.a};
+    for (std::size_t i = 0; i < 4; ++i)
+        ASSERT_NEAR(bgra[i], expected[i], 2) << where;
+}
+
+TEST_F(WebFonts, FreeTypeFindsTheMetricsAndEachPictureInItsPlace) {
+    const Face face(Bytes(), height);
+    EXPECT_EQ(face.face->size->metrics.ascender, 15 * 64);
+    EXPECT_EQ(face.face->size->metrics.descender, -5 * 64);
+    EXPECT_EQ(face.face->size->metrics.height, 20 * 64);
+    for (const MGlyphDescription& glyph : Description().Glyphs) {
+        const FT_GlyphSlot slot = face.Load(glyph.Character, FT_LOAD_COLOR);
+        EXPECT_EQ(slot->advance.x, glyph.Advance * 64) << int{glyph.Character};
+        if (glyph.Ink.IsEmpty()) continue;
+        ASSERT_EQ(slot->format, FT_GLYPH_FORMAT_BITMAP);
+        const FT_Bitmap& bitmap = slot->bitmap;
+        ASSERT_EQ(bitmap.pixel_mode, FT_PIXEL_MODE_BGRA);
+        std::int32_t inked = 0;
+        for (std::int32_t y = 0; y < static_cast<std::int32_t>(bitmap.rows); ++y) {
+            for (std::int32_t x = 0; x < static_cast<std::int32_t>(bitmap.width); ++x) {
+                const unsigned char* const p = bitmap.buffer + y * bitmap.pitch + x * 4;
+                const MColour wanted =
+                    glyph.Glyph->GetPixel(slot->bitmap_left - glyph.Before + x, 15 - slot->bitmap_top + y);
+                ExpectPixel(wanted, {p[0], p[1], p[2], p[3]}, std::to_string(glyph.Character));
+                inked += wanted.a != 0;
+            }
+        }
+        std::int32_t all = 0;
+        for (std::int32_t i = 0; i < glyph.Width * height; ++i)
+            all += glyph.Glyph->GetPixel(i % glyph.Width, i / glyph.Width).a != 0;
+        EXPECT_EQ(inked, all) << "nothing is cut off";
+    }
+}
+
+TEST_F(WebFonts, OurOwnPainterDrawsTheSamePixels) {
+    const std::vector<std::uint8_t> bytes = Bytes();
+    folder.Write("own.ttf", std::string(bytes.begin(), bytes.end()));
+    MFontMatch match;
+    match.file = (folder.path / "own.ttf").string();
+    MGlyphPainter painter(match);
+    ASSERT_TRUE(painter.face.face);
+    for (const MGlyphDescription& glyph : Description().Glyphs) {
+        if (!glyph.Glyph) continue;
+        Canvas canvas(120, 40);
+        painter.Draw(canvas.context, painter.face.GlyphIndex(glyph.Character), 50, 25, height, MColour(0, 0, 0),
+                     true);
+        for (std::int32_t y = 0; y < 40; ++y) {
+            for (std::int32_t x = 0; x < 120; ++x) {
+                const std::uint32_t p = canvas.At(x, y);
+                const MColour wanted = glyph.Glyph->GetPixel(x - 50 - glyph.Before, y - 10);
+                ExpectPixel(wanted,
+                            {static_cast<int>(p & 0xFF), static_cast<int>(p >> 8 & 0xFF),
+                             static_cast<int>(p >> 16 & 0xFF), static_cast<int>(p >> 24)},
+                            std::to_string(glyph.Character) + " at " + std::to_string(x) + "," +
+                                std::to_string(y));
+            }
+        }
+    }
+}
+
+TEST_F(WebFonts, HarfBuzzMovesThePenAsTheDocumentDoesForAllPairs) {
+    // More pairs than one subtable holds.
+    for (char16_t left = 300; left < 460; ++left)
+        AddInked(left, 5, 1, 2, 4, 3);
+    for (std::int32_t left = 300; left < 460; ++left) {
+        for (std::uint32_t right = 300; right < 460; ++right)
+            font.SetKerning(left, right,
+                            static_cast<std::int32_t>((static_cast<std::uint32_t>(left) * 7 + right * 3) % 61) -
+                                30);
+    }
+    const MFontDescription description = Description();
+    ASSERT_GT(description.Pairs.size(), 25000U);
+    const std::vector<std::uint8_t> bytes = Bytes();
+    hb_blob_t* const blob =
+        hb_blob_create(reinterpret_cast<const char*>(bytes.data()), static_cast<unsigned>(bytes.size()),
+                       HB_MEMORY_MODE_READONLY, nullptr, nullptr);
+    hb_face_t* const face = hb_face_create(blob, 0);
+    hb_font_t* const shaper = hb_font_create(face);
+    EXPECT_EQ(hb_face_get_upem(face), 320U);
+    hb_buffer_t* const buffer = hb_buffer_create();
+    std::size_t wrong = 0;
+    for (const MGlyphDescription& left : description.Glyphs) {
+        for (const MGlyphDescription& right : description.Glyphs) {
+            const std::uint16_t text[]{left.Character, right.Character};
+            hb_buffer_reset(buffer);
+            hb_buffer_add_utf16(buffer, text, 2, 0, 2);
+            hb_buffer_set_direction(buffer, HB_DIRECTION_LTR);
+            hb_buffer_set_script(buffer, HB_SCRIPT_LATIN);
+            hb_shape(shaper, buffer, nullptr, 0);
+            unsigned count = 0;
+            const hb_glyph_position_t* const places = hb_buffer_get_glyph_positions(buffer, &count);
+            const std::int32_t amount = description.AmountOf(left.Character, right.Character);
+            wrong += count != 2 || places[0].x_advance != (left.Advance + amount) * 16 ||
+                     places[1].x_advance != right.Advance * 16 || places[1].x_offset != 0;
+        }
+    }
+    EXPECT_EQ(wrong, 0U);
+    hb_buffer_destroy(buffer);
+    hb_font_destroy(shaper);
+    hb_face_destroy(face);
+    hb_blob_destroy(blob);
+}
+
+TEST_F(WebFonts, OutlinesAreTheSilhouettesWithThePicturesBox) {
+    MGlyph& ring = AddInked(u'o', 18, 2, 2, 0, 0);
+    double area = 0;
+    for (std::int32_t y = 0; y < height; ++y) {
+        for (std::int32_t x = 0; x < 18; ++x) {
+            const double r = std::hypot(x - 8.5, y - 9.5);
+            const double alpha = std::clamp(8 - r, 0.0, 1.0) * std::clamp(r - 3, 0.0, 1.0);
+            ring.SetPixel(x, y, MColour(255, 0, 0, static_cast<std::uint8_t>(std::lround(alpha * 255))));
+            area += alpha;
+        }
+    }
+    AddInked(u'f', 4, 0, 0, 3, 0).SetPixel(2, 7, MColour(9, 9, 9, 40)); // fainter than half everywhere
+    // A reader that knows nothing of such pictures.
+    std::vector<std::uint8_t> bytes = Bytes();
+    const std::string_view tag = "sbix";
+    *std::search(bytes.begin(), bytes.end(), tag.begin(), tag.end()) = 'x';
+    const Face face(bytes, height);
+    FT_GlyphSlot slot = face.Load(u'o', FT_LOAD_NO_SCALE);
+    FT_BBox box;
+    FT_Outline_Get_CBox(&slot->outline, &box);
+    EXPECT_EQ(std::tuple(box.xMin, box.xMax, box.yMin, box.yMax),
+              std::tuple(2 * 16, 20 * 16, -4 * 16, 14 * 16));
+    EXPECT_EQ(FT_Outline_Get_Orientation(&slot->outline), FT_ORIENTATION_TRUETYPE);
+    slot = face.Load(u'o', FT_LOAD_NO_BITMAP | FT_LOAD_NO_HINTING | FT_LOAD_RENDER);
+    double covered = 0;
+    for (unsigned i = 0; i < slot->bitmap.rows * static_cast<unsigned>(slot->bitmap.pitch); ++i)
+        covered += slot->bitmap.buffer[i] / 255.0;
+    EXPECT_NEAR(covered, area, area * 0.03);
+    slot = face.Load(u'f', FT_LOAD_NO_BITMAP | FT_LOAD_NO_HINTING | FT_LOAD_RENDER);
+    covered = std::accumulate(
+        slot->bitmap.buffer,
+        slot->bitmap.buffer + slot->bitmap.rows * static_cast<unsigned>(slot->bitmap.pitch), 0.0);
+    EXPECT_GT(covered, 100) << "what is faint has a silhouette all the same";
+    EXPECT_LT(face.Load(u'b', FT_LOAD_NO_SCALE)->outline.n_points, 4100) << "noise";
+}
+
+TEST_F(WebFonts, SmallerStrikesAreOfTheirOwnSize) {
+    const Face face(Bytes({10}), 10);
+    ASSERT_EQ(face.face->num_fixed_sizes, 2);
+    const FT_GlyphSlot slot = face.Load(u'q', FT_LOAD_COLOR);
+    EXPECT_EQ(std::tuple(slot->bitmap.width, slot->bitmap.rows), std::tuple(3U, 10U));
+    EXPECT_EQ(slot->bitmap.buffer[1], 200);
+}
+
+TEST_F(WebFonts, WhatTheTablesCannotHoldIsRefused) {
+    const auto glyph = [&](char16_t character) -> MGlyph& { return *font.GetGlyph(character); };
+    const struct {
+        std::function<void()> change;
+        const char* reason; // empty: it is written
+    } cases[] = {
+        {[] {}, ""},
+        {[&] { glyph(u'A').SpacingAfter = -11; }, "the glyph of code 65 moves the pen back by 1 pixels"},
+        {[&] { glyph(u'A').SpacingAfter = 2000; }, ""},
+        {[&] { glyph(u'A').SpacingAfter = 70000; },
+         "the glyph of code 65 advances by 70010 pixels, which is more"},
+        {[&] {
+             glyph(u'A').SpacingBefore = -32767;
+             glyph(u'A').SpacingAfter = 32767;
+         },
+         "the glyph of code 65 reaches to -32768"},
+        {[&] { font.SetKerning('A', 'b', -40000); }, "the pair of codes 65 and 98 moves by -40000 pixels"},
+        {[&] { font.Baseline = -5; }, ""},
+        {[&] { font.Baseline = 100000; }, "the baseline is at 100000 pixels"},
+        {[&] { settings.GlyphHeight = 0; }, "the font's glyph height is below 1"},
+        {[&] { settings.GlyphHeight = 16384; }, ""},
+        {[&] { settings.GlyphHeight = 16385; }, "the font is 16385 pixels high"},
+        {[&] { font.Clear(); }, "the font has no glyphs"},
+        {[&] {
+             font.Clear();
+             AddInked(u'.', 1, 0, 0, 0, 1);
+         },
+         ""}, // one pixel
+        {[&] {
+             font.Clear();
+             AddInked(u' ', 7, 0, 0, 0, 1);
+             AddInked(u'\xD83D', 7, 0, 0, 0, 1);
+         },
+         ""},
+        {[&] {
+             font.Clear();
+             AddInked(u'\uFFFF', 7, 0, 0, 0, 1);
+         },
+         "the font has no glyphs"},
+        {[&] {
+             font.Clear();
+             for (char16_t c = 33; c < 256; ++c)
+                 AddInked(c, 3, 0, 0, 0, 5);
+         },
+         ""}, // all, no pairs
+    };
+    int number = 0;
+    for (const auto& [change, reason] : cases) {
+        font.Clear();
+        settings.GlyphHeight = height;
+        AddFont();
+        glyph(u'\u0416').SpacingAfter = 0;
+        change();
+        const std::string told = Reason(("f" + std::to_string(number++) + ".woff2").c_str());
+        if (*reason == 0)
+            EXPECT_EQ(told, "") << number;
+        else
+            EXPECT_THAT(told, HasSubstr(reason)) << number;
+    }
+    // At the greatest height of the program: two thousand pixels at the usual precision, fewer units for more.
+    font.Clear();
+    settings.GlyphHeight = 1024;
+    for (const std::int32_t width : {2000, 3000, 32000, 33000}) {
+        MGlyph& wide = AddInked(u'W', width, 0, 0, 0, 1);
+        wide.SetPixel(width - 1, 0, MColour(1, 2, 3));
+        const MFontDescription description = Description();
+        const MWebFont plan = PlanWebFont(description, "W");
+        EXPECT_EQ(plan.Scale, width == 2000 ? 16 : width == 3000 ? 8 : width == 32000 ? 1 : 0) << width;
+        EXPECT_EQ(plan.Reason.empty(), width < 33000) << width;
+    }
+}
+
+TEST_F(WebFonts, AnyNameIsAName) {
+    const struct {
+        const char16_t* name;
+        std::u16string family;
+    } cases[] = {{u"Demo", u"Demo"},
+                 {u"  \t\u0001 ", u"Lettrino"},
+                 {u"", u"Lettrino"},
+                 {u"a\nb\u007F\uFFFE", u"a b"},
+                 {u"\xD83D\xDE00 \xD83D", u"\xD83D\xDE00 \uFFFD"},
+                 {u"<\"&\\'%> \u65E5\u672C", u"<\"&\\'%> \u65E5\u672C"}};
+    for (const auto& [name, family] : cases)
+        EXPECT_EQ(CleanFamilyName(name), family);
+    EXPECT_EQ(CleanFamilyName(MString(std::u16string(999, u'x') + u"\xD83D\xDE00")).size(), 999U) << "no half";
+    const MFontDescription description = Description();
+    const MWebFont plan = PlanWebFont(description, u"\"; } */ <b> \\");
+    const std::string sheet = CssSheetText(plan, "a\"b c*/");
+    EXPECT_THAT(sheet,
+                HasSubstr("font-family: \"\\22 ; } */ <b> \\5c \";\n    src: url(\"a%22b%20c%2A%2F.woff2\")"));
+    EXPECT_THAT(sheet, HasSubstr("\n.font-a-b-c-- {"));
+    EXPECT_THAT(CssPageText(plan, "a"), HasSubstr("<title>&quot;; } */ &lt;b&gt; \\</title>"));
+}
+
+} // namespace
