@@ -12,7 +12,10 @@ target_link_options(lettrino_compile INTERFACE -Wl,--as-needed)
 # Pixel arithmetic must give the same bits in every build: no fused multiply-add.
 target_compile_options(lettrino_compile INTERFACE -ffp-contract=off)
 
-if(LETTRINO_SANITIZE OR LETTRINO_FUZZ)
+if(LETTRINO_COVERAGE)
+    add_compile_options(-fprofile-instr-generate -fcoverage-mapping)
+    add_link_options(-fprofile-instr-generate)
+elseif(LETTRINO_SANITIZE OR LETTRINO_FUZZ)
     set(sanitizers address,undefined)
     add_compile_options(-fsanitize=${sanitizers} -fno-sanitize-recover=undefined -fno-omit-frame-pointer)
     add_link_options(-fsanitize=${sanitizers})

@@ -4,7 +4,7 @@
 #include "glyphs/MGlyphRenderer.h"
 #include "platform/Desktop.h"
 #include "platform/MProgressDialog.h"
-#include "platform/text/MSvgGlyphs.h"
+#include "platform/text/MDrawingCredit.h"
 
 #include <cstdint>
 
@@ -44,7 +44,7 @@ bool MColourFont::GenerateSelectedCharacters() {
     std::int32_t done = 0;
     MString lost;
     std::int32_t lostCount = 0;
-    MSvgGlyphs::TakeLost();
+    LostGlyphs::Take();
     for (std::uint16_t code = firstCode; code <= lastCode; ++code) {
         if (!Settings->Selected[code]) continue;
         ++done;
@@ -55,7 +55,7 @@ bool MColourFont::GenerateSelectedCharacters() {
         if (slot < 0) continue;
         auto& glyph = Glyphs[static_cast<std::size_t>(slot)];
         glyph = renderer.RenderGlyph(code);
-        if (MSvgGlyphs::TakeLost() > 0) {
+        if (LostGlyphs::Take() > 0) {
             const char16_t unit = code;
             lost += MString(std::u16string_view(&unit, 1));
             ++lostCount;

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <ctime>
 #include <vector>
 
 KernFromFontResult KernFromFont(MColourFont& font) {
@@ -19,7 +20,12 @@ KernFromFontResult KernFromFont(MColourFont& font) {
         if (slot && slot->Character >= FirstCharacter && kerning.Has(slot->Character))
             characters.push_back(slot->Character);
     std::vector<MKerningPair> pairs;
+    // 50,000 pairs take some tenths of a second, unless the font means harm.
+    constexpr double mostSeconds = 1.5;
+    const std::clock_t start = std::clock();
     for (const char16_t left : characters) {
+        if (static_cast<double>(std::clock() - start) > mostSeconds * CLOCKS_PER_SEC)
+            return KernFromFontResult::TooSlow;
         for (const char16_t right : characters) {
             const std::int32_t amount = ToInteger(std::round(kerning.Amount(left, right) * pixelsPerUnit));
             if (amount != 0) pairs.push_back({left, right, amount});

@@ -2,7 +2,7 @@
 
 #include "document/MColourFont.h"
 
-enum class KernFromFontResult { Kerned, NoFont, NoKerning };
+enum class KernFromFontResult { Kerned, NoFont, NoKerning, TooSlow };
 
 // Replaces all pairs by those of the face that the settings name, scaled to the size at which its characters
 // are rendered for the settings' glyph height and rounded to whole pixels, halves away from zero; pairs that

@@ -13,6 +13,8 @@
 namespace {
 
 constexpr std::uint64_t megabyte = 1 << 20;
+// Each row costs a decoder some time, however short it is.
+constexpr std::uint64_t shortestRow = 16;
 
 std::uint64_t left = SparePixels;
 std::uint64_t smallLeft = AllFreePixels;
@@ -48,7 +50,7 @@ bool TakePixels(std::uint64_t width, std::uint64_t height, std::uint64_t fileByt
     constexpr std::uint64_t longest = std::numeric_limits<std::uint32_t>::max() / 2; // so that products fit
     if (width > longest || height > longest) return false;
     const std::uint64_t bytes = std::min(fileBytes, longest);
-    const std::uint64_t pixels = width * height * weight;
+    const std::uint64_t pixels = std::max(width, shortestRow) * height * weight;
     const std::uint64_t most = MostFor(bytes);
     if (pixels > most) {
         refusal = "its " + Number(width) + " x " + Number(height) +

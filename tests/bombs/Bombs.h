@@ -30,6 +30,8 @@ std::vector<Bomb> FaceBombs();     // files with the faces of a font
 std::vector<Bomb> ColourBombs();   // the same with glyphs in colour
 std::vector<Bomb> DocumentBombs(); // texture fonts, scripts, Photofonts, names, settings
 std::vector<Bomb> AllBombs();
+// Fonts that are harmless, of every kind, called Built Sans.
+std::vector<std::string> SmallFaces();
 
 // Numbers with the least significant byte first.
 std::string Little(std::initializer_list<std::pair<std::uint64_t, int>> fields);
@@ -39,6 +41,9 @@ std::string PackedRun(std::uint64_t count, char byte = 0);
 // make its file larger.
 std::string FlatPng(std::uint32_t width, std::uint32_t height, int depth, int colourType, std::size_t total = 0,
                     bool interlaced = false);
+std::string Gzip(const std::string& text);
+// In lines of 76 characters.
+std::string Base64(const std::string& bytes);
 std::string PngChunk(const char* type, const std::string& bytes);
 // What no decoder looks at and nothing makes smaller.
 std::string Noise(std::size_t count);

@@ -1,8 +1,6 @@
 #include "bombs/Bombs.h"
 #include "platform_text/PaintBuilder.h"
 
-#include <zlib.h>
-
 namespace bombs {
 
 namespace {
@@ -49,20 +47,6 @@ std::string SvgOfEach(const std::string& definitions, const std::string& content
     for (int glyph = 1; glyph <= codes; ++glyph)
         documents.push_back(Document(glyph, definitions, content));
     return Svg(documents);
-}
-
-std::string Gzip(const std::string& text) {
-    z_stream stream{};
-    deflateInit2(&stream, 9, Z_DEFLATED, MAX_WBITS + 16, 8, Z_DEFAULT_STRATEGY);
-    std::string packed(deflateBound(&stream, text.size()), '\0');
-    stream.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(text.data()));
-    stream.avail_in = static_cast<uInt>(text.size());
-    stream.next_out = reinterpret_cast<Bytef*>(packed.data());
-    stream.avail_out = static_cast<uInt>(packed.size());
-    deflate(&stream, Z_FINISH);
-    packed.resize(stream.total_out);
-    deflateEnd(&stream);
-    return packed;
 }
 
 std::string Noisy(int octaves) {
@@ -160,7 +144,7 @@ Bytes Composites(int depth, const Bytes& leaf) {
 std::vector<Bomb> ColourBombs() {
     std::vector<Bomb> all;
     const auto add = [&](const char* reader, const char* name, std::string bytes, bool sharp = false,
-                         int height = 512) {
+                         int height = 256) {
         all.push_back({.reader = reader,
                        .name = name,
                        .file = "f.ttf",
@@ -221,10 +205,10 @@ std::vector<Bomb> ColourBombs() {
     const Bytes radial =
         fonts::Outline(1, fonts::Radial({300, 300, 60, 700, 500, 180}, fonts::ColourLine(2, stops)));
     add("COLR", "255 layers", Layered(255, solid));
-    add("COLR", "16,000 layers", Layered(16'000, solid), true);
-    add("COLR", "16,000 layers of sweeps", Layered(16'000, sweep), true);
-    add("COLR", "16,000 layers of cones", Layered(16'000, radial));
-    add("COLR", "composites of composites, 2^8", Colr({}, Composites(8, solid)), true);
+    add("COLR", "7,500 layers", Layered(7'650, solid), true);
+    add("COLR", "7,500 layers of sweeps", Layered(7'650, sweep), true);
+    add("COLR", "7,500 layers of cones", Layered(7'650, radial));
+    add("COLR", "composites of composites, 2^7", Colr({}, Composites(7, solid)), true);
     add("COLR", "4,000 stops", Colr({}, [] {
             std::vector<fonts::Stop> many;
             for (int i = 0; i < 700; ++i)
@@ -232,6 +216,18 @@ std::vector<Bomb> ColourBombs() {
             return fonts::Outline(1, fonts::Sweep(500, 400, 0, 0.1, fonts::ColourLine(1, many)));
         }()));
     return all;
+}
+
+std::vector<std::string> SmallFaces() {
+    Font plain = AllGlyphs();
+    ColourTables layers;
+    layers.palette = {{230, 40, 40, 128}, {30, 160, 60, 255}};
+    layers.flat = {{33, {{1, 0}, {2, 1}}}};
+    Font flat = AllGlyphs();
+    flat.tables["COLR"] = layers.Colr();
+    flat.tables["CPAL"] = layers.Cpal();
+    return {plain.Build(), flat.Build(), Sbix(FlatPng(20, 20, 8, 6)), Cbdt(FlatPng(20, 20, 8, 6), 20),
+            Svg({Document(1, "", "<rect width='9' height='9'/>")})};
 }
 
 } // namespace bombs

@@ -2,6 +2,7 @@
 
 #include <zlib.h>
 
+#include <algorithm>
 #include <random>
 
 namespace bombs {
@@ -35,6 +36,37 @@ std::string PackedRun(std::uint64_t count, char byte) {
     }
     deflateEnd(&stream);
     return packed;
+}
+
+std::string Gzip(const std::string& text) {
+    z_stream stream{};
+    deflateInit2(&stream, 9, Z_DEFLATED, MAX_WBITS + 16, 8, Z_DEFAULT_STRATEGY);
+    std::string packed(deflateBound(&stream, text.size()), '\0');
+    stream.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(text.data()));
+    stream.avail_in = static_cast<uInt>(text.size());
+    stream.next_out = reinterpret_cast<Bytef*>(packed.data());
+    stream.avail_out = static_cast<uInt>(packed.size());
+    deflate(&stream, Z_FINISH);
+    packed.resize(stream.total_out);
+    deflateEnd(&stream);
+    return packed;
+}
+
+std::string Base64(const std::string& bytes) {
+    constexpr const char* letters = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+    std::string text;
+    for (std::size_t i = 0; i < bytes.size(); i += 3) {
+        const auto byte = [&](std::size_t k) {
+            return k < bytes.size() ? static_cast<std::uint32_t>(static_cast<unsigned char>(bytes[k])) : 0U;
+        };
+        const std::uint32_t three = byte(i) << 16 | byte(i + 1) << 8 | byte(i + 2);
+        for (const int shift : {18, 12, 6, 0})
+            text += letters[three >> shift & 63];
+        if (text.size() % 76 == 0) text += '\n';
+    }
+    if (bytes.size() % 3 != 0)
+        text.replace(text.size() - (3 - bytes.size() % 3), 3 - bytes.size() % 3, "==", 3 - bytes.size() % 3);
+    return text + "\n";
 }
 
 std::string Noise(std::size_t count) {

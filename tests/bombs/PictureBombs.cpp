@@ -298,15 +298,11 @@ std::string Bmp(std::uint32_t width, std::uint32_t height, std::size_t padding) 
     return file + std::string(padding - file.size(), '\0');
 }
 
-std::string Tga(std::uint32_t width, std::uint32_t height) {
-    std::string file =
-        Little({{0, 1}, {0, 1}, {10, 1}, {0, 5}, {0, 4}, {width, 2}, {height, 2}, {32, 1}, {8, 1}});
-    for (std::uint64_t left = std::uint64_t{width} * height; left > 0;) {
-        const auto run = std::min<std::uint64_t>(left, 128);
-        file += Little({{0x80 | (run - 1), 1}, {0x80402010, 4}});
-        left -= run;
-    }
-    return file;
+// A palette of one colour, and a byte for each pixel.
+std::string Tga(std::uint32_t width, std::uint32_t height, std::size_t size) {
+    const std::string header = Little(
+        {{0, 1}, {1, 1}, {1, 1}, {0, 2}, {1, 2}, {24, 1}, {0, 4}, {width, 2}, {height, 2}, {8, 1}, {0, 1}});
+    return header + std::string(size - header.size(), '\0');
 }
 
 std::string Dds(std::uint32_t width, std::uint32_t height, const char* fourCc, std::uint32_t dxgi,
@@ -374,7 +370,8 @@ std::vector<Bomb> PictureBombs() {
 
     add("BMP", "runs, the most that is read", "f.bmp", Bmp(large, large, padded));
     add("BMP", "rows that are left out", "f.bmp", Bmp(30000, 30000, padded));
-    add("TGA", "runs", "f.tga", Tga(5000, 5100));
+    add("TGA", "a byte for each pixel", "f.tga", Tga(1000, 999, padded));
+    add("TGA", "32767 x 32767", "f.tga", Tga(32767, 32767, padded));
     add("DDS", "BC1", "f.dds", Dds(1400, 1400, "DXT1", 0, Noise(980'000)));
     add("DDS", "BC7", "f.dds", Dds(980, 980, "DX10", 98, Noise(980 * 980)));
     add("DDS", "4 GiB of pixels", "f.dds", Dds(65532, 65532, "DXT1", 0, Noise(980'000)));

@@ -1,4 +1,4 @@
-// bombs LETTRINO-CLI [WORDS]: reads every hostile file with the program and prints what each costs as a table;
+// bombs_table LETTRINO-CLI [WORDS]: reads every hostile file with the program and prints what each costs as a table;
 // with WORDS only those whose reader or name has them. Status 1 if one passes a bound or ends the program.
 #include "bombs/Trial.h"
 
@@ -7,7 +7,7 @@
 
 int main(int count, char** arguments) {
     if (count < 2) {
-        std::fputs("usage: bombs LETTRINO-CLI [WORDS]\n", stderr);
+        std::fputs("usage: bombs_table LETTRINO-CLI [WORDS]\n", stderr);
         return 2;
     }
     const std::string words = count > 2 ? arguments[2] : "";
@@ -18,7 +18,7 @@ int main(int count, char** arguments) {
         std::size_t size = bomb.bytes.size();
         for (const auto& [name, bytes] : bomb.beside)
             size = std::max(size, bytes.size());
-        const bombs::Cost cost = bombs::Try(bomb, arguments[1], {});
+        const bombs::Cost cost = bombs::Try(bomb, arguments[1], {.seconds = 20});
         const bool good = cost.seconds <= bombs::mostSeconds && cost.memory <= bombs::mostMemory &&
                           cost.status <= 1 && size <= bombs::largestFile && size > 0;
         within = within && good;

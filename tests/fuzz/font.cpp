@@ -1,5 +1,6 @@
 // Any bytes as a font file beside a good picture: the readers must stay whole, and so must the font that comes
-// of it.
+// of it. What was read is written and read again, and must be the same then. The last byte chooses how the text
+// of a texture font is stored: as it is, or with each byte as a character of UTF-16 or UTF-8.
 
 #include "TemporaryFolder.h"
 #include "document/MColourFont.h"
@@ -9,7 +10,9 @@
 #include "imaging/MPixelBudget.h"
 #include "formats/game/MGameFontImport.h"
 
+#include <algorithm>
 #include <cstdint>
+#include <cstdlib>
 #include <string>
 #include <string_view>
 
@@ -34,6 +37,21 @@ std::string Header() {
     return {};
 }
 
+std::string Stored(const std::string& text, int encoding) {
+    std::string bytes = encoding == 1   ? "\xFF\xFE"
+                        : encoding == 2 ? "\xFE\xFF"
+                        : encoding == 3 ? "\xEF\xBB\xBF"
+                                        : "";
+    if (encoding != 1 && encoding != 2) return bytes + text;
+    for (const char letter : text) {
+        // What is not ASCII becomes a character of another page.
+        const char page = letter < 0 ? '\x04' : '\0';
+        bytes += encoding == 1 ? letter : page;
+        bytes += encoding == 1 ? page : letter;
+    }
+    return bytes;
+}
+
 bool Read(MColourFont& font, const MString& path) {
     if (form == "sm") return font.Load(path);
     if (form == "js") return font.ImportJavascript(path);
@@ -41,20 +59,53 @@ bool Read(MColourFont& font, const MString& path) {
     return MPhotofontImporter(nullptr).Import(path, &font);
 }
 
+void Require(bool holds) {
+    if (!holds) std::abort();
+}
+
+bool IsWhole(const MColourFont& font) {
+    return std::ranges::all_of(font.Glyphs, [](const auto& slot) {
+        return !slot || (slot->Character > 32 && slot->Character != 0xFFFF && slot->RowsMatchPicture());
+    });
+}
+
+void RequireSame(const MColourFont& first, const MColourFont& second) {
+    Require(first.Baseline == second.Baseline && first.CapHeight == second.CapHeight);
+    Require(first.SpaceWidth == second.SpaceWidth);
+    for (const auto& slot : first.Glyphs) {
+        if (!slot) continue;
+        const MGlyph* const other = second.GetGlyph(static_cast<char16_t>(slot->Character));
+        Require(other && other->Width == slot->Width && other->Height == slot->Height);
+        Require(other->SpacingBefore == slot->SpacingBefore && other->SpacingAfter == slot->SpacingAfter);
+        for (std::int32_t y = 0; y < slot->Height; ++y)
+            for (std::int32_t x = 0; x < slot->Width; ++x)
+                Require(slot->GetPixel(x, y) == other->GetPixel(x, y));
+    }
+    for (const MKerningPair& pair : first.Kerning)
+        Require(second.GetKerning(pair.Left, pair.Right) == first.GetKerning(pair.Left, pair.Right));
+}
+
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     static const Place place;
-    SetMemoryLimit(std::size_t{64} << 20); // beyond what is held now
+    SetMemoryLimit(std::size_t{1} << 30); // beyond what is held now
     RestorePixelBudget();
     MSettings settings;
     Settings = &settings;
     settings.Path(MPathKind::Temporary) = FromSystemPath(place.path);
+    const int encoding = size > 0 && form == "sm" ? data[size - 1] % 4 : 0;
     const MString file =
-        place.Write("f." LETTRINO_FORM, Header() + std::string(reinterpret_cast<const char*>(data), size));
+        place.Write("f." LETTRINO_FORM,
+                    Stored(Header() + std::string(reinterpret_cast<const char*>(data), size), encoding));
     {
         MColourFont font(nullptr);
         if (Read(font, file) && font.Repack()) {
+            if (IsWhole(font) && font.Save(place.File("again.sm"))) {
+                MColourFont again(nullptr);
+                Require(again.Load(place.File("again.sm")));
+                RequireSame(font, again);
+            }
             font.GenerateKerning();
             font.Scale(0.5F);
             font.TrimVertically();

@@ -6,7 +6,7 @@
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     static const MCodec& codec = *std::ranges::find(Codecs(), std::string_view(LETTRINO_CODEC), &MCodec::name);
     for (const std::int32_t frame : {0, 1}) {
-        SetMemoryLimit(std::size_t{256} << 20); // anew: the sanitizer keeps what was freed
+        SetMemoryLimit(std::size_t{1} << 30); // anew: the sanitizer keeps what was freed
         MByteSource source({data, size});
         MPicture picture;
         // A picture that was taken must be whole: every byte of it is read.

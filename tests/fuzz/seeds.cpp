@@ -1,5 +1,6 @@
-// Makes the first inputs for the picture decoders and the reader of game fonts: seeds <folder> writes one
-// folder for each form.
+// Makes the first inputs: seeds <folder> writes one folder for each target.
+#include "fuzz/Seeds.h"
+
 #include "formats/game/MBmFont.h"
 #include "imaging/codecs/Coding.h"
 
@@ -18,9 +19,10 @@ public:
         file.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
     }
 
+    int count = 0;
+
 private:
     std::filesystem::path folder;
-    int count = 0;
 };
 
 void AddEncoded(const MCodec& codec, Corpus& corpus) {
@@ -74,10 +76,15 @@ int main(int count, char** arguments) {
         return 2;
     }
     for (const MCodec& codec : Codecs()) {
-        Corpus corpus(arguments[1], codec.name);
-        if (codec.encode) AddEncoded(codec, corpus);
-        AddData(codec, corpus);
+        Corpus corpus(arguments[1], "fuzz_picture_" + std::string(codec.name));
+        Corpus all(arguments[1], "fuzz_sniff");
+        all.count = static_cast<int>(&codec - Codecs().data()) * 1000;
+        for (Corpus* const each : {&corpus, &all}) {
+            if (codec.encode) AddEncoded(codec, *each);
+            AddData(codec, *each);
+        }
     }
     Corpus fonts(arguments[1], "fuzz_font_fnt");
     AddGameFonts(fonts);
+    WriteFontSeeds(arguments[1]);
 }

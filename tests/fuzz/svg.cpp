@@ -1,5 +1,5 @@
-// Any bytes as the tables SVG and CPAL: the first two tell where the latter begins. What draws documents does not
-// stand beside this program, so each ends as a lost glyph; the documents are read up to there.
+// Any bytes as the tables SVG and CPAL: the first two tell where the latter begins. What draws documents does
+// not stand beside this program, so each ends as a lost glyph; the documents are read up to there.
 #include "platform/text/MSvgGlyphs.h"
 
 #include <algorithm>

@@ -2,6 +2,7 @@
 
 #include "TemporaryFolder.h"
 #include "imaging/Pictures.h"
+#include "platform/text/MDrawingCredit.h"
 #include "platform_text/Canvas.h"
 #include "platform_text/PaintBuilder.h"
 
@@ -165,11 +166,11 @@ TEST(SvgGlyphs, ADocumentThatEndsItsRendererCostsNothingButItsGlyph) {
                            "<g id='glyph3'><rect width='1000' height='1000' y='-500' filter='url(#f)'/></g>"
                            "<rect id='glyph4' width='1000' height='1000' y='-1000' fill='#00ff00'/>")),
             {});
-        MSvgGlyphs::TakeLost();
+        LostGlyphs::Take();
         EXPECT_EQ(PixelOf(glyphs, 4, 50, 50), c.takesAll ? 0U : 0xFF00FF00U) << c.name;
         EXPECT_EQ(PixelOf(glyphs, 3, 50, 50), 0U) << c.name << ": drawn, and empty";
         EXPECT_EQ(PixelOf(glyphs, 3, 50, 50), 0U) << c.name;
-        EXPECT_EQ(MSvgGlyphs::TakeLost(), c.takesAll ? 2 : 1) << c.name << ": each is counted once";
+        EXPECT_EQ(LostGlyphs::Take(), c.takesAll ? 2 : 1) << c.name << ": each is counted once";
         EXPECT_EQ(PixelOf(glyphs, 4, 50, 50), c.takesAll ? 0U : 0xFF00FF00U) << c.name << ": the others stay";
     }
 }

@@ -8,6 +8,7 @@ namespace fonts {
 struct PaintFont {
     Font font;
     std::vector<std::string> names; // of the characters, from U+0100 on
+    std::vector<std::string> alone; // the table COLR of each of them as glyph 0
 
     PaintFont() {
         font.family = "Every Paint";
@@ -94,12 +95,18 @@ struct PaintFont {
 
 private:
     ColourTables tables;
+    int firstCharacter = 6; // its glyph
 
     void Add(const std::string& name, const Bytes& paint) {
         // An outline of its own gives the glyph its width; the paints don't use it.
         const int glyph = font.Add({{Box(100, 0, 900, 800)}}, static_cast<char16_t>(0x100 + names.size()));
         tables.glyphs[glyph] = paint;
         names.push_back(name);
+        ColourTables one = tables;
+        std::erase_if(one.glyphs,
+                      [&](const auto& each) { return !names.empty() && each.first >= firstCharacter; });
+        one.glyphs[0] = paint;
+        alone.push_back(one.Colr());
     }
     void Add(const std::string& name, const Bytes& paint, const std::array<int, 4>& box) {
         Add(name, paint);

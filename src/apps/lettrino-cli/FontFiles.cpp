@@ -35,7 +35,8 @@ bool IsFolder(const fs::path& path) {
 StepResult AddFaces(const std::string& file) {
     const MString path = FromSystem(file);
     if (!FileExists(path)) return StepFailure{file, "no such file"};
-    if (!AddFontFile(path)) return StepFailure{file, "it is no font"};
+    std::string reason;
+    if (!AddFontFile(path, &reason)) return StepFailure{file, reason};
     return {};
 }
 

@@ -86,6 +86,8 @@ std::optional<StepAction> PrepareKernFromFont(StepArguments) {
         case KernFromFontResult::NoKerning:
             return StepFailure{{},
                                "the font '" + family + "' has no kerning for the characters at this height"};
+        case KernFromFontResult::TooSlow:
+            return StepFailure{{}, "the kerning of the font '" + family + "' takes too long to read"};
         case KernFromFontResult::Kerned: font.SortKerningByAmount(); return {};
         }
         return {};

@@ -208,10 +208,10 @@ bool DecodeHandle(const heif_image_handle* handle, const MHevcSize& coded, std::
     };
     const MHevcSize shown = size(heif_image_handle_get_width(handle), heif_image_handle_get_height(handle));
     // A picture cut out of a larger one is decoded whole, and what the coded data say is believed.
-    const MHevcSize largest = std::ranges::max(
-        {shown, size(heif_image_handle_get_ispe_width(handle), heif_image_handle_get_ispe_height(handle)),
-         coded},
-        {}, &MHevcSize::Pixels);
+    const MHevcSize whole =
+        size(heif_image_handle_get_ispe_width(handle), heif_image_handle_get_ispe_height(handle));
+    const auto fewer = [](const MHevcSize& a, const MHevcSize& b) { return a.Pixels() < b.Pixels(); };
+    const MHevcSize largest = std::max({shown, whole, coded}, fewer);
     if (shown.Pixels() == 0 || !IsPlausible(largest.Pixels(), fileSize)) return false;
     const bool alpha = heif_image_handle_has_alpha_channel(handle) != 0;
     // Premultiplied colours have lost depth already; they are brought back in bytes.

@@ -51,9 +51,15 @@ std::int32_t MFaceKerning::Advance(std::u16string_view text) {
     return sum;
 }
 
+std::int32_t MFaceKerning::Alone(char16_t character) {
+    const auto [known, isNew] = alone.try_emplace(character, 0);
+    if (isNew) known->second = Advance({&character, 1});
+    return known->second;
+}
+
 std::int32_t MFaceKerning::Amount(char16_t left, char16_t right) {
     if (!Has(left) || !Has(right)) return 0;
     const std::array pair = {left, right};
     const std::u16string_view text(pair.data(), pair.size());
-    return Advance(text) - Advance(text.substr(0, 1)) - Advance(text.substr(1));
+    return Advance(text) - Alone(left) - Alone(right);
 }

@@ -5,6 +5,7 @@
 #include "platform/text/MOpenFace.h"
 
 #include <cstdint>
+#include <map>
 #include <memory>
 
 struct hb_buffer_t;
@@ -29,6 +30,8 @@ private:
     std::unique_ptr<MOpenFace> face;
     hb_font_t* font = nullptr;
     hb_buffer_t* buffer = nullptr;
+    std::map<char16_t, std::int32_t> alone; // advances of single characters
 
     std::int32_t Advance(std::u16string_view text);
+    std::int32_t Alone(char16_t character);
 };

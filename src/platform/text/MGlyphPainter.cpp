@@ -43,12 +43,24 @@ const MPaintTree* MGlyphPainter::TreeOf(std::uint32_t glyph) {
 void MGlyphPainter::Draw(cairo_t* context, std::uint32_t glyph, double x, double y, double em, MColour colour,
                          bool colours) {
     if (!face.face || !(em > 0)) return;
+    double left = 0, top = 0, right = 0, bottom = 0;
+    cairo_clip_extents(context, &left, &top, &right, &bottom);
+    if (!credit.Begin((right - left) * (bottom - top))) {
+        LostGlyphs::Add();
+        return;
+    }
     cairo_save(context);
     cairo_translate(context, x, y);
     // The mapper's slant, for a y that points downwards.
     const auto& [xx, xy, yx, yy] = face.match.matrix;
     const cairo_matrix_t slant{xx, -yx, -xy, yy, 0, 0};
     if (xx * yy - xy * yx != 0) cairo_transform(context, &slant);
+    DrawWhole(context, glyph, em, colour, colours);
+    cairo_restore(context);
+    credit.End();
+}
+
+void MGlyphPainter::DrawWhole(cairo_t* context, std::uint32_t glyph, double em, MColour colour, bool colours) {
     if (!colours || !DrawColours(context, glyph, em, colour)) {
         const double scale = em / face.unitsPerEm;
         cairo_scale(context, scale, -scale);
@@ -60,7 +72,6 @@ void MGlyphPainter::Draw(cairo_t* context, std::uint32_t glyph, double x, double
         }
         cairo_new_path(context);
     }
-    cairo_restore(context);
 }
 
 bool MGlyphPainter::DrawColours(cairo_t* context, std::uint32_t glyph, double em, MColour colour) {
@@ -68,9 +79,13 @@ bool MGlyphPainter::DrawColours(cairo_t* context, std::uint32_t glyph, double em
     if (const MPaintTree* const paints = TreeOf(glyph)) {
         cairo_save(context);
         cairo_scale(context, scale, -scale);
-        const bool painted = PaintTree(context, *paints, face, colour);
+        const bool painted = PaintTree(context, *paints, face, colour, &credit);
         cairo_restore(context);
         if (painted) return true;
+        if (credit.IsOver()) {
+            LostGlyphs::Add();
+            return true;
+        }
     }
     if (glyph <= UINT16_MAX && !documents->IsEmpty()) {
         cairo_save(context);

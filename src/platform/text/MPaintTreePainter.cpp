@@ -59,8 +59,9 @@ class Painter {
 public:
     bool exhausted = false;
 
-    Painter(cairo_t* cairo, const MPaintTree& paintTree, const MOpenFace& openFace, MColour text)
-        : context(cairo), tree(paintTree), face(openFace), foreground(text) {}
+    Painter(cairo_t* cairo, const MPaintTree& paintTree, const MOpenFace& openFace, MColour text,
+            const MDrawingCredit* time)
+        : context(cairo), tree(paintTree), face(openFace), foreground(text), credit(time) {}
 
     void Paint(std::uint32_t index) {
         if (exhausted) return;
@@ -80,6 +81,7 @@ private:
     const MPaintTree& tree;
     const MOpenFace& face;
     MColour foreground;
+    const MDrawingCredit* credit;
     double pixels = 0;
     int groups = 0;
 
@@ -97,10 +99,10 @@ private:
         return ToDevice(context, x0, y0, x1, y1);
     }
 
-    // False if no more pixels may be painted.
+    // False if no more may be painted.
     bool Spend(const Extents& extents) {
         if (!IsEmpty(extents)) pixels += (extents[2] - extents[0]) * (extents[3] - extents[1]);
-        exhausted = exhausted || pixels > mostPixels;
+        exhausted = exhausted || pixels > mostPixels || (credit && credit->IsOver());
         return !exhausted;
     }
 
@@ -223,12 +225,13 @@ private:
 
 } // namespace
 
-bool PaintTree(cairo_t* context, const MPaintTree& tree, const MOpenFace& face, MColour foreground) {
+bool PaintTree(cairo_t* context, const MPaintTree& tree, const MOpenFace& face, MColour foreground,
+               const MDrawingCredit* credit) {
     if (tree.paints.empty()) return false;
     const bool aside = tree.paints.size() > manyPaints;
     cairo_save(context);
     if (aside) cairo_push_group(context);
-    Painter painter(context, tree, face, foreground);
+    Painter painter(context, tree, face, foreground, credit);
     painter.Paint(0);
     if (aside) {
         cairo_pop_group_to_source(context);

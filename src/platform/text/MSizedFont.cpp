@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include FT_FREETYPE_H
 #include FT_BBOX_H
 #include FT_OUTLINE_H
@@ -51,6 +52,23 @@ void TellSpans(int y, int count, const FT_Span* spans, void* user) {
         inked[kept++] = {span.x, span.len, span.coverage};
     }
     tell();
+}
+
+// FreeType's rasteriser goes through all edges of a row for each of them. Outlines have a few tens of edges to
+// a row, those of ornaments some hundred.
+bool IsTooDense(const FT_Outline& outline) {
+    constexpr double mostSteps = 1e8;
+    double edges = 0; // pixels of height
+    FT_Pos low = 0;
+    FT_Pos high = 0;
+    for (int i = 0; i < outline.n_points; ++i) {
+        const FT_Pos y = outline.points[i].y;
+        low = i == 0 ? y : std::min(low, y);
+        high = i == 0 ? y : std::max(high, y);
+        if (i > 0) edges += std::abs(static_cast<double>(y - outline.points[i - 1].y)) / 64;
+    }
+    const double rows = std::max(static_cast<double>(high - low) / 64, 1.0);
+    return edges * edges / rows > mostSteps;
 }
 
 } // namespace
@@ -153,6 +171,12 @@ void MSizedFont::Draw(char16_t character, std::int64_t x, std::int64_t y, const 
     const MPixelRect visible = Intersect(ink, region);
     if (visible.IsEmpty()) return;
 
+    const FT_Outline& loadedOutline = face->face->glyph->outline;
+    if (IsTooDense(loadedOutline) || !credit.Begin(static_cast<double>(visible.right - visible.left) *
+                                                   static_cast<double>(visible.bottom - visible.top))) {
+        LostGlyphs::Add();
+        return;
+    }
     // The region's left edge and the last visible row are the origin, and y grows upwards.
     Call call{static_cast<std::int32_t>(visible.bottom - region.top) - 1, sink, context};
     FT_Outline* const outline = &face->face->glyph->outline;
@@ -167,4 +191,5 @@ void MSizedFont::Draw(char16_t character, std::int64_t x, std::int64_t y, const 
     FT_Outline_Translate(outline, shiftX, shiftY);
     FT_Outline_Render(FreeTypeLibrary(), outline, &params);
     FT_Outline_Translate(outline, -shiftX, -shiftY);
+    credit.End();
 }

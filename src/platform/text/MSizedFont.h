@@ -4,6 +4,7 @@
 #pragma once
 
 #include "foundation/MString.h"
+#include "platform/text/MDrawingCredit.h"
 
 #include <cstdint>
 #include <memory>
@@ -69,7 +70,8 @@ public:
 
     // Tells the sink the character's coverage of the pixels of `region`, with the pen at `x` on the baseline
     // `y`. Runs without ink are not told, and no pixel is told twice; the order is open. Ink outside the region
-    // costs nothing. The region is at most 32768 pixels wide and high where the ink meets it.
+    // costs nothing. A glyph that there is no time for is left out, and told to LostGlyphs. The region is at
+    // most 32768 pixels wide and high where the ink meets it.
     void Draw(char16_t character, std::int64_t x, std::int64_t y, const MPixelRect& region, MSpanSink sink,
               void* context);
 
@@ -77,6 +79,7 @@ private:
     std::unique_ptr<MOpenFace> face;
     std::int32_t loaded = -1; // the character in the face's slot
     MInk loadedInk;
+    MDrawingCredit credit;
     std::int64_t em64 = 0; // 64ths of a pixel
 
     bool SetSize(std::int64_t em); // in 64ths of a pixel

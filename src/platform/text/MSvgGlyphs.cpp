@@ -3,6 +3,7 @@
 #include "foundation/MDebug.h"
 #include "foundation/MNumbers.h"
 #include "platform/text/MColourTable.h"
+#include "platform/text/MDrawingCredit.h"
 
 #include <cairo.h>
 #include <zlib.h>
@@ -18,10 +19,7 @@ namespace {
 constexpr std::string_view variable = "var(--color";
 constexpr double largestSide = 16384; // pixels of an image to draw on
 
-// Of all fonts, since the last TakeLost.
-std::int32_t lostGlyphs = 0;
-
-std::optional<std::string> Inflate(std::span<const std::uint8_t> bytes) {
+std::optional<std::string> Inflate(std::span<const std::uint8_t> bytes, std::size_t most) {
     z_stream stream{};
     constexpr int gzipOrZlib = 32;
     if (inflateInit2(&stream, MAX_WBITS + gzipOrZlib) != Z_OK) return std::nullopt;
@@ -30,14 +28,14 @@ std::optional<std::string> Inflate(std::span<const std::uint8_t> bytes) {
     std::string text;
     std::array<char, 65536> piece;
     int result = Z_OK;
-    while (result == Z_OK && text.size() <= MSvgGlyphs::maximumDocument) {
+    while (result == Z_OK && text.size() <= most) {
         stream.next_out = reinterpret_cast<Bytef*>(piece.data());
         stream.avail_out = piece.size();
         result = inflate(&stream, Z_NO_FLUSH);
         text.append(piece.data(), piece.size() - stream.avail_out);
     }
     inflateEnd(&stream);
-    if (result != Z_STREAM_END || text.size() > MSvgGlyphs::maximumDocument) return std::nullopt;
+    if (result != Z_STREAM_END || text.size() > most) return std::nullopt;
     return text;
 }
 
@@ -111,6 +109,15 @@ MSvgGlyphs::Place MSvgGlyphs::Find(std::uint16_t glyph) const {
     return place;
 }
 
+// As much of it as all documents together may still have.
+std::optional<std::string> MSvgGlyphs::Unpack(std::span<const std::uint8_t> bytes) {
+    const std::size_t all = maximumUnpacked + svg.size() * maximumRatio;
+    const std::size_t most = std::min(maximumDocument, all - std::min(all, unpacked));
+    auto text = Inflate(bytes, most);
+    unpacked += text ? text->size() : most; // also what came to nothing
+    return text;
+}
+
 const std::string* MSvgGlyphs::Open(const Place& place) {
     if (place.length == 0) return nullptr;
     if (const auto known = documents.find(place.offset); known != documents.end())
@@ -120,7 +127,7 @@ const std::string* MSvgGlyphs::Open(const Place& place) {
     const auto bytes = std::span(svg).subspan(place.offset, place.length);
     const bool compressed = bytes.size() > 2 && bytes[0] == 0x1F && bytes[1] == 0x8B;
     std::optional<std::string> text =
-        compressed ? Inflate(bytes) : std::string(reinterpret_cast<const char*>(bytes.data()), bytes.size());
+        compressed ? Unpack(bytes) : std::string(reinterpret_cast<const char*>(bytes.data()), bytes.size());
     if (!text || text->empty() || text->size() > maximumDocument) return nullptr;
     if (static_cast<std::size_t>(std::ranges::count(*text, '<')) > maximumElements) return nullptr;
     document = WithPalette(*text, cpal);
@@ -137,7 +144,7 @@ bool MSvgGlyphs::Ask(const SvgWire::Request& request, MSvgRenderer::Image& image
     if (result != MSvgRenderer::Result::Lost) return result == MSvgRenderer::Result::Done;
     image = {};
     lost.insert(glyph);
-    ++lostGlyphs;
+    LostGlyphs::Add();
     DebugOutput(u"An SVG glyph could not be drawn within its time and memory\n");
     return true;
 }
@@ -178,8 +185,4 @@ bool MSvgGlyphs::Draw(cairo_t* context, std::uint16_t glyph, std::int32_t unitsP
     }
     cairo_restore(context);
     return drawn;
-}
-
-std::int32_t MSvgGlyphs::TakeLost() {
-    return std::exchange(lostGlyphs, 0);
 }

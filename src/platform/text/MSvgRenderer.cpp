@@ -18,10 +18,9 @@ extern char** environ;
 
 namespace {
 
-constexpr double creditForEach = 0.05; // seconds, for each request
 // After so many seconds that came to nothing, starts of the program included, a font's documents are left
 // alone.
-constexpr double mostLost = 1.5;
+constexpr double mostLost = 0.8;
 
 double Seconds(const timeval& time) {
     return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) * 1e-6;
@@ -126,7 +125,8 @@ bool MSvgRenderer::Exchange(const SvgWire::Request& request, std::string_view te
 MSvgRenderer::Result MSvgRenderer::Ask(SvgWire::Request request, std::uint64_t number, std::string_view text,
                                        Image& image) {
     request.document = number;
-    credit = std::min(credit + creditForEach, SvgWire::longestRequest);
+    const double pixels = static_cast<double>(request.width) * request.height;
+    credit = std::min(credit + MDrawingCredit::For(pixels), SvgWire::longestRequest);
     // A process that has served others may be full of their documents; a new one is asked once more.
     for (const bool fresh : {process < 0, true}) {
         request.limit = credit;

@@ -4,6 +4,7 @@
 #include "foundation/MNumbers.h"
 #include "foundation/MUtf8.h"
 #include "platform/text/MColourTable.h"
+#include "platform/text/MFontCheck.h"
 #include "platform/text/MFontPattern.h"
 #include "platform/text/MOpenFace.h"
 
@@ -171,10 +172,15 @@ std::vector<MSystemFace> ListSystemFaces() {
     return faces;
 }
 
-bool AddFontFile(const MString& path) {
+bool AddFontFile(const MString& path, std::string* reason) {
+    if (reason) *reason = "it is no font";
     const auto file = FindExisting(path);
     if (!file || !std::filesystem::is_regular_file(*file)) return false;
     const std::string name = file->string();
+    if (const std::string why = WhyUnsafe(name); !why.empty()) {
+        if (reason) *reason = why;
+        return false;
+    }
     // fontconfig itself accepts any file, also one without a face.
     const FontSet found(FcFontSetCreate());
     if (!FcFileScan(found.get(), nullptr, nullptr, nullptr, ToFc(name), FcTrue) || found->nfont == 0)

@@ -25,8 +25,8 @@ struct MSystemFace {
 std::vector<MSystemFace> ListSystemFaces();
 
 // Makes the faces of a font file available until the program ends, as if they were installed. False if the file
-// is not a font.
-bool AddFontFile(const MString& path);
+// is not a font, or is one that would take the machine's time or memory; `reason` tells which.
+bool AddFontFile(const MString& path, std::string* reason = nullptr);
 
 // Whether a face has this family name; letter case doesn't matter.
 bool IsFamilyInstalled(const MString& family);
