@@ -52,14 +52,18 @@ public:
     // The squares between two rows, each with a clear pixel before and after it.
     void AddRow(std::size_t y, std::span<const std::uint8_t> upper, std::span<const std::uint8_t> lower) {
         row = y;
+        const auto insideOf = [this](std::uint8_t alpha) {
+            return static_cast<double>(alpha) >= threshold ? 1U : 0U;
+        };
+        unsigned before = 0; // the corners of the last square's right side: 2 the upper, 1 the lower
         for (std::size_t x = 0; x <= width; ++x) {
+            const unsigned after = insideOf(upper[x + 1]) << 1 | insideOf(lower[x + 1]);
+            const unsigned inside = (before >> 1) << 3 | (after >> 1) << 2 | (after & 1) << 1 | (before & 1);
+            before = after;
+            if (inside == 0 || inside == 15) continue;
             const std::array<double, 4> corners{
                 static_cast<double>(upper[x]), static_cast<double>(upper[x + 1]),
                 static_cast<double>(lower[x + 1]), static_cast<double>(lower[x])};
-            unsigned inside = 0;
-            for (const double corner : corners)
-                inside = inside * 2 + (corner >= threshold ? 1 : 0);
-            if (inside == 0 || inside == 15) continue;
             column = x;
             if (inside != 5 && inside != 10) {
                 Add(ways[inside], corners);
@@ -129,13 +133,23 @@ std::vector<MContour> Join(std::vector<Crossing> crossings) {
     return contours;
 }
 
-double DistanceToLine(const MContourPoint& point, const MContourPoint& a, const MContourPoint& b) {
-    const double dx = b.X - a.X;
-    const double dy = b.Y - a.Y;
-    const double length = std::hypot(dx, dy);
-    if (length == 0) return std::hypot(point.X - a.X, point.Y - a.Y);
-    return std::abs(dx * (point.Y - a.Y) - dy * (point.X - a.X)) / length;
-}
+// From a line through two points; from the one point where they are the same.
+class LineDistance {
+public:
+    LineDistance(const MContourPoint& from, const MContourPoint& to)
+        : a(from), dx(to.X - from.X), dy(to.Y - from.Y), length(std::hypot(dx, dy)) {}
+
+    double operator()(const MContourPoint& point) const {
+        if (length == 0) return std::hypot(point.X - a.X, point.Y - a.Y);
+        return std::abs(dx * (point.Y - a.Y) - dy * (point.X - a.X)) / length;
+    }
+
+private:
+    MContourPoint a;
+    double dx;
+    double dy;
+    double length;
+};
 
 // Marks the points between two kept ones that stay.
 void KeepBetween(const MContour& contour, std::size_t first, std::size_t last, double tolerance,
@@ -144,10 +158,11 @@ void KeepBetween(const MContour& contour, std::size_t first, std::size_t last, d
     while (!parts.empty()) {
         const auto [from, to] = parts.back();
         parts.pop_back();
+        const LineDistance distanceOf(contour[from], contour[to % contour.size()]);
         double most = tolerance;
         std::size_t farthest = 0;
         for (std::size_t i = from + 1; i < to; ++i) {
-            const double distance = DistanceToLine(contour[i], contour[from], contour[to % contour.size()]);
+            const double distance = distanceOf(contour[i]);
             if (distance <= most) continue;
             most = distance;
             farthest = i;

@@ -44,24 +44,36 @@ std::string DocumentOf(const MWebFont& font, std::size_t glyph, std::span<const 
            " xlink:href=\"data:image/png;base64," + Base64(png) + "\"/></g></svg>";
 }
 
-// As a gzip file. There is nothing to find again in the base64 text of a PNG, but six bits in each character.
-void AddCompressed(MTableBytes& table, const std::string& text) {
-    constexpr int gzipWindow = 15 + 16;
-    constexpr int memoryLevel = 8;
+// Makes gzip files, one after another in the same memory. There is nothing to find again in the base64 text of
+// a PNG, but six bits in each character.
+class Compressor {
+public:
+    Compressor() {
+        constexpr int smallGzipWindow = 12 + 16;
+        constexpr int memoryLevel = 8;
+        if (deflateInit2(&stream, Z_DEFAULT_COMPRESSION, Z_DEFLATED, smallGzipWindow, memoryLevel,
+                         Z_HUFFMAN_ONLY) != Z_OK)
+            throw std::bad_alloc();
+    }
+    Compressor(const Compressor&) = delete;
+    Compressor& operator=(const Compressor&) = delete;
+    ~Compressor() { deflateEnd(&stream); }
+
+    void Append(MTableBytes& table, const std::string& text) {
+        deflateReset(&stream);
+        const std::size_t start = table.Size();
+        table.Zeros(deflateBound(&stream, text.size()));
+        stream.next_in = reinterpret_cast<z_const Bytef*>(const_cast<char*>(text.data()));
+        stream.avail_in = static_cast<uInt>(text.size());
+        stream.next_out = table.Bytes.data() + start;
+        stream.avail_out = static_cast<uInt>(table.Size() - start);
+        deflate(&stream, Z_FINISH); // the bound is enough for all of it
+        table.Bytes.resize(start + stream.total_out);
+    }
+
+private:
     z_stream stream{};
-    if (deflateInit2(&stream, Z_DEFAULT_COMPRESSION, Z_DEFLATED, gzipWindow, memoryLevel, Z_HUFFMAN_ONLY) !=
-        Z_OK)
-        throw std::bad_alloc();
-    const std::size_t start = table.Size();
-    table.Zeros(deflateBound(&stream, text.size()));
-    stream.next_in = reinterpret_cast<z_const Bytef*>(const_cast<char*>(text.data()));
-    stream.avail_in = static_cast<uInt>(text.size());
-    stream.next_out = table.Bytes.data() + start;
-    stream.avail_out = static_cast<uInt>(table.Size() - start);
-    deflate(&stream, Z_FINISH); // the bound is enough for all of it
-    table.Bytes.resize(start + stream.total_out);
-    deflateEnd(&stream);
-}
+};
 
 } // namespace
 
@@ -94,11 +106,12 @@ MTableBytes SvgTable(const MWebFont& font, const MStrikePngs& pngs, bool compres
     table.U16(static_cast<std::int64_t>(drawn.size()));
     std::size_t record = table.Size();
     table.Zeros(recordSize * drawn.size());
+    Compressor compressor;
     for (const std::size_t glyph : drawn) {
         const std::uint32_t place = table.Size();
         const std::string document = DocumentOf(font, glyph, pngs[glyph]);
         if (compressed)
-            AddCompressed(table, document);
+            compressor.Append(table, document);
         else
             table.Tag(document);
         table.PutU32(record, static_cast<std::uint32_t>(glyph << 16 | glyph));
