@@ -1,4 +1,5 @@
 // Any numbers as glyphs of a picture: its size and format, the factors, then a record for each 28 bytes.
+#include "document/MSettings.h"
 #include "formats/MGlyphCutter.h"
 #include "imaging/MPixelBudget.h"
 
@@ -26,6 +27,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::uint32_t height = Take<std::uint8_t>(bytes) % 64 + 1U;
     MPicture picture(width, height, Take<std::uint8_t>(bytes) % 9 + 1);
     std::memset(picture.Pixels, 0x5A, std::size_t{picture.Stride} * picture.Height);
+    MSettings settings;
+    Settings = &settings;
     MColourFont font(nullptr);
     MGlyphCutter cutter(picture);
     if (Take<std::uint8_t>(bytes) % 2 == 1) {
@@ -47,5 +50,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     }
     picture.Free();
     font.Repack();
+    font.Clear();
+    Settings = nullptr;
     return 0;
 }

@@ -1,6 +1,7 @@
 // Any bytes as a font file: it is added to the system's, matched by its name, measured, and drawn in all the
 // ways that there are.
 #include "TemporaryFolder.h"
+#include "foundation/MMemory.h"
 #include "imaging/MPixelBudget.h"
 #include "platform/text/MFaceKerning.h"
 #include "platform/text/MGlyphPainter.h"
@@ -23,7 +24,6 @@ void Draw(const MFontMatch& match) {
     for (const char16_t character : {u'A', u'B', u'\u0101', u'\u0120'}) {
         const Canvas canvas(40, 40);
         const std::uint32_t glyph = painter.face.GlyphIndex(character);
-        painter.HasColours(glyph);
         painter.Draw(canvas.context, glyph, 4, 32, 30, MColour(255, 255, 255), true);
         painter.Draw(canvas.context, glyph, 4, 32, 30, MColour(255, 255, 255), false);
         if (!canvas.IsSound()) std::abort();

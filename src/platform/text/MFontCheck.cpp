@@ -108,6 +108,32 @@ bool HaveSmallPictures(const MOpenFace& face) {
     return true;
 }
 
+// Compressed documents of the table SVG, which the library unpacks anew for each glyph, by the size that their
+// last four bytes tell (RFC 1952, 2.3.1).
+bool UnpackToLittle(const MOpenFace& face) {
+    constexpr std::uint64_t most = std::uint64_t{256} << 20;
+    constexpr std::uint64_t mostForEachByte = 64;
+    constexpr std::uint64_t glyphsOfAFont = 223; // of ours
+    const auto bytes = face.Table("SVG ");
+    MTableView table(bytes);
+    const std::size_t list = table.U32(2);
+    const std::size_t count = table.U16(list);
+    std::uint64_t unpacked = 0;
+    for (std::size_t i = 0; i < count && !table.broken; ++i) {
+        const std::size_t record = list + 2 + i * 12;
+        const std::uint64_t glyphs = table.U16(record + 2) - std::uint64_t{table.U16(record)} + 1;
+        const std::size_t start = list + table.U32(record + 4);
+        const std::size_t length = table.U32(record + 8);
+        MTableView document(bytes);
+        if (length < 18 || document.U16(start) != 0x1F8B) continue;
+        std::uint64_t size = 0;
+        for (std::size_t byte = 1; byte <= 4; ++byte)
+            size = size << 8 | document.U8(start + length - byte);
+        if (!document.broken) unpacked += size * std::min(glyphs, glyphsOfAFont);
+    }
+    return unpacked <= most + bytes.size() * mostForEachByte;
+}
+
 } // namespace
 
 std::string WhyUnsafe(const std::string& file) {
@@ -120,6 +146,7 @@ std::string WhyUnsafe(const std::string& file) {
         if (!face.face) continue;
         faces = face.face->num_faces;
         if (!Composites(face).AreFew()) return "its glyphs are made of too many others";
+        if (!UnpackToLittle(face)) return "its drawings unpack to more than a glyph could need";
         if (!HaveSmallPictures(face)) return "it has pictures that are larger than a glyph could need";
     }
     return {};

@@ -28,9 +28,6 @@ public:
     // `colour`. A glyph that takes too much time is empty, and told to LostGlyphs.
     void Draw(_cairo* context, std::uint32_t glyph, double x, double y, double em, MColour colour,
               bool colours);
-    // Whether the font has colours for the glyph. One whose colours turn out unreadable may be told as
-    // coloured.
-    bool HasColours(std::uint32_t glyph);
 
 private:
     std::vector<std::uint8_t> colr;
