@@ -13,6 +13,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <csignal>
 
 extern char** environ;
 
@@ -96,8 +97,10 @@ double MSvgRenderer::Stop() {
     if (process < 0) return 0;
     close(socket); // its end of work
     rusage usage{};
-    while (wait4(process, nullptr, 0, &usage) < 0 && errno == EINTR) {
+    int status = 0;
+    while (wait4(process, &status, 0, &usage) < 0 && errno == EINTR) {
     }
+    ranOut = WIFSIGNALED(status) && (WTERMSIG(status) == SIGPROF || WTERMSIG(status) == SIGALRM);
     process = -1;
     socket = -1;
     sent.clear();
@@ -126,10 +129,11 @@ MSvgRenderer::Result MSvgRenderer::Ask(SvgWire::Request request, std::uint64_t n
                                        Image& image) {
     request.document = number;
     const double pixels = static_cast<double>(request.width) * request.height;
-    credit = std::min(credit + MDrawingCredit::For(pixels), SvgWire::longestRequest);
-    // A process that has served others may be full of their documents; a new one is asked once more.
+    credit = std::min(credit + MDrawingCredit::For(pixels), MDrawingCredit::most);
+    // A process that has served others may be full of their documents; a new one is asked once more, but not
+    // where it was the time that did not do.
     for (const bool fresh : {process < 0, true}) {
-        request.limit = credit;
+        request.limit = std::min(credit, SvgWire::longestRequest);
         if (!(credit > 0) || lost > mostLost) break;
         if (Exchange(request, text, image)) {
             credit -= image.place.seconds;
@@ -141,7 +145,7 @@ MSvgRenderer::Result MSvgRenderer::Ask(SvgWire::Request request, std::uint64_t n
         const double wasted = Stop() - before;
         lost += wasted;
         credit -= wasted;
-        if (fresh) break;
+        if (fresh || ranOut) break;
     }
     return Result::Lost;
 }

@@ -20,7 +20,7 @@
 namespace SvgWire {
 
 // How long one request may compute. Ordinary glyphs take a few milliseconds, the largest some hundred.
-inline constexpr double longestRequest = MDrawingCredit::most; // seconds of processor time
+inline constexpr double longestRequest = 0.3; // seconds of processor time
 // Of the program's whole address space, its libraries included.
 inline constexpr std::uint64_t mostMemory = std::uint64_t{768} << 20;
 
@@ -84,9 +84,10 @@ private:
     // What a request may compute, in seconds of processor time. It grows with each request and falls by what
     // each took, so that one glyph may be slow, but not every glyph of a font.
     // As MDrawingCredit tells for glyphs that this process draws.
-    double credit = SvgWire::longestRequest;
+    double credit = MDrawingCredit::most;
     double answered = 0; // seconds that the process took for its replies
     double lost = 0;     // seconds that came to nothing
+    bool ranOut = false; // of time, the last process that was stopped
 
     bool Start();
     double Stop(); // the seconds that the process took
