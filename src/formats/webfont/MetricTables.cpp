@@ -86,7 +86,7 @@ MTableBytes HeadTable(const MWebFont& font) {
         table.U16(edge);
     table.U16(0); // neither bold nor italic
     table.U16(std::min(font.Strikes.front(), 8));
-    table.U16(2); // as the specification wants it
+    table.U16(2); // fontDirectionHint, always 2 (OpenType 1.9)
     table.U16(1); // loca in 32 bits
     table.U16(0);
     return table;
