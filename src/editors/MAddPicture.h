@@ -17,6 +17,7 @@ public:
     std::int32_t SpacingBefore = 0;
     std::int32_t SpacingAfter = 0;
     bool Trim = false;
+    float Density = 1; // pixels of the screen for one of an ordinary one, for what the preview says in words
 
     MAddPicture();
 

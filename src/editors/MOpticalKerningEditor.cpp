@@ -10,8 +10,9 @@
 
 namespace {
 
-constexpr std::int32_t stripHeight = 10;
-constexpr std::int32_t captionHeight = 16;
+constexpr float stripHeight = 10;
+constexpr float captionHeight = 16;
+constexpr float captionSize = 12;
 
 std::span<const MKerningPair> PairsOf(const MColourFont& font) {
     return {font.Kerning.data, static_cast<std::size_t>(font.Kerning.count)};
@@ -185,12 +186,17 @@ void MOpticalKerningEditor::SelectModel(std::size_t index) {
     }
 }
 
+std::int32_t MOpticalKerningEditor::Scaled(float size) const {
+    return ToInteger(size * Density + 0.5F);
+}
+
 Desktop::Rect MOpticalKerningEditor::Half(bool lower) const {
-    const std::int32_t middle = Area.top + (Area.Height() - stripHeight - captionHeight) / 2;
-    const Desktop::Rect place =
-        lower ? Desktop::Rect{Area.left, middle, Area.right, Area.bottom - stripHeight - captionHeight}
-              : Desktop::Rect{Area.left, Area.top, Area.right, middle};
-    return {place.left + 8, place.top + captionHeight, place.right - 8, place.bottom - 2};
+    const std::int32_t middle = Area.top + (Area.Height() - Scaled(stripHeight) - Scaled(captionHeight)) / 2;
+    const Desktop::Rect place = lower ? Desktop::Rect{Area.left, middle, Area.right,
+                                                      Area.bottom - Scaled(stripHeight) - Scaled(captionHeight)}
+                                      : Desktop::Rect{Area.left, Area.top, Area.right, middle};
+    return {place.left + Scaled(8), place.top + Scaled(captionHeight), place.right - Scaled(8),
+            place.bottom - Scaled(2)};
 }
 
 MTextLine MOpticalKerningEditor::Reduced(const MTextLine& whole) {
@@ -256,19 +262,20 @@ void MOpticalKerningEditor::DrawWhite(MDirect2DSurface& surface, std::int32_t to
     for (std::int32_t gap = 1; gap < static_cast<std::int32_t>(line.glyphs.size()); ++gap) {
         if (!PairAt(gap)) continue;
         const auto place = static_cast<std::size_t>(gap);
-        surface.DrawRectangle(
-            {middleOf(line.glyphs[place - 1]) + 1, top, middleOf(line.glyphs[place]) - 1, top + stripHeight},
-            WhiteColour(WhiteAt(gap) / extreme), true, 1, true);
+        surface.DrawRectangle({middleOf(line.glyphs[place - 1]) + 1, top, middleOf(line.glyphs[place]) - 1,
+                               top + Scaled(stripHeight)},
+                              WhiteColour(WhiteAt(gap) / extreme), true, 1, true);
         if (tightest < 0 || WhiteAt(gap) < WhiteAt(tightest)) tightest = gap;
         if (widest < 0 || WhiteAt(gap) > WhiteAt(widest)) widest = gap;
     }
     if (tightest < 0 || tightest == widest) return;
     for (const auto& [gap, text] : {std::pair(tightest, "tightest"), std::pair(widest, "widest")}) {
         const std::int32_t x = ToInteger(GapX(gap));
-        constexpr std::int32_t reach = 60;
-        surface.DrawText({x - reach, top + stripHeight, x + reach, top + stripHeight + captionHeight}, text,
-                         MString(), 0, 0, false, WhiteColour(gap == tightest ? -1.0F : 1.0F), 0, 0, false,
-                         false, true, false);
+        const std::int32_t reach = Scaled(60);
+        surface.DrawText({x - reach, top + Scaled(stripHeight), x + reach,
+                          top + Scaled(stripHeight) + Scaled(captionHeight)},
+                         text, MString(), captionSize * Density, 0, false,
+                         WhiteColour(gap == tightest ? -1.0F : 1.0F), 0, 0, false, false, true, false);
     }
 }
 
@@ -289,8 +296,8 @@ void MOpticalKerningEditor::Paint() {
     const Desktop::Rect upper = Half(false);
     const Desktop::Rect lower = Half(true);
     const auto tell = [&](const Desktop::Rect& place, const MString& text) {
-        surface.DrawText({place.left, place.top - captionHeight, place.right, place.top}, text, MString(), 0, 0,
-                         false, caption, -1, 0, false, true, true, false);
+        surface.DrawText({place.left, place.top - Scaled(captionHeight), place.right, place.top}, text,
+                         MString(), captionSize * Density, 0, false, caption, -1, 0, false, true, true, false);
     };
     const MTextLine now = LayOutText(Font, Text, PairsOf(Font));
     const auto longest = static_cast<float>(std::max({now.Width(), line.Width(), std::int64_t{1}}));
@@ -308,11 +315,12 @@ void MOpticalKerningEditor::Paint() {
         beforePicture.Free();
         afterPicture.Free();
         DrawGap(surface, lower);
-        if (ShowWhite && IsReady()) DrawWhite(surface, lower.bottom + 2);
+        if (ShowWhite && IsReady()) DrawWhite(surface, lower.bottom + Scaled(2));
     }
     if (!IsReady()) {
-        surface.DrawText({Area.left, Area.bottom - stripHeight - captionHeight, Area.right, Area.bottom},
-                         Notice(), MString(), 0, 0, false, caption, 0, 0, false, true, true, true);
+        surface.DrawText(
+            {Area.left, Area.bottom - Scaled(stripHeight) - Scaled(captionHeight), Area.right, Area.bottom},
+            Notice(), MString(), captionSize * Density, 0, false, caption, 0, 0, false, true, true, true);
     }
     surface.End();
 }

@@ -23,6 +23,7 @@ public:
     // Where the preview is drawn; nothing is drawn on no window.
     Desktop::WindowHandle Window = nullptr;
     Desktop::Rect Area;
+    float Density = 1; // pixels of the screen for one of an ordinary one, for captions and the strip
     MWindowSurface Surface;
 
     // The controls.
@@ -80,6 +81,7 @@ private:
     void LayOut();
     std::optional<MKerningPair> PairAt(std::int32_t gap) const; // with the amount that it would have
     float WhiteAt(std::int32_t gap) const;                      // beyond that of upright letters, in pixels
+    std::int32_t Scaled(float size) const;
     Desktop::Rect Half(bool lower) const;
     void DrawLine(MDirect2DSurface& surface, const MPicture& picture, const Desktop::Rect& place);
     void DrawWhite(MDirect2DSurface& surface, std::int32_t top);

@@ -40,7 +40,7 @@ TEST_F(AddPictureWindow, LooksAsAUserExpects) {
         EXPECT_TRUE(ground.contains(ink));
         EXPECT_LE((ink.center() - ground.center()).manhattanLength(), 2);
         EXPECT_NEAR(ink.width() * 2, ink.height() * 3, 3);
-        for (const QWidget* const control : dialog.findChildren<QWidget*>())
+        for (const QWidget* const control : GroundOf(dialog).findChildren<QWidget*>())
             EXPECT_FALSE(control->isVisible() && control->geometry().intersects(ground));
         TypeInto(Named<QLineEdit>(dialog, "Character"), "Q");
         TypeInto(Named<QLineEdit>(dialog, "Picture"), "/none.png");

@@ -82,6 +82,7 @@ inline QStringList TabOrder(QWidget& window) {
     do {
         QWidget* const control = QApplication::focusWidget();
         const auto* const button = qobject_cast<QAbstractButton*>(control);
+        EXPECT_FALSE(control->visibleRegion().isEmpty()) << "scrolled out of sight";
         names += button ? button->text().remove('&') : control->accessibleName();
         QTest::keyClick(control, Qt::Key_Tab);
     } while (QApplication::focusWidget() != first && names.size() < 30);

@@ -116,7 +116,7 @@ TEST_F(KerningEditor, ClearAndEscapeBringThePairsBack) {
     settings.BackgroundColour = {70, 80, 90};
     EXPECT_FALSE(RunAnd(DialogId::KerningEditor, [&](QWidget& dialog) {
         QTest::qWait(50);
-        const QImage& shown = MClientArea::Of(HandleOf(&dialog))->image;
+        const QImage& shown = MClientArea::Of(HandleOf(&GroundOf(dialog)))->image;
         const QImage pair = shown.copy();
         PressMnemonic(Qt::Key_L);
         EXPECT_EQ(font->KerningCount(), 0);

@@ -12,6 +12,8 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPointer>
+#include <QScreen>
+#include <QScrollArea>
 #include <QTest>
 #include <QTimer>
 #include <QWidget>
@@ -89,16 +91,26 @@ inline void Click(QWidget& window, const QString& button) {
     ADD_FAILURE() << "no button " << button.toStdString();
 }
 
-// Every label and button has room for its text, every field for a line, and all lie inside the window apart
-// from one another.
-inline void ExpectTextFits(QWidget& window) {
-    for (QWidget* const control : window.findChildren<QWidget*>(QString(), Qt::FindDirectChildrenOnly)) {
+// What holds all controls of a dialog.
+inline QWidget& GroundOf(QWidget& dialog) {
+    return *dialog.findChild<QScrollArea*>()->widget();
+}
+
+// Every label and button has room for its text, every field for a line, all lie on the dialog's ground, and the
+// dialog on the screen.
+inline void ExpectTextFits(QWidget& dialog) {
+    EXPECT_TRUE(dialog.screen()->availableGeometry().contains(dialog.geometry()));
+    QWidget& ground = GroundOf(dialog);
+    for (QWidget* const control : ground.findChildren<QWidget*>(QString(), Qt::FindDirectChildrenOnly)) {
         if (!control->isVisible() || control->isWindow()) continue;
         const std::string name =
             control->accessibleName().toStdString() + " " + control->metaObject()->className();
-        EXPECT_TRUE(window.rect().contains(control->geometry())) << name;
+        EXPECT_TRUE(ground.rect().contains(control->geometry())) << name;
         if (const auto* const label = qobject_cast<QLabel*>(control)) {
-            EXPECT_GE(label->width(), label->sizeHint().width()) << label->text().toStdString();
+            const std::string text = label->text().toStdString();
+            const bool wraps = label->wordWrap();
+            EXPECT_GE(label->width(), wraps ? 0 : label->sizeHint().width()) << text;
+            EXPECT_GE(label->height(), wraps ? label->heightForWidth(label->width()) : 0) << text;
         }
         if (const auto* const button = qobject_cast<QAbstractButton*>(control)) {
             const int text = button->fontMetrics().horizontalAdvance(button->text().remove('&'));

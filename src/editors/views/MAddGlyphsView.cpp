@@ -7,7 +7,8 @@
 #include <QKeyEvent>
 #include <QRegularExpressionValidator>
 
-MAddGlyphsView::MAddGlyphsView(QWidget* owner) : MDialogView(owner, "Add/Change characters", 565, 350) {
+MAddGlyphsView::MAddGlyphsView(QWidget* owner)
+    : MDialogView(owner, "Add/Change characters", 565, 350, {50, 250}, {160, 160}) {
     LayOut();
     for (const MString& name : dialog.Families)
         family.addItem(ToQt(name));
@@ -31,15 +32,15 @@ void MAddGlyphsView::LayOut() {
     Place(height, 485, 80, 70, 14);
     AddLabel("&Glyph height", height, 405, 80, 78, 14);
     height.setValidator(new QRegularExpressionValidator(QRegularExpression("[0-9]*"), &height));
-    swatch.setParent(this);
+    swatch.setParent(&ground);
     colourLabel = AddLabel("&Colour", swatch, 405, 110, 78, 14);
     Place(colourFont, 485, 135, 75, 14);
     colourFont.setAccessibleName("Colour font");
-    grid.setParent(this);
+    grid.setParent(&ground);
     AddButtons(405, 330, 485, 330);
     Place(ok, 405, 330, 70, 14);
     Place(cancel, 485, 330, 70, 14);
-    swatch.setGeometry(ToWidgetPixels(*this, SwatchArea()));
+    swatch.setGeometry(ToWidgetPixels(ground, SwatchArea()));
 }
 
 void MAddGlyphsView::Connect() {
@@ -79,7 +80,7 @@ void MAddGlyphsView::Connect() {
     grid.value = [this] { return grid.accessibleDescription(); };
     grid.checked = [this] { return Settings->Selected[static_cast<std::size_t>(dialog.Grid.Cursor)] != 0; };
     grid.frame = [this] {
-        return ToWidgetPixels(*this, dialog.Grid.Cell(dialog.Grid.Cursor)).translated(-grid.pos());
+        return ToWidgetPixels(ground, dialog.Grid.Cell(dialog.Grid.Cursor)).translated(-grid.pos());
     };
     onOk = [this] {
         MAddGlyphs::Accept(FromQt(family.currentText()), NumberIn(height), colourFont.isChecked());
@@ -101,7 +102,7 @@ Desktop::Rect MAddGlyphsView::SwatchArea() const {
 
 void MAddGlyphsView::Draw() {
     dialog.Grid.Area = MAddGlyphs::GridArea(RectOf(family), RectOf(cancel), qRound(10 * devicePixelRatioF()));
-    grid.setGeometry(ToWidgetPixels(*this, dialog.Grid.Area));
+    grid.setGeometry(ToWidgetPixels(ground, dialog.Grid.Area));
     dialog.Grid.Face = Desktop::ButtonColour();
     dialog.Grid.Paint(Handle());
     MAddGlyphs::PaintSwatch(Handle(), SwatchArea());

@@ -2,7 +2,8 @@
 
 #include "platform/qt/QtText.h"
 
-MAddPictureView::MAddPictureView(QWidget* owner) : MDialogView(owner, "Add/Change picture", 365, 190) {
+MAddPictureView::MAddPictureView(QWidget* owner)
+    : MDialogView(owner, "Add/Change picture", 365, 190, {60, 120}, {145, 15}) {
     LayOut();
     Fill(path, dialog.Path);
     character.Show(dialog.Character);
@@ -33,7 +34,7 @@ void MAddPictureView::LayOut() {
     for (const auto& row : rows) {
         Place(row.field, 287, row.top, 34, 14);
         AddLabel(row.label, row.field, 215, row.top, 70, 14);
-        if (row.pixels) Place(*new QLabel("pixels", this), 325, row.top, 32, 14);
+        if (row.pixels) Place(*new QLabel("pixels", &ground), 325, row.top, 32, 14);
     }
     Place(trim, 215, 126, 140, 14);
     trim.setAccessibleName("Trim horizontally");
@@ -48,6 +49,7 @@ void MAddPictureView::Connect() {
     });
     client.draw = [this] {
         if (dialog.Path.IsEmpty()) client.image.fill(Qt::transparent);
+        dialog.Density = static_cast<float>(devicePixelRatioF());
         dialog.PaintPreview(Handle(), PreviewArea());
     };
     onOk = [this] { Accept(); };

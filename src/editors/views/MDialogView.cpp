@@ -4,8 +4,11 @@
 #include "foundation/Product.h"
 #include "platform/qt/QtText.h"
 
+#include <QApplication>
 #include <QMouseEvent>
 #include <QScreen>
+#include <QStyle>
+#include <algorithm>
 
 namespace {
 
@@ -14,27 +17,78 @@ constexpr double smallestFont = 6.5; // points
 // Room for the title bar and what the desktop keeps at its edges.
 constexpr int frame = 48;
 
+// Of a length in units, so that it comes to at most `room` pixels, as far as there are some to spare.
+int UnitsToTake(int length, double pixelsPerUnit, int room, int spare) {
+    return std::clamp(length - static_cast<int>(room / pixelsPerUnit), 0, spare);
+}
+
+// Where a place of the layout is, when `taken` units are missing behind `at`.
+int WithoutSpare(int place, int at, int taken) {
+    return place - std::clamp(place - at, 0, taken);
+}
+
 } // namespace
 
-MDialogView::MDialogView(QWidget* owner, const char* title, int width, int height)
-    : QDialog(owner), client(*this) {
+MDialogView::MDialogView(QWidget* owner, const char* title, int width, int height, MSpareRoom spareAcross,
+                         MSpareRoom spareDown)
+    : QDialog(owner), area(this), across(spareAcross), down(spareDown) {
     setWindowTitle(ToQt(ProductName) + " - " + title);
-    const QSize room = screen()->availableSize() - QSize(frame, frame);
-    QSize size = Units().ToPixels(0, 0, width, height).size();
-    while (size.width() > room.width() || size.height() > room.height()) {
+    area.setFrameShape(QFrame::NoFrame);
+    area.setFocusPolicy(Qt::NoFocus); // Tab goes through the controls alone
+    ground.installEventFilter(this);
+    area.setWidget(&ground);
+    Fit(width, height);
+    connect(qApp, &QApplication::focusChanged, this, [this](QWidget*, QWidget* now) {
+        if (now && ground.isAncestorOf(now)) area.ensureWidgetVisible(now);
+    });
+}
+
+void MDialogView::Fit(int width, int height) {
+    const QSize room = Room();
+    QSize size;
+    for (;;) {
+        const MDialogUnits units = Units();
+        lower = UnitsToTake(height, units.down, room.height(), down.most);
+        const bool scrolled = (height - lower) * units.down > room.height();
+        narrower = UnitsToTake(width, units.across, room.width() - (scrolled ? BarExtent() : 0), across.most);
+        size = ToPixels(0, 0, width, height).size();
+        const double points = font().pointSizeF() - 0.5;
+        if ((size.width() <= room.width() && size.height() <= room.height()) || points < smallestFont) break;
         QFont smaller = font();
-        smaller.setPointSizeF(smaller.pointSizeF() - 0.5);
-        if (smaller.pointSizeF() < smallestFont) break;
+        smaller.setPointSizeF(points);
         setFont(smaller);
-        size = Units().ToPixels(0, 0, width, height).size();
     }
-    setFixedSize(size);
+    SetSize(size);
+}
+
+void MDialogView::SetSize(const QSize& size) {
+    const QSize room = Room();
+    ground.setFixedSize(size);
+    const QSize bars(size.height() > room.height() ? BarExtent() : 0,
+                     size.width() > room.width() ? BarExtent() : 0);
+    setFixedSize((size + bars).boundedTo(room));
+    area.setGeometry(rect());
+}
+
+QSize MDialogView::Room() const {
+    return screen()->availableSize() - QSize(frame, frame);
+}
+
+int MDialogView::BarExtent() const {
+    return style()->pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, &area);
+}
+
+QRect MDialogView::ToPixels(int x, int y, int width, int height) const {
+    const int left = WithoutSpare(x, across.at, narrower);
+    const int top = WithoutSpare(y, down.at, lower);
+    return Units().ToPixels(left, top, WithoutSpare(x + width, across.at, narrower) - left,
+                            WithoutSpare(y + height, down.at, lower) - top);
 }
 
 void MDialogView::Place(QWidget& control, int x, int y, int width, int height) {
-    control.setParent(this);
+    control.setParent(&ground);
     control.setFont(font());
-    QRect place = Units().ToPixels(x, y, width, height);
+    QRect place = ToPixels(x, y, width, height);
     const QSize wanted = control.sizeHint();
     if (width == 0) place.setWidth(wanted.width());
     if (height == 0) place.setHeight(wanted.height());
@@ -42,7 +96,7 @@ void MDialogView::Place(QWidget& control, int x, int y, int width, int height) {
 }
 
 QLabel* MDialogView::AddLabel(const QString& text, QWidget& control, int x, int y, int width, int height) {
-    auto* const label = new QLabel(text, this);
+    auto* const label = new QLabel(text, &ground);
     label->setBuddy(&control);
     if (control.accessibleName().isEmpty()) control.setAccessibleName(QString(text).remove('&'));
     Place(*label, x, y, width, height);
@@ -61,21 +115,23 @@ void MDialogView::AddButtons(int okX, int okY, int cancelX, int cancelY) {
 }
 
 Desktop::Rect MDialogView::RectOf(const QWidget& control) const {
-    return ToScreenPixels(*this, QRect(control.mapTo(this, QPoint(0, 0)), control.size()));
+    return ToScreenPixels(ground, QRect(control.mapTo(&ground, QPoint(0, 0)), control.size()));
 }
 
-void MDialogView::Repaint(const Desktop::Rect& area) {
-    update(ToWidgetPixels(*this, area));
+void MDialogView::Repaint(const Desktop::Rect& part) {
+    ground.update(ToWidgetPixels(ground, part));
 }
 
-void MDialogView::paintEvent(QPaintEvent* event) {
-    QDialog::paintEvent(event);
+bool MDialogView::eventFilter(QObject* object, QEvent* event) {
+    if (object != &ground || event->type() != QEvent::Paint) return QDialog::eventFilter(object, event);
+    painted = static_cast<QPaintEvent*>(event)->region();
     client.Paint();
+    return true;
 }
 
-// With all buttons that are down, also at the press of one.
+// With all buttons that are down, also at the press of one. The ground hands its events on to the dialog.
 void MDialogView::Tell(const QMouseEvent& event, bool moved) {
-    const QPoint at = ToScreenPixels(*this, event.position());
+    const QPoint at = ToScreenPixels(ground, ground.mapFrom(this, event.position()));
     const bool left = event.buttons().testFlag(Qt::LeftButton);
     const bool right = event.buttons().testFlag(Qt::RightButton);
     const bool rightPress = !moved && event.button() == Qt::RightButton;

@@ -14,7 +14,7 @@ void FillList(QComboBox& list, const std::vector<MString>& lines, std::int32_t c
 } // namespace
 
 MExportGameFontView::MExportGameFontView(QWidget* owner, const MColourFont& font)
-    : MDialogView(owner, "Export as game font", 340, 215), dialog(font) {
+    : MDialogView(owner, "Export as game font", 340, 215, {130, 20}, {110, 50}), dialog(font) {
     LayOut();
     FillList(engine, dialog.Engines, dialog.Engine);
     FillList(pageSize, dialog.PageSizes, dialog.PageSize);
@@ -42,7 +42,7 @@ void MExportGameFontView::LayOut() {
         Place(row.control, row.left, row.top, row.width, 14);
         AddLabel(row.label, row.control, row.left - 50 - (row.left > 100 ? 15 : 0), row.top,
                  row.left > 100 ? 64 : 49, 14);
-        if (row.left > 100) Place(*new QLabel("pixels", this), row.left + 44, row.top, 40, 14);
+        if (row.left > 100) Place(*new QLabel("pixels", &ground), row.left + 44, row.top, 40, 14);
     }
     summary.setWordWrap(true);
     Place(summary, 10, 66, 320, 22);

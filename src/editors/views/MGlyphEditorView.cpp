@@ -3,13 +3,13 @@
 #include "platform/qt/QtText.h"
 
 MGlyphEditorView::MGlyphEditorView(QWidget* owner)
-    : MDialogView(owner, "Glyph editor", 630, 335), editor(*CurrentFont) {
+    : MDialogView(owner, "Glyph editor", 630, 335, {50, 312}, {225, 85}), editor(*CurrentFont) {
     LayOut();
     editor.Window = Handle();
     list.lines.text = [this](int row) { return QString(QChar(editor.Lines[static_cast<std::size_t>(row)])); };
     client.draw = [this] {
         editor.Area = MGlyphEditor::AreaBeside(RectOf(list), RectOf(glyphBox));
-        drag.setGeometry(ToWidgetPixels(*this, editor.Area));
+        drag.setGeometry(ToWidgetPixels(ground, editor.Area));
         drag.lower();
         // What was shown of a glyph stays otherwise, also of one that is gone.
         if (editor.Lines.empty()) client.image.fill(Qt::transparent);
@@ -45,7 +45,7 @@ void MGlyphEditorView::LayOut() {
         flat.setColor(QPalette::Base, flat.color(QPalette::Window));
         field->setPalette(flat);
     }
-    drag.setParent(this);
+    drag.setParent(&ground);
     drag.setCursor(Qt::SizeAllCursor);
     drag.setToolTip("Drag with the left button held to move the spacing of that side, with the right one to "
                     "move the base line or the cap height.");

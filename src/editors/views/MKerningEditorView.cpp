@@ -2,21 +2,21 @@
 
 #include "platform/qt/QtText.h"
 
-#include <QPaintEvent>
 #include <QTimer>
 
 MKerningEditorView::MKerningEditorView(QWidget* owner)
-    : MDialogView(owner, "Kerning editor", 535, 335), editor(*CurrentFont) {
+    : MDialogView(owner, "Kerning editor", 535, 335, {50, 250}, {100, 190}), editor(*CurrentFont) {
     LayOut();
     editor.Window = Handle();
     list.lines.text = [this](int row) { return ToQt(editor.Lines.Text(row)); };
     client.draw = [this] {
+        const bool shown = editor.Area.IsEmpty() || painted.intersects(ToWidgetPixels(ground, editor.Area));
         editor.Area = MKerningEditor::AreaBeside(RectOf(list), RectOf(left));
-        drag.setGeometry(ToWidgetPixels(*this, editor.Area));
+        drag.setGeometry(ToWidgetPixels(ground, editor.Area));
         drag.lower();
         // Painting shows the pair anew, which is told of a change that was made out of sight. The ground of
         // other controls is painted far more often than that of the preview.
-        if (!previewPainted) return;
+        if (!shown) return;
         editor.Paint();
         QTimer::singleShot(0, this, [this] { ShowControls(); });
     };
@@ -35,7 +35,7 @@ void MKerningEditorView::LayOut() {
     Place(right, 500, 5, 30, 14);
     right.setAccessibleName("Right character");
     right.setToolTip("Right character");
-    drag.setParent(this);
+    drag.setParent(&ground);
     drag.setCursor(Qt::SizeHorCursor);
     drag.setToolTip("Drag with the left button held to move the two characters closer or further apart.");
     Place(amount, 500, 25, 30, 14);
@@ -79,11 +79,6 @@ void MKerningEditorView::Connect() {
     };
     onOk = [this] { editor.Ok(); };
     connect(this, &QDialog::rejected, this, [this] { editor.Cancel(); });
-}
-
-void MKerningEditorView::paintEvent(QPaintEvent* event) {
-    previewPainted = editor.Area.IsEmpty() || event->region().intersects(ToWidgetPixels(*this, editor.Area));
-    MDialogView::paintEvent(event);
 }
 
 void MKerningEditorView::ShowControls() {

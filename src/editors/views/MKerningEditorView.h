@@ -9,14 +9,10 @@ class MKerningEditorView : public MDialogView {
 public:
     explicit MKerningEditorView(QWidget* owner);
 
-protected:
-    void paintEvent(QPaintEvent* event) override;
-
 private:
     QWidget drag; // over the preview, with the pointer and the hint of what dragging does
     MKerningEditor editor;
-    std::int32_t fillings = 0;   // of the list, that are shown
-    bool previewPainted = false; // the paint event at hand covers a part of the preview
+    std::int32_t fillings = 0; // of the list, that are shown
     MCharacterField left;
     MCharacterField right;
     QLineEdit amount;

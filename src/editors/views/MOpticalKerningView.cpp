@@ -5,12 +5,13 @@
 #include <QKeyEvent>
 
 MOpticalKerningView::MOpticalKerningView(QWidget* owner)
-    : MDialogView(owner, "Optical kerning", 500, 272), editor(*CurrentFont) {
+    : MDialogView(owner, "Optical kerning", 500, 272, {100, 165}, {40, 75}), editor(*CurrentFont) {
     LayOut();
     editor.Window = Handle();
     models.lines.text = [this](int row) { return ToQt(editor.ModelText(static_cast<std::size_t>(row))); };
     client.draw = [this] {
         editor.Area = RectOf(preview);
+        editor.Density = static_cast<float>(devicePixelRatioF());
         editor.Paint();
     };
     text.setText(ToQt(editor.Text));
@@ -40,8 +41,9 @@ void MOpticalKerningView::LayOut() {
         "A strip under the line: blue where two letters stand tighter than upright ones, red where looser.");
     Place(pairs, 415, 190, 80, 10);
     Place(gap, 5, 219, 300, 10);
-    QLabel* const hint = new QLabel("Click between two letters, then move them with the arrow keys.", this);
-    Place(*hint, 5, 232, 300, 10);
+    QLabel* const hint = new QLabel("Click between two letters, then move them with the arrow keys.", &ground);
+    hint->setWordWrap(true);
+    Place(*hint, 5, 231, 300, 18);
     Place(strength, 45, 250, 220, 14);
     AddLabel("&Strength", strength, 5, 252, 38, 10);
     Place(percent, 270, 252, 40, 10);
