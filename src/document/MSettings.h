@@ -9,6 +9,7 @@
 
 #include <array>
 #include <cstdint>
+#include <memory>
 
 // The kinds of file dialog, and with them the entries of MSettings::Paths.
 enum class MPathKind : std::uint8_t {
@@ -74,6 +75,9 @@ public:
     Desktop::Rect FileWindowRect; // as the file had it, before it was brought into this screen
     std::array<MString, 3> Keys;
     bool FileRead = false; // a settings file was opened for reading
+    // As they were after Load, by which Save knows what this run has changed. Null before, and where there was
+    // a file that could not be read.
+    std::shared_ptr<const MSettings> Start;
 
     // The defaults that need no desktop: Paths and WindowRect are empty, and no folder is touched.
     MSettings();
@@ -92,11 +96,14 @@ public:
     // brings zeros or empty texts; unknown keys are passed over. Only the window's place is checked.
     void Load();
     // Writes the file anew. Does nothing if there is one that was not read: what could not be read is never
-    // overwritten. Tells the user if it can't be written.
+    // overwritten. What another window has written since Load stays, where this one's user has changed nothing.
+    // Tells the user if it can't be written.
     void Save() const;
 
     // How many of the codes 33 to 255 are selected.
     std::int32_t SelectedCount() const;
+
+    void Write(const MString& path) const; // anew, whatever is there; for Save
 
     MString& Path(MPathKind kind) { return Paths[static_cast<std::size_t>(kind)]; }
 };

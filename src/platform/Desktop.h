@@ -31,6 +31,9 @@ struct Rect {
 // The program's main window with its menu, empty and shown; null if it can't be made. `frame` is the place of
 // the whole window on the virtual screen, with its title bar.
 WindowHandle OpenMainWindow(const MString& title, const Rect& frame);
+// How many main windows of the program this user had open when it was asked first, so that a further one need
+// not cover them.
+std::int32_t EarlierWindows();
 // Runs until the main window is closed, after which it is gone. The program's exit code.
 int RunMessageLoop();
 

@@ -24,6 +24,16 @@ void OpenTextureFont(const MString& path) {
     if (ExtensionOf(path).Equals("SM")) OpenFontFile(path);
 }
 
+// Moves the window a little down and to the right for each that is open. Where it stands then.
+Desktop::Rect BesideEarlierWindows(MSettings& settings) {
+    constexpr std::int32_t step = 32; // about a title bar
+    const std::int32_t distance = step * Desktop::EarlierWindows();
+    Desktop::Rect& frame = settings.WindowRect;
+    frame = {frame.left + distance, frame.top + distance, frame.right + distance, frame.bottom + distance};
+    settings.ClampWindowRect();
+    return frame;
+}
+
 // What the user meets between the opening of the window and its end.
 int RunWindow(const MString& file) {
     if (License->Name.IsEmpty()) Desktop::RunDialog(MainWindow, Desktop::DialogId::About);
@@ -47,10 +57,14 @@ int RunProgram(const MString& file) {
     License = license.get();
 
     int code = 0;
+    const Desktop::Rect stored = settings->WindowRect;
+    const Desktop::Rect placed = BesideEarlierWindows(*settings);
     MainWindow = Desktop::OpenMainWindow(ProductName, settings->WindowRect);
     if (MainWindow) {
         if (FileTypes.BuildFileTypes()) code = RunWindow(file);
         FontList.reset();
+        // That it opened beside another is no choice of the user.
+        if (settings->WindowRect == placed) settings->WindowRect = stored;
         settings->Save();
     }
     MainWindow = nullptr;

@@ -5,6 +5,7 @@
 #include "formats/MTextFile.h"
 #include "foundation/MFolders.h"
 #include "foundation/Product.h"
+#include "shell/MergeSettings.h"
 
 #include <array>
 #include <optional>
@@ -197,6 +198,15 @@ void ReadLine(const MTextFile& file, MSettings& settings) {
     ReadNumbered(file, key, settings);
 }
 
+// False if the file can't be opened.
+bool ReadLines(const MString& path, MSettings& settings) {
+    MTextFile file(path, false, true, MTextEncoding::Utf16Le);
+    if (!file.ok) return false;
+    while (file.NextLine())
+        ReadLine(file, settings);
+    return true;
+}
+
 } // namespace
 
 MString MSettings::SettingsFilePath() {
@@ -205,17 +215,27 @@ MString MSettings::SettingsFilePath() {
 
 void MSettings::Load() {
     const MString path = SettingsFilePath();
-    if (!FileExists(path)) return;
-    MTextFile file(path, false, true, MTextEncoding::Utf16Le);
-    if (!file.ok) return;
-    FileRead = true;
-    while (file.NextLine())
-        ReadLine(file, *this);
+    if (FileExists(path)) {
+        FileRead = ReadLines(path, *this);
+        if (!FileRead) return;
+    }
+    Start = std::make_shared<const MSettings>(*this);
 }
 
 void MSettings::Save() const {
     const MString path = SettingsFilePath();
-    if (FileExists(path) && !FileRead) return;
+    MSettings merged(*this);
+    if (FileExists(path)) {
+        // What has come since a start without a file is another window's.
+        MSettings theirs = Start ? *Start : *this;
+        const bool read = Start && ReadLines(path, theirs);
+        if (read) MergeSettings(merged, *Start, theirs);
+        if (!FileRead && !read) return;
+    }
+    merged.Write(path);
+}
+
+void MSettings::Write(const MString& path) const {
     MTextFile file(path, true, false, MTextEncoding::Utf16Le);
     const auto tell = [](const MString& text) {
         Desktop::ShowMessage(nullptr, text, ProductName, Desktop::Buttons::Ok, Desktop::Icon::Error);

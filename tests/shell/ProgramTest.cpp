@@ -63,6 +63,24 @@ TEST_F(Program, StartsAndEndsInOrder) {
     EXPECT_EQ(Headless::record.dialogs.size(), before) << "a licensed copy opens without the About box";
 }
 
+// A window that would cover another opens beside it, which is no choice of the user.
+TEST_F(Program, AFurtherWindowOpensBesideTheOthers) {
+    Home().Write(SettingsFile(), "WindowRect\t10\t20\t510\t420\r\n");
+    Headless::script.earlierWindows = 2;
+    Headless::script.messageLoop = [] {
+        EXPECT_EQ(Headless::record.mainWindows.back(), (Desktop::Rect{74, 84, 574, 484}));
+        RecordWindowRect({74, 84, 574, 484}); // as the desktop tells
+        return 0;
+    };
+    RunProgram({});
+    Headless::script.earlierWindows = 0;
+    Headless::script.messageLoop = [] {
+        EXPECT_EQ(Headless::record.mainWindows.back().left, 10);
+        return 0;
+    };
+    RunProgram({});
+}
+
 TEST_F(Program, WithoutAWindowNothingIsWritten) {
     Headless::script.opensMainWindow = false;
     EXPECT_EQ(RunProgram({}), 0);

@@ -154,3 +154,37 @@ TEST_F(SavedSettings, ASmallScreenDoesNotShrinkTheWindowForALargeOne) {
     settings.Save();
     EXPECT_EQ(savedRect(), "WindowRect\t10\t10\t500\t400") << "it was moved";
 }
+
+// Both started without a file; the one that ends first writes it.
+TEST_F(SavedSettings, OfTwoWindowsAtAFirstStartBothChoicesStay) {
+    MSettings first;
+    MSettings second;
+    for (MSettings* const window : {&first, &second})
+        window->Load();
+    first.FontName = "First";
+    first.Selected[66] = 0;
+    first.GlyphHeight = 40;
+    first.Save();
+    second.Weight = 700;
+    second.Selected[67] = 0;
+    second.GlyphHeight = 50;
+    second.Paths[0] = "/second/";
+    second.Save();
+    const auto stored = [] {
+        MSettings all;
+        all.Load();
+        return std::tuple(Narrow(all.FontName), all.Weight, all.Selected[66], all.Selected[67], all.GlyphHeight,
+                          Narrow(all.Paths[0]));
+    };
+    // A family and its weight are one choice, the later one.
+    EXPECT_EQ(stored(), std::tuple("Arial Black", 700, 0, 0, 50, "/second/"));
+
+    // Of two that began with a file, too.
+    first.Load();
+    second.Load();
+    first.Paths[0] = "/first/";
+    first.Save();
+    second.GlyphHeight = 60;
+    second.Save();
+    EXPECT_EQ(stored(), std::tuple("Arial Black", 700, 0, 0, 60, "/first/"));
+}

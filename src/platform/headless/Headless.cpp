@@ -67,6 +67,10 @@ WindowHandle OpenMainWindow(const MString& title, const Rect& frame) {
     return reinterpret_cast<WindowHandle>(&window);
 }
 
+std::int32_t EarlierWindows() {
+    return script.earlierWindows;
+}
+
 int RunMessageLoop() {
     return script.messageLoop ? script.messageLoop() : 0;
 }

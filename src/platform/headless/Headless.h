@@ -35,6 +35,7 @@ struct Script {
     std::map<Desktop::DialogId, std::function<bool()>> dialogs;
     std::function<int()> messageLoop; // what happens between the opening of the window and its end
     bool opensMainWindow = true;
+    std::int32_t earlierWindows = 0;
     Desktop::Rect client{0, 0, 640, 360}; // of every window
     MColour buttonColour{240, 240, 240};
     Desktop::Rect primaryScreen{0, 0, 1920, 1080};

@@ -7,9 +7,13 @@
 
 #include <QApplication>
 #include <QDesktopServices>
+#include <QLockFile>
 #include <QPalette>
 #include <QScreen>
+#include <QStandardPaths>
 #include <QUrl>
+#include <memory>
+#include <utility>
 
 namespace Desktop {
 
@@ -46,6 +50,24 @@ MColour ButtonColour() {
 void OpenInBrowser(const MString& url) {
     if (QDesktopServices::openUrl(QUrl(ToQt(url)))) return;
     ShowMessage(nullptr, "No browser could be started for:\n\n" + url, ProductName, Buttons::Ok, Icon::Error);
+}
+
+// Each window holds a lock of its own as long as it runs.
+std::int32_t EarlierWindows() {
+    constexpr std::int32_t most = 16;
+    static std::unique_ptr<QLockFile> mine;
+    static std::int32_t number = 0;
+    const QString folder = QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation);
+    for (; !mine && number < most; ++number) {
+        auto lock = std::make_unique<QLockFile>(folder + "/lettrino-window-" + QString::number(number));
+        lock->setStaleLockTime(0); // only that of a process which is gone
+        if (lock->tryLock(0)) {
+            mine = std::move(lock);
+            break;
+        }
+        if (lock->error() != QLockFile::LockFailedError) return 0;
+    }
+    return mine ? number : 0;
 }
 
 Rect PrimaryScreen() {
