@@ -83,6 +83,10 @@ TEST_F(AddPictureDialog, ThePreviewIsThePictureOnTheBackground) {
     EXPECT_EQ(painted(72), red) << "painted again";
     dialog.Path = folder.Write("none.png", "no picture");
     EXPECT_EQ(painted(72), settings.BackgroundColour);
+    bool told = false;
+    for (std::int32_t x = area.left; x < area.right; ++x)
+        told |= Painted(x, 80) != settings.BackgroundColour;
+    EXPECT_TRUE(told) << "that it is no picture";
     Headless::script.files = {WritePicture(folder, "none.png", 10, 10, green)}; // the same name
     ASSERT_TRUE(dialog.Browse(AnyWindow()));
     EXPECT_EQ(painted(72), green);

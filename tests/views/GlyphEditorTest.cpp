@@ -41,6 +41,9 @@ TEST_F(GlyphEditor, KeysAndMouseChangeTheFont) {
         const QRect preview = Preview(dialog);
         const double scale = ScaleOf(preview);
         EXPECT_EQ(Find(dialog, QColor(0, 255, 0)), preview);
+        const QWidget* const hint = GroundOf(dialog).childAt(preview.center());
+        EXPECT_EQ(hint->cursor().shape(), Qt::SizeAllCursor);
+        EXPECT_TRUE(hint->toolTip().contains("left") && hint->toolTip().contains("right"));
         const QRect ink = Find(dialog, QColor(0, 0, 255));
         EXPECT_NEAR(ink.width(), 40 * scale, 3); // a guide lies on the edge at either side
         EXPECT_NEAR(ink.height(), 50 * scale, 3);

@@ -219,6 +219,7 @@ TEST_F(MainWindowTest, TheProgressWindowIsSeenAndMoves) {
             if (!bar || bar->window() != window || !window->windowHandle()->isExposed()) continue;
             percents.insert(bar->value());
             const QImage shown = Shown(*window);
+            EXPECT_NE(shown.pixel(0, 0), shown.pixel(3, 3)) << "a frame, which the desktop gives it none of";
             const QPointF middle = bar->geometry().center() + QPoint(0, bar->height() / 4);
             const QPoint pixel = (middle * shown.width() / window->width()).toPoint();
             ASSERT_TRUE(shown.rect().contains(pixel));
@@ -250,6 +251,11 @@ TEST_F(MainWindowTest, ADroppedTextureFontIsOpened) {
             QDragEnterEvent enter(QPoint(5, 5), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
             QApplication::sendEvent(&window, &enter);
             EXPECT_TRUE(enter.isAccepted());
+            QMimeData other;
+            other.setUrls({QUrl::fromLocalFile("/a/page.html")});
+            QDragEnterEvent page(QPoint(5, 5), Qt::CopyAction, &other, Qt::LeftButton, Qt::NoModifier);
+            QApplication::sendEvent(&window, &page);
+            EXPECT_FALSE(page.isAccepted()) << "refused while it is still held";
             QDropEvent drop(QPointF(5, 5), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
             QApplication::sendEvent(&window, &drop);
             EXPECT_EQ(window.windowTitle().toStdString(), "Lettrino - 1 Glyphs (128 x 256)");

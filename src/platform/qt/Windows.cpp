@@ -2,6 +2,7 @@
 
 #include "foundation/Product.h"
 #include "platform/Desktop.h"
+#include "platform/qt/Guide.h"
 #include "platform/qt/MClientArea.h"
 #include "platform/qt/QtText.h"
 
@@ -11,7 +12,6 @@
 #include <QPalette>
 #include <QScreen>
 #include <QStandardPaths>
-#include <QUrl>
 #include <memory>
 #include <utility>
 
@@ -48,7 +48,7 @@ MColour ButtonColour() {
 }
 
 void OpenInBrowser(const MString& url) {
-    if (QDesktopServices::openUrl(QUrl(ToQt(url)))) return;
+    if (QDesktopServices::openUrl(InstalledGuide(ToQt(url)))) return;
     ShowMessage(nullptr, "No browser could be started for:\n\n" + url, ProductName, Buttons::Ok, Icon::Error);
 }
 
