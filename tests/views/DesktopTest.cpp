@@ -61,6 +61,7 @@ TEST(TheDesktop, FileDialogsShowPatternsPlacesAndWholeColumns) {
     dialog.folder = FromQt(folder.path());
     dialog.filters = {{"Colour fonts", "*.SM"}, {"PNG Files (*.PNG)", "*.PNG"}};
     dialog.places = {FromQt(folder.path()), "/no such folder"};
+    const QList<QUrl> usual = QFileDialog().sidebarUrls();
     WhileOpen([&] { return Desktop::ShowFileDialog(nullptr, dialog, "sm"); },
               [&](QWidget& window) {
                   auto& chooser = dynamic_cast<QFileDialog&>(window);
@@ -74,6 +75,7 @@ TEST(TheDesktop, FileDialogsShowPatternsPlacesAndWholeColumns) {
                       EXPECT_GE(list->columnWidth(column), list->header()->sectionSizeHint(column));
                   Screenshot(window, "open");
               });
+    EXPECT_EQ(QFileDialog().sidebarUrls(), usual) << "other programs' dialogs have no places of ours";
 }
 
 TEST(TheDesktop, TheGuideOpensWithoutANetwork) {

@@ -59,8 +59,8 @@ QString FilterText(const Desktop::FileFilter& filter) {
     return ToQt(filter.name).section(" (", 0, 0) + " (" + patterns.join(' ') + ')';
 }
 
-void OfferPlaces(QFileDialog& chooser, const std::vector<MString>& places) {
-    QList<QUrl> urls = chooser.sidebarUrls();
+void OfferPlaces(QFileDialog& chooser, const QList<QUrl>& usual, const std::vector<MString>& places) {
+    QList<QUrl> urls = usual;
     for (const MString& place : places) {
         const QUrl url = QUrl::fromLocalFile(ToQt(place));
         if (QFileInfo(ToQt(place)).isDir() && !urls.contains(url)) urls << url;
@@ -117,11 +117,14 @@ MString ShowFileDialog(WindowHandle owner, FileDialog& dialog, const MString& ex
     chooser.setNameFilters(filters);
     if (dialog.filterIndex >= 1 && dialog.filterIndex <= filters.size())
         chooser.selectNameFilter(filters[dialog.filterIndex - 1]);
-    OfferPlaces(chooser, dialog.places);
+    const QList<QUrl> usualPlaces = chooser.sidebarUrls();
+    OfferPlaces(chooser, usualPlaces, dialog.places);
     ShowWholeColumns(chooser);
     chooser.setDefaultSuffix(ToQt(extension));
     chooser.selectFile(ToQt(dialog.fileName));
-    if (chooser.exec() != QDialog::Accepted || chooser.selectedFiles().isEmpty()) return {};
+    const bool accepted = chooser.exec() == QDialog::Accepted;
+    chooser.setSidebarUrls(usualPlaces); // which Qt keeps for the dialogs of all programs
+    if (!accepted || chooser.selectedFiles().isEmpty()) return {};
     dialog.filterIndex = static_cast<std::int32_t>(filters.indexOf(chooser.selectedNameFilter())) + 1;
     return FromQt(chooser.selectedFiles().constFirst());
 }
