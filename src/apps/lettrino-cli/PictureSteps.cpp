@@ -8,20 +8,6 @@
 
 namespace {
 
-struct CharacterFile {
-    char16_t character;
-    std::string file;
-};
-
-// CHAR=FILE; the character may itself be "=".
-std::optional<CharacterFile> ReadCharacterFile(const std::string& text) {
-    const std::size_t sign = text.find('=', 1);
-    if (sign == std::string::npos || sign + 1 == text.size()) return std::nullopt;
-    const auto character = ReadCharacter(std::string_view(text).substr(0, sign));
-    if (!character) return std::nullopt;
-    return CharacterFile{*character, text.substr(sign + 1)};
-}
-
 // The refusal of a picture for its size, where that was the reason.
 std::string WhyNotRead(const char* otherwise) {
     const MString refusal = TakePixelRefusal();
@@ -56,6 +42,14 @@ std::optional<StepAction> Prepare(StepArguments arguments, bool series) {
 }
 
 } // namespace
+
+std::optional<CharacterFile> ReadCharacterFile(const std::string& text) {
+    const std::size_t sign = text.find('=', 1);
+    if (sign == std::string::npos || sign + 1 == text.size()) return std::nullopt;
+    const auto character = ReadCharacter(std::string_view(text).substr(0, sign));
+    if (!character) return std::nullopt;
+    return CharacterFile{*character, text.substr(sign + 1)};
+}
 
 std::optional<StepAction> PreparePicture(StepArguments arguments) {
     return Prepare(arguments, false);

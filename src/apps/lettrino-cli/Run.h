@@ -5,9 +5,20 @@
 #include "document/MSettings.h"
 #include "formats/webfont/MWebFontExport.h"
 
+#include <map>
 #include <memory>
 #include <string>
 #include <vector>
+
+// What a run was when it was marked.
+struct Marked {
+    MSettings settings;
+    std::unique_ptr<MColourFont> font; // without its picture; null if there was none
+    std::vector<MKerningPair> modelPairs;
+    std::string gameFontName;
+    MWebFontOptions webFont;
+    bool checkAsLines = false;
+};
 
 class Run {
 public:
@@ -17,6 +28,7 @@ public:
     std::string gameFontName;             // of the font last exported for games; empty before
     MWebFontOptions webFont;              // of the font files that follow
     bool checkAsLines = false;            // what a check prints: lines, else JSON
+    std::map<std::string, Marked> marks;
 
     Run();
     Run(const Run&) = delete;

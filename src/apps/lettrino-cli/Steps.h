@@ -7,6 +7,7 @@
 #include <optional>
 #include <span>
 #include <string>
+#include <vector>
 
 // Why a step couldn't do its work. `file` is empty where none is involved.
 struct StepFailure {
@@ -21,12 +22,22 @@ using StepArguments = std::span<const std::string>;
 // Understands a step's arguments, before any step is done. Nothing if they mean nothing.
 using PrepareStep = std::optional<StepAction> (*)(StepArguments arguments);
 
+// A file that a step reads or writes, as its arguments name it.
+struct StepFile {
+    std::string path;
+    bool written = false;
+};
+// Which files those are, as far as the arguments and the folders tell. The ones of a series include the next,
+// which is not there yet.
+using ListStepFiles = std::vector<StepFile> (*)(StepArguments arguments);
+
 struct Step {
     const char* name;      // "--save"
     const char* arguments; // as the help shows them, separated by blanks; empty for none
     int argumentCount;
     const char* help;
     PrepareStep prepare;
+    ListStepFiles files = nullptr; // null if there are none
     bool argumentOptional = false; // its one argument is empty then
 };
 
