@@ -1,5 +1,6 @@
 #include "apps/lettrino-cli/Runner.h"
 
+#include "foundation/MFolders.h"
 #include "foundation/MUtf8.h"
 #include "platform/headless/Headless.h"
 
@@ -87,7 +88,7 @@ std::vector<ListedFile> ListFiles(const std::vector<StepCall>& calls) {
             const auto same = [&](const ListedFile& listed) {
                 return listed.path == path && (listed.written || !file.written);
             };
-            if (std::ranges::none_of(all, same)) all.push_back({path, file.written});
+            if (std::ranges::none_of(all, same)) all.push_back({path, file.written, file.perhaps});
         }
     }
     GoTo(before);
@@ -120,6 +121,7 @@ int PrintFiles(const std::vector<StepCall>& calls, const std::vector<fs::path>& 
     for (const fs::path& path : recipeFiles)
         print("reads ", path.lexically_normal());
     for (const ListedFile& file : ListFiles(calls))
-        print(file.written ? "writes" : "reads ", file.path);
+        if (!file.perhaps || FindExisting(FromSystemPath(file.path)))
+            print(file.written ? "writes" : "reads ", file.path);
     return 0;
 }

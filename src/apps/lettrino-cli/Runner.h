@@ -16,6 +16,7 @@ void ReportError(const std::string& text);
 struct ListedFile {
     std::filesystem::path path;
     bool written;
+    bool perhaps;
 };
 
 // What the steps read and write, each file once, in the order of the steps; one that is first written and then

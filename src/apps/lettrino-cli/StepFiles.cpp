@@ -49,11 +49,11 @@ std::vector<StepFile> OpensFont(StepArguments arguments) {
     if (extension.Equals("SM") || extension.Equals("JS")) files.push_back({Beside(file, "png")});
     if (extension.Equals("SM")) {
         const std::string folder = ToSystem(FolderOf(FullPath(FromSystem(file))));
-        files.push_back({InFolderOf(folder, "Textures/" + WithoutExtension(file) + ".png")});
+        files.push_back({InFolderOf(folder, "Textures/" + WithoutExtension(file) + ".png"), false, true});
     }
     if (extension.Equals("FNT") || extension.Equals("XML") || extension.Equals("BIN") ||
         extension.Equals("JSON"))
-        files.push_back({InFolderOf(file, WithoutExtension(file) + "_0.png")});
+        files.push_back({InFolderOf(file, WithoutExtension(file) + "_0.png"), false, true});
     return files;
 }
 
@@ -74,7 +74,7 @@ std::vector<StepFile> ReadsPictures(StepArguments arguments) {
         const MString before = path;
         exists = NextSuccessivePicture(path, character);
         if (path.Equals(before)) break;
-        files.push_back({ToSystem(path)});
+        files.push_back({ToSystem(path), false, true}); // the last one is not there yet
     }
     return files;
 }

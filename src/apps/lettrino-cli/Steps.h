@@ -26,9 +26,9 @@ using PrepareStep = std::optional<StepAction> (*)(StepArguments arguments);
 struct StepFile {
     std::string path;
     bool written = false;
+    bool perhaps = false; // read only if it is there
 };
-// Which files those are, as far as the arguments and the folders tell. The ones of a series include the next,
-// which is not there yet.
+// Which files those are, as far as the arguments and the folders tell.
 using ListStepFiles = std::vector<StepFile> (*)(StepArguments arguments);
 
 struct Step {

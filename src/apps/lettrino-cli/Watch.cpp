@@ -52,9 +52,11 @@ using Stamps = std::map<fs::path, Stamp>; // of those that are there
 
 void Take(Stamps& stamps, const std::vector<fs::path>& paths) {
     for (const fs::path& path : paths) {
+        const auto file = FindExisting(FromSystemPath(path)); // in whatever case, as the steps find it
         std::error_code error;
-        const Stamp stamp{fs::last_write_time(path, error), error ? 0 : fs::file_size(path, error)};
-        if (error) {
+        const Stamp stamp =
+            file ? Stamp{fs::last_write_time(*file, error), fs::file_size(*file, error)} : Stamp{};
+        if (!file || error) {
             stamps.erase(path);
         } else {
             stamps[path] = stamp;

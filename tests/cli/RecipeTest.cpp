@@ -1,0 +1,190 @@
+// Steps from a file, and steps that are done again when a file changes.
+
+#include "Cli.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <signal.h>
+
+#include <algorithm>
+#include <chrono>
+#include <fstream>
+#include <thread>
+
+namespace {
+
+using testing::HasSubstr;
+
+// A block of one colour on clear ground.
+void WritePicture(const Cli& cli, const char* name, const MColour& colour, std::uint32_t width) {
+    OwnedPicture picture = BlankPicture(width, 24, FormatRGBA8);
+    for (const auto& [x, y] : PlacesOf(picture))
+        if (y > 3) picture.SetPixel(x, y, colour);
+    EXPECT_TRUE(picture.Save(cli.folder.File(name)));
+}
+
+// Waits until it holds, for as long as a slow machine may take.
+template<typename Condition>
+bool Soon(const Condition& condition) {
+    for (int i = 0; i < 1000; ++i) {
+        if (condition()) return true;
+        std::this_thread::sleep_for(std::chrono::milliseconds(30));
+    }
+    return false;
+}
+
+// lettrino-cli on its own until it is told to end.
+class Watching {
+public:
+    Watching(Cli& owner, const std::string& arguments) : cli(owner) {
+        const std::string command = "cd '" + cli.folder.path.string() + "' && { '" + LETTRINO_CLI + "' " +
+                                    arguments +
+                                    " --watch 2>watch.txt & echo $! >pid; wait $!; echo $? >status; } &";
+        EXPECT_EQ(std::system(command.c_str()), 0);
+        EXPECT_TRUE(Soon([&] { return Runs() == 1; }));
+    }
+    Watching(const Watching&) = delete;
+    Watching& operator=(const Watching&) = delete;
+    ~Watching() { End(); }
+
+    std::string Log() const { return cli.folder.Read("watch.txt"); }
+    // How many have come to an end, well or not.
+    int Runs() const {
+        const std::string log = Log();
+        int count = 0;
+        for (std::size_t at = 0; (at = log.find("; watching", at)) != std::string::npos; ++at)
+            ++count;
+        return count;
+    }
+    // After the change, which makes one run.
+    template<typename Change>
+    std::string After(const Change& change) {
+        const int before = Runs();
+        const std::size_t start = Log().size();
+        change();
+        EXPECT_TRUE(Soon([&] { return Runs() > before; })) << Log();
+        return Log().substr(start);
+    }
+    int End() {
+        if (ended) return -1;
+        ended = true;
+        kill(std::stoi(cli.folder.Read("pid")), SIGINT);
+        EXPECT_TRUE(Soon([&] { return !cli.folder.Read("status").empty(); }));
+        return std::stoi(cli.folder.Read("status"));
+    }
+
+private:
+    Cli& cli;
+    bool ended = false;
+};
+
+} // namespace
+
+TEST(Recipe, TwoFamiliesInThreeSizesAndFourForms) {
+    Cli cli;
+    std::string text = "\xEF\xBB\xBF# Two families.\r\n\r\n  --select @set.txt\r\ncolour 204080\n";
+    for (const std::string family : {"DejaVu Sans", "Liberation Serif"}) {
+        const std::string name = family.substr(0, family.find(' '));
+        text +=
+            "family " + family + "\nheight 192\ngenerate\nkern\nmark " + name + "\nsave " + name + "-3x.sm\n";
+        for (const int size : {128, 64}) {
+            const std::string file = name + "-" + std::to_string(size / 64) + "x";
+            text += "back " + name + "\nresize " + std::to_string(size) + "\nsave " + file + ".sm\nfnt " +
+                    file + ".fnt\nwoff2 " + file + ".woff2\nminimal-html " + file + ".html\n";
+        }
+        text += "text \"To Va\" " + name + ".png\n";
+    }
+    std::filesystem::create_directory(cli.folder.path / "fonts");
+    cli.folder.Write("fonts/all.steps", text);
+    cli.folder.Write("fonts/set.txt", "A-Z,a-z\n");
+    // What it would do is what it does.
+    ASSERT_EQ(cli.Run("--steps fonts/all.steps --dry-run"), 0) << cli.error;
+    const std::string promised = cli.out;
+    EXPECT_THAT(promised,
+                HasSubstr("reads  fonts/all.steps\nreads  fonts/set.txt\nwrites fonts/DejaVu-3x.sm\n"));
+    ASSERT_EQ(cli.Run("--steps fonts/all.steps"), 0) << cli.error;
+    for (const auto& entry : std::filesystem::directory_iterator(cli.folder.path / "fonts")) {
+        std::string file = "fonts/" + entry.path().filename().string();
+        if (const auto page = file.find("_0.png"); page != std::string::npos) file.replace(page, 2, "_*");
+        EXPECT_THAT(promised, HasSubstr(" " + file + "\n"));
+    }
+    // A size that was gone back for is the same as one that was made alone.
+    const std::string alone =
+        "--select A-Z,a-z --colour 204080 --family 'DejaVu Sans' --height 192 --generate --kern ";
+    ASSERT_EQ(cli.Run(alone + "--resize 64 --save alone.sm"), 0);
+    EXPECT_TRUE(cli.Info("--open fonts/DejaVu-1x.sm") == cli.Info("--open alone.sm"));
+
+    EXPECT_TRUE(SamePicture(cli.Picture("fonts/DejaVu-1x.png"), cli.Picture("alone.png")));
+    EXPECT_TRUE(cli.Info("--steps fonts/all.steps --back DejaVu") == cli.Info(alone))
+        << "the line goes on after it";
+}
+
+TEST(Recipe, WhatIsWrongIsToldWithItsLine) {
+    Cli cli;
+    cli.folder.Write("other.steps", "info\n");
+    const struct {
+        const char* text;
+        int status;
+        const char* error;
+    } cases[] = {
+        {"family A\nbake\n", 2, "r.steps:2: there is no step --bake"},
+        {"\n\nsteps other.steps", 2, "r.steps:3: a recipe takes in no other"},
+        {"generate now", 2, "r.steps:1: --generate takes nothing"},
+        {"save", 2, "r.steps:1: --save takes FILE.sm"},
+        {"text a.png", 2, "r.steps:1: --text takes TEXT FILE.png"},
+        {"names @none.txt", 2, "r.steps:1: none.txt can't be read"},
+        {"# a\nheight tall", 2, "r.steps:2: --height 'tall': wrong usage"},
+        {"info", 1, "r.steps:1: --info: there is no font yet"},
+        {"back x", 1, "r.steps:1: --back: nothing was marked as 'x'"},
+        {"family DejaVu Sans\nselect A\ngenerate\nsave none/a.sm\nsave b.sm", 1,
+         "r.steps:4: --save: none/a.sm: "},
+    };
+    for (const auto& [text, status, error] : cases) {
+        cli.folder.Write("r.steps", text);
+        EXPECT_EQ(cli.Run("--steps r.steps"), status) << text;
+        EXPECT_THAT(cli.error, HasSubstr(error));
+    }
+    EXPECT_FALSE(cli.Has("b.sm"));
+    EXPECT_EQ(cli.Run("--steps none.steps"), 2);
+    EXPECT_EQ(cli.Run("--info --serve 0"), 2);
+}
+
+TEST(Watch, APictureTheRecipeAndABrokenPictureInBetween) {
+    Cli cli;
+    WritePicture(cli, "A.png", MColour(200, 0, 0), 10);
+    WritePicture(cli, "B.png", MColour(0, 200, 0), 12);
+    cli.folder.Write("r.steps", "pictures A=A.png\nsave out.sm\n");
+    Watching watching(cli, "--steps r.steps");
+    const auto glyphs = [&] { return cli.Info("--open out.sm")["glyphs"]; };
+    EXPECT_EQ(glyphs().size(), 2U);
+
+    EXPECT_THAT(watching.After([&] { WritePicture(cli, "A.png", MColour(0, 0, 200), 20); }),
+                HasSubstr("A.png changed"));
+    EXPECT_EQ(glyphs()[0]["width"], 20);
+    // The series goes on with a file that was not there.
+    EXPECT_THAT(watching.After([&] { WritePicture(cli, "C.png", MColour(9, 9, 9), 30); }),
+                HasSubstr("C.PNG is there"));
+    EXPECT_EQ(glyphs().size(), 3U);
+    // A picture that is none leaves the last good result.
+    const std::string broken = watching.After([&] { cli.folder.Write("A.png", "no picture"); });
+    EXPECT_THAT(broken, HasSubstr("r.steps:1: --pictures: "));
+    EXPECT_THAT(broken, HasSubstr("failed after"));
+    EXPECT_EQ(glyphs().size(), 3U);
+    watching.After([&] { WritePicture(cli, "A.png", MColour(0, 0, 200), 20); });
+    EXPECT_THAT(watching.After([&] { cli.folder.Write("r.steps", "pictures A=A.png\nbake\n"); }),
+                HasSubstr("r.steps:2: there is no step --bake"));
+    watching.After([&] { cli.folder.Write("r.steps", "pictures A=A.png\nremove B\nsave out.sm\n"); });
+    EXPECT_EQ(glyphs().size(), 2U);
+    EXPECT_EQ(watching.Runs(), 7) << "one for each change, and none for what a run itself wrote";
+    EXPECT_EQ(watching.End(), 0);
+    EXPECT_THAT(watching.Log(), HasSubstr("lettrino-cli: ended\n"));
+}
+
+// A font that is opened and saved over would start itself for ever.
+TEST(Watch, WhatARunWritesStartsNoOther) {
+    Cli cli;
+    ASSERT_EQ(cli.Run("--family 'DejaVu Sans' --select A --generate --save f.sm"), 0);
+    Watching watching(cli, "--open f.sm --set-kerning A,A,-3 --save f.sm");
+    std::this_thread::sleep_for(std::chrono::milliseconds(500));
+    EXPECT_EQ(watching.Runs(), 1);
+}
