@@ -3,6 +3,7 @@
 
 #include "document/MColourFont.h"
 #include "foundation/MNumbers.h"
+#include "platform/MLongWork.h"
 
 #include <algorithm>
 #include <cstring>
@@ -137,10 +138,12 @@ bool MColourFont::Repack() {
     Picture =
         MPicture(static_cast<std::uint32_t>(size.width), static_cast<std::uint32_t>(size.height), FormatRGBA8);
     if (!Picture.IsValid()) return false;
+    MLongWork work(Owner, "Packing characters...", std::uint64_t{Picture.Width} * Picture.Height);
     std::memset(Picture.Pixels, 0, std::size_t{Picture.Stride} * Picture.Height);
-
     Shelf shelf(size);
-    for (const auto& slot : Glyphs) {
+    for (std::size_t number = 0; number < SlotCount; ++number) {
+        work.At(number, SlotCount);
+        const auto& slot = Glyphs[number];
         Place place{};
         if (!HasArea(slot)) continue;
         if (!shelf.Add(*slot, place)) break;

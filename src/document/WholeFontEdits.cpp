@@ -4,6 +4,7 @@
 #include "document/MSettings.h"
 #include "foundation/MDebug.h"
 #include "foundation/MNumbers.h"
+#include "platform/MLongWork.h"
 
 #include <algorithm>
 
@@ -18,6 +19,15 @@ std::int32_t Less(std::int32_t value, std::uint32_t rows) {
     return static_cast<std::int32_t>(std::max(std::int64_t{value} - rows, lowest));
 }
 
+std::uint64_t PixelsOf(const MColourFont& font) {
+    std::uint64_t pixels = 0;
+    for (const auto& slot : font.Glyphs) {
+        if (slot && slot->Picture.IsValid())
+            pixels += std::uint64_t{slot->Picture.Width} * slot->Picture.Height;
+    }
+    return pixels;
+}
+
 } // namespace
 
 void MColourFont::Scale(float factor) {
@@ -25,8 +35,10 @@ void MColourFont::Scale(float factor) {
     scale(Baseline);
     scale(CapHeight);
     scale(SpaceWidth);
-    for (const auto& slot : Glyphs) {
-        if (slot) slot->Scale(factor);
+    MLongWork work(Owner, "Scaling characters...", PixelsOf(*this));
+    for (std::size_t place = 0; place < SlotCount; ++place) {
+        work.At(place, SlotCount);
+        if (Glyphs[place]) Glyphs[place]->Scale(factor);
     }
     for (MKerningPair& pair : Kerning)
         scale(pair.Amount);
@@ -35,6 +47,7 @@ void MColourFont::Scale(float factor) {
 void MColourFont::TrimVertically() {
     std::uint32_t top = noMargin;
     std::uint32_t bottom = noMargin;
+    MLongWork work(Owner, "Trimming characters...", PixelsOf(*this));
     for (const auto& slot : Glyphs) {
         if (!slot) continue;
         std::uint32_t glyphTop = 0;
@@ -46,8 +59,9 @@ void MColourFont::TrimVertically() {
     const auto number = [](std::uint32_t value) { return MString(static_cast<std::int32_t>(value)); };
     DebugOutput((MString("Trimming Vertically: ") + number(top) + " " + number(bottom) + "\n").View());
     if (top == 0 && bottom == 0) return;
-    for (const auto& slot : Glyphs) {
-        if (slot) slot->TrimRows(top, bottom);
+    for (std::size_t place = 0; place < SlotCount; ++place) {
+        work.At(place, SlotCount);
+        if (Glyphs[place]) Glyphs[place]->TrimRows(top, bottom);
     }
     // Whether or not every glyph could be trimmed.
     Settings->GlyphHeight = Less(Settings->GlyphHeight, top + bottom);

@@ -21,6 +21,7 @@
 #include "formats/SiblingPath.h"
 #include "foundation/MFolders.h"
 #include "imaging/MPixelBudget.h"
+#include "platform/MLongWork.h"
 
 #include <algorithm>
 #include <iterator>
@@ -167,6 +168,7 @@ std::vector<MString> FontPaths(const MString& path) {
 
 bool MColourFont::Save(const MString& path, MWriteFailures* failures) {
     if (!Picture.IsValid()) return false;
+    const MLongWork work(Owner, "Saving font...", std::uint64_t{Picture.Width} * Picture.Height);
     const MString picturePath = SiblingPath(path, "png");
     const auto writeText = [&](const MString& namedPicture) {
         return WriteText(*this, SiblingPath(path, "sm"), namedPicture);
@@ -190,6 +192,10 @@ bool MColourFont::Load(const MString& path) {
         MString picturePath = UnfinishedPicture(path);
         if (picturePath.IsEmpty()) picturePath = chosen.IsEmpty() ? FindPicture(path, Owner, chosen) : chosen;
         if (picturePath.IsEmpty()) return false;
+        // What packs well has some sixty pixels a byte.
+        constexpr std::uint64_t pixelsPerByte = 64;
+        const auto fileBytes = static_cast<std::uint64_t>(std::max<std::int64_t>(GetFileSize(picturePath), 0));
+        const MLongWork work(Owner, "Opening font...", fileBytes * pixelsPerByte);
         loaded = LoadPair(*this, path, picturePath);
         if (StampOf(text) == before) break;
         Clear();

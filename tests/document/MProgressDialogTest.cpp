@@ -2,6 +2,7 @@
 
 #include "DocumentFixture.h"
 #include "Text.h"
+#include "platform/MLongWork.h"
 
 #include <cmath>
 #include <string>
@@ -35,3 +36,23 @@ TEST_F(ProgressDialogTest, TellsTheDesktopOfChangesOnly) {
 }
 
 } // namespace
+
+TEST_F(ProgressDialogTest, OnlyLongWorkIsShownAndTheOuterOneAlone) {
+    constexpr std::uint64_t noticed = 1 << 25;
+    Headless::record = {};
+    {
+        MLongWork brief(nullptr, "Brief", noticed - 1);
+        brief.At(1, 2);
+        EXPECT_FALSE(ProgressDialog.open);
+        MLongWork outer(nullptr, "Outer", noticed);
+        {
+            MLongWork inner(nullptr, "Inner", noticed);
+            inner.At(1, 2);
+        }
+        EXPECT_TRUE(ProgressDialog.open) << "it ends with the outer one";
+        outer.At(1, 4);
+    }
+    EXPECT_FALSE(ProgressDialog.open);
+    EXPECT_EQ(Headless::record.progressPercents, (std::vector<std::int32_t>{0, 25}));
+    EXPECT_EQ(Headless::record.progressTexts.back(), MString("Outer"));
+}

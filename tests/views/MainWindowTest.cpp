@@ -218,6 +218,7 @@ TEST_F(MainWindowTest, TheProgressWindowIsSeenAndMoves) {
             auto* const bar = window->findChild<QProgressBar*>();
             if (!bar || bar->window() != window || !window->windowHandle()->isExposed()) continue;
             percents.insert(bar->value());
+            EXPECT_EQ(QGuiApplication::overrideCursor()->shape(), Qt::WaitCursor);
             const QImage shown = Shown(*window);
             EXPECT_NE(shown.pixel(0, 0), shown.pixel(3, 3)) << "a frame, which the desktop gives it none of";
             const QPointF middle = bar->geometry().center() + QPoint(0, bar->height() / 4);
@@ -231,6 +232,7 @@ TEST_F(MainWindowTest, TheProgressWindowIsSeenAndMoves) {
     Run({}, {Key(Qt::Key_F3),
              {"Add/Change characters",
               [](QWidget& dialog) {
+                  EXPECT_FALSE(QGuiApplication::overrideCursor()) << "each control has its own";
                   Settings->Selected.fill(1);
                   TypeInto(Named<QLineEdit>(dialog, "Glyph height"), "1024");
                   Click(dialog, "OK");

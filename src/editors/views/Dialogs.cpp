@@ -12,11 +12,13 @@
 #include "editors/views/MLicenseKeysView.h"
 #include "editors/views/MOpticalKerningView.h"
 #include "platform/Desktop.h"
+#include "platform/qt/MCursors.h"
 
 namespace {
 
 template<typename View, typename... Subject>
 bool Run(Desktop::WindowHandle owner, const Subject&... subject) {
+    const MOwnCursors cursors;
     View view(owner ? WidgetOf(owner)->window() : nullptr, subject...);
     return view.exec() == QDialog::Accepted;
 }

@@ -2,6 +2,7 @@
 
 #include "platform/Desktop.h"
 #include "platform/qt/MClientArea.h"
+#include "platform/qt/MCursors.h"
 #include "platform/qt/QtText.h"
 
 #include <QColorDialog>
@@ -94,6 +95,7 @@ namespace Desktop {
 
 Answer ShowMessage(WindowHandle owner, const MString& text, const MString& caption, Buttons buttons,
                    Icon icon) {
+    const MOwnCursors cursors;
     const QMessageBox::StandardButtons shown = ToQt(buttons);
     QMessageBox box(ToQt(icon), ToQt(caption), ToQt(text), shown, WidgetOf(owner));
     box.setTextFormat(Qt::PlainText);
@@ -108,6 +110,7 @@ Answer ShowMessage(WindowHandle owner, const MString& text, const MString& capti
 }
 
 MString ShowFileDialog(WindowHandle owner, FileDialog& dialog, const MString& extension) {
+    const MOwnCursors cursors;
     QFileDialog chooser(WidgetOf(owner), ToQt(dialog.title), ToQt(dialog.folder));
     chooser.setAcceptMode(dialog.save ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
     chooser.setFileMode(dialog.save ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
@@ -130,6 +133,7 @@ MString ShowFileDialog(WindowHandle owner, FileDialog& dialog, const MString& ex
 }
 
 bool ChooseColour(WindowHandle owner, MColour& colour) {
+    const MOwnCursors cursors;
     PrepareCustomColours();
     const QColor chosen =
         QColorDialog::getColor(QColor(colour.r, colour.g, colour.b), WidgetOf(owner), "Select colour");

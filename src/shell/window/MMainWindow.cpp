@@ -1,5 +1,6 @@
 #include "shell/window/MMainWindow.h"
 
+#include "platform/qt/MCursors.h"
 #include "platform/qt/QtText.h"
 #include "shell/Commands.h"
 #include "shell/Preview.h"
@@ -83,6 +84,7 @@ MMainWindow::MMainWindow(const QString& title, const QRect& frame) : wanted(fram
 // The font is another one after most commands, also after some that failed or were cancelled, and none of them
 // may leave the picture of the one before.
 void MMainWindow::Run(CommandId command) {
+    const MBusyCursor busy;
     RunCommand(command);
     preview.update();
 }
@@ -135,6 +137,7 @@ void MMainWindow::dragEnterEvent(QDragEnterEvent* event) {
 
 void MMainWindow::dropEvent(QDropEvent* event) {
     event->acceptProposedAction();
+    const MBusyCursor busy;
     OpenDroppedFile(FromQt(FirstFile(*event->mimeData())));
     preview.update();
 }
