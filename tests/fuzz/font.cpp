@@ -7,8 +7,8 @@
 #include "document/MSettings.h"
 #include "formats/MPhotofontImporter.h"
 #include "formats/WebFont.h"
-#include "imaging/MPixelBudget.h"
 #include "formats/game/MGameFontImport.h"
+#include "imaging/MPixelBudget.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -63,10 +63,21 @@ void Require(bool holds) {
     if (!holds) std::abort();
 }
 
+// A saved picture gives the transparent pixels beside an edge the edge's colour.
+bool LooksSame(const MColour& first, const MColour& second) {
+    return first == second || (first.a == 0 && second.a == 0);
+}
+
 bool IsWhole(const MColourFont& font) {
     return std::ranges::all_of(font.Glyphs, [](const auto& slot) {
         return !slot || (slot->Character > 32 && slot->Character != 0xFFFF && slot->RowsMatchPicture());
     });
+}
+
+// What is larger takes seconds under the fuzzer, and more memory than it has here.
+bool IsQuicklySaved(const MColourFont& font) {
+    constexpr std::uint64_t mostPixels = 1 << 21;
+    return std::uint64_t{font.Picture.Width} * font.Picture.Height <= mostPixels;
 }
 
 void RequireSame(const MColourFont& first, const MColourFont& second) {
@@ -79,7 +90,7 @@ void RequireSame(const MColourFont& first, const MColourFont& second) {
         Require(other->SpacingBefore == slot->SpacingBefore && other->SpacingAfter == slot->SpacingAfter);
         for (std::int32_t y = 0; y < slot->Height; ++y)
             for (std::int32_t x = 0; x < slot->Width; ++x)
-                Require(slot->GetPixel(x, y) == other->GetPixel(x, y));
+                Require(LooksSame(slot->GetPixel(x, y), other->GetPixel(x, y)));
     }
     for (const MKerningPair& pair : first.Kerning) {
         if (pair.Amount == 0) continue; // such are not written
@@ -92,7 +103,7 @@ void RequireSame(const MColourFont& first, const MColourFont& second) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     static const Place place;
-    SetMemoryLimit(std::size_t{1} << 30); // beyond what is held now
+    SetMemoryLimit(std::size_t{256} << 20); // beyond what is held now
     RestorePixelBudget();
     MSettings settings;
     Settings = &settings;
@@ -104,7 +115,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     {
         MColourFont font(nullptr);
         if (Read(font, file) && font.Repack()) {
-            if (IsWhole(font) && font.Save(place.File("again.sm"))) {
+            if (IsWhole(font) && IsQuicklySaved(font) && font.Save(place.File("again.sm"))) {
                 MColourFont again(nullptr);
                 Require(again.Load(place.File("again.sm")));
                 RequireSame(font, again);
