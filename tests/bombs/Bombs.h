@@ -44,6 +44,9 @@ std::string FlatPng(std::uint32_t width, std::uint32_t height, int depth, int co
 std::string Gzip(const std::string& text);
 // In lines of 76 characters.
 std::string Base64(const std::string& bytes);
+// A DDS file; `dxgi` is 0 for those without the later header.
+std::string Dds(std::uint32_t width, std::uint32_t height, const char* fourCc, std::uint32_t dxgi,
+                const std::string& data);
 std::string PngChunk(const char* type, const std::string& bytes);
 // What no decoder looks at and nothing makes smaller.
 std::string Noise(std::size_t count);

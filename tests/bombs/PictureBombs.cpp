@@ -305,6 +305,8 @@ std::string Tga(std::uint32_t width, std::uint32_t height, std::size_t size) {
     return header + std::string(size - header.size(), '\0');
 }
 
+} // namespace
+
 std::string Dds(std::uint32_t width, std::uint32_t height, const char* fourCc, std::uint32_t dxgi,
                 const std::string& data) {
     std::string file =
@@ -314,8 +316,6 @@ std::string Dds(std::uint32_t width, std::uint32_t height, const char* fourCc, s
     if (dxgi != 0) file += Little({{dxgi, 4}, {3, 4}, {0, 4}, {1, 4}, {0, 4}});
     return file + data;
 }
-
-} // namespace
 
 std::vector<Bomb> PictureBombs() {
     std::vector<Bomb> all;
@@ -331,7 +331,7 @@ std::vector<Bomb> PictureBombs() {
     add("PNG", "20000 x 20000 in a few kB", "f.png", FlatPng(20000, 20000, 1, 0));
     add("PNG", "8 bits, the most that is read", "f.png", FlatPng(large, large, 8, 6, padded), true);
     add("PNG", "16 bits, the most that is read", "f.png", FlatPng(deep, deep, 16, 6, padded), true);
-    add("PNG", "interlaced, the most that is read", "f.png", FlatPng(large, large, 8, 6, padded, true));
+    add("PNG", "interlaced, the most that is read", "f.png", FlatPng(deep, deep, 8, 6, padded, true));
     add("PNG", "one pixel high", "f.png", FlatPng(SparePixels, 1, 8, 6, padded));
     add("PNG", "one pixel wide", "f.png", FlatPng(1, SparePixels, 8, 6, padded));
     add("PNG", "80,000 empty chunks", "f.png", PngOfManyChunks());
@@ -364,8 +364,8 @@ std::vector<Bomb> PictureBombs() {
     add("GIF", "65535 x 65535", "f.gif", Gif(65535, 65535, GifFrame(65535, 65535, GifData(1'000'000'000))));
     add("GIF", "as many frames as it holds", "f.gif", GifOfManyFrames());
 
-    add("HEIF", "a grid of one tile, 9216 x 9216", "f.heic", HeifGrid(18, 18, padded));
-    add("HEIF", "a grid of one tile, the most that is read", "f.heic", HeifGrid(16, 8, padded), true);
+    add("HEIF", "a grid of one tile, 8192 x 4096", "f.heic", HeifGrid(16, 8, padded));
+    add("HEIF", "a grid of one tile, the most that is read", "f.heic", HeifGrid(8, 8, padded), true);
     add("HEIF", "a grid of 65536 x 65536", "f.heic", HeifGrid(128, 128, padded - 40'000), true);
 
     add("BMP", "runs, the most that is read", "f.bmp", Bmp(large, large, padded));

@@ -1,5 +1,6 @@
-// bombs_table LETTRINO-CLI [WORDS]: reads every hostile file with the program and prints what each costs as a table;
-// with WORDS only those whose reader or name has them. Status 1 if one passes a bound or ends the program.
+// bombs_table LETTRINO-CLI [WORDS]: reads every hostile file with the program and prints what each costs as a
+// table; with WORDS only those whose reader or name has them. Status 1 if one passes a bound or ends the
+// program.
 #include "bombs/Trial.h"
 
 #include <algorithm>

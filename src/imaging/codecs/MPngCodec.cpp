@@ -94,7 +94,7 @@ bool ReadPicture(png_structp png, png_infop info, Input& input, MPicture& pictur
     const MPixelFormat format = ChooseFormat(png, info);
     const int passes = png_set_interlace_handling(png);
     png_read_update_info(png, info);
-    if (!AllocatePicture(picture, width, height, format)) return false;
+    if (!AllocatePicture(picture, width, height, format, passes > 1 ? 2 : 1)) return false;
     if (png_get_rowbytes(png, info) != picture.Stride) return false;
     for (int pass = 0; pass < passes; ++pass) {
         for (std::size_t y = 0; y < picture.Height; ++y) {
