@@ -114,6 +114,9 @@ void AddFaces(const std::filesystem::path& root) {
 } // namespace
 
 void WriteFontSeeds(const std::filesystem::path& root) {
+    std::filesystem::create_directories(root / "fuzz_picture_DDS");
+    std::ofstream(root / "fuzz_picture_DDS" / "BC7", std::ios::binary)
+        << bombs::Dds(32, 32, "DX10", 98, bombs::Noise(32 * 32));
     AddOwnFonts(root);
     AddPhotofonts(root);
     AddFaces(root);
