@@ -29,6 +29,7 @@ std::vector<Bomb> PictureBombs();
 std::vector<Bomb> FaceBombs();     // files with the faces of a font
 std::vector<Bomb> ColourBombs();   // the same with glyphs in colour
 std::vector<Bomb> DocumentBombs(); // texture fonts, scripts, Photofonts, names, settings
+std::vector<Bomb> GameBombs();     // game fonts of every form
 std::vector<Bomb> AllBombs();
 // Fonts that are harmless, of every kind, called Built Sans.
 std::vector<std::string> SmallFaces();

@@ -194,7 +194,7 @@ std::vector<Bomb> DocumentBombs() {
 
 std::vector<Bomb> AllBombs() {
     std::vector<Bomb> all = PictureBombs();
-    for (auto* const more : {DocumentBombs, FaceBombs, ColourBombs})
+    for (auto* const more : {DocumentBombs, GameBombs, FaceBombs, ColourBombs})
         for (Bomb& bomb : more())
             all.push_back(std::move(bomb));
     return all;
