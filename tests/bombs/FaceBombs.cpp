@@ -97,7 +97,7 @@ std::string Collection(int count) {
 }
 
 // A variable font with as many named instances.
-std::string Instances(int count) {
+Font Instances(int count) {
     Font font = OneGlyph();
     font.Add(box);
     Bytes fvar;
@@ -106,7 +106,7 @@ std::string Instances(int count) {
     for (int i = 0; i < count; ++i)
         fvar.U16s({2, 0}).Fixed(100 + i % 800);
     font.tables["fvar"] = fvar;
-    return font.Build();
+    return font;
 }
 
 std::string CharacterMap(int groups) {
@@ -304,7 +304,7 @@ std::vector<Bomb> FaceBombs() {
     add("an outline of 1,000 lines", Zigzag(1000));
     add("60,000 names", ManyNames());
     add("30,000 faces", Collection(30'000), true);
-    add("60,000 instances", Instances(60'000), true);
+    add("60,000 instances", Instances(60'000).Build(), true);
     add("a map of all characters", CharacterMap(1));
     add("a map of 40,000 groups", CharacterMap(40'000));
     add("WOFF of 200 MB", Woff(Spare(4), 200'000'000, PackedRun(200'000'000)), true);
@@ -314,6 +314,14 @@ std::vector<Bomb> FaceBombs() {
     add("a gzip of 100 MB", Gzip(std::string(100'000'000, '\x01')));
     add("kerning of 16,000 lookups", Lookups(16'000), true, " --kern-from-font --info");
     return all;
+}
+
+std::vector<Font> OddFaces() {
+    Font macintosh = OneGlyph();
+    macintosh.Add(box);
+    // Format 0: a glyph for each of 256 codes.
+    macintosh.tables["cmap"] = Bytes().U16s({0, 1, 1, 0}).U32(12).U16s({0, 262, 0}).Add(std::string(256, '\1'));
+    return {Instances(3), macintosh};
 }
 
 } // namespace bombs

@@ -101,9 +101,10 @@ std::string TiffDirectory(const std::vector<TiffField>& fields, std::uint32_t ne
     return bytes + Little({{next, 4}});
 }
 
-// One strip or tile.
+} // namespace
+
 std::string Tiff(std::uint32_t width, std::uint32_t height, int compression, int photometric, int bits,
-                 int samples, const std::string& data, std::size_t padding = 0, std::uint32_t tile = 0) {
+                 int samples, const std::string& data, std::size_t padding, std::uint32_t tile) {
     const auto at = static_cast<std::uint32_t>(8 + padding);
     std::vector<TiffField> fields = {{256, 4, 1, width},
                                      {257, 4, 1, height},
@@ -125,6 +126,8 @@ std::string Tiff(std::uint32_t width, std::uint32_t height, int compression, int
     const std::string start = "II*" + std::string(1, '\0') + Little({{at + data.size() + data.size() % 2, 4}});
     return start + Noise(padding) + data + std::string(data.size() % 2, '\0') + TiffDirectory(fields, 0);
 }
+
+namespace {
 
 std::string TiffOfManyDirectories() {
     std::string file("II*\0\x08\0\0\0", 8);

@@ -30,8 +30,8 @@ void Draw(const MFontMatch& match) {
     }
 }
 
-void Measure() {
-    MSizedFont font(family, 400, false);
+void Measure(std::int32_t weight, bool italic) {
+    MSizedFont font(family, weight, italic);
     if (font.SetHeight(40)) {
         for (const char16_t character : {u'A', u'B'}) {
             MInk ink;
@@ -40,7 +40,7 @@ void Measure() {
                 character, 4, 32, {0, 0, 60, 60}, [](std::int32_t, std::span<const MSpan>, void*) {}, nullptr);
         }
     }
-    MFaceKerning(family, 400, false).Amount(u'A', u'B');
+    MFaceKerning(family, weight, italic).Amount(u'A', u'B');
 }
 
 } // namespace
@@ -57,7 +57,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     match.variations = "wght=650,wdth=80";
     match.embolden = true;
     Draw(match);
-    if (IsFamilyInstalled(family)) Measure();
+    if (IsFamilyInstalled(family)) {
+        Measure(400, false);
+        Measure(700, true);                    // made of the other by the mapper
+        if (size % 16 == 0) ListSystemFaces(); // of all fonts, which takes its time
+    }
     FcConfigAppFontClear(nullptr);
     return 0;
 }
