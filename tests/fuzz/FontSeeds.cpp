@@ -126,8 +126,8 @@ void WriteFontSeeds(const std::filesystem::path& root) {
     std::filesystem::create_directories(root / "fuzz_picture_TIFF");
     std::ofstream(root / "fuzz_picture_TIFF" / "inks", std::ios::binary)
         << bombs::Tiff(4, 4, 1, 5, 16, 4, bombs::Noise(4 * 4 * 8));
-    std::filesystem::create_directories(root / "fuzz_picture_PNG");
-    std::ofstream(root / "fuzz_picture_PNG" / "large", std::ios::binary) << bombs::FlatPng(9000, 9000, 1, 0);
+    // More than is read.
+    std::ofstream(root / "fuzz_sniff" / "large", std::ios::binary) << bombs::FlatPng(9000, 9000, 1, 0);
     AddOwnFonts(root);
     AddPhotofonts(root);
     AddFaces(root);

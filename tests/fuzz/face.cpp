@@ -19,14 +19,14 @@ namespace {
 constexpr const char* family = "Built Sans";
 
 void Draw(const MFontMatch& match) {
-    MGlyphPainter painter(match);
-    if (!painter.face.face) return;
+    const auto painter = MGlyphPainter::Shared(match);
+    if (!painter->face.face) return;
     for (const char16_t character : {u'A', u'B', u'\u0101', u'\u0120'}) {
         const Canvas canvas(40, 40);
-        const std::uint32_t glyph = painter.face.GlyphIndex(character);
-        painter.Draw(canvas.context, glyph, 4, 32, 30, MColour(255, 255, 255), true);
-        painter.Draw(canvas.context, glyph, 4, 32, 30, MColour(255, 255, 255), false);
-        if (!canvas.IsSound()) std::abort();
+        const std::uint32_t glyph = painter->face.GlyphIndex(character);
+        painter->Draw(canvas.context, glyph, 4, 32, 30, MColour(255, 255, 255), true);
+        painter->Draw(canvas.context, glyph, 4, 32, 30, MColour(255, 255, 255), false);
+        if (!canvas.IsSound() || painter->face.Advance(glyph) < 0) std::abort();
     }
 }
 
