@@ -20,7 +20,7 @@ elseif(LETTRINO_SANITIZE OR LETTRINO_FUZZ)
     add_compile_options(-fsanitize=${sanitizers} -fno-sanitize-recover=undefined -fno-omit-frame-pointer)
     add_link_options(-fsanitize=${sanitizers})
 endif()
-if(LETTRINO_FUZZ)
+if(LETTRINO_FUZZ AND NOT LETTRINO_COVERAGE)
     add_compile_options(-fsanitize=fuzzer-no-link)
 endif()
 

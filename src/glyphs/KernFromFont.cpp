@@ -21,7 +21,7 @@ KernFromFontResult KernFromFont(MColourFont& font) {
             characters.push_back(slot->Character);
     std::vector<MKerningPair> pairs;
     // 50,000 pairs take some tenths of a second, unless the font means harm.
-    constexpr double mostSeconds = 1.5;
+    constexpr double mostSeconds = 1.2;
     const std::clock_t start = std::clock();
     for (const char16_t left : characters) {
         if (static_cast<double>(std::clock() - start) > mostSeconds * CLOCKS_PER_SEC)

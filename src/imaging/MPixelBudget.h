@@ -7,7 +7,8 @@
 // picture of a whole font may be as large as the best compression lets its file be: measured on fonts of every
 // size, one of 8192 x 8192 pixels takes a megabyte, so that the program's own are not refused.
 //
-// Pixels of more than four bytes count twice, and rows as if they were no shorter than 16 pixels.
+// Pixels of more than four bytes count twice, as do those of HEIF and of interlaced PNG, and rows as if they
+// were no shorter than 16 pixels.
 #pragma once
 
 #include "foundation/MString.h"

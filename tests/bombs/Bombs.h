@@ -29,9 +29,12 @@ std::vector<Bomb> PictureBombs();
 std::vector<Bomb> FaceBombs();     // files with the faces of a font
 std::vector<Bomb> ColourBombs();   // the same with glyphs in colour
 std::vector<Bomb> DocumentBombs(); // texture fonts, scripts, Photofonts, names, settings
+std::vector<Bomb> GameBombs();     // game fonts of every form
 std::vector<Bomb> AllBombs();
 // Fonts that are harmless, of every kind, called Built Sans.
 std::vector<std::string> SmallFaces();
+// The same before they are built: a variable one, and one with a map of Macintosh characters.
+std::vector<fonts::Font> OddFaces();
 
 // Numbers with the least significant byte first.
 std::string Little(std::initializer_list<std::pair<std::uint64_t, int>> fields);
@@ -44,6 +47,13 @@ std::string FlatPng(std::uint32_t width, std::uint32_t height, int depth, int co
 std::string Gzip(const std::string& text);
 // In lines of 76 characters.
 std::string Base64(const std::string& bytes);
+// A DDS file; `dxgi` is 0 for those without the later header.
+std::string Dds(std::uint32_t width, std::uint32_t height, const char* fourCc, std::uint32_t dxgi,
+                const std::string& data);
+// A TIFF of one strip, or of one tile with such a side. Compression and photometric interpretation are numbers
+// of TIFF 6.0.
+std::string Tiff(std::uint32_t width, std::uint32_t height, int compression, int photometric, int bits,
+                 int samples, const std::string& data, std::size_t padding = 0, std::uint32_t tile = 0);
 std::string PngChunk(const char* type, const std::string& bytes);
 // What no decoder looks at and nothing makes smaller.
 std::string Noise(std::size_t count);

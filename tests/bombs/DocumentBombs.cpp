@@ -92,8 +92,8 @@ std::vector<Bomb> DocumentBombs() {
     texture("the largest picture, glyphs over all of it", Texture(8192, 8192, 540, 540),
             FlatPng(8192, 8192, 8, 6), true);
     texture("the largest picture in 16 bits", Texture(8192, 4096, 385, 385), FlatPng(8192, 4096, 16, 6), true);
-    texture("the largest picture, interlaced", Texture(8192, 8192, 540, 540),
-            FlatPng(8192, 8192, 8, 6, 0, true));
+    texture("the largest picture, interlaced", Texture(8192, 4096, 385, 385),
+            FlatPng(8192, 4096, 8, 6, 0, true));
     texture("the largest picture, glyphs of one row", Texture(8192, 8192, 280'000, 1),
             FlatPng(8192, 8192, 8, 6));
     texture("glyphs that fill the packed picture badly", Texture(8192, 8192, 8200, 36),
@@ -104,6 +104,7 @@ std::vector<Bomb> DocumentBombs() {
     texture("claimed heights of billions", Texture(64, 64, 3, 2'000'000'000), small);
     texture("claimed widths of billions", Texture(64, 64, 2'000'000'000, 1), small);
     texture("glyphs of many pixels that it does not have", Texture(64, 64, 400, 400), small);
+    texture("glyphs of many pixels, of a picture of one", Texture(1, 1, 400, 400), FlatPng(1, 1, 16, 6));
     texture("a megabyte of pairs", header + Glyphs(8, 8) + Pairs(), small);
     texture("a megabyte of glyphs", header + Repeated(Glyphs(60, 60), largestFile - 1000), small);
     texture("a megabyte of empty lines", header + Repeated("\n", largestFile - 1000), small);
@@ -194,7 +195,7 @@ std::vector<Bomb> DocumentBombs() {
 
 std::vector<Bomb> AllBombs() {
     std::vector<Bomb> all = PictureBombs();
-    for (auto* const more : {DocumentBombs, FaceBombs, ColourBombs})
+    for (auto* const more : {DocumentBombs, GameBombs, FaceBombs, ColourBombs})
         for (Bomb& bomb : more())
             all.push_back(std::move(bomb));
     return all;

@@ -1,5 +1,7 @@
 #include "bombs/Bombs.h"
 
+#include <brotli/encode.h>
+
 namespace bombs {
 
 namespace {
@@ -7,11 +9,14 @@ namespace {
 using fonts::Bytes;
 using fonts::Font;
 
-// A font in which one glyph, the first behind that for missing ones, is every character.
-Font OneGlyph() {
+const fonts::Glyph box{{fonts::Box(100, 0, 900, 700)}};
+
+// A font in which one glyph, the first behind that for missing ones, is every character. But for those that
+// heights are measured by: they are the one behind it, where that is `measured`.
+Font OneGlyph(bool measured = false) {
     Font font;
     for (int code = 33; code < 256; ++code)
-        font.characters[static_cast<char16_t>(code)] = 1;
+        font.characters[static_cast<char16_t>(code)] = measured && (code == 'I' || code == 'j') ? 2 : 1;
     return font;
 }
 
@@ -44,19 +49,20 @@ std::string Composites(int depth, int parts, const std::string& leaf) {
 
 // One glyph of lines up and down over all its height.
 std::string Zigzag(int points) {
-    Font font = OneGlyph();
+    Font font = OneGlyph(true);
     std::vector<fonts::Point> line;
     for (int i = 0; i < points; ++i)
         line.push_back({i * 7919 % 1000, i % 2 == 0 ? -200 : 800});
     font.Add({{line}});
-    font.tables["maxp"] = Bytes().U32(0x00010000).U16s({2, points, 10, 0, 0, 2, 0, 0, 0, 0, 0, 0, 0, 0});
+    font.Add(box);
+    font.tables["maxp"] = Bytes().U32(0x00010000).U16s({3, points, 10, 0, 0, 2, 0, 0, 0, 0, 0, 0, 0, 0});
     return font.Build();
 }
 
 std::string ManyNames() {
     constexpr int count = 60'000;
     Font font = OneGlyph();
-    font.Add({{fonts::Box(100, 0, 900, 700)}});
+    font.Add(box);
     Bytes records;
     for (int i = 0; i < count; ++i)
         records.U16s({3, 1, 0x409, i % 2 == 0 ? 1 : 4, 20, i % 4 * 2});
@@ -70,7 +76,7 @@ std::string ManyNames() {
 // As many faces as a collection can name, all of them the same.
 std::string Collection(int count) {
     Font font = OneGlyph();
-    font.Add({{fonts::Box(100, 0, 900, 700)}});
+    font.Add(box);
     std::string face = font.Build();
     const std::int64_t header = 12 + std::int64_t{count} * 4;
     Bytes file;
@@ -86,31 +92,33 @@ std::string Collection(int count) {
             place = place << 8 | static_cast<unsigned char>(face[at + k]);
         face.replace(at, 4, Bytes().U32(place + header));
     }
-    return file + face;
+    // A collection must have 32 bytes for each of them.
+    return file + face + Noise(static_cast<std::size_t>(count) * 28);
 }
 
 // A variable font with as many named instances.
-std::string Instances(int count) {
+Font Instances(int count) {
     Font font = OneGlyph();
-    font.Add({{fonts::Box(100, 0, 900, 700)}});
+    font.Add(box);
     Bytes fvar;
     fvar.U32(0x00010000).U16s({16, 2, 1, 20, count, 8});
     fvar.Add("wght").Fixed(100).Fixed(400).Fixed(900).U16s({0, 2});
     for (int i = 0; i < count; ++i)
         fvar.U16s({2, 0}).Fixed(100 + i % 800);
     font.tables["fvar"] = fvar;
-    return font.Build();
+    return font;
 }
 
 std::string CharacterMap(int groups) {
     Font font = OneGlyph();
-    font.Add({{fonts::Box(100, 0, 900, 700)}});
+    font.Add(box);
     Bytes table;
     table.U16s({12, 0}).U32(16 + groups * 12).U32(0).U32(groups);
     const int step = 0x110000 / groups;
     for (int i = 0; i < groups; ++i)
         table.U32(i * step).U32(i * step + step - 1).U32(1);
     font.tables["cmap"] = Bytes().U16s({0, 1, 3, 10}).U32(12).Add(table);
+    font.glyphs.resize(300, box);
     font.glyphs.resize(40'000); // what the groups run through
     return font.Build();
 }
@@ -131,7 +139,8 @@ std::string Index(const std::vector<std::string>& parts) {
 
 // Outlines of the table CFF whose subroutines each call the next one many times (Technical Note 5176 and 5177).
 std::string Subroutines(int depth, int calls, const std::string& leaf) {
-    Font font = OneGlyph();
+    Font font = OneGlyph(true);
+    font.Add({});
     font.Add({});
     std::vector<std::string> subroutines;
     for (int i = 1; i < depth; ++i) {
@@ -147,12 +156,16 @@ std::string Subroutines(int depth, int calls, const std::string& leaf) {
     const std::string behind = Index({}) + Index(subroutines);
     constexpr std::size_t topSize = 2 + 1 + 8 + 17;
     const std::size_t charStrings = start.size() + topSize + behind.size();
-    const std::string glyphs = Index({std::string("\x0E"), glyph});
+    // A move and three lines, up, right and down.
+    const auto operand = [](int value) { return Bytes().U8(28).U16(value); };
+    const std::string square =
+        operand(0) + operand(0) + '\x15' + operand(700) + operand(900) + operand(-700) + '\x07' + '\x0E';
+    const std::string glyphs = Index({std::string("\x0E"), glyph, square});
     const std::string top =
         number(charStrings).U8(17).Add(number(0)).Add(number(charStrings + glyphs.size())).U8(18);
     font.tables["CFF "] = start + Index({top}) + behind + glyphs;
     font.tables["glyf"] = font.tables["loca"] = "";
-    font.tables["maxp"] = Bytes().U32(0x00005000).U16(2);
+    font.tables["maxp"] = Bytes().U32(0x00005000).U16(3);
     std::string file = font.Build();
     file.replace(0, 4, "OTTO");
     return file;
@@ -161,16 +174,11 @@ std::string Subroutines(int depth, int calls, const std::string& leaf) {
 // A table GPOS whose kerning is so many lookups, each of them the same one.
 std::string Lookups(int count) {
     Font font = OneGlyph();
-    font.Add({{fonts::Box(100, 0, 900, 700)}});
-    Bytes gpos;
-    const int features = 10 + 8 + 4 + 2;
-    gpos.U32(0x00010000).U16s({10, features, features + 8 + 6 + count * 2 - 2});
-    gpos.U16(1).Add("latn").U16(8).U16s({4, 0}).U16s({0, 0xFFFF, 1, 0});
+    font.Add(box);
     Bytes all;
     all.U16(1).Add("kern").U16(8).U16s({0, count});
     for (int i = 0; i < count; ++i)
         all.U16(i);
-    const std::size_t lookupsAt = 10 + 8 + 4 + 2 + 6 + all.size();
     Bytes list;
     list.U16(count);
     for (int i = 0; i < count; ++i)
@@ -180,10 +188,92 @@ std::string Lookups(int count) {
     Bytes table;
     const auto scripts = Bytes().U16(1).Add("latn").U16s({8, 4, 0, 0, 0xFFFF, 1, 0});
     const auto featureAt = static_cast<int>(10 + scripts.size());
-    (void)lookupsAt;
     table.U32(0x00010000).U16s({10, featureAt, static_cast<int>(featureAt + static_cast<int>(all.size()))});
     font.tables["GPOS"] = table.Add(scripts).Add(all).Add(list);
     return font.Build();
+}
+
+// A font in which one table, which no reader needs, is larger than all the rest.
+std::string Spare(std::size_t size) {
+    Font font = OneGlyph();
+    font.Add(box);
+    font.tables["zzzz"] = Noise(900'000) + std::string(size, '\0');
+    return font.Build();
+}
+
+std::size_t NumberAt(const std::string& bytes, std::size_t place, std::size_t size) {
+    std::size_t value = 0;
+    for (std::size_t i = 0; i < size; ++i)
+        value = value << 8 | static_cast<unsigned char>(bytes[place + i]);
+    return value;
+}
+
+// As compressed for the web (WOFF File Format 1.0): each table a zlib stream. Of the last one, which is the
+// large one, `claimed` bytes are told, and it is packed once for all.
+std::string Woff(const std::string& font, std::uint32_t claimed, const std::string& packed) {
+    const std::size_t count = NumberAt(font, 4, 2);
+    Bytes directory;
+    Bytes data;
+    std::size_t total = 12 + count * 16;
+    for (std::size_t i = 0; i < count; ++i) {
+        const std::size_t record = 12 + i * 16;
+        const bool large = i + 1 == count;
+        const std::size_t length = large ? claimed : NumberAt(font, record + 12, 4);
+        const std::string bytes = large ? packed : font.substr(NumberAt(font, record + 8, 4), length);
+        directory.Add(font.substr(record, 4)).U32(static_cast<std::int64_t>(44 + count * 20 + data.size()));
+        directory.U32(static_cast<std::int64_t>(bytes.size())).U32(static_cast<std::int64_t>(length));
+        directory.Add(font.substr(record + 4, 4));
+        data.Add(bytes);
+        while (data.size() % 4 != 0)
+            data.U8(0);
+        total += (length + 3) / 4 * 4;
+    }
+    return Bytes()
+        .Add("wOFF")
+        .U32(0x00010000)
+        .U32(static_cast<std::int64_t>(44 + directory.size() + data.size()))
+        .U16(static_cast<int>(count))
+        .U16(0)
+        .U32(static_cast<std::int64_t>(total))
+        .U32(1)
+        .U32(0)
+        .U32(0)
+        .U32(0)
+        .U32(0)
+        .U32(0)
+        .Add(directory)
+        .Add(data);
+}
+
+// The same in one stream for all tables (WOFF File Format 2.0), none of which is transformed.
+std::string Woff2(const std::string& font) {
+    const std::size_t count = NumberAt(font, 4, 2);
+    Bytes directory;
+    std::string data;
+    for (std::size_t i = 0; i < count; ++i) {
+        const std::size_t record = 12 + i * 16;
+        const std::string tag = font.substr(record, 4);
+        const std::size_t length = NumberAt(font, record + 12, 4);
+        directory.U8(tag == "glyf" || tag == "loca" ? 0xFF : 0x3F).Add(tag);
+        for (int shift = 28; shift >= 0; shift -= 7)
+            if (length >> shift != 0 || shift == 0)
+                directory.U8((length >> shift & 0x7F) | (shift > 0 ? 0x80 : 0));
+        data += font.substr(NumberAt(font, record + 8, 4), length);
+    }
+    std::size_t size = BrotliEncoderMaxCompressedSize(data.size());
+    std::string packed(size, '\0');
+    BrotliEncoderCompress(1, BROTLI_MAX_WINDOW_BITS, BROTLI_MODE_GENERIC, data.size(),
+                          reinterpret_cast<const std::uint8_t*>(data.data()), &size,
+                          reinterpret_cast<std::uint8_t*>(packed.data()));
+    packed.resize(size);
+    Bytes file;
+    file.Add("wOF2").U32(0x00010000).U32(static_cast<std::int64_t>((48 + directory.size() + size + 3) / 4 * 4));
+    file.U16(static_cast<int>(count)).U16(0).U32(static_cast<std::int64_t>(font.size()));
+    file.U32(static_cast<std::int64_t>(size)).U32(1).U32(0).U32(0).U32(0).U32(0).U32(0);
+    file.Add(directory).Add(packed);
+    while (file.size() % 4 != 0)
+        file.U8(0);
+    return file;
 }
 
 } // namespace
@@ -200,25 +290,38 @@ std::vector<Bomb> FaceBombs() {
                        .steps = generate + more,
                        .sharp = sharp});
     };
-    const std::string box = Bytes()
-                                .U16s({1, 0, 0, 500, 500, 3, 0})
-                                .Add(std::string(4, '\x01'))
-                                .U16s({0, 0, 500, 0})
-                                .U16s({0, 500, 0, -500})
-                                .U16(0);
+    const std::string outline = Bytes()
+                                    .U16s({1, 0, 0, 500, 500, 3, 0})
+                                    .Add(std::string(4, '\x01'))
+                                    .U16s({0, 0, 500, 0})
+                                    .U16s({0, 500, 0, -500})
+                                    .U16(0);
     add("glyphs of glyphs of nothing, 1000^4", Composites(4, 1000, ""), true);
-    add("glyphs of glyphs, 1000^3", Composites(3, 1000, box), true);
+    add("glyphs of glyphs, 1000^3", Composites(3, 1000, outline), true);
     add("subroutines, 100^9", Subroutines(10, 100, ""), true);
     add("subroutines that draw, 100^9", Subroutines(10, 100, std::string("\x8C\x8D\x05", 3)));
     add("an outline of 30,000 lines", Zigzag(30'000), true);
     add("an outline of 1,000 lines", Zigzag(1000));
     add("60,000 names", ManyNames());
-    add("200,000 faces", Collection(5'000));
-    add("60,000 instances", Instances(60'000), true);
+    add("30,000 faces", Collection(30'000), true);
+    add("60,000 instances", Instances(60'000).Build(), true);
     add("a map of all characters", CharacterMap(1));
-    add("a map of 70,000 groups", CharacterMap(40'000));
+    add("a map of 40,000 groups", CharacterMap(40'000));
+    add("WOFF of 200 MB", Woff(Spare(4), 200'000'000, PackedRun(200'000'000)), true);
+    add("WOFF, the most that is read", Woff(Spare(4), 32'000'000, PackedRun(32'000'000)));
+    add("WOFF2 of 30 MB", Woff2(Spare(29'000'000)));
+    add("WOFF2 of 70 MB", Woff2(Spare(70'000'000)));
+    add("a gzip of 100 MB", Gzip(std::string(100'000'000, '\x01')));
     add("kerning of 16,000 lookups", Lookups(16'000), true, " --kern-from-font --info");
     return all;
+}
+
+std::vector<Font> OddFaces() {
+    Font macintosh = OneGlyph();
+    macintosh.Add(box);
+    // Format 0: a glyph for each of 256 codes.
+    macintosh.tables["cmap"] = Bytes().U16s({0, 1, 1, 0}).U32(12).U16s({0, 262, 0}).Add(std::string(256, '\1'));
+    return {Instances(3), macintosh};
 }
 
 } // namespace bombs

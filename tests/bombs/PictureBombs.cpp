@@ -101,9 +101,10 @@ std::string TiffDirectory(const std::vector<TiffField>& fields, std::uint32_t ne
     return bytes + Little({{next, 4}});
 }
 
-// One strip or tile.
+} // namespace
+
 std::string Tiff(std::uint32_t width, std::uint32_t height, int compression, int photometric, int bits,
-                 int samples, const std::string& data, std::size_t padding = 0, std::uint32_t tile = 0) {
+                 int samples, const std::string& data, std::size_t padding, std::uint32_t tile) {
     const auto at = static_cast<std::uint32_t>(8 + padding);
     std::vector<TiffField> fields = {{256, 4, 1, width},
                                      {257, 4, 1, height},
@@ -125,6 +126,8 @@ std::string Tiff(std::uint32_t width, std::uint32_t height, int compression, int
     const std::string start = "II*" + std::string(1, '\0') + Little({{at + data.size() + data.size() % 2, 4}});
     return start + Noise(padding) + data + std::string(data.size() % 2, '\0') + TiffDirectory(fields, 0);
 }
+
+namespace {
 
 std::string TiffOfManyDirectories() {
     std::string file("II*\0\x08\0\0\0", 8);
@@ -305,6 +308,8 @@ std::string Tga(std::uint32_t width, std::uint32_t height, std::size_t size) {
     return header + std::string(size - header.size(), '\0');
 }
 
+} // namespace
+
 std::string Dds(std::uint32_t width, std::uint32_t height, const char* fourCc, std::uint32_t dxgi,
                 const std::string& data) {
     std::string file =
@@ -314,8 +319,6 @@ std::string Dds(std::uint32_t width, std::uint32_t height, const char* fourCc, s
     if (dxgi != 0) file += Little({{dxgi, 4}, {3, 4}, {0, 4}, {1, 4}, {0, 4}});
     return file + data;
 }
-
-} // namespace
 
 std::vector<Bomb> PictureBombs() {
     std::vector<Bomb> all;
@@ -331,7 +334,7 @@ std::vector<Bomb> PictureBombs() {
     add("PNG", "20000 x 20000 in a few kB", "f.png", FlatPng(20000, 20000, 1, 0));
     add("PNG", "8 bits, the most that is read", "f.png", FlatPng(large, large, 8, 6, padded), true);
     add("PNG", "16 bits, the most that is read", "f.png", FlatPng(deep, deep, 16, 6, padded), true);
-    add("PNG", "interlaced, the most that is read", "f.png", FlatPng(large, large, 8, 6, padded, true));
+    add("PNG", "interlaced, the most that is read", "f.png", FlatPng(deep, deep, 8, 6, padded, true));
     add("PNG", "one pixel high", "f.png", FlatPng(SparePixels, 1, 8, 6, padded));
     add("PNG", "one pixel wide", "f.png", FlatPng(1, SparePixels, 8, 6, padded));
     add("PNG", "80,000 empty chunks", "f.png", PngOfManyChunks());
@@ -364,8 +367,8 @@ std::vector<Bomb> PictureBombs() {
     add("GIF", "65535 x 65535", "f.gif", Gif(65535, 65535, GifFrame(65535, 65535, GifData(1'000'000'000))));
     add("GIF", "as many frames as it holds", "f.gif", GifOfManyFrames());
 
-    add("HEIF", "a grid of one tile, 9216 x 9216", "f.heic", HeifGrid(18, 18, padded));
-    add("HEIF", "a grid of one tile, the most that is read", "f.heic", HeifGrid(16, 8, padded), true);
+    add("HEIF", "a grid of one tile, 8192 x 4096", "f.heic", HeifGrid(16, 8, padded));
+    add("HEIF", "a grid of one tile, the most that is read", "f.heic", HeifGrid(8, 8, padded), true);
     add("HEIF", "a grid of 65536 x 65536", "f.heic", HeifGrid(128, 128, padded - 40'000), true);
 
     add("BMP", "runs, the most that is read", "f.bmp", Bmp(large, large, padded));

@@ -66,7 +66,7 @@ void AddOwnFonts(const std::filesystem::path& root) {
         .Add("FontName\t\"DejaVu "
              "Sans\"\r\nWeight\t700\r\nItalic\tY\r\nColour\t1\t2\t3\r\nGlyphHeight\t99\r\nChar\t65\r\n"
              "Padding\t1\t2\t3\t4\r\nPath1\t/tmp\r\nS65\tY\r\nWindowRect\t1\t2\t900\t700\r\nKeys\ta\tb\r\n"
-             "OpticalKerning\tHam\t90\r\n");
+             "OpticalKerning\tHam\t90\r\nGameFont\tpixi\txml\t2\tpot\t1024\t3\r\n");
 }
 
 void AddPhotofonts(const std::filesystem::path& root) {
@@ -87,6 +87,12 @@ void AddFaces(const std::filesystem::path& root) {
     fonts::PaintFont paints;
     paints.font.family = "Built Sans";
     faces.Add(paints.font.Build());
+    for (fonts::Font font : bombs::OddFaces())
+        for (const bool sixteenth : {false, true}) {
+            std::string bytes = font.Build();
+            if (sixteenth) bytes.resize((bytes.size() + 15) / 16 * 16);
+            faces.Add(bytes);
+        }
     for (const std::string& font : bombs::SmallFaces())
         faces.Add(font);
     const std::string colr = paints.font.tables.at("COLR");
@@ -114,6 +120,14 @@ void AddFaces(const std::filesystem::path& root) {
 } // namespace
 
 void WriteFontSeeds(const std::filesystem::path& root) {
+    std::filesystem::create_directories(root / "fuzz_picture_DDS");
+    std::ofstream(root / "fuzz_picture_DDS" / "BC7", std::ios::binary)
+        << bombs::Dds(32, 32, "DX10", 98, bombs::Noise(32 * 32));
+    std::filesystem::create_directories(root / "fuzz_picture_TIFF");
+    std::ofstream(root / "fuzz_picture_TIFF" / "inks", std::ios::binary)
+        << bombs::Tiff(4, 4, 1, 5, 16, 4, bombs::Noise(4 * 4 * 8));
+    // More than is read.
+    std::ofstream(root / "fuzz_sniff" / "large", std::ios::binary) << bombs::FlatPng(9000, 9000, 1, 0);
     AddOwnFonts(root);
     AddPhotofonts(root);
     AddFaces(root);

@@ -21,7 +21,7 @@ Value Take(std::span<const std::uint8_t>& bytes) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     if (size < 12) return 0;
     std::span bytes(data, size);
-    SetMemoryLimit(std::size_t{1} << 30);
+    SetMemoryLimit(std::size_t{16} << 20); // large glyphs are slow under the fuzzer, and no different
     RestorePixelBudget();
     const std::uint32_t width = Take<std::uint8_t>(bytes) % 64 + 1U;
     const std::uint32_t height = Take<std::uint8_t>(bytes) % 64 + 1U;

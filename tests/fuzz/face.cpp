@@ -19,19 +19,19 @@ namespace {
 constexpr const char* family = "Built Sans";
 
 void Draw(const MFontMatch& match) {
-    MGlyphPainter painter(match);
-    if (!painter.face.face) return;
+    const auto painter = MGlyphPainter::Shared(match);
+    if (!painter->face.face) return;
     for (const char16_t character : {u'A', u'B', u'\u0101', u'\u0120'}) {
         const Canvas canvas(40, 40);
-        const std::uint32_t glyph = painter.face.GlyphIndex(character);
-        painter.Draw(canvas.context, glyph, 4, 32, 30, MColour(255, 255, 255), true);
-        painter.Draw(canvas.context, glyph, 4, 32, 30, MColour(255, 255, 255), false);
-        if (!canvas.IsSound()) std::abort();
+        const std::uint32_t glyph = painter->face.GlyphIndex(character);
+        painter->Draw(canvas.context, glyph, 4, 32, 30, MColour(255, 255, 255), true);
+        painter->Draw(canvas.context, glyph, 4, 32, 30, MColour(255, 255, 255), false);
+        if (!canvas.IsSound() || painter->face.Advance(glyph) < 0) std::abort();
     }
 }
 
-void Measure() {
-    MSizedFont font(family, 400, false);
+void Measure(std::int32_t weight, bool italic) {
+    MSizedFont font(family, weight, italic);
     if (font.SetHeight(40)) {
         for (const char16_t character : {u'A', u'B'}) {
             MInk ink;
@@ -40,7 +40,7 @@ void Measure() {
                 character, 4, 32, {0, 0, 60, 60}, [](std::int32_t, std::span<const MSpan>, void*) {}, nullptr);
         }
     }
-    MFaceKerning(family, 400, false).Amount(u'A', u'B');
+    MFaceKerning(family, weight, italic).Amount(u'A', u'B');
 }
 
 } // namespace
@@ -57,7 +57,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     match.variations = "wght=650,wdth=80";
     match.embolden = true;
     Draw(match);
-    if (IsFamilyInstalled(family)) Measure();
+    if (IsFamilyInstalled(family)) {
+        Measure(400, false);
+        Measure(700, true);                    // made of the other by the mapper
+        if (size % 16 == 0) ListSystemFaces(); // of all fonts, which takes its time
+    }
     FcConfigAppFontClear(nullptr);
     return 0;
 }

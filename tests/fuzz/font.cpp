@@ -6,7 +6,9 @@
 #include "document/MColourFont.h"
 #include "document/MSettings.h"
 #include "formats/MPhotofontImporter.h"
+#include "formats/MTextFile.h"
 #include "formats/WebFont.h"
+#include "formats/game/MBmFont.h"
 #include "formats/game/MGameFontImport.h"
 #include "imaging/MPixelBudget.h"
 
@@ -99,6 +101,27 @@ void RequireSame(const MColourFont& first, const MColourFont& second) {
     }
 }
 
+// A game font is written in each form, but for its names, which others make harmless, and is the same then.
+void WriteInEachForm(std::string_view bytes) {
+    MBmResult read = ReadBmFont(bytes);
+    if (!read.Reason.empty() || !WhyNotBinary(read.Font).empty()) return;
+    read.Font.Info.Face = "f";
+    std::int32_t id = 0;
+    for (MBmPage& page : read.Font.Pages) {
+        if (page.Id != id++ || id > 256) return; // which only some forms hold
+        page.File = "f.png";
+    }
+    const auto isCharacter = [](std::int32_t code) { return code >= -1 && code <= 0x10FFFF; };
+    for (const MBmKerning& pair : read.Font.Kernings)
+        if (!isCharacter(pair.First) || !isCharacter(pair.Second)) return;
+    for (const MBmFormat& format : BmFormats()) {
+        const MBmResult again = format.Read(format.Write(read.Font));
+        Require(again.Reason.empty() && again.Rounded == 0);
+        Require(again.Font.Chars == read.Font.Chars && again.Font.Kernings == read.Font.Kernings);
+        Require(again.Font.Pages == read.Font.Pages);
+    }
+}
+
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
@@ -108,10 +131,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     MSettings settings;
     Settings = &settings;
     settings.Path(MPathKind::Temporary) = FromSystemPath(place.path);
+    if (form == "fnt") WriteInEachForm({reinterpret_cast<const char*>(data), size});
     const int encoding = size > 0 && form == "sm" ? data[size - 1] % 4 : 0;
     const MString file =
         place.Write("f." LETTRINO_FORM,
                     Stored(Header() + std::string(reinterpret_cast<const char*>(data), size), encoding));
+    if (form == "sm") MTextFile::ReadWholeFile(file);
     {
         MColourFont font(nullptr);
         if (Read(font, file) && font.Repack()) {

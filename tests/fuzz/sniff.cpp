@@ -15,5 +15,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     MPicture picture;
     if (codec->decode(source, 0, picture) && !picture.IsValid()) __builtin_trap();
     picture.Free();
+    TakePixelRefusal();
     return 0;
 }

@@ -70,6 +70,23 @@ bool TakePages(BmRecordReader& reader, const Json& font) {
     });
 }
 
+// Whether a text goes deeper than any font does, also in what is passed over. What reads on calls itself for
+// each level.
+bool IsTooDeep(std::string_view text) {
+    constexpr int deepest = 100;
+    int depth = 0;
+    bool inString = false;
+    for (std::size_t i = 0; i < text.size() && depth <= deepest; ++i) {
+        const char c = text[i];
+        if (c == '"') inString = !inString;
+        if (inString && c == '\\') ++i;
+        if (inString) continue;
+        if (c == '[' || c == '{') ++depth;
+        if (c == ']' || c == '}') --depth;
+    }
+    return depth > deepest;
+}
+
 } // namespace
 
 std::string WriteBmJson(const MBmFont& font) {
@@ -98,10 +115,7 @@ std::string WriteBmJson(const MBmFont& font) {
 
 MBmResult ReadBmJson(std::string_view bytes) {
     BmRecordReader reader;
-    // What lies deeper than a font goes is not kept.
-    constexpr int deepest = 4;
-    const Json font = Json::parse(
-        bytes, [](int depth, Json::parse_event_t, Json&) { return depth <= deepest; }, false);
+    const Json font = IsTooDeep(bytes) ? Json() : Json::parse(bytes, nullptr, false);
     if (!font.is_object()) {
         reader.Refuse("it is no whole JSON");
         return reader.Finish();

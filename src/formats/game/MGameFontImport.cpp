@@ -6,6 +6,7 @@
 #include "foundation/MFile.h"
 #include "foundation/MFolders.h"
 #include "foundation/MUtf8.h"
+#include "imaging/MPixelBudget.h"
 
 #include <algorithm>
 #include <array>
@@ -13,6 +14,7 @@
 #include <cstdio>
 #include <cstring>
 #include <memory>
+#include <utility>
 
 namespace {
 
@@ -94,14 +96,16 @@ bool StaysInFolder(std::string_view name) {
 class Importer {
 public:
     Importer(MColourFont& target, MBmFont source, MString fontPath)
-        : font(target), file(std::move(source)), path(std::move(fontPath)), bytesLeft(MemoryLimit() / 2) {}
+        : font(target), file(std::move(source)), path(std::move(fontPath)),
+          pixelsLeft(std::min(FontPixels, MemoryLimit() / 2 / sizeof(MColour))) {}
 
     std::string Run(std::vector<std::string>& notes) {
         Choose(notes);
         if (chosen.empty()) return "none of its characters has a place in a font here";
         if (std::string why = MeasureLine(notes); !why.empty()) return why;
-        for (const MBmPage& page : file.Pages) {
-            if (std::string why = ReadPage(page, notes); !why.empty()) return why;
+        if (std::string why = FindPages(); !why.empty()) return why;
+        for (const fs::path& picture : pictures) {
+            if (std::string why = ReadPicture(picture, notes); !why.empty()) return why;
         }
         for (std::size_t i = 0; i < chosen.size(); ++i) {
             if (!glyphs[i])
@@ -123,7 +127,9 @@ private:
     std::int32_t height = 0;
     std::int32_t baseline = 0;
     std::int32_t capHeight = 0;
-    std::uint64_t bytesLeft; // for all cells together
+    std::uint64_t pixelsLeft; // for all cells together
+    std::vector<fs::path> pictures;
+    std::vector<std::pair<const MBmPage*, fs::path>> pages; // those that are needed, and the picture of each
 
     void Choose(std::vector<std::string>& notes) {
         Losses beyond;
@@ -180,26 +186,39 @@ private:
         return {};
     }
 
-    std::string ReadPage(const MBmPage& page, std::vector<std::string>& notes) {
-        const auto isOnPage = [&](const MBmChar& c) { return c.Page == page.Id; };
-        if (std::ranges::none_of(chosen, isOnPage)) return {};
-        const auto name = [&] { return "its page " + std::to_string(page.Id); };
-        if (!StaysInFolder(page.File)) return name() + " has a name that leads out of its folder";
-        const MString pageFile = FromSystem(page.File);
-        const bool bare = FileNameOf(path).Equals(path);
-        const MString pagePath = bare ? pageFile : JoinPath(FolderOf(path), pageFile);
-        std::error_code error;
-        const auto existing = FindExisting(pagePath);
-        if (!existing) return name() + " is not there";
-        if (!fs::is_regular_file(*existing, error)) return name() + " is no file";
-        const OwnedPage picture(new MPicture(pagePath));
-        if (!picture->IsValid()) return name() + " is no picture that can be read";
-        if (!HasAlpha(picture->Format) && picture->Format != FormatR8 && file.Common.Packed == 0)
-            notes.push_back("page " + std::to_string(page.Id) +
-                            " has no transparency: its glyphs are opaque boxes");
-        for (std::size_t i = 0; i < chosen.size(); ++i) {
-            if (!isOnPage(chosen[i])) continue;
-            if (std::string why = CutGlyph(i, *picture); !why.empty()) return why;
+    static std::string NameOf(const MBmPage& page) { return "its page " + std::to_string(page.Id); }
+
+    // The pictures of the pages that are needed. Pages that name one file share it, so that it is decoded once.
+    std::string FindPages() {
+        for (const MBmPage& page : file.Pages) {
+            if (std::ranges::find(chosen, page.Id, &MBmChar::Page) == chosen.end()) continue;
+            if (!StaysInFolder(page.File)) return NameOf(page) + " has a name that leads out of its folder";
+            const MString pageFile = FromSystem(page.File);
+            const bool bare = FileNameOf(path).Equals(path);
+            std::error_code error;
+            const auto existing = FindExisting(bare ? pageFile : JoinPath(FolderOf(path), pageFile));
+            if (!existing) return NameOf(page) + " is not there";
+            if (!fs::is_regular_file(*existing, error)) return NameOf(page) + " is no file";
+            fs::path picture = fs::canonical(*existing, error);
+            if (error) picture = *existing;
+            if (std::ranges::find(pictures, picture) == pictures.end()) pictures.push_back(picture);
+            pages.push_back({&page, std::move(picture)});
+        }
+        return {};
+    }
+
+    std::string ReadPicture(const fs::path& pictureFile, std::vector<std::string>& notes) {
+        const OwnedPage picture(new MPicture(FromSystemPath(pictureFile)));
+        for (const auto& [page, its] : pages) {
+            if (its != pictureFile) continue;
+            if (!picture->IsValid()) return NameOf(*page) + " is no picture that can be read";
+            if (!HasAlpha(picture->Format) && picture->Format != FormatR8 && file.Common.Packed == 0)
+                notes.push_back("page " + std::to_string(page->Id) +
+                                " has no transparency: its glyphs are opaque boxes");
+            for (std::size_t i = 0; i < chosen.size(); ++i) {
+                if (chosen[i].Page != page->Id) continue;
+                if (std::string why = CutGlyph(i, *picture); !why.empty()) return why;
+            }
         }
         return {};
     }
@@ -213,10 +232,9 @@ private:
         // What has no picture keeps its place in the line as an empty cell.
         const std::int32_t width = inked ? c.Width : std::max(c.XAdvance, 1);
         const std::int32_t before = inked ? c.XOffset : 0;
-        const std::uint64_t bytes =
-            static_cast<std::uint64_t>(width) * static_cast<std::uint64_t>(height) * sizeof(MColour);
-        if (bytes > bytesLeft) return "its characters need more memory than there is";
-        bytesLeft -= bytes;
+        const std::uint64_t pixels = static_cast<std::uint64_t>(width) * static_cast<std::uint64_t>(height);
+        if (pixels > pixelsLeft) return "its characters need more memory than there is";
+        pixelsLeft -= pixels;
         auto glyph = std::make_unique<MGlyph>(static_cast<std::uint32_t>(c.Id), width, height, before,
                                               c.XAdvance - before - width, true);
         if (!glyph->Picture.IsValid()) return "its characters need more memory than there is";

@@ -36,8 +36,9 @@ void ReportCodec(std::string_view codec, std::string_view message);
 bool StartsWith(std::span<const std::uint8_t> bytes, std::string_view signature);
 
 // Gives `picture` its size, format and block. False without memory, and, before anything is allocated, for
-// sizes of 0.
-bool AllocatePicture(MPicture& picture, std::uint64_t width, std::uint64_t height, MPixelFormat format);
+// sizes of 0 and for more than the budget of pixels has, of which each takes `weight`.
+bool AllocatePicture(MPicture& picture, std::uint64_t width, std::uint64_t height, MPixelFormat format,
+                     std::uint64_t weight = 1);
 
 // Marks the picture as one of several frames, without any times or places of its own: a frame that tells no
 // delay has 100 ms. One frame leaves the picture as it is.

@@ -71,10 +71,11 @@ bool StartsWith(std::span<const std::uint8_t> bytes, std::string_view signature)
                               [](char byte) { return static_cast<std::uint8_t>(byte); });
 }
 
-bool AllocatePicture(MPicture& picture, std::uint64_t width, std::uint64_t height, MPixelFormat format) {
+bool AllocatePicture(MPicture& picture, std::uint64_t width, std::uint64_t height, MPixelFormat format,
+                     std::uint64_t weight) {
     constexpr std::uint64_t most = std::numeric_limits<std::uint32_t>::max();
     if (width == 0 || height == 0 || width > most || height > most) return false;
-    if (!IsWithinPixelLimit(width, height, BytesPerPixel(format) > 4 ? 2 : 1)) return false;
+    if (!IsWithinPixelLimit(width, height, (BytesPerPixel(format) > 4 ? 2 : 1) * weight)) return false;
     picture = MPicture(static_cast<std::uint32_t>(width), static_cast<std::uint32_t>(height), format);
     return picture.IsValid();
 }

@@ -99,7 +99,7 @@ bool ReadPicture(png_structp png, png_infop info, Input& input, MPicture& pictur
     png_read_update_info(png, info);
     const bool given = picture.IsValid() && picture.Width == width && picture.Height == height &&
                        picture.Format == format; // by the plain way, which gave up later
-    if (!given && !AllocatePicture(picture, width, height, format)) return false;
+    if (!given && !AllocatePicture(picture, width, height, format, passes > 1 ? 2 : 1)) return false;
     if (png_get_rowbytes(png, info) != picture.Stride) return false;
     for (int pass = 0; pass < passes; ++pass) {
         for (std::size_t y = 0; y < picture.Height; ++y) {

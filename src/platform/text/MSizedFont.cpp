@@ -134,7 +134,14 @@ bool MSizedFont::Load(char16_t character) {
     loaded = -1;
     FT_GlyphSlot const slot = face->face->glyph;
     const FT_Int32 flags = FT_LOAD_NO_HINTING | FT_LOAD_NO_AUTOHINT | FT_LOAD_NO_BITMAP;
-    if (FT_Load_Glyph(face->face, face->GlyphIndex(character), flags) != 0) return false;
+    // Outlines are programs in some fonts, and one may run for a tenth of a second.
+    if (!credit.Begin(0)) {
+        LostGlyphs::Add();
+        return false;
+    }
+    const bool read = FT_Load_Glyph(face->face, face->GlyphIndex(character), flags) == 0;
+    credit.End();
+    if (!read) return false;
     if (slot->format != FT_GLYPH_FORMAT_OUTLINE) return false;
     std::int64_t advance = (slot->linearHoriAdvance + 512) >> 10; // 16.16 to 26.6
     if (!Synthesise(advance)) return false;
