@@ -22,5 +22,10 @@ protected:
             std::filesystem::remove_all(entry.path());
         setenv("HOME", Home().path.c_str(), 1);
         setenv("XDG_CONFIG_HOME", (Home().path / "config").c_str(), 1);
+        // Where the windows of this user count themselves: those of other tests must not.
+        const auto run = Home().path / "run";
+        std::filesystem::create_directory(run);
+        std::filesystem::permissions(run, std::filesystem::perms::owner_all);
+        setenv("XDG_RUNTIME_DIR", run.c_str(), 1);
     }
 };
