@@ -46,6 +46,13 @@ export class Site {
         return run.stdout;
     }
 
+    // What it says on standard error while it does what is told.
+    warnings(...args) {
+        const run = spawnSync(process.env.LETTRINO_CLI, args, { cwd: this.folder, encoding: 'utf8' });
+        if (run.status !== 0) throw new Error(`lettrino-cli ${args.join(' ')}: ${run.stderr}`);
+        return run.stderr;
+    }
+
     // A page of the site. Nothing else can be reached; errors of the page's scripts are kept in page.failures.
     async page(path, options = {}) {
         const context = await this.browser.newContext({ viewport: { width: 1200, height: 700 }, ...options });
