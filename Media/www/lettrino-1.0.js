@@ -195,10 +195,14 @@ function twinLookup({glyphs}) {
 // GPOS or GSUB of features with one lookup each; the tags in their order.
 function layoutTable(features) {
     const count = features.length;
-    const featureList = 10 + 18 + 2 * count;
+    const scripts = ['DFLT', 'hebr'];   // shapers of Hebrew pass over a GPOS that doesn't name it
+    const language = 2 + 6 * scripts.length;   // is one for both
+    const featureList = 10 + language + 10 + 2 * count;
     const lookupList = featureList + 2 + 12 * count;
     const table = new Bytes().u16(1, 0, 10, featureList, lookupList);
-    table.u16(1).text('DFLT').u16(8, 4, 0, 0, 0xFFFF, count, ...features.keys());
+    table.u16(scripts.length);
+    scripts.forEach((script) => table.text(script).u16(language));
+    table.u16(4, 0, 0, 0xFFFF, count, ...features.keys());
     table.u16(count);
     features.forEach(([tag], i) => table.text(tag).u16(2 + 6 * count + 6 * i));
     features.forEach((_, i) => table.u16(0, 1, i));
@@ -489,7 +493,7 @@ function addCuttings(font) {
     const {source, face, name} = font;
     const em = (pixels) => pixels / face.size + 'em';
     const url = new URL(source.Bitmap, document.baseURI).href.replace(/"/g, '%22');
-    const rules = ['lt-text{text-transform:none;text-rendering:geometricPrecision;font-kerning:none}lt-c{position:relative}',
+    const rules = ['lt-text{text-transform:none;text-rendering:geometricPrecision;font-kerning:none;hyphenate-character:"\\2010"}lt-c{position:relative;white-space:nowrap}',
         `.${name} lt-c::before{content:"";position:absolute;top:0;pointer-events:none;background-image:url("${url}");` +
         `background-size:${em(source.Resolution[0])} ${em(source.Resolution[1])};-webkit-print-color-adjust:exact;print-color-adjust:exact}`];
     for (const glyph of face.glyphs) {
@@ -497,7 +501,12 @@ function addCuttings(font) {
         rules.push(`.${name} .g${glyph.code}::before{left:${em(glyph.before)};width:${em(glyph.width)};height:${em(glyph.height)};` +
             `background-position:${em(-glyph.x)} ${em(-glyph.y)}}`);
     }
-    font.codes = new Set(face.glyphs.map((glyph) => glyph.code));
+    for (const glyph of face.glyphs) {
+        if (glyph.advance >= 0) continue;
+        rules.push(`.${name} .g${glyph.code}{margin-right:${em(glyph.advance)}}`);   // no element is narrower than nothing
+        glyph.advance = 0;
+    }
+    font.codes = new Set(face.glyphs.slice(1).filter((glyph) => glyph.code !== SPACE || source.SpaceWidth < 0).map((glyph) => glyph.code));
     font.names = new Set([name]);   // under its own name letters without cuttings would vanish
     document.head.appendChild(document.createElement('style')).append(rules.join('\n'));
 }
@@ -531,9 +540,14 @@ function drawApart(element, font, css) {
         if (node.nodeType !== Node.TEXT_NODE) continue;
         const now = drawn.get(node);
         if (now && (plain || now.transform !== css.textTransform || now.font !== font)) forget(node);
-        if (!plain && node.data.trim()) drawText(node, font, css);
+        if (!plain && (node.data.trim() || isBlankBetween(node))) drawText(node, font, css);
     }
 }
+
+const isInline = (node) => node && (node.nodeType === Node.TEXT_NODE || (node.nodeType === Node.ELEMENT_NODE && getComputedStyle(node).display === 'inline'));
+
+// And not one that stands between blocks to order the source.
+const isBlankBetween = (node) => Boolean(node.data) && isInline(node.previousSibling) && isInline(node.nextSibling);
 
 // The last one before a text in its block, also in another element; empty where a line begins.
 function characterBefore(node) {
@@ -555,20 +569,25 @@ function drawText(node, font, css) {
     box.className = font.name;
     box.style.fontFamily = font.name + ', ' + css.fontFamily;
     let before = characterBefore(node).charCodeAt(0);
+    let last = null;
     for (const character of transformed(node.data, css.textTransform)) {
         const code = character.charCodeAt(0);
-        if (code === SPACE || character.length > 1 || !font.codes.has(code)) {
+        if (character.length > 1 || !font.codes.has(code)) {
             if (box.lastChild && box.lastChild.nodeType === Node.TEXT_NODE) box.lastChild.data += character;
             else box.append(character);
             before = 0;
+            last = null;
             continue;
         }
         const letter = box.appendChild(document.createElement('lt-c'));
         letter.className = 'g' + code;
         letter.textContent = character;
-        // Browsers don't kern across elements.
+        // Browsers don't kern across elements. The room is taken at the end of a letter, as any other may begin a line.
         const amount = font.face.amounts.get(before + ',' + code);
-        if (amount) letter.style.marginLeft = amount / font.face.size + 'em';
+        if (amount && last) last.style.marginRight = amount / font.face.size + 'em';
+        else if (amount) letter.style.marginLeft = amount / font.face.size + 'em';
+        last = letter;
+        if (character === '-') box.append(document.createElement('wbr'));   // not every browser breaks there across elements
         before = code;
     }
     drawn.set(node, {text: node.data, box, font, transform: css.textTransform});

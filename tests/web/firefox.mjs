@@ -91,9 +91,11 @@ export class Firefox {
     // The number of the screen's pixels for one of the page's, for pages that are loaded from here on.
     setDensity(density) { return this.setPreference('layout.css.devPixelsPerPx', String(density)); }
 
-    // As if typed where the focus is.
-    type(text) {
+    // As if typed where the focus is, with Control held if told so.
+    type(text, control = false) {
+        const held = '\uE009';
         const actions = [...text].flatMap((value) => [{ type: 'keyDown', value }, { type: 'keyUp', value }]);
+        if (control) actions.unshift({ type: 'keyDown', value: held }), actions.push({ type: 'keyUp', value: held });
         return this.send('WebDriver:PerformActions', { actions: [{ type: 'key', id: 'keyboard', actions }] });
     }
 

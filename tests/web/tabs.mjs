@@ -63,6 +63,7 @@ export class Tabs {
             shot: () => page.screenshot(),
             resize: (width, height) => page.setViewportSize({ width, height }),
             type: (text) => page.keyboard.insertText(text),
+            shortcut: (key) => page.keyboard.press(`Control+${key}`),
             close: () => context.close(),
         };
     }
@@ -86,6 +87,7 @@ export class Tabs {
             },
             resize: (width, height) => firefox.send('WebDriver:SetWindowRect', { width, height: height + 85 }),
             type: (text) => firefox.type(text),
+            shortcut: (key) => firefox.type(key, true),
             close: async () => {},
         };
     }
