@@ -15,6 +15,7 @@
 const CAP_SHARE = 0.7;   // of the font size is the height of capitals
 const SPACE = 32;
 const NO_BREAK_SPACE = 160;
+const pairOf = (left, right) => left * 65536 + right;
 const UNITS = [SPACE, 48, NO_BREAK_SPACE];   // by whose widths browsers measure tabs, "ch" and the like
 
 // ---------------------------------------------------------------------------------------------------------------------
@@ -160,7 +161,7 @@ function pairLookup(face) {
         const end = 16 + 2 * lefts.length * count;
         const table = new Bytes().u16(2, end, 4, 0, end + 10, end + 16 + 2 * lefts.length, lefts.length, count);
         for (const left of lefts) {
-            for (const right of face.glyphs) table.u16((face.amounts.get(left.code + ',' + right.code) || 0) * face.unit);
+            for (const right of face.glyphs) table.u16((face.amounts.get(pairOf(left.code, right.code)) || 0) * face.unit);
         }
         table.u16(2, 1, first, first + lefts.length - 1, 0);
         table.u16(1, first, lefts.length, ...lefts.keys());
@@ -338,7 +339,7 @@ function describe(source) {
     for (const code of [SPACE, NO_BREAK_SPACE]) if (!glyphs.has(code)) glyphs.set(code, {code, advance: source.SpaceWidth});
     const amounts = new Map();
     source.Kerning.forEach(([left, right, amount]) => {   // passes over the stray first element
-        const pair = left + ',' + right;
+        const pair = pairOf(left, right);
         if (!amounts.has(pair)) amounts.set(pair, amount);
     });
     const size = cap > 0 ? cap / CAP_SHARE : height;   // at which the font stands at its own size
@@ -390,47 +391,41 @@ async function finish(font) {
 }
 
 async function load(font) {
-    font.file = fontFile(font.face);
-    if (font.whole && !font.face.exact) {
-        const [trial] = await addFaces(font, font.name, ['normal']);
-        if (roundsWidths(font)) {
-            const twins = font.face.glyphs.filter((glyph) => UNITS.includes(glyph.code)).map((glyph) => Object.assign({}, glyph, {twin: true}));
-            Object.assign(font.face, {exact: true, glyphs: font.face.glyphs.concat(twins)});
-            font.file = fontFile(font.face);
-        }
-        document.fonts.delete(trial);
+    if (font.whole && !font.face.exact && await roundsWidths(font)) {
+        const twins = font.face.glyphs.filter((glyph) => UNITS.includes(glyph.code)).map((glyph) => Object.assign({}, glyph, {twin: true}));
+        Object.assign(font.face, {exact: true, glyphs: font.face.glyphs.concat(twins)});
     }
+    font.file = fontFile(font.face);
     const old = font.faces;
-    font.faces = (await Promise.all([...font.names].map((name) => addFaces(font, name)))).flat();
+    font.faces = await Promise.all([...font.names].map((name) => addFace(font, name)));
     old.forEach((face) => document.fonts.delete(face));
 }
 
-// All weights and both styles, so that the browser makes nothing bold or slanted. The strike's size is a whole number;
-// the size at which capitals have their share is not, and the rest is the browser's to adjust.
-async function addFaces(font, name, styles = ['normal', 'italic']) {
-    const sizeAdjust = font.face.ppem / font.face.size * 100 + '%';
-    const faces = styles.map((style) => new FontFace(name, font.file, {style, weight: '1 1000', stretch: '50% 200%', sizeAdjust}));
-    await Promise.all(faces.map((face) => face.load()));
-    faces.forEach((face) => document.fonts.add(face));
-    return faces;
+// Of all weights and slants, so that the browser makes nothing bold or oblique. The strike's size is a whole number; the
+// size at which capitals have their share is not, and the rest is the browser's to adjust.
+async function addFace({face, file}, name) {
+    const added = new FontFace(name, file, {weight: '1 1000', stretch: '50% 200%', style: 'oblique -90deg 90deg',
+        sizeAdjust: face.ppem / face.size * 100 + '%'});
+    await added.load();
+    document.fonts.add(added);
+    return added;
 }
 
-// Chromium gives letters of pictures whole pixels of width on screens of ordinary density.
-function roundsWidths(font) {
-    const letters = font.face.glyphs.filter((glyph) => glyph.box && glyph.code && glyph.advance > 0);
-    const scale = 0.213;   // at which hardly a width is whole
-    const box = document.createElement('div');
+// Chromium gives letters of pictures whole pixels of width on screens of ordinary density. Tried with one letter.
+async function roundsWidths({face, name}) {
+    const letter = face.glyphs.find((glyph) => glyph.png && glyph.advance > 0);
+    if (!letter) return false;
+    const few = Object.assign({}, face, {glyphs: [face.glyphs[0], letter], amounts: new Map()});
+    const trial = await addFace({face, file: fontFile(few)}, name);
+    const scale = 9.4 / letter.advance;   // to a width that is far from whole
+    const box = document.createElement('span');
+    box.textContent = String.fromCharCode(letter.code);
     box.style.cssText = 'position:absolute;visibility:hidden;white-space:pre;letter-spacing:0;text-transform:none;' +
-        `font:${font.face.size * scale}px ${font.name};font-kerning:none`;
-    const spans = letters.map((glyph) => {
-        const span = document.createElement('span');
-        span.textContent = String.fromCharCode(glyph.code).repeat(4);
-        box.append(span, ' ');
-        return span;
-    });
+        `text-rendering:auto;font:${face.size * scale}px ${name}`;
     document.documentElement.append(box);
-    const rounds = spans.some((span, i) => Math.abs(span.getBoundingClientRect().width - letters[i].advance * 4 * scale) > 0.25);
+    const rounds = Math.abs(box.getBoundingClientRect().width - 9.4) > 0.25;
     box.remove();
+    document.fonts.delete(trial);
     return rounds;
 }
 
@@ -438,7 +433,7 @@ function roundsWidths(font) {
 function claim(font, name) {
     if (font.names.has(name)) return;
     font.names.add(name);
-    if (font.ready) addFaces(font, name).then((faces) => font.faces.push(...faces));
+    if (font.ready) addFace(font, name).then((face) => font.faces.push(face));
 }
 
 // The name that an exported script has for its array is the family; of a script that was packed with others, the
@@ -583,7 +578,7 @@ function drawText(node, font, css) {
         letter.className = 'g' + code;
         letter.textContent = character;
         // Browsers don't kern across elements. The room is taken at the end of a letter, as any other may begin a line.
-        const amount = font.face.amounts.get(before + ',' + code);
+        const amount = font.face.amounts.get(pairOf(before, code));
         if (amount && last) last.style.marginRight = amount / font.face.size + 'em';
         else if (amount) letter.style.marginLeft = amount / font.face.size + 'em';
         last = letter;

@@ -45,7 +45,7 @@ export class Tabs {
     async tab(way, name, { fonts = 1, ...options } = {}) {
         const tab = await (way.startsWith('chromium') ? this.chromiumTab(options) : this.firefoxTab(way, options));
         await tab.goto(this.address(way, name));
-        for (let tries = 0; await tab.run(() => [...document.fonts].filter((face) => face.status === 'loaded').length) < 2 * fonts; ++tries) {
+        for (let tries = 0; await tab.run(() => [...document.fonts].filter((face) => face.status === 'loaded').length) < fonts; ++tries) {
             if (tries === 100) throw new Error(`${way}: the font doesn't come: ${await tab.run(() => JSON.stringify(window.troubles))}`);
             await later(50);
         }

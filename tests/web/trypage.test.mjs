@@ -114,6 +114,20 @@ for (const browser of browsers) {
             assert.ok((await troubleWithout(browser, name)).includes(name), name);
         assert.equal(await troubleWithout(browser, 'try.css'), '');
     });
+
+    test(`${browser}: names that the command line warns of are told on the page, those that it takes are drawn`, async () => {
+        for (const name of ['class', 'Serif', 'inherit', 'monospace', 'name', 'my-font', 'Caf\u00E9']) {
+            const warned = site.warnings('--open', 'f.sm', '--html', `${name}.html`);
+            assert.match(warned, /warning/, name);
+            assert.match(await troubleOf(browser, `${name}.html`), /Not found|no name|something else/, name);
+        }
+        for (const name of ['Fancy', 'demo_2', '_x', 'nameOf']) {
+            assert.equal(site.warnings('--open', 'f.sm', '--html', `${name}.html`), '');
+            const tab = await tabs.tab(browser, `${name}.html`);
+            assert.ok(await tab.run(() => document.getElementById('trouble').hidden), name);
+            await tab.close();
+        }
+    });
 }
 
 test('without scripts the page says so, and shows its text', async () => {

@@ -56,7 +56,7 @@ const widthsOf = (tab) => tab.run(() => [...document.querySelectorAll('.f')].map
 
 for (const way of ways) {
     test(`${way}: lines are as lettrino-cli sets them`, async () => {
-        const bodies = { 'Hello World': null, 'AVATAR To Ty Wa': null, 'fjord {j} "Quay" T,V.': null, 'a b c': 'a  b\n c',
+        const bodies = { 'Hello World': null, 'AVATAR To Ty Wa': null, 'fjord {j} "Quay" T,V.': null, 'a b c': '<i style="font-weight:900">a  b\n c</i>',
             'Hello AVATAR': 'Hello <b style="font-weight:400">AV<i style="font-style:normal">AT</i>A</b>R', 'AVATAR To': '<span style="text-transform:uppercase">Avatar</span> To' };
         for (const [text, body] of Object.entries(bodies)) {
             const tab = await open(way, `<p class="f">${body ?? text}</p>`);
