@@ -1,6 +1,6 @@
 // What a page's text costs with an exported font, beside the same page without it, in Chromium and Firefox:
 //
-//     LETTRINO_CLI=build-release/bin/lettrino-cli node bench/web_page.mjs
+//     scripts/bench web_page
 //
 // 20,000 characters until they are on the screen, counted from the start of the navigation; the memory of their process
 // (proportional set size); a resize event that changes nothing; 3,500 characters printed. Medians of five pages.

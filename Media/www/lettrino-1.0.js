@@ -365,29 +365,36 @@ let density = window.devicePixelRatio;   // of the screen that widths were last 
 function prepare(source) {
     let font = fonts.get(source);
     if (font) return font;
-    font = {source, name: 'LT_Font' + fonts.size, face: describe(source), names: new Set(), faces: [], ready: false, whole: false};
+    font = {source, name: 'LT_Font' + fonts.size, face: describe(source), names: new Set(), faces: [], waiting: [],
+        ready: false, whole: false};
     fonts.set(source, font);
     const fail = (reason) => console.error('Lettrino: ' + source.Bitmap + ' ' + reason + '; its text stays plain.');
     if (font.face.unit < 1) {
         fail('has glyphs too large for a font file');
         return font;
     }
-    font.image = new Image();
-    font.image.onload = () => finish(font).catch((error) => fail('is no picture of a font (' + error + ')'));
-    font.image.onerror = () => fail('can\'t be loaded');
-    font.image.src = source.Bitmap;
+    const image = new Image();
+    image.onload = () => finish(font, image).catch((error) => fail('is no picture of a font (' + error + ')'));
+    image.onerror = () => {
+        if (!image.crossOrigin) return fail('can\'t be loaded');
+        image.crossOrigin = null;   // shown all the same, but not read
+        image.src = source.Bitmap;
+    };
+    const {protocol, origin} = new URL(source.Bitmap, document.baseURI);
+    if (/^http/.test(protocol) && origin !== location.origin) image.crossOrigin = 'anonymous';
+    image.src = source.Bitmap;
     return font;
 }
 
-async function finish(font) {
+async function finish(font, image) {
     const start = performance.now();
-    font.whole = cut(font.face, font.source, font.image);
+    font.whole = cut(font.face, font.source, image);
     if (!font.whole) addCuttings(font);
     await load(font);
     performance.measure('LT_Draw', {start});   // on the page's time line
     font.ready = true;
     if (!font.whole) follow();
-    settle(document.documentElement);
+    quietly(() => font.waiting.splice(0).forEach(apply));
 }
 
 async function load(font) {
@@ -433,7 +440,7 @@ async function roundsWidths({face, name}) {
 function claim(font, name) {
     if (font.names.has(name)) return;
     font.names.add(name);
-    if (font.ready) addFace(font, name).then((face) => font.faces.push(face));
+    if (font.file) addFace(font, name).then((face) => font.faces.push(face));
 }
 
 // The name that an exported script has for its array is the family; of a script that was packed with others, the
@@ -446,6 +453,7 @@ function isNameOf(family, source) {
 function use(elements, source) {
     const font = prepare(source);
     for (const element of elements.nodeType ? [elements] : Array.from(elements)) {
+        if (element.nodeType !== Node.ELEMENT_NODE) continue;
         const family = getComputedStyle(element).fontFamily;
         if (isNameOf(family, source)) {
             families.set(family, font);
@@ -454,13 +462,9 @@ function use(elements, source) {
             given.set(element, font);
             claim(font, font.name);
         }
-        if (font.ready) apply(element);
+        if (font.ready) quietly(() => apply(element));
+        else font.waiting.push(element);
     }
-}
-
-function settle(root) {
-    apply(root);
-    root.querySelectorAll('*').forEach(apply);
 }
 
 function apply(element) {
@@ -506,19 +510,31 @@ function addCuttings(font) {
     document.head.appendChild(document.createElement('style')).append(rules.join('\n'));
 }
 
-const observer = new MutationObserver((records) => {
-    const changed = new Set();
-    for (const {type, target, removedNodes} of records) {
-        if (type === 'characterData' && target.data) forget(target);
-        removedNodes.forEach(forget);
-        changed.add(type === 'characterData' ? target.parentElement : target);
-    }
-    for (const node of changed) if (node && node.isConnected && node.nodeType === Node.ELEMENT_NODE) settle(node);
-    observer.takeRecords();   // of what was done here
-});
+const observer = new MutationObserver((records) => quietly(() => followUp(records)));
 
 function follow() {
     observer.observe(document, {subtree: true, childList: true, characterData: true, attributes: true, attributeFilter: ['class', 'style']});
+}
+
+// Does work that the observer is not to hear of, after all that the page did before it.
+function quietly(work) {
+    followUp(observer.takeRecords());
+    work();
+    observer.takeRecords();
+}
+
+function followUp(records) {
+    const changed = new Set();
+    for (const {type, target, removedNodes} of records) {
+        if (type === 'characterData') forget(target, false);   // what the page wrote is what counts, also if it is empty
+        for (const node of removedNodes) forget(node, true);
+        changed.add(type === 'characterData' ? target.parentElement : target);
+    }
+    for (const node of changed) {
+        if (!node || !node.isConnected || node.nodeType !== Node.ELEMENT_NODE) continue;
+        apply(node);
+        node.querySelectorAll('*').forEach(apply);
+    }
 }
 
 function transformed(text, how) {
@@ -534,7 +550,7 @@ function drawApart(element, font, css) {
     for (const node of [...element.childNodes]) {
         if (node.nodeType !== Node.TEXT_NODE) continue;
         const now = drawn.get(node);
-        if (now && (plain || now.transform !== css.textTransform || now.font !== font)) forget(node);
+        if (now && (plain || now.transform !== css.textTransform || now.font !== font)) forget(node, true);
         if (!plain && (node.data.trim() || isBlankBetween(node))) drawText(node, font, css);
     }
 }
@@ -591,14 +607,14 @@ function drawText(node, font, css) {
     node.data = '';
 }
 
-// A text that the page took away or wrote anew, or whose box it took away; its box goes, and an emptied text comes back.
-function forget(removed) {
-    const node = texts.get(removed) || removed;
-    const state = drawn.get(node);
+// The box of a text goes, or the one whose text is `node`; an emptied text comes back if it shall be restored.
+function forget(node, restore) {
+    const text = texts.get(node) || node;
+    const state = drawn.get(text);
     if (!state) return;
-    drawn.delete(node);
+    drawn.delete(text);
     state.box.remove();
-    if (!node.data) node.data = state.text;
+    if (restore && !text.data) text.data = state.text;
 }
 
 // ---------------------------------------------------------------------------------------------------------------------

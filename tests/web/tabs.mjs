@@ -52,10 +52,11 @@ export class Tabs {
         return tab;
     }
 
+    // One page serves all tabs that ask for nothing special.
     async chromiumTab(options) {
-        const context = await this.site.browser.newContext({ viewport: this.size, ...options });
-        const page = await context.newPage();
-        await page.route('http*://*/**', (route) => (new URL(route.request().url()).hostname === '127.0.0.1' ? route.continue() : route.abort()));
+        const special = Object.keys(options).length > 0;
+        const page = special || !this.page ? await this.newPage(options) : this.page;
+        if (!special) await (this.page = page).setViewportSize(this.size);
         return {
             page,
             goto: (url) => page.goto(url),
@@ -64,8 +65,15 @@ export class Tabs {
             resize: (width, height) => page.setViewportSize({ width, height }),
             type: (text) => page.keyboard.insertText(text),
             shortcut: (key) => page.keyboard.press(`Control+${key}`),
-            close: () => context.close(),
+            close: async () => { if (special) await page.context().close(); },
         };
+    }
+
+    async newPage(options) {
+        const context = await this.site.browser.newContext({ viewport: this.size, ...options });
+        const page = await context.newPage();
+        await page.route('http*://*/**', (route) => (new URL(route.request().url()).hostname === '127.0.0.1' ? route.continue() : route.abort()));
+        return page;
     }
 
     async firefoxTab(way, { deviceScaleFactor = 1 }) {

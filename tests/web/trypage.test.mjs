@@ -99,7 +99,7 @@ async function troubleWithout(browser, name) {
 
 async function troubleOf(browser, page) {
     const tab = await tabs.tab(browser, page, { fonts: 0 });
-    await tab.run(() => new Promise((done) => { setTimeout(done, 300); }));
+    await tab.run(() => new Promise((done) => { setTimeout(done, 150); }));
     const text = await tab.run(() => document.getElementById('trouble').textContent);
     const shown = await tab.run(() => document.getElementById('trouble').getBoundingClientRect().height > 20 && document.getElementById('sample').innerText);
     tabs.keep(await tab.shot(), `trouble-${browser}-${page}-${text.slice(0, 30)}`);

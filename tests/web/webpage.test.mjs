@@ -121,6 +121,8 @@ for (const way of ways) {
         await assertDrawn(tab, 'AVATAR', `later-class-${way}`);
         await tab.run(() => { document.getElementById('late').firstChild.data = 'To Wa'; });
         await assertDrawn(tab, 'To Wa', `later-text-${way}`);
+        await tab.run(() => { document.getElementById('late').firstChild.data = ''; });
+        assert.equal(await inkIn(await tab.shot()), 0, 'an emptied text is gone');
         await tab.run(() => { document.body.innerHTML = '<section><h2 class="f" style="margin:0">Quay</h2></section>'; });
         await assertDrawn(tab, 'Quay', `later-element-${way}`);
         await tab.run(() => { document.querySelector('h2').className = ''; });
