@@ -399,7 +399,8 @@ async function finish(font, image) {
 
 async function load(font) {
     if (font.whole && !font.face.exact && await roundsWidths(font)) {
-        const twins = font.face.glyphs.filter((glyph) => UNITS.includes(glyph.code)).map((glyph) => Object.assign({}, glyph, {twin: true}));
+        const twins = font.face.glyphs.filter((glyph) => UNITS.includes(glyph.code))
+            .map((glyph) => Object.assign({}, glyph, {twin: true}));
         Object.assign(font.face, {exact: true, glyphs: font.face.glyphs.concat(twins)});
     }
     font.file = fontFile(font.face);
@@ -457,7 +458,7 @@ function use(elements, source) {
         const family = getComputedStyle(element).fontFamily;
         if (isNameOf(family, source)) {
             families.set(family, font);
-            claim(font, font.whole || !font.ready ? family : font.name);
+            claim(font, font.codes ? font.name : family);
         } else if (!given.has(element)) {
             given.set(element, font);
             claim(font, font.name);
@@ -492,9 +493,12 @@ function addCuttings(font) {
     const {source, face, name} = font;
     const em = (pixels) => pixels / face.size + 'em';
     const url = new URL(source.Bitmap, document.baseURI).href.replace(/"/g, '%22');
-    const rules = ['lt-text{text-transform:none;text-rendering:geometricPrecision;font-kerning:none;hyphenate-character:"\\2010"}lt-c{position:relative;white-space:nowrap}',
+    // The font file has no ink for a hyphen at the end of a line; the page's own font gives one of another code.
+    const rules = ['lt-text{text-transform:none;text-rendering:geometricPrecision;font-kerning:none;hyphenate-character:"\\2010"}',
+        'lt-c{position:relative;white-space:nowrap}',
         `.${name} lt-c::before{content:"";position:absolute;top:0;pointer-events:none;background-image:url("${url}");` +
-        `background-size:${em(source.Resolution[0])} ${em(source.Resolution[1])};-webkit-print-color-adjust:exact;print-color-adjust:exact}`];
+        `background-size:${em(source.Resolution[0])} ${em(source.Resolution[1])};` +
+        '-webkit-print-color-adjust:exact;print-color-adjust:exact}'];
     for (const glyph of face.glyphs) {
         if (!(glyph.width > 0 && glyph.height > 0)) continue;
         rules.push(`.${name} .g${glyph.code}::before{left:${em(glyph.before)};width:${em(glyph.width)};height:${em(glyph.height)};` +
@@ -505,7 +509,8 @@ function addCuttings(font) {
         rules.push(`.${name} .g${glyph.code}{margin-right:${em(glyph.advance)}}`);   // no element is narrower than nothing
         glyph.advance = 0;
     }
-    font.codes = new Set(face.glyphs.slice(1).filter((glyph) => glyph.code !== SPACE || source.SpaceWidth < 0).map((glyph) => glyph.code));
+    font.codes = new Set(face.glyphs.slice(1).map((glyph) => glyph.code));
+    if (source.SpaceWidth >= 0) font.codes.delete(SPACE);   // lines break at blanks that are no elements
     font.names = new Set([name]);   // under its own name letters without cuttings would vanish
     document.head.appendChild(document.createElement('style')).append(rules.join('\n'));
 }
@@ -513,7 +518,8 @@ function addCuttings(font) {
 const observer = new MutationObserver((records) => quietly(() => followUp(records)));
 
 function follow() {
-    observer.observe(document, {subtree: true, childList: true, characterData: true, attributes: true, attributeFilter: ['class', 'style']});
+    observer.observe(document, {subtree: true, childList: true, characterData: true, attributes: true,
+        attributeFilter: ['class', 'style']});
 }
 
 // Does work that the observer is not to hear of, after all that the page did before it.
@@ -555,7 +561,8 @@ function drawApart(element, font, css) {
     }
 }
 
-const isInline = (node) => node && (node.nodeType === Node.TEXT_NODE || (node.nodeType === Node.ELEMENT_NODE && getComputedStyle(node).display === 'inline'));
+const isInline = (node) => node && (node.nodeType === Node.TEXT_NODE ||
+    (node.nodeType === Node.ELEMENT_NODE && getComputedStyle(node).display === 'inline'));
 
 // And not one that stands between blocks to order the source.
 const isBlankBetween = (node) => Boolean(node.data) && isInline(node.previousSibling) && isInline(node.nextSibling);
@@ -598,7 +605,8 @@ function drawText(node, font, css) {
         if (amount && last) last.style.marginRight = amount / font.face.size + 'em';
         else if (amount) letter.style.marginLeft = amount / font.face.size + 'em';
         last = letter;
-        if (character === '-') box.append(document.createElement('wbr'));   // not every browser breaks there across elements
+        // Not every browser breaks after a hyphen across elements; none does before a digit.
+        if (before === 45 && !/\d/.test(character)) letter.before(document.createElement('wbr'));
         before = code;
     }
     drawn.set(node, {text: node.data, box, font, transform: css.textTransform});
@@ -624,7 +632,10 @@ if (!window.$) {
     window.$ = (what) => {
         const list = typeof what === 'string' ? Array.from(document.querySelectorAll(what)) : [what];
         return Object.assign(list, {
-            ready(work) { if (document.readyState === 'loading') document.addEventListener('DOMContentLoaded', work); else setTimeout(work); },
+            ready(work) {
+                if (document.readyState === 'loading') document.addEventListener('DOMContentLoaded', work);
+                else setTimeout(work);
+            },
             resize(work) { window.addEventListener('resize', work); },
             each(work) { list.forEach((one, i) => work.call(one, i, one)); },
             css(name) { return getComputedStyle(list[0]).getPropertyValue(name); }
