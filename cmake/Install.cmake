@@ -48,7 +48,6 @@ foreach(size 16 32 48 128 256)
 endforeach()
 install(FILES LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR} RENAME copyright)
 lettrino_compressed(packaging/changelog changelog ${CMAKE_INSTALL_DOCDIR})
-install(FILES packaging/lintian-overrides DESTINATION ${CMAKE_INSTALL_DATADIR}/lintian/overrides RENAME lettrino)
 
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME lettrino)

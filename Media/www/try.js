@@ -1,10 +1,15 @@
 /* The page on which a colour font is tried: a text, its size, its letter spacing and the background, seen at once. */
-$(function () {
+document.addEventListener('DOMContentLoaded', function () {
 'use strict';
+
+if (!window.tryFont || !tryFont.Bitmap || !window.LT_ToColourFont) return;   // the page tells why
 
 var START_TEXT = 'Hello World';
 var GREY_SHARE = 0.08;   // of the picker's width is a strip of greys, at its left
 
+var at = function (id) { return document.getElementById(id); };
+var sample = at('sample');
+var picker = at('picker');
 var place = {x: 0, y: 0};   // of the marker in the picker, 0 to 1; the start is white
 
 // The colour at a place of colourpicker.png, which is drawn by the same rule: hues from left to right, each from white
@@ -16,24 +21,28 @@ function colourAt(x, y) {
 }
 
 function show() {
-    var size = +$('#size').val();
-    var spacing = +$('#spacing').val();
-    $('#sizeValue').text(size + ' px');
-    $('#spacingValue').text(spacing + ' px');
-    $('#sample').css({fontSize: size + 'px', letterSpacing: spacing + 'px'}).empty();
-    $('#text').val().split('\n').forEach(function (line, i) {
-        if (i) $('#sample').append('<br>');
-        $('#sample').append(document.createTextNode(line));
+    var size = +at('size').value;
+    var spacing = +at('spacing').value;
+    at('sizeValue').textContent = size + ' px';
+    at('spacingValue').textContent = spacing + ' px';
+    sample.style.fontSize = size + 'px';
+    sample.style.letterSpacing = spacing + 'px';
+    sample.textContent = '';
+    at('text').value.split('\n').forEach(function (line, i) {
+        if (i) sample.appendChild(document.createElement('br'));
+        sample.appendChild(document.createTextNode(line));
     });
-    LT_ToColourFont($('#sample'), tryFont);
+    LT_ToColourFont(sample, tryFont);
 }
 
 function showBackground() {
-    $('#sheet').css('background-color', colourAt(place.x, place.y));
-    var colour = $('#sheet').css('background-color');
-    $('#backgroundValue').text(colour);
-    $('#picker').attr({'aria-valuenow': Math.round(place.x * 100), 'aria-valuetext': colour});
-    $('#marker').css({left: place.x * 100 + '%', top: place.y * 100 + '%'});
+    at('sheet').style.backgroundColor = colourAt(place.x, place.y);
+    var colour = getComputedStyle(at('sheet')).backgroundColor;
+    at('backgroundValue').textContent = colour;
+    picker.setAttribute('aria-valuenow', Math.round(place.x * 100));
+    picker.setAttribute('aria-valuetext', colour);
+    at('marker').style.left = place.x * 100 + '%';
+    at('marker').style.top = place.y * 100 + '%';
 }
 
 function moveTo(x, y) {
@@ -41,7 +50,6 @@ function moveTo(x, y) {
     showBackground();
 }
 
-var picker = $('#picker')[0];
 function follow(event) {
     var box = picker.getBoundingClientRect();
     moveTo((event.clientX - box.left) / box.width, (event.clientY - box.top) / box.height);
@@ -61,10 +69,14 @@ picker.addEventListener('keydown', function (event) {
     moveTo(place.x + move[0], place.y + move[1]);
 });
 
-$('#text').val(START_TEXT);
-$('#size').val(Math.round(Math.min(Math.max(tryFont.CapHeight[0] / 0.7, 24), 120)) || 72);
-$('#spacing').val(0);
-$('#text, #size, #spacing').on('input change', show);
+at('text').value = START_TEXT;
+at('size').value = Math.round(Math.min(Math.max(tryFont.CapHeight[0] / 0.7, 24), 120)) || 72;
+at('spacing').value = 0;
+['text', 'size', 'spacing'].forEach(function (id) { at(id).addEventListener('input', show); });
 show();
 showBackground();
+
+var picture = new Image();
+picture.onerror = function () { tell('The picture ' + tryFont.Bitmap + ' is not beside this page, or can\'t be read.'); };
+picture.src = tryFont.Bitmap;
 });

@@ -209,7 +209,8 @@ bool IsHarmlessWebName(const MString& path) {
     return std::ranges::all_of(name.View(), [&](char16_t unit) {
         const auto written = static_cast<unsigned char>(unit & 0xFF); // what is left of it in the files
         const char byte = static_cast<char>(written);
-        return written > 127 || (byte >= '0' && byte <= '9') || (byte >= 'A' && byte <= 'Z') ||
+        // Browsers read a NUL as a character that stands for a fault, and no more.
+        return written > 127 || written == 0 || (byte >= '0' && byte <= '9') || (byte >= 'A' && byte <= 'Z') ||
                (byte >= 'a' && byte <= 'z') || signs.find(byte) != std::string_view::npos;
     });
 }

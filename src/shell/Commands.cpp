@@ -6,6 +6,7 @@
 #include "formats/ExportFiles.h"
 #include "formats/MPhotofontImporter.h"
 #include "formats/WebFont.h"
+#include "formats/WebName.h"
 #include "formats/game/MGameFontExport.h"
 #include "formats/game/MGameFontImport.h"
 #include "formats/webfont/MWebFontExport.h"
@@ -52,12 +53,20 @@ void SaveAs(MColourFont& font) {
     Tell("Colour font successfully saved as:\n\n" + Quoted(path));
 }
 
+// Of a name that could do harm, or under which the page would draw nothing.
 bool InsistsOnName(const MString& path) {
-    return Desktop::ShowMessage(MainWindow,
-                                "WARNING: on the page the name \"" + FileNameOf(path) +
-                                    "\" could run as script or markup, for everybody who opens it.\n\n"
-                                    "Letters, digits, \"_\", \"-\", \"$\" and dots are safe.\n\n"
-                                    "Would you like to export it all the same?",
+    MString warning;
+    if (const std::string_view trouble = WebNameTrouble(path); !IsHarmlessWebName(path)) {
+        warning = "WARNING: on the page the name \"" + FileNameOf(path) +
+                  "\" could run as script or markup, for everybody who opens it.\n\n"
+                  "Letters, digits, \"_\", \"-\", \"$\" and dots are safe.";
+    } else if (!trouble.empty()) {
+        warning = "WARNING: the name \"" + WebFontName(path) + "\" " + FromSystem(trouble) +
+                  ". The page will not work.\n\nA name of letters from A to Z, digits and \"_\" is best.";
+    } else {
+        return true;
+    }
+    return Desktop::ShowMessage(MainWindow, warning + "\n\nWould you like to export it all the same?",
                                 ProductName, Desktop::Buttons::YesNo,
                                 Desktop::Icon::Warning) == Desktop::Answer::Yes;
 }
@@ -72,7 +81,7 @@ void ExportAsHtml(MColourFont& font) {
                              Desktop::Buttons::Ok, Desktop::Icon::Error);
         return;
     }
-    if (!IsHarmlessWebName(path) && !InsistsOnName(path)) return;
+    if (!InsistsOnName(path)) return;
     const auto answer =
         Desktop::ShowMessage(MainWindow, "Would you like to have a minimal HTML page?", ProductName,
                              Desktop::Buttons::YesNoCancel, Desktop::Icon::Question);

@@ -174,17 +174,21 @@ TEST_F(Commands, ExportAsPictures) {
     EXPECT_FALSE(Home().Read("cube1.png").empty());
 }
 
-TEST_F(Commands, NamesThatCouldRunAreWarnedOf) {
+TEST_F(Commands, NamesThatCouldRunOrAreDeadOnAPageAreWarnedOf) {
     NewFont();
-    const MString path = Home().File("x=alert(1).html");
-    for (const bool insists : {false, true}) {
-        Chosen(path);
-        Headless::script.answers = {insists ? Answer::Yes : Answer::No};
-        RunCommand(CommandId::ExportHtml);
-        EXPECT_EQ(Headless::record.messages[0].icon, Icon::Warning);
-        EXPECT_EQ(Headless::record.messages.size(), insists ? 3U : 1U);
-        EXPECT_EQ(FileExists(path), insists);
-        Headless::record.messages.clear();
+    for (const auto& [name, reason] :
+         {std::pair{"x=alert(1).html", "run as script"}, {"class.html", "script language"}}) {
+        const MString path = Home().File(name);
+        for (const bool insists : {false, true}) {
+            Chosen(path);
+            Headless::script.answers = {insists ? Answer::Yes : Answer::No};
+            RunCommand(CommandId::ExportHtml);
+            EXPECT_EQ(Headless::record.messages[0].icon, Icon::Warning);
+            EXPECT_THAT(ToSystem(Headless::record.messages[0].text), testing::HasSubstr(reason));
+            EXPECT_EQ(Headless::record.messages.size(), insists ? 3U : 1U);
+            EXPECT_EQ(FileExists(path), insists);
+            Headless::record.messages.clear();
+        }
     }
 }
 

@@ -3,7 +3,7 @@ import { spawnSync } from 'node:child_process';
 import { mkdirSync, mkdtempSync, readFileSync, rmSync, writeFileSync } from 'node:fs';
 import { createServer } from 'node:http';
 import { tmpdir } from 'node:os';
-import { extname, join, normalize } from 'node:path';
+import { extname, join, normalize, resolve } from 'node:path';
 import { chromium } from 'playwright-core';
 
 const types = { '.html': 'text/html; charset=utf-8', '.js': 'text/javascript', '.css': 'text/css', '.png': 'image/png' };
@@ -41,9 +41,16 @@ export class Site {
 
     // Runs lettrino-cli in the site's folder; what it prints, or throws.
     cli(...args) {
-        const run = spawnSync(process.env.LETTRINO_CLI, args, { cwd: this.folder, encoding: 'utf8', maxBuffer: 1 << 28 });
+        const run = spawnSync(resolve(process.env.LETTRINO_CLI), args, { cwd: this.folder, encoding: 'utf8', maxBuffer: 1 << 28 });
         if (run.status !== 0) throw new Error(`lettrino-cli ${args.join(' ')}: ${run.stderr}`);
         return run.stdout;
+    }
+
+    // What it says on standard error while it does what is told.
+    warnings(...args) {
+        const run = spawnSync(resolve(process.env.LETTRINO_CLI), args, { cwd: this.folder, encoding: 'utf8' });
+        if (run.status !== 0) throw new Error(`lettrino-cli ${args.join(' ')}: ${run.stderr}`);
+        return run.stderr;
     }
 
     // A page of the site. Nothing else can be reached; errors of the page's scripts are kept in page.failures.

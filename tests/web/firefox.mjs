@@ -71,15 +71,32 @@ export class Firefox {
     }
 
     goto(url) { return this.send('WebDriver:Navigate', { url }); }
-    // The result of a script's `return`, which may be a promise.
-    async run(script, ...args) { return (await this.send('WebDriver:ExecuteScript', { script, args })).value; }
+    // The result of a script's `return`, which may be a promise. It runs among the page's own scripts.
+    async run(script, ...args) { return (await this.send('WebDriver:ExecuteScript', { script, args, sandbox: null })).value; }
     async shot() { return Buffer.from((await this.send('WebDriver:TakeScreenshot', { full: false })).value, 'base64'); }
 
-    // The number of the screen's pixels for one of the page's, for pages that are loaded from here on.
-    async setDensity(density) {
+    // Runs a script among the browser's own.
+    async runInside(script, ...args) {
         await this.send('Marionette:SetContext', { value: 'chrome' });
-        await this.run('Services.prefs.setCharPref("layout.css.devPixelsPerPx", arguments[0])', String(density));
+        const result = await this.run(script, ...args);
         await this.send('Marionette:SetContext', { value: 'content' });
+        return result;
+    }
+
+    setPreference(name, value) {
+        const kind = { boolean: 'Bool', number: 'Int', string: 'Char' }[typeof value];
+        return this.runInside(`Services.prefs.set${kind}Pref(...arguments)`, name, value);
+    }
+
+    // The number of the screen's pixels for one of the page's, for pages that are loaded from here on.
+    setDensity(density) { return this.setPreference('layout.css.devPixelsPerPx', String(density)); }
+
+    // As if typed where the focus is, with Control held if told so.
+    type(text, control = false) {
+        const held = '\uE009';
+        const actions = [...text].flatMap((value) => [{ type: 'keyDown', value }, { type: 'keyUp', value }]);
+        if (control) actions.unshift({ type: 'keyDown', value: held }), actions.push({ type: 'keyUp', value: held });
+        return this.send('WebDriver:PerformActions', { actions: [{ type: 'key', id: 'keyboard', actions }] });
     }
 
     async close() {

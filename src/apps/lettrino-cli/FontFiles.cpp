@@ -2,11 +2,13 @@
 
 #include "apps/lettrino-cli/GameFontSteps.h"
 #include "document/SetText.h"
+#include "formats/ExportFiles.h"
 #include "formats/MPhotofontImporter.h"
 #include "formats/MTextFile.h"
 #include "formats/SiblingPath.h"
 #include "formats/TextureFont.h"
 #include "formats/WebFont.h"
+#include "formats/WebName.h"
 #include "formats/game/MGameFontImport.h"
 #include "foundation/MFolders.h"
 #include "foundation/MUtf8.h"
@@ -20,8 +22,8 @@
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
-#include <initializer_list>
 #include <string_view>
+#include <vector>
 
 namespace {
 
@@ -121,7 +123,7 @@ StepResult Open(Run& run, const std::string& file) {
 
 // Why `file` can't be written, which makes the `targets`: its folder is missing, or one of them stands there
 // and can't be written over. What is looked at after writing would be the old one then.
-StepResult RefuseTargets(const std::string& file, std::initializer_list<MString> targets) {
+StepResult RefuseTargets(const std::string& file, const std::vector<MString>& targets) {
     const fs::path folder = PlaceToWrite(FullPath(FromSystem(file))).parent_path();
     if (!IsFolder(folder)) return StepFailure{file, "there is no folder " + folder.string()};
     for (const MString& target : targets) {
@@ -170,19 +172,11 @@ StepResult SaveGlyphs(MColourFont& font, const std::string& file) {
     return StepFailure{file, font.GlyphCount() == 0 ? "the font has no glyphs" : "no file could be written"};
 }
 
-void WarnOfName(const std::string& step, const MString& name) {
-    const auto isLetter = [](char16_t unit) {
-        const char16_t lower = ToLowerUnit(unit);
-        return (lower >= u'a' && lower <= u'z') || unit == u'_' || unit == u'$' || unit > 127;
-    };
-    const auto isDigit = [](char16_t unit) { return unit >= u'0' && unit <= u'9'; };
-    const bool valid = isLetter(name.GetChar(0)) && std::ranges::all_of(name.View(), [&](char16_t unit) {
-                           return isLetter(unit) || isDigit(unit);
-                       });
-    if (valid) return;
-    std::fprintf(stderr,
-                 "lettrino-cli: %s: warning: '%s' is no name that a script can use; the page will not work\n",
-                 step.c_str(), ToSystem(name).c_str());
+void WarnOfName(const std::string& step, const MString& path) {
+    const std::string_view trouble = WebNameTrouble(path);
+    if (trouble.empty()) return;
+    std::fprintf(stderr, "lettrino-cli: %s: warning: the name '%s' %s; the page will not work\n", step.c_str(),
+                 ToSystem(WebFontName(path)).c_str(), std::string(trouble).c_str());
 }
 
 StepResult ExportPage(MColourFont& font, const std::string& file, bool minimal) {
@@ -198,7 +192,7 @@ StepResult ExportPage(MColourFont& font, const std::string& file, bool minimal) 
                            "on the page its name could run as script or markup; letters, digits, '_', '-', '$' "
                            "and dots are safe"};
     }
-    WarnOfName(minimal ? "--minimal-html" : "--html", WebFontName(path));
+    WarnOfName(minimal ? "--minimal-html" : "--html", path);
     MWriteFailures failures;
     const bool exported = font.ExportHtml(path, minimal, &failures);
     if (StepResult failure = Unwritten(file, failures, "; ")) return failure;
@@ -251,10 +245,7 @@ MString PathAsTyped(const std::string& file) {
 
 StepResult ExportCubes(MColourFont& font, const std::string& file) {
     const MString path = PathAsTyped(file);
-    MString first = path;
-    first.KeepBefore(".");
-    first += "1.png";
-    if (StepResult failure = RefuseTargets(file, {first})) return failure;
+    if (StepResult failure = RefuseTargets(file, LetterCubePaths(font, path))) return failure;
     auto& told = Headless::record.messages;
     const std::size_t before = told.size();
     MWriteFailures failures;
