@@ -6,7 +6,7 @@
 #include "document/MInkProfile.h"
 #include "document/MSettings.h"
 #include "document/OpticalKerning.h"
-#include "foundation/MUtf8.h"
+#include "foundation/MString.h"
 #include "glyphs/MGlyphRenderer.h"
 #include "platform/text/MFaceKerning.h"
 #include "platform/text/MSystemFonts.h"

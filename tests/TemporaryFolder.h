@@ -2,7 +2,7 @@
 #pragma once
 
 #include "foundation/MFolders.h"
-#include "foundation/MUtf8.h"
+#include "foundation/MString.h"
 
 #include <stdlib.h>
 

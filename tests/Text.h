@@ -1,7 +1,7 @@
 // MString in test output and comparisons.
 #pragma once
 
-#include "foundation/MUtf8.h"
+#include "foundation/MString.h"
 
 #include <ostream>
 #include <string>

@@ -3,7 +3,7 @@
 #include "document/MSettings.h"
 #include "editors/FieldText.h"
 #include "foundation/MFolders.h"
-#include "foundation/MUtf8.h"
+#include "foundation/MString.h"
 
 #include <algorithm>
 #include <array>

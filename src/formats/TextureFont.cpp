@@ -19,6 +19,7 @@
 #include "formats/MGlyphCutter.h"
 #include "formats/MTextFile.h"
 #include "formats/SiblingPath.h"
+#include "foundation/MFile.h"
 #include "foundation/MFolders.h"
 #include "imaging/MPixelBudget.h"
 #include "platform/MLongWork.h"

@@ -125,3 +125,7 @@ bool MFile::Write(const void* data, std::uint64_t count) {
     handle.clear();
     return written;
 }
+
+std::int64_t GetFileSize(const MString& path) {
+    return MFile(path, false, false).GetSize();
+}

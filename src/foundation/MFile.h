@@ -43,3 +43,5 @@ private:
     void Open(const MString& path);
     void Preload();
 };
+
+std::int64_t GetFileSize(const MString& path); // 0 if it can't be opened

@@ -1,8 +1,7 @@
 #include "foundation/MFolders.h"
 
 #include "foundation/MDebug.h"
-#include "foundation/MFile.h"
-#include "foundation/MUtf8.h"
+#include "foundation/MString.h"
 
 #include <gio/gio.h>
 
@@ -189,11 +188,6 @@ bool DeleteFile(const MString& path, bool clearReadOnly, bool toRecycleBin) {
         fs::permissions(file, fs::perms::owner_write, fs::perm_options::add, error);
     if (toRecycleBin) return MoveToRecycleBin(file);
     return !IsReadOnly(path) && fs::remove(file, error);
-}
-
-std::int64_t GetFileSize(const MString& path) {
-    if (path.IsEmpty()) return 0;
-    return MFile(path, false, false).GetSize();
 }
 
 MString SizeText(std::int64_t bytes) {

@@ -50,7 +50,6 @@ bool CreateFolder(const MString& path);
 // True if the file was deleted or `path` is empty. A read-only one stays, unless `clearReadOnly` lets its owner
 // write it first. `toRecycleBin` moves it to the user's bin instead of deleting.
 bool DeleteFile(const MString& path, bool clearReadOnly, bool toRecycleBin);
-std::int64_t GetFileSize(const MString& path); // 0 if it can't be opened
 // "1023 bytes", "1 KB", "1 MB", "1 GB": the largest unit of which there is at least one, truncated.
 MString SizeText(std::int64_t bytes);
 

@@ -1,7 +1,7 @@
 #include "foundation/MSafeFile.h"
 
 #include "foundation/MFolders.h"
-#include "foundation/MUtf8.h"
+#include "foundation/MString.h"
 
 #include <fcntl.h>
 #include <sys/file.h>

@@ -224,13 +224,6 @@ bool MString::Reserve(std::int32_t newCapacity, bool keep) {
     return true;
 }
 
-bool MString::AddDoubleNull() {
-    if (IsEmpty()) return true;
-    if (!Reserve(length + 2, true)) return false;
-    chars[length + 1] = 0;
-    return true;
-}
-
 MString MString::operator+(const MString& other) const {
     MString sum;
     if (other.IsEmpty()) {
@@ -515,4 +508,12 @@ std::int32_t ParseInt(const char16_t* text) {
     for (; IsDigit(*text); ++text)
         value = std::min(value * 10 + (*text - u'0'), beyond);
     return static_cast<std::int32_t>(negative ? -value : std::min(value, beyond - 1));
+}
+
+std::string ToSystem(const MString& text) {
+    return EncodeUtf8(text.View(), MLoneSurrogates::Keep);
+}
+
+MString FromSystem(std::string_view bytes) {
+    return MString(DecodeUtf8(bytes, MLoneSurrogates::Keep));
 }

@@ -8,6 +8,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 #include <string_view>
 
 class MString {
@@ -47,8 +48,6 @@ public:
     void SetChar(std::int32_t index, char16_t unit); // a unit of 0 cuts the text there
     // Room for `newCapacity` units (below 1: the null form). Without `keep` the text becomes empty.
     bool Reserve(std::int32_t newCapacity, bool keep);
-    // Puts a second terminator behind the first, for lists that end in two.
-    bool AddDoubleNull();
 
     MString operator+(const MString& other) const;
     MString operator+(char byte) const;
@@ -120,3 +119,8 @@ std::int32_t ParseInt(const char16_t* text);
 // The unit's simple upper or lower case mapping, when that is one unit too; otherwise the unit itself.
 char16_t ToUpperUnit(char16_t unit);
 char16_t ToLowerUnit(char16_t unit);
+
+// A text as the system takes it for names and arguments (UTF-8), and back. Every MString survives the round
+// trip, lone surrogates included.
+std::string ToSystem(const MString& text);
+MString FromSystem(std::string_view bytes);

@@ -78,11 +78,3 @@ std::string EncodeUtf8(std::u16string_view units, MLoneSurrogates surrogates) {
     }
     return bytes;
 }
-
-std::string ToSystem(const MString& text) {
-    return EncodeUtf8(text.View(), MLoneSurrogates::Keep);
-}
-
-MString FromSystem(std::string_view bytes) {
-    return MString(DecodeUtf8(bytes, MLoneSurrogates::Keep));
-}

@@ -1,7 +1,5 @@
-// UTF-8 to UTF-16 and back, and the pair that turns a text into the system's bytes.
+// UTF-8 to UTF-16 and back.
 #pragma once
-
-#include "foundation/MString.h"
 
 #include <string>
 #include <string_view>
@@ -14,8 +12,3 @@ enum class MLoneSurrogates {
 // Bytes that are not UTF-8 become U+FFFD, one for each.
 std::u16string DecodeUtf8(std::string_view bytes, MLoneSurrogates surrogates);
 std::string EncodeUtf8(std::u16string_view units, MLoneSurrogates surrogates);
-
-// A text as the system takes it for names and arguments (UTF-8), and back. Every MString survives the round
-// trip, lone surrogates included.
-std::string ToSystem(const MString& text);
-MString FromSystem(std::string_view bytes);

@@ -11,7 +11,7 @@
 #include "formats/game/MGameFontImport.h"
 #include "formats/webfont/MWebFontExport.h"
 #include "foundation/MFolders.h"
-#include "foundation/MUtf8.h"
+#include "foundation/MString.h"
 #include "foundation/Product.h"
 #include "glyphs/PictureSeries.h"
 #include "imaging/MPixelBudget.h"

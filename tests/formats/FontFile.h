@@ -16,8 +16,8 @@ protected:
     MColourFont font{AnyWindow()};
 
     // A picture of 4 x 4 pixels, whose red is x and green y.
-    void SaveGrid(const char* name) const {
-        MPicture picture(4, 4, FormatRGBA8);
+    void SaveGrid(const char* name, MPixelFormat format = FormatRGBA8) const {
+        MPicture picture(4, 4, format);
         for (std::int32_t y = 0; y < 4; ++y) {
             for (std::int32_t x = 0; x < 4; ++x)
                 picture.SetPixel(x, y, {static_cast<std::uint8_t>(x), static_cast<std::uint8_t>(y), 0});

@@ -1,6 +1,7 @@
 #include "formats/FontFile.h"
 #include "formats/MTextFile.h"
 #include "foundation/MMemory.h"
+#include "foundation/MUtf8.h"
 #include "imaging/Pictures.h"
 
 #include <string>
@@ -63,7 +64,7 @@ TEST_F(TextureFontTest, EveryCharacterComesBack) {
     font.RemoveGlyph(u'#');
     for (const char16_t c : {u'\u0100', char16_t{0xD800}, u'\uFFFF'})
         font.SetKerning('<', c, -5);
-    font.SetKerning('"', '<', -4);
+    font.SetKerning('"', '<', -6);
     FillWithNoise(AddGlyph(font, u'\u20AC', 5, 20).Picture, 5);
     ASSERT_TRUE(font.Repack());
     ASSERT_TRUE(font.Save(folder.File("f.sm")));
@@ -117,6 +118,18 @@ TEST_F(TextureFontTest, APictureOfAnotherSizeScalesGlyphsAlone) {
     EXPECT_EQ(std::tuple(settings.GlyphHeight, font.Baseline, font.CapHeight, font.SpaceWidth),
               std::tuple(9, 7, 5, 9));
     EXPECT_EQ(font.FindKerning(u'A', 'A')->Amount, -9);
+    const char* const record = "CHA\tA\t3\t2\t5\t2\t-3\t3\r\n";
+    ASSERT_TRUE(font.Load(WriteFont(std::string("TEX\tx\t8\t4\r\n") + record)));
+    EXPECT_EQ(NumbersOf(*font.GetGlyph(u'A')), std::tuple(2, 2, -1, 1)) << "in width alone";
+    ASSERT_TRUE(font.Load(WriteFont(std::string("TEX\tx\t4\t2\r\n") + record)));
+    EXPECT_EQ(NumbersOf(*font.GetGlyph(u'A')), std::tuple(5, 4, -3, 3)) << "in height alone";
+}
+
+TEST_F(TextureFontTest, APictureWithoutAlphaIsCutAlike) {
+    const MString path = WriteFont("CHA\tA\t1\t2\t2\t2\t0\t0\r\n");
+    SaveGrid("f.png", FormatRGB8);
+    ASSERT_TRUE(font.Load(path));
+    EXPECT_EQ(font.GetGlyph(u'A')->GetPixel(1, 1), MColour(2, 3, 0));
 }
 
 TEST_F(TextureFontTest, LenientWithRecords) {

@@ -3,9 +3,12 @@
 #include "TemporaryFolder.h"
 #include "Text.h"
 #include "foundation/MFolders.h"
+#include "foundation/MMemory.h"
 
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 
+#include <csignal>
 #include <string>
 #include <vector>
 
@@ -63,9 +66,31 @@ TEST(File, WhatCannotBeOpened) {
     EXPECT_EQ(GetFileSize(folder.File("missing")), 0);
 }
 
-TEST(File, AnEmptyFileIsPreloaded) {
+TEST(File, AFullDiskIsTold) {
+    const TemporaryFolder folder;
+    MFile file(folder.File("a.bin"), true, false);
+    rlimit before{};
+    ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &before), 0);
+    const auto handler = std::signal(SIGXFSZ, SIG_IGN);
+    const rlimit full{4, before.rlim_max};
+    setrlimit(RLIMIT_FSIZE, &full);
+    EXPECT_TRUE(file.Write("1234", 4));
+    EXPECT_FALSE(file.Write("5", 1));
+    setrlimit(RLIMIT_FSIZE, &before);
+    std::signal(SIGXFSZ, handler);
+}
+
+TEST(File, IsPreloadedWhereMemoryHasRoom) {
     const TemporaryFolder folder;
     EXPECT_TRUE(MFile(folder.Write("empty", ""), false, true).inMemory);
+    SetMemoryLimit(9);
+    MFile file(folder.Write("large", "0123456789"), false, true);
+    SetMemoryLimit(0);
+    EXPECT_FALSE(file.inMemory);
+    EXPECT_EQ(file.GetSize(), 10);
+    char text[11] = {};
+    EXPECT_TRUE(file.Read(text, 10));
+    EXPECT_STREQ(text, "0123456789") << "from the disk";
 }
 
 TEST(Folders, NamesAreFoundInAnyCaseTheExactOneFirst) {
@@ -85,6 +110,11 @@ TEST(Folders, NamesAreFoundInAnyCaseTheExactOneFirst) {
     EXPECT_FALSE(FolderExists(folder.File("media/fonts/demo.sm")));
     EXPECT_FALSE(FileExists(folder.File("media/fonts/demo.smx")));
     EXPECT_EQ(GetFileSize(folder.File("media/fonts/DEMO.sm")), 1);
+    EXPECT_TRUE(FileExists(folder.File("media/../MEDIA/fonts/demo.sm")));
+    const std::filesystem::path before = std::filesystem::current_path();
+    std::filesystem::current_path(folder.path);
+    EXPECT_TRUE(FileExists("media/fonts/demo.sm")) << "from where the program stands";
+    std::filesystem::current_path(before);
     EXPECT_FALSE(FileExists(MString()));
     EXPECT_FALSE(FolderExists(MString()));
     EXPECT_TRUE(FolderExists("/"));

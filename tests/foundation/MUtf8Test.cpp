@@ -1,5 +1,7 @@
 #include "foundation/MUtf8.h"
 
+#include "foundation/MString.h"
+
 #include <gtest/gtest.h>
 
 #include <random>

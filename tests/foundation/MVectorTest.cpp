@@ -6,8 +6,10 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <fstream>
 #include <memory>
 #include <new>
+#include <string>
 #include <vector>
 
 namespace {
@@ -95,6 +97,11 @@ TEST(Vector, RefusesMoreThanTheMachineShouldGive) {
     };
     MVector<Large> absurd;
     EXPECT_FALSE(absurd.Resize(std::numeric_limits<std::int32_t>::max(), false));
+    std::ifstream machine("/proc/meminfo");
+    std::string name;
+    double kilobytes = 0;
+    ASSERT_TRUE(machine >> name >> kilobytes) << "the first line is the machine's memory";
+    EXPECT_NEAR(static_cast<double>(MemoryLimit()), kilobytes * 1024 / 2, 1 << 20);
 }
 
 TEST(Memory, AllThatIsHeldCountsTogether) {

@@ -1,5 +1,6 @@
 // Loading and saving by path, whatever the form.
 #include "TemporaryFolder.h"
+#include "foundation/MFile.h"
 #include "foundation/MMemory.h"
 #include "imaging/Pictures.h"
 #include "imaging/codecs/MCodec.h"

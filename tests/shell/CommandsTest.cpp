@@ -1,6 +1,6 @@
 #include "shell/Commands.h"
 
-#include "foundation/MUtf8.h"
+#include "foundation/MString.h"
 #include "imaging/MFileTypes.h"
 #include "shell/OpenFontFile.h"
 #include "shell/ShellFixture.h"
@@ -331,12 +331,33 @@ TEST_F(Commands, WebFontsHaveTheFormOfTheirExtension) {
     EXPECT_FALSE(std::filesystem::exists(Home().path / "d.ttf"));
 }
 
-TEST_F(Commands, ImportPhotofontCancelledLosesTheFont) {
+TEST_F(Commands, ImportPhotofontLosesTheFontAlsoWhenCancelled) {
     NewFont();
     RunCommand(CommandId::ImportPhotofont);
-    EXPECT_EQ(Headless::record.fileDialogs.back().title, MString("Import Photofont"));
     EXPECT_EQ(CurrentFont->GlyphCount(), 0);
     EXPECT_EQ(Paintings(), 0U) << "the window shows the old picture until it is painted next";
+    Chosen(Home().Write("f.phf", "<PhF>\n"));
+    RunCommand(CommandId::ImportPhotofont);
+    EXPECT_EQ(Paintings(), 1U);
+}
+
+TEST_F(Commands, AddPicture) {
+    RunCommand(CommandId::AddPicture);
+    EXPECT_EQ(CurrentFont->GlyphCount(), 0) << "cancelled";
+    DestroyCurrentFont();
+    MPicture picture(20, 40, FormatRGBA8);
+    picture.Fill(MColour(1, 2, 3));
+    EXPECT_TRUE(picture.Save(Home().File("A.png")));
+    picture.Free();
+    settings.Path(MPathKind::GlyphPicture) = Home().File("A.png");
+    settings.Char = 'A';
+    Headless::script.answers = {Answer::No};
+    EndsWithOk(DialogId::AddPicture);
+    RunCommand(CommandId::AddPicture);
+    ASSERT_EQ(CurrentFont->GlyphCount(), 1);
+    EXPECT_EQ(settings.GlyphHeight, 40) << "that of a new font's first picture";
+    EXPECT_EQ(CurrentFont->GetGlyph(u'A')->GetPixel(9, 39), MColour(1, 2, 3));
+    EXPECT_EQ(Paintings(), 1U);
 }
 
 TEST_F(Commands, EditorsRepackOnlyForADeletedGlyph) {

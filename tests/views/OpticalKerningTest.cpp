@@ -3,7 +3,7 @@
 #include "document/OpticalKerning.h"
 
 #include "document/Pairs.h"
-#include "foundation/MUtf8.h"
+#include "foundation/MString.h"
 #include "views/Fonts.h"
 
 #include <QCheckBox>
@@ -73,7 +73,8 @@ TEST_F(OpticalKerningWindow, TheMouseChoosesAndTheSliderTellsHowMuch) {
         QTest::mouseClick(&dialog, Qt::LeftButton, {}, line->geometry().center());
         EXPECT_EQ(LabelWith(dialog, "white").left(4), "A V:");
         EXPECT_TRUE(line->hasFocus());
-        QTest::keyClick(line, Qt::Key_Right, Qt::ControlModifier);
+        EXPECT_TRUE(PaintsAnew(dialog, line->geometry(),
+                               [&] { QTest::keyClick(line, Qt::Key_Right, Qt::ControlModifier); }));
         EXPECT_NE(dialog.grab(line->geometry()).toImage(), before);
         auto* const models = Named<QListView>(dialog, "Model pairs");
         EXPECT_EQ(models->model()->rowCount(), 1);

@@ -11,6 +11,7 @@
 #include <QDir>
 #include <QLabel>
 #include <QLineEdit>
+#include <QPaintEvent>
 #include <QPointer>
 #include <QScreen>
 #include <QScrollArea>
@@ -94,6 +95,25 @@ inline void Click(QWidget& window, const QString& button) {
 // What holds all controls of a dialog.
 inline QWidget& GroundOf(QWidget& dialog) {
     return *dialog.findChild<QScrollArea*>()->widget();
+}
+
+// Whether `act` has a dialog paint all of a place of its ground by itself. A grab tells nothing of that: it
+// paints anew.
+inline bool PaintsAnew(QWidget& dialog, const QRect& place, const std::function<void()>& act) {
+    class Watcher : public QObject {
+    public:
+        QRegion unpainted;
+
+        bool eventFilter(QObject*, QEvent* event) override {
+            if (event->type() == QEvent::Paint) unpainted -= static_cast<QPaintEvent*>(event)->region();
+            return false;
+        }
+    } watcher;
+    QTest::qWait(20); // for what is due already
+    watcher.unpainted = place;
+    GroundOf(dialog).installEventFilter(&watcher);
+    act();
+    return QTest::qWaitFor([&] { return watcher.unpainted.isEmpty(); }, 1000);
 }
 
 // Every label and button has room for its text, every field for a line, all lie on the dialog's ground, and the

@@ -5,7 +5,7 @@
 //
 // SIZE is the em in pixels, CELL the side of a cell, 16 to a row; codes are decimal. The background is grey,
 // the text white. Prints where the pen stands in each cell, as JSON: {"x": .., "y": ..}.
-#include "foundation/MUtf8.h"
+#include "foundation/MString.h"
 #include "glyphs/MDirect2DSurface.h"
 #include "platform/text/MOpenFace.h"
 #include "platform/text/MSystemFonts.h"

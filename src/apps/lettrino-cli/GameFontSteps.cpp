@@ -4,7 +4,7 @@
 #include "formats/game/MGameFontExport.h"
 #include "formats/game/MGameFontImport.h"
 #include "foundation/MFolders.h"
-#include "foundation/MUtf8.h"
+#include "foundation/MString.h"
 
 #include <nlohmann/json.hpp>
 

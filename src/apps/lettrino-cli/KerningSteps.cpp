@@ -2,7 +2,7 @@
 
 #include "apps/lettrino-cli/Words.h"
 #include "document/OpticalKerning.h"
-#include "foundation/MUtf8.h"
+#include "foundation/MString.h"
 #include "glyphs/KernFromFont.h"
 
 #include <algorithm>

@@ -2,7 +2,7 @@
 
 #include "apps/lettrino-cli/Words.h"
 #include "foundation/MFolders.h"
-#include "foundation/MUtf8.h"
+#include "foundation/MString.h"
 #include "glyphs/PictureSeries.h"
 #include "imaging/MPixelBudget.h"
 

@@ -1,6 +1,6 @@
 #include "apps/lettrino-cli/Report.h"
 
-#include "foundation/MUtf8.h"
+#include "foundation/MString.h"
 #include "glyphs/MFontList.h"
 #include "platform/text/MSystemFonts.h"
 

@@ -1,7 +1,7 @@
 #include "apps/lettrino-cli/Runner.h"
 
 #include "foundation/MFolders.h"
-#include "foundation/MUtf8.h"
+#include "foundation/MString.h"
 #include "platform/headless/Headless.h"
 
 #include <unistd.h>

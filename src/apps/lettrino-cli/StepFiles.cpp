@@ -3,7 +3,7 @@
 #include "apps/lettrino-cli/PictureSteps.h"
 #include "formats/SiblingPath.h"
 #include "foundation/MFolders.h"
-#include "foundation/MUtf8.h"
+#include "foundation/MString.h"
 #include "glyphs/PictureSeries.h"
 
 #include <initializer_list>

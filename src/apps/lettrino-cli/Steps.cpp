@@ -11,7 +11,7 @@
 #include "apps/lettrino-cli/Words.h"
 #include "document/ChangeGlyphHeight.h"
 #include "foundation/MNumbers.h"
-#include "foundation/MUtf8.h"
+#include "foundation/MString.h"
 #include "platform/headless/Headless.h"
 
 #include <algorithm>

@@ -3,7 +3,7 @@
 #include "apps/lettrino-cli/Words.h"
 #include "formats/webfont/MWebFontExport.h"
 #include "foundation/MFolders.h"
-#include "foundation/MUtf8.h"
+#include "foundation/MString.h"
 
 #include <algorithm>
 #include <cstdio>

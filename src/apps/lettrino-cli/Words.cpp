@@ -1,6 +1,6 @@
 #include "apps/lettrino-cli/Words.h"
 
-#include "foundation/MUtf8.h"
+#include "foundation/MString.h"
 
 #include <algorithm>
 #include <charconv>

@@ -3,7 +3,7 @@
 #include "document/MSettings.h"
 #include "foundation/MFolders.h"
 #include "foundation/MSafeFile.h"
-#include "foundation/MUtf8.h"
+#include "foundation/MString.h"
 #include "platform/MProgressDialog.h"
 
 #include <algorithm>

@@ -5,7 +5,7 @@
 #include "formats/game/MBmFont.h"
 #include "foundation/MFile.h"
 #include "foundation/MFolders.h"
-#include "foundation/MUtf8.h"
+#include "foundation/MString.h"
 #include "imaging/MPixelBudget.h"
 
 #include <algorithm>

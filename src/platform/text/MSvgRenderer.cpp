@@ -2,7 +2,7 @@
 
 #include "foundation/MDebug.h"
 #include "foundation/MFolders.h"
-#include "foundation/MUtf8.h"
+#include "foundation/MString.h"
 
 #include <fcntl.h>
 #include <spawn.h>

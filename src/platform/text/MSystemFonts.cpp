@@ -2,7 +2,7 @@
 
 #include "foundation/MFolders.h"
 #include "foundation/MNumbers.h"
-#include "foundation/MUtf8.h"
+#include "foundation/MString.h"
 #include "platform/text/MColourTable.h"
 #include "platform/text/MFontCheck.h"
 #include "platform/text/MFontPattern.h"
