@@ -371,7 +371,7 @@ TEST(Cli, PicturesBecomeGlyphs) {
 
 TEST(Cli, WholeFontEditsWebAndCubes) {
     Cli cli;
-    const std::string make = "--family 'DejaVu Sans' --height 40 --select A-Z,U+00E9 --generate ";
+    const std::string make = "--family 'DejaVu Sans' --height 40 --select A-Z,U+00C9,U+00E9 --generate ";
     EXPECT_EQ(cli.Info(make + "--ascii-only")["glyphs"].size(), 26U);
     EXPECT_LT(cli.Info(make + "--trim-rows")["glyphHeight"], 40);
     EXPECT_EQ(cli.Run(make + "--html demo.html"), 0) << cli.error;
@@ -380,7 +380,9 @@ TEST(Cli, WholeFontEditsWebAndCubes) {
         EXPECT_TRUE(cli.Has(file)) << file;
     EXPECT_EQ(cli.Run(make + "--minimal-html my-font.html"), 0);
     EXPECT_THAT(cli.error, HasSubstr("warning"));
-    cli.folder.Write("names.txt", "Anna\nBob\n");
+    EXPECT_EQ(cli.Info("--open demo.js")["glyphs"].size(), 28U) << cli.error;
+    cli.folder.Write("names.txt", "Anna\nB\xC3\xA9"
+                                  "a\n"); // UTF-8 without its mark
     cli.folder.Write("digit.txt", "X5\n");
     EXPECT_EQ(cli.Run(make + "--background 102030 --text 'ABC AB' line.png --names names.txt --cubes cube.png"),
               0);
@@ -390,6 +392,13 @@ TEST(Cli, WholeFontEditsWebAndCubes) {
     cli.folder.Write("none.txt", "\n");
     std::filesystem::create_directory(cli.folder.path / "no1.png"); // would be in the way of a cube
     EXPECT_EQ(cli.Run(make + "--names none.txt --cubes no.png"), 0) << cli.error;
+    cli.folder.Write("head",
+                     "<unicode_mapping>\n<map id=\"A\" unc=\"65\"/>\n</unicode_mapping>\n<glyph id=\"A\">\n"
+                     "<shape embedded=\"I\"/>\n<bbox width=\"9\" height=\"9\"/>\n<base y=\"9\"/>\n</glyph>\n"
+                     "</glyphs>\n<image id=\"I\">\nbase64\n");
+    cli.folder.Write("end", "</image>\n");
+    ASSERT_EQ(cli.Run("-c 'base64 line.png | cat head - end > a.phf'", {}, "bash"), 0);
+    EXPECT_EQ(cli.Info("--open a.phf")["glyphs"].size(), 1U) << cli.error;
     cli.folder.Write("empty.phf", "<PhF>\n");
     EXPECT_EQ(cli.Info(make + "--open empty.phf")["glyphs"].size(), 0U)
         << "nothing of the font before it stays";

@@ -50,6 +50,7 @@ TEST_F(SettingsTest, ChosenFilesAreRemembered) {
     MString& remembered = settings.Path(MPathKind::SavePicture);
     remembered = "/pictures";
     EXPECT_TRUE(ChooseFile(AnyWindow(), MPathKind::SavePicture).IsEmpty()); // cancelled
+    EXPECT_EQ(Narrow(Headless::record.fileDialogs.back().folder), "/pictures");
     EXPECT_EQ(Narrow(remembered), "/pictures");
     Headless::script.files = {"/out.d/a.jpg", "/fonts/x.sm"};
     EXPECT_EQ(Narrow(ChooseFile(AnyWindow(), MPathKind::SavePicture)), "/out.d/a.png");
@@ -57,8 +58,6 @@ TEST_F(SettingsTest, ChosenFilesAreRemembered) {
     EXPECT_EQ(Narrow(remembered), "/out.d/a.png");
     ChooseFile(AnyWindow(), MPathKind::SavePicture);
     EXPECT_EQ(Narrow(Headless::record.fileDialogs.back().folder), "/out.d");
-    EXPECT_EQ(Narrow(Headless::record.fileDialogs.back().title), "Save Picture");
-    EXPECT_TRUE(Headless::record.fileDialogs.back().save);
     const std::size_t asked = Headless::record.fileDialogs.size();
     EXPECT_TRUE(ChooseFile(nullptr, MPathKind::OpenFont).IsEmpty());
     EXPECT_TRUE(ChooseFile(AnyWindow(), MPathKind::Temporary).IsEmpty());
@@ -70,25 +69,31 @@ TEST_F(SettingsTest, FileDialogsOfferWhatTheTableOfFileTypesHolds) {
         ChooseFile(AnyWindow(), kind);
         const Desktop::FileDialog& dialog = Headless::record.fileDialogs.back();
         EXPECT_EQ(dialog.filters.size(), 1U);
-        return Narrow(dialog.filters[0].name) + "|" + Narrow(dialog.filters[0].pattern);
+        return Narrow(dialog.title) + (dialog.save ? ", to write|" : "|") + Narrow(dialog.filters[0].name) +
+               "|" + Narrow(dialog.filters[0].pattern);
     };
     const std::string pictures =
         "*.BMP;*.DDS;*.GIF;*.HEIC;*.HEIF;*.JFIF;*.JPE;*.JPEG;*.JPG;*.PNG;*.TGA;*.TIF;*.TIFF";
     const std::pair<MPathKind, std::string> cases[] = {
-        {MPathKind::OpenFont, "Showmarquee colour fonts (*.SM)|*.SM"},
-        {MPathKind::SaveFont, "Showmarquee colour fonts (*.SM)|*.SM"},
-        {MPathKind::SavePicture, "PNG Files (*.PNG)|*.PNG"},
-        {MPathKind::SaveHtml, "HTML Files (*.HTML)|*.HTML"},
-        {MPathKind::ImportPhotofont, "PHF Files (*.PHF)|*.PHF"},
-        {MPathKind::ImportHtml, "Javascript Files (*.JS)|*.JS"},
+        {MPathKind::OpenFont, "Open Font|Showmarquee colour fonts (*.SM)|*.SM"},
+        {MPathKind::SaveFont, "Save Font, to write|Showmarquee colour fonts (*.SM)|*.SM"},
+        {MPathKind::SavePicture, "Save Picture, to write|PNG Files (*.PNG)|*.PNG"},
+        {MPathKind::SaveHtml, "Save HTML, to write|HTML Files (*.HTML)|*.HTML"},
+        {MPathKind::ImportPhotofont, "Import Photofont|PHF Files (*.PHF)|*.PHF"},
+        {MPathKind::ImportHtml, "Import HTML|Javascript Files (*.JS)|*.JS"},
+        {MPathKind::SaveGameFont, "Export as game font, to write|FNT Files (*.FNT)|*.FNT"},
+        {MPathKind::ImportGameFont,
+         "Import game font|Game fonts (*.fnt;*.xml;*.bin;*.json)|*.fnt;*.xml;*.bin;*.json"},
+        {MPathKind::SaveWebFont, "Export as web font, to write|Web fonts (*.woff2;*.ttf)|*.woff2;*.ttf"},
         // Also where the table was not built, as in programs without a window.
-        {MPathKind::FindPicture, "Picture files (" + pictures + ")|" + pictures},
+        {MPathKind::FindPicture, "Load Picture|Picture files (" + pictures + ")|" + pictures},
     };
     for (const auto& [kind, text] : cases)
         EXPECT_EQ(filter(kind), text);
     ASSERT_TRUE(FileTypes.BuildFileTypes());
     FileTypes.AddExtension(14, "zzz");
-    EXPECT_EQ(filter(MPathKind::GlyphPicture), "Picture files (" + pictures + ";*.ZZZ)|" + pictures + ";*.ZZZ");
+    EXPECT_EQ(filter(MPathKind::GlyphPicture),
+              "Load Picture|Picture files (" + pictures + ";*.ZZZ)|" + pictures + ";*.ZZZ");
     FileTypes = {};
 }
 

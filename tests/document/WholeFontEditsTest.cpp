@@ -39,7 +39,11 @@ TEST_F(WholeFontEditsTest, ScaleTruncatesFloats) {
         EXPECT_EQ(font.Kerning.data[0].Amount, c.after); // stays, also with amount 0
     }
     MGlyph& glyph = AddGlyph(font, u'B', 33, 20);
+    for (std::int32_t pixel = 0; pixel < 33 * 20; ++pixel)
+        if (pixel % 33 >= 16) glyph.SetPixel(pixel % 33, pixel / 33, {1, 2, 3});
     font.Scale(0.5F);
+    EXPECT_EQ(std::tuple(glyph.GetPixel(6, 9).a, glyph.GetPixel(9, 9).a), std::tuple(0, 255))
+        << "all of it, smaller";
     EXPECT_EQ(std::tuple(glyph.Width, glyph.Height, glyph.Picture.Width, glyph.Picture.Height),
               std::tuple(16, 10, 16U, 10U));
     EXPECT_EQ(settings.GlyphHeight, 100); // the caller's to set

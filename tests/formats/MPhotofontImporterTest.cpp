@@ -29,11 +29,13 @@ std::string Base64Of(const std::string& bytes) {
 
 class PhotofontTest : public FontFileTest {
 protected:
+    MPixelFormat format = FormatRGBA8; // of the pictures
+
     PhotofontTest() { settings.Path(MPathKind::Temporary) = FromSystemPath(folder.path); }
 
     // A picture with ink in columns 2 to width - 3 of all rows, each row its own red, as base64 in 76 columns.
     std::string Payload(int width, int height) const {
-        MPicture picture(static_cast<std::uint32_t>(width), static_cast<std::uint32_t>(height), FormatRGBA8);
+        MPicture picture(static_cast<std::uint32_t>(width), static_cast<std::uint32_t>(height), format);
         picture.Fill(MColour(0, 0, 0, 0));
         for (int y = 0; y < height; ++y) {
             for (int x = 2; x < width - 2; ++x)
@@ -98,8 +100,10 @@ const std::vector<Glyph> sample = {{"A", 65, 12, 20, 12, 20, 1, 15, 13},
 
 TEST_F(PhotofontTest, PlacesGlyphsOnOneBaseline) {
     settings.PaddingTop = 5; // of earlier pictures
-    ASSERT_TRUE(Import(File(sample, "<pair left=\"A\" right=\"g\" x=\"-5\"/>\n<pair left=\"g\" right=\"A\" "
-                                    "x=\"0\"/>\n<pair left=\"A\" right=\"none\" x=\"3\"/>\n")));
+    ASSERT_TRUE(
+        Import(File({sample[1], sample[0], sample[2]},
+                    "<pair left=\"A\" right=\"g\" x=\"-5\"/>\n<pair left=\"g\" right=\"A\" x=\"0\"/>\n"
+                    "<pair left=\"A\" right=\"none\" x=\"3\"/>\n<pair left=\"g\" right=\"g\" x=\"-8\"/>\n")));
     EXPECT_EQ(Codes(), "65 103 ");
     // 15 rows above the baseline and 6 below it; the baseline itself is measured anew by the "A", as by any
     // picture.
@@ -113,9 +117,14 @@ TEST_F(PhotofontTest, PlacesGlyphsOnOneBaseline) {
     EXPECT_EQ(a.GetPixel(0, 20).a, 0);
     EXPECT_EQ(g.GetPixel(0, 4).a, 0);
     EXPECT_EQ(g.GetPixel(0, 14).r, 9);
-    EXPECT_EQ(PairsOf(font), (Pairs{{'A', 'g', -5}}));
+    EXPECT_EQ(PairsOf(font), (Pairs{{'g', 'g', -8}, {'A', 'g', -5}})) << "both sorted, as the glyphs are";
     EXPECT_EQ(Headless::record.progressPercents.back(), 66);
 
+    format = FormatRGB8;
+    ASSERT_TRUE(Import(File(sample)));
+    EXPECT_EQ(font.GetGlyph(u'g')->GetPixel(2, 14).r, 9) << "without alpha alike";
+
+    format = FormatRGBA8;
     std::vector<Glyph> tall = sample;
     tall[2].baseY = 18; // rows that no picture reaches
     ASSERT_TRUE(Import(File(tall)));

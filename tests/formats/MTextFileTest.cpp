@@ -135,7 +135,7 @@ TEST_F(TextFileTest, LinesEndInAnyWay) {
     EXPECT_EQ(Lines("\xFF\xFE"
                     "a\0\n\0b\0x"s),
               (Expected{{"a"}, {"b"}})); // the odd last byte is dropped
-    EXPECT_EQ(Lines("\xFE\xFF\0a\0\r\0\n\0b"s), (Expected{{"a"}, {"b"}}));
+    EXPECT_EQ(Lines("\xFE\xFF\0a\0\r\0\n\0b\0\r\0c"s), (Expected{{"a"}, {"b"}, {"c"}}));
     EXPECT_EQ(Lines("\xEF\xBB\xBF\n\xC3\xA9"), (Expected{{}, {"\xC3\xA9"}}));
     EXPECT_EQ(Lines("\xEF\xBBz"), (Expected{{"\xC3\xAF\xC2\xBBz"}})); // no mark: read from its first byte
     EXPECT_EQ(Lines("a b\0c d\ne"s), (Expected{{"a", "b"}, {"e"}}));  // text ends at a zero

@@ -81,6 +81,23 @@ TEST_F(ColourGlyphs, ComeInTheFontsOwnColours) {
     EXPECT_EQ(MGlyphRenderer(nullptr).surface, nullptr);
 }
 
+TEST_F(ColourGlyphs, OfAFamilyWithoutColoursAreThoseOfItsFace) {
+    settings.FontName = "Liberation Sans";
+    for (const auto& [weight, italic] : {std::pair(400, false), {700, false}, {400, true}}) {
+        settings.Weight = weight;
+        settings.Italic = italic;
+        settings.ColourFont = true;
+        const auto coloured = MGlyphRenderer(nullptr).RenderGlyph(u'H');
+        settings.ColourFont = false;
+        const auto plain = MGlyphRenderer(nullptr).RenderGlyph(u'H');
+        ASSERT_TRUE(coloured && plain);
+        std::int32_t different = 0;
+        for (const auto& [x, y] : PlacesOf(plain->Picture))
+            different += std::abs(coloured->GetPixel(x, y).a - plain->GetPixel(x, y).a) > 160;
+        EXPECT_LT(different, 40) << weight << italic;
+    }
+}
+
 TEST_F(ColourGlyphs, AreAsTallAsTheRule) {
     ASSERT_TRUE(added.Add("letters.ttf", Letters("Laboratory Sans").Build()));
     settings.FontName = "Laboratory Sans";

@@ -147,6 +147,15 @@ TEST_F(GlyphRenderer, TheReferenceFamilyIsItsOwnMeasure) {
     EXPECT_EQ(same.verticalOffset, 0);
     settings.FontName = "arial black";
     EXPECT_EQ(MGlyphRenderer(nullptr).fontHeight, 100) << "measured, by the same face";
+
+    fonts::Font bold = Letters("Arial Black");
+    bold.weight = 700;
+    bold.glyphs[bold.characters[u'I']] = {{fonts::Box(100, 0, 300, 350)}};
+    bold.glyphs[bold.characters[u'j']] = {{fonts::Box(100, -100, 300, 350)}};
+    ASSERT_TRUE(added.Add("bold.ttf", bold.Build()));
+    settings.FontName = "Laboratory Sans";
+    settings.Weight = 700;
+    EXPECT_NEAR(MGlyphRenderer(nullptr).fontHeight, 50, 4) << "by the face of the same weight";
 }
 
 TEST_F(GlyphRenderer, SpacingsRoundUpAndThinInkIsNoGlyph) {
@@ -225,6 +234,7 @@ TEST_F(GlyphRenderer, RunFillsSlotsAndTakesMetricsFromA) {
     settings.Selected['H'] = 1;
     EXPECT_TRUE(font.GenerateSelectedCharacters());
     EXPECT_EQ(font.CapHeight + font.Baseline, 0) << "no other letter is measured";
+    EXPECT_EQ(Headless::record.progressPercents.back(), 100) << "of those that are selected";
 
     settings.Selected.fill(1);
     font.Glyphs[4] = std::make_unique<MGlyph>(0xA0, 5, 5, 0, 0, true);
@@ -238,7 +248,6 @@ TEST_F(GlyphRenderer, RunFillsSlotsAndTakesMetricsFromA) {
     EXPECT_EQ(font.CapHeight, rows.Count());
     EXPECT_GT(font.CapHeight, 40);
     EXPECT_TRUE(Headless::record.progressTexts.back().Equals(u"Creating characters..."));
-    EXPECT_EQ(Headless::record.progressPercents.back(), 100);
 
     // Metrics that are known stay; unknown ones are measured again.
     settings.GlyphHeight = 50;

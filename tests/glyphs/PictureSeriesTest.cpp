@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include <tuple>
 #include <utility>
 
 namespace {
@@ -66,6 +67,8 @@ protected:
              {std::pair{"b.png", 30U}, {"c.png", 60U}, {"d.png", 15U}, {"f.png", 5U}}) {
             OwnedPicture picture = BlankPicture(20, height, FormatRGBA8);
             picture.Fill(MColour(1, 2, 3));
+            for (std::int32_t place = 0; place < 4 * static_cast<std::int32_t>(height); ++place)
+                picture.SetPixel(place % 4, place / 4, MColour(0, 0, 0, 0));
             picture.Save(folder.File(name));
         }
         Choose("b.png", u'b');
@@ -74,6 +77,7 @@ protected:
         settings.Path(MPathKind::GlyphPicture) = folder.File(file);
         settings.Char = character;
         settings.SpacingBefore = 4;
+        settings.SpacingAfter = 5;
     }
     std::string Characters() const {
         std::string all;
@@ -89,8 +93,9 @@ TEST_F(ChosenPictures, TheFirstOfANewFontGivesTheHeight) {
     AddChosenPictures(font, true);
     EXPECT_EQ(settings.GlyphHeight, 30);
     EXPECT_EQ(Characters(), "bz") << "sorted";
-    EXPECT_EQ(font.GetGlyph(u'b')->Width, 20);
+    EXPECT_EQ(font.GetGlyph(u'b')->Width, 17) << "trimmed";
     EXPECT_EQ(font.GetGlyph(u'b')->SpacingBefore, 4);
+    EXPECT_EQ(font.GetGlyph(u'b')->SpacingAfter, 5);
     EXPECT_TRUE(font.Picture.IsValid()) << "repacked";
     ASSERT_EQ(Headless::record.messages.size(), 1U);
     const Headless::Message& question = Headless::record.messages[0];
@@ -107,9 +112,12 @@ TEST_F(ChosenPictures, TheFirstOfANewFontGivesTheHeight) {
 }
 
 TEST_F(ChosenPictures, YesAddsTheRestOfTheSeries) {
+    settings.Trim = false;
     AddChosenPictures(font, true);
     EXPECT_EQ(Characters(), "bcd");
-    EXPECT_EQ(font.GetGlyph(u'd')->Height, 30);
+    const MGlyph& last = *font.GetGlyph(u'd');
+    EXPECT_EQ(std::tuple(last.Width, last.Height, last.SpacingBefore, last.SpacingAfter),
+              std::tuple(40, 30, 4, 5));
     EXPECT_EQ(Narrow(settings.Path(MPathKind::GlyphPicture).GetFileName()), "b.png") << "stays the chosen one";
     EXPECT_EQ(settings.Char, std::uint32_t{'b'});
 

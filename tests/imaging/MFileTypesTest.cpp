@@ -42,8 +42,6 @@ TEST(FileTypes, CategoriesAreSortedAndWithoutDoubles) {
     const std::vector<std::u16string> expected = {u"BMP",  u"DDS", u"GIF", u"HEIC", u"HEIF", u"JFIF", u"JPE",
                                                   u"JPEG", u"JPG", u"PNG", u"TGA",  u"TIF",  u"TIFF"};
     EXPECT_EQ(pictures, expected);
-    EXPECT_EQ(types.Extensions[9].count, 28);
-    EXPECT_EQ(types.Extensions[20].count, 28 + 13 - 1) << "GIF is in both";
     EXPECT_STREQ(MFileTypes::GetTypeName(20), "Picture and video files");
     for (const std::int32_t outside : {-1, 21})
         EXPECT_STREQ(MFileTypes::GetTypeName(outside), "?");

@@ -67,6 +67,7 @@ inline std::vector<Point> Circle(int x, int y, int radius) {
 
 struct Font {
     std::string family = "Built Sans";
+    int weight = 400;
     int unitsPerEm = 1000;
     int ascent = 800;
     int descent = 200;
@@ -227,7 +228,8 @@ private:
     }
     std::string Os2() const {
         Bytes os2;
-        os2.U16s({4, 600, 400, 5, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 1, 0, 0, 0, 0, 0, 0});
+        os2.U16s(
+            {4, 600, weight, 5, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 1, 0, 0, 0, 0, 0, 0});
         os2.Add("TEST").U16s({0x40, 32, 0xFFFF, ascent, -descent, 0, ascent, descent});
         return os2.U16s({0, 1, 0, 0, 500, 700, 0, 32, 1});
     }

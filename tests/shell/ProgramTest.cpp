@@ -1,5 +1,6 @@
 #include "shell/Program.h"
 
+#include "foundation/MFolders.h"
 #include "glyphs/MFontList.h"
 #include "imaging/MFileTypes.h"
 #include "licensing/MLicense.h"
@@ -36,9 +37,21 @@ TEST_F(Program, StartsAndEndsInOrder) {
         EXPECT_EQ(Headless::record.dialogs, std::vector{DialogId::About})
             << "at every start of an unlicensed copy";
         EXPECT_FALSE(SettingsWritten()) << "settings are written at the end only";
+        for (const auto& [kind, folder] : {std::pair(MPathKind::OpenFont, "/Media/Fonts"),
+                                           {MPathKind::SaveFont, "/Lettrino/Fonts"},
+                                           {MPathKind::FindPicture, "/Lettrino/Fonts"},
+                                           {MPathKind::GlyphPicture, "/Lettrino/Pictures"},
+                                           {MPathKind::SavePicture, "/Lettrino/Pictures"},
+                                           {MPathKind::SaveHtml, "/Lettrino/HTML"},
+                                           {MPathKind::Temporary, "/Lettrino/Temp"},
+                                           {MPathKind::ImportHtml, "/Lettrino/Fonts"}}) {
+            EXPECT_TRUE(Narrow(Settings->Path(kind)).ends_with(folder)) << Narrow(Settings->Path(kind));
+            EXPECT_TRUE(FolderExists(Settings->Path(kind))) << folder;
+        }
         EXPECT_EQ(CurrentFont, nullptr);
         CurrentOrNewFont();
         RecordWindowRect({40, 50, 900, 700});
+        Settings->Path(MPathKind::SaveHtml) = "/pages";
         return 7;
     };
     EXPECT_EQ(RunProgram({}), 7);
@@ -50,6 +63,7 @@ TEST_F(Program, StartsAndEndsInOrder) {
     // The next start finds what the last one left.
     Headless::script.messageLoop = [] {
         EXPECT_EQ(Headless::record.mainWindows.back().left, 40);
+        EXPECT_EQ(Narrow(Settings->Path(MPathKind::SaveHtml)), "/pages");
         Settings->Keys[0] = "Ann";
         return 0;
     };

@@ -42,17 +42,22 @@ protected:
         return all;
     }
     static QImage Shown(QWidget& dialog) { return dialog.grab().toImage(); }
+    static bool GridPaintsAnew(QWidget& dialog, const std::function<void()>& act) {
+        return PaintsAnew(dialog, Named<QWidget>(dialog, "Characters")->geometry(), act);
+    }
 };
 
 } // namespace
 
 TEST_F(AddGlyphsWindow, LooksAsAUserExpects) {
     settings.FontName = "DejaVu Serif";
+    settings.ColourFont = true;
     EXPECT_FALSE(RunAnd(DialogId::AddGlyphs, [&](QWidget& dialog) {
         auto* const family = Named<QComboBox>(dialog, "Font family");
         EXPECT_EQ(family->currentText(), "DejaVu Serif");
         EXPECT_EQ(Named<QComboBox>(dialog, "Style")->currentText(), "Normal");
         EXPECT_EQ(Named<QLineEdit>(dialog, "Glyph height")->text(), "100");
+        EXPECT_TRUE(Named<QCheckBox>(dialog, "Colour font")->isChecked());
         const QRect grid = Named<QWidget>(dialog, "Characters")->geometry();
         EXPECT_EQ(grid.topLeft(), QPoint(10, 10));
         EXPECT_EQ(grid.right() + 1, family->x() - 10);
@@ -70,17 +75,19 @@ TEST_F(AddGlyphsWindow, LooksAsAUserExpects) {
 TEST_F(AddGlyphsWindow, ChangesStayAfterCancelButTheHeight) {
     EXPECT_FALSE(RunAnd(DialogId::AddGlyphs, [&](QWidget& dialog) {
         const QImage before = Shown(dialog);
-        ChooseFamily(dialog, "Liberation Serif");
+        EXPECT_TRUE(GridPaintsAnew(dialog, [&] { ChooseFamily(dialog, "Liberation Serif"); }));
         EXPECT_TRUE(settings.FontName.Equals(u"Liberation Serif"));
         EXPECT_NE(Shown(dialog), before);
         auto* const style = Named<QComboBox>(dialog, "Style");
         EXPECT_EQ(style->count(), 4);
         style->setFocus();
-        QTest::keyClick(style, Qt::Key_End);
+        EXPECT_TRUE(GridPaintsAnew(dialog, [&] { QTest::keyClick(style, Qt::Key_End); }));
         EXPECT_EQ(style->currentText(), "Bold Italic");
         QTest::keyClick(style, Qt::Key_F, Qt::AltModifier);
         EXPECT_TRUE(Named<QComboBox>(dialog, "Font family")->hasFocus());
-        QTest::mouseClick(Named<QCheckBox>(dialog, "Colour font"), Qt::LeftButton, {}, QPoint(8, 8));
+        EXPECT_TRUE(GridPaintsAnew(dialog, [&] {
+            QTest::mouseClick(Named<QCheckBox>(dialog, "Colour font"), Qt::LeftButton, {}, QPoint(8, 8));
+        }));
         TypeInto(Named<QLineEdit>(dialog, "Glyph height"), "77");
         QTest::keyClick(&dialog, Qt::Key_Escape);
     }));
@@ -95,7 +102,9 @@ TEST_F(AddGlyphsWindow, DragsMarkAndUnmark) {
         const auto cell = [&](char16_t character) { return CellOf(dialog, character); };
         Drag(dialog, Qt::LeftButton, {cell(u'a'), cell(u'b'), cell(u'c')});
         EXPECT_EQ(Selected(), "ABCDEFGHIJKLMNOPQRSTUVWXYZabc");
-        Drag(dialog, Qt::RightButton, {cell(u'b'), cell(u'B'), cell(u'C')});
+        EXPECT_TRUE(GridPaintsAnew(dialog, [&] {
+            Drag(dialog, Qt::RightButton, {cell(u'b'), cell(u'B'), cell(u'C')});
+        }));
         EXPECT_EQ(Selected(), "ADEFGHIJKLMNOPQSTUVWXYZac") << "R lies on the way";
         EXPECT_TRUE(Named<QWidget>(dialog, "Characters")->hasFocus());
         QTest::mousePress(&dialog, Qt::LeftButton, {}, cell(u'e'));
@@ -126,7 +135,7 @@ TEST_F(AddGlyphsWindow, AQuickDragMarksAllThatItPasses) {
         QTest::keyClick(grid, Qt::Key_Right);
         EXPECT_FALSE(tree->state().checked);
         EXPECT_EQ(tree->text(QAccessible::Value).toStdString(), "t (116), not selected");
-        QTest::keySequence(grid, QKeySequence::SelectAll);
+        EXPECT_TRUE(GridPaintsAnew(dialog, [&] { QTest::keySequence(grid, QKeySequence::SelectAll); }));
         EXPECT_EQ(settings.SelectedCount(), 223);
         auto* const swatch = QAccessible::queryAccessibleInterface(Named<QWidget>(dialog, "Colour"));
         EXPECT_EQ(swatch->role(), QAccessible::PushButton);
@@ -152,7 +161,7 @@ TEST_F(AddGlyphsWindow, TheGridWorksByKeyboard) {
         grid->setFocus();
         EXPECT_NE(Shown(dialog), before) << "a frame shows where the keyboard is";
         EXPECT_EQ(grid->accessibleDescription(), "A (65), not selected");
-        QTest::keyClick(grid, Qt::Key_Space);
+        EXPECT_TRUE(GridPaintsAnew(dialog, [&] { QTest::keyClick(grid, Qt::Key_Space); }));
         EXPECT_EQ(grid->accessibleDescription(), "A (65), selected");
         for (const auto key : {Qt::Key_Right, Qt::Key_Space, Qt::Key_Down, Qt::Key_Space, Qt::Key_Left,
                                Qt::Key_Up, Qt::Key_Space, Qt::Key_End, Qt::Key_Space})
@@ -173,6 +182,7 @@ TEST_F(AddGlyphsWindow, TheSwatchOpensTheChoiceOfColours) {
     const auto choose = [](QWidget& colours) {
         auto* const chooser = qobject_cast<QColorDialog*>(&colours);
         ASSERT_TRUE(chooser);
+        EXPECT_EQ(QColorDialog::customColor(0), QColor(Qt::white));
         chooser->setCurrentColor(QColor(1, 200, 3));
         chooser->accept();
     };
@@ -191,7 +201,8 @@ TEST_F(AddGlyphsWindow, TheSwatchOpensTheChoiceOfColours) {
             Named<QLineEdit>(dialog, "Glyph height")->setFocus();
             PressMnemonic(Qt::Key_C);
             EXPECT_TRUE(swatch->hasFocus());
-            WhileOpen([&] { return way(), 0; }, choose);
+            EXPECT_TRUE(
+                PaintsAnew(dialog, swatch->geometry(), [&] { WhileOpen([&] { return way(), 0; }, choose); }));
             EXPECT_EQ(settings.Colour, MColour(1, 200, 3));
             EXPECT_EQ(ColourAt(dialog, swatch->geometry().center()), QColor(1, 200, 3));
         }

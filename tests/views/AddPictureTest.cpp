@@ -5,6 +5,7 @@
 
 #include <QCheckBox>
 #include <QFileDialog>
+#include <tuple>
 
 using Desktop::DialogId;
 
@@ -29,11 +30,14 @@ constexpr const char* amounts[] = {"Padding top", "Padding bottom", "Spacing bef
 
 TEST_F(AddPictureWindow, LooksAsAUserExpects) {
     Path() = folder.File("glyph_R.png");
+    std::tie(settings.PaddingTop, settings.PaddingBottom) = std::tuple(1, 2);
+    std::tie(settings.SpacingBefore, settings.SpacingAfter) = std::tuple(3, 4);
+    settings.Trim = false;
     EXPECT_FALSE(RunAnd(DialogId::AddPicture, [&](QWidget& dialog) {
         EXPECT_EQ(Named<QLineEdit>(dialog, "Character")->text(), "#");
-        for (const char* name : amounts)
-            EXPECT_EQ(Named<QLineEdit>(dialog, name)->text(), "0");
-        EXPECT_TRUE(Named<QCheckBox>(dialog, "Trim horizontally")->isChecked());
+        for (int i = 0; i < 4; ++i)
+            EXPECT_EQ(Named<QLineEdit>(dialog, amounts[i])->text(), QString::number(i + 1));
+        EXPECT_FALSE(Named<QCheckBox>(dialog, "Trim horizontally")->isChecked());
         // The picture lies in the middle of its ground, which is clear of all controls.
         const QRect ground = Find(dialog, QColor(0, 255, 0));
         const QRect ink = Find(dialog, QColor(0, 0, 255));
@@ -82,16 +86,24 @@ TEST_F(AddPictureWindow, OkTakesWhatIsThere) {
 TEST_F(AddPictureWindow, BrowsingShowsThePictureAndItsCharacter) {
     EXPECT_TRUE(RunAnd(DialogId::AddPicture, [&](QWidget& dialog) {
         EXPECT_TRUE(Find(dialog, QColor(0, 0, 255)).isEmpty());
-        WhileOpen([&] { return Click(dialog, "Browse"), 0; },
-                  [&](QWidget& files) {
-                      auto* const chooser = qobject_cast<QFileDialog*>(&files);
-                      ASSERT_TRUE(chooser);
-                      EXPECT_EQ(chooser->windowTitle(), "Load Picture");
-                      auto* const name = chooser->findChild<QLineEdit*>("fileNameEdit");
-                      ASSERT_TRUE(name);
-                      TypeInto(name, QString::fromStdString((folder.path / "glyph_R.png").string()));
-                      QTest::keyClick(name, Qt::Key_Return);
-                  });
+        const auto browse = [&] {
+            WhileOpen([&] { return Click(dialog, "Browse"), 0; },
+                      [&](QWidget& files) {
+                          auto* const chooser = qobject_cast<QFileDialog*>(&files);
+                          ASSERT_TRUE(chooser);
+                          EXPECT_EQ(chooser->windowTitle(), "Load Picture");
+                          auto* const name = chooser->findChild<QLineEdit*>("fileNameEdit");
+                          ASSERT_TRUE(name);
+                          TypeInto(name, QString::fromStdString((folder.path / "glyph_R.png").string()));
+                          QTest::keyClick(name, Qt::Key_Return);
+                      });
+        };
+        browse();
+        const QRect preview = Find(dialog, QColor(0, 255, 0));
+        EXPECT_TRUE(PaintsAnew(dialog, preview, browse)) << "the same name, but maybe another picture";
+        EXPECT_TRUE(
+            PaintsAnew(dialog, preview, [&] { TypeInto(Named<QLineEdit>(dialog, "Picture"), "none.png"); }));
+        browse();
         EXPECT_TRUE(Named<QLineEdit>(dialog, "Picture")->text().endsWith("/glyph_R.png"));
         EXPECT_EQ(Named<QLineEdit>(dialog, "Character")->text(), "R");
         EXPECT_FALSE(Find(dialog, QColor(0, 0, 255)).isEmpty());

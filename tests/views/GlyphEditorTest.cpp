@@ -99,7 +99,7 @@ TEST_F(GlyphEditor, TheLastGlyphLeavesNoPreview) {
     AddBlock(u'A');
     RunAnd(DialogId::GlyphEditor, [&](QWidget& dialog) {
         EXPECT_FALSE(Find(dialog, QColor(0, 0, 255)).isNull());
-        PressMnemonic(Qt::Key_D);
+        EXPECT_TRUE(PaintsAnew(dialog, Preview(dialog), [] { PressMnemonic(Qt::Key_D); }));
         EXPECT_TRUE(Find(dialog, QColor(0, 0, 255)).isNull());
         EXPECT_EQ(Named<QListView>(dialog, "Glyphs")->model()->rowCount(), 0);
     });

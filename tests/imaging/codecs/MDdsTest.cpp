@@ -43,8 +43,10 @@ TEST(Dds, WritesBc1AndWideChannels) {
     EXPECT_EQ(std::memcmp(bc1.data() + 84, "DXT1", 4), 0);
     const Bytes wide = Encoded("DDS", SmoothPicture(5, 6, FormatR16));
     EXPECT_EQ(wide.size(), 128U + 5 * 6 * 8);
-    const OwnedPicture halves = Decoded("DDS", Encoded("DDS", SmoothPicture(2, 2, FormatRHalf)));
-    EXPECT_EQ(halves.GetPixelHalf(0, 0).a, Imath::half(1.0F));
+    for (const MPixelFormat format : {FormatRHalf, FormatRGBHalf}) {
+        const OwnedPicture halves = Decoded("DDS", Encoded("DDS", SmoothPicture(2, 2, format)));
+        EXPECT_EQ(halves.GetPixelHalf(0, 0).a, Imath::half(1.0F)) << format;
+    }
 }
 
 // Random blocks by exact fractions of whole numbers, each rounded to the nearest byte. Halfway between two end

@@ -17,7 +17,7 @@ struct Form {
 
 // Floats pass through other steps on the way to bytes, hence the 1.
 constexpr Form forms[] = {
-    {"PNG", {1, 2, 2, 4, 5, 5, 7, 8, 8}, 1},   {"TIFF", {1, 2, 3, 4, 5, 6, 7, 8, 9}, 0},
+    {"PNG", {1, 2, 2, 4, 5, 5, 7, 8, 8}, 1},
     {"BMP", {7, 7, 7, 4, 4, 4, 7, 7, 7}, 0},   {"JPEG", {1, 1, 1, 4, 4, 4, 4, 4, 4}, 10},
     {"HEIF", {4, 4, 4, 4, 4, 4, 7, 7, 7}, 14}, {"DDS", {7, 8, 9, 7, 8, 9, 7, 8, 9}, 14},
 };

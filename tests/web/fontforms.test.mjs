@@ -1,0 +1,53 @@
+// Exported fonts that are not as the program makes most of them: without a cap height, and with another picture.
+import assert from 'node:assert/strict';
+import { readFileSync, writeFileSync } from 'node:fs';
+import { join } from 'node:path';
+import { after, before, test } from 'node:test';
+import { Tabs, ways } from './tabs.mjs';
+
+const tabs = new Tabs();
+const { site } = tabs;
+let size; // at which the font with capitals stands at its own size
+
+before(async () => {
+    await tabs.open();
+    const make = ['--family', 'DejaVu Serif', '--height', '100', '--colour', '2060C0', '--select'];
+    site.cli(...make, 'a-z', '--generate', '--save', 'small.sm', '--minimal-html', 'small.html');
+    site.cli(...make, 'A-Z', '--generate', '--save', 'large.sm', '--minimal-html', 'large.html');
+    size = JSON.parse(site.cli('--open', 'large.sm', '--info')).capHeight / 0.7;
+    const picture = join(site.folder, 'large.png');
+    site.cli('--open', 'large.sm', '--text', 'AVATAR', 'AVATAR.png');
+    const twice = await site.withPixels([readFileSync(picture)], () => {
+        const [{ data, width, height }] = window.pictures;
+        const context = Object.assign(document.createElement('canvas'), { width: 2 * width, height: 2 * height }).getContext('2d');
+        const pixels = context.createImageData(2 * width, 2 * height);
+        for (let i = 0; i < pixels.data.length; ++i) {
+            const [x, y] = [(i >> 3) % width, Math.floor((i >> 3) / width / 2)];
+            pixels.data[i] = data[4 * (y * width + x) + i % 4];
+        }
+        context.putImageData(pixels, 0, 0);
+        return context.canvas.toDataURL('image/png').slice('data:image/png;base64,'.length);
+    });
+    writeFileSync(picture, Buffer.from(twice, 'base64'));
+});
+after(() => tabs.close());
+
+async function assertDrawn(way, text, font, fontSize, line) {
+    const tab = await tabs.tab(way, tabs.write(`<p class="f">${text}</p>`, { font, size: fontSize }));
+    const { sizes: [[w1, h1], [w2, h2]], mean } = await site.compare(tabs.keep(await tab.shot(), `${font}-${way}`), readFileSync(line));
+    // What the browser makes smaller has soft edges.
+    assert.ok(Math.abs(w1 - w2) <= 2 && Math.abs(h1 - h2) <= 2 && mean < 12, `${w1} x ${h1} and ${w2} x ${h2}, mean ${mean}`);
+    await tab.close();
+}
+
+for (const way of ways) {
+    test(`${way}: a font without a cap height has the size of its glyphs`, async () => {
+        const line = join(site.folder, 'small-line.png');
+        site.cli('--open', 'small.sm', '--text', 'wavy', line);
+        await assertDrawn(way, 'wavy', 'small', 100, line);
+    });
+
+    test(`${way}: a picture of twice the size is drawn at the font's own`, async () => {
+        await assertDrawn(way, 'AVATAR', 'large', size, join(site.folder, 'AVATAR.png'));
+    });
+}
