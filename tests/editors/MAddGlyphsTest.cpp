@@ -117,14 +117,6 @@ TEST_F(AddGlyphs, OkLimitsTheHeight) {
     }
 }
 
-TEST_F(AddGlyphs, PlacesBesideTheControls) {
-    const Desktop::Rect list{600, 20, 800, 40};
-    const Desktop::Rect cancel{700, 500, 790, 525};
-    EXPECT_EQ(MAddGlyphs::GridArea(list, cancel), (Desktop::Rect{10, 10, 590, 525}));
-    EXPECT_EQ(MAddGlyphs::GridArea(list, cancel, 20), (Desktop::Rect{20, 20, 580, 525}));
-    EXPECT_EQ(MAddGlyphs::SwatchArea(cancel, {600, 200, 650, 215}), (Desktop::Rect{700, 200, 790, 215}));
-}
-
 TEST_F(AddGlyphs, TheSwatchShowsTheTextColour) {
     EXPECT_FALSE(MAddGlyphs::ChooseColour(AnyWindow()));
     Headless::script.colours = {MColour(1, 2, 3)};

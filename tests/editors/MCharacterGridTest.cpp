@@ -5,7 +5,6 @@
 #include "platform_text/PaintFont.h"
 
 #include <array>
-#include <set>
 #include <vector>
 
 namespace {
@@ -37,17 +36,18 @@ protected:
         std::memcpy(&colour, pixels.data() + place * 4, 4);
         return colour;
     }
-    // The rows of a cell in which something differs from the ground.
-    std::int32_t InkedRows(const std::vector<std::uint8_t>& pixels, std::int32_t code, const MColour& ground,
-                           int least = 1) const {
+    // Where in a cell something differs from the ground, as seen from its corner.
+    Desktop::Rect InkIn(const std::vector<std::uint8_t>& pixels, std::int32_t code, const MColour& ground,
+                        int least = 1) const {
         const Desktop::Rect cell = grid.Cell(code);
-        std::set<std::int32_t> rows;
-        for (std::int32_t y = cell.top; y < cell.bottom; ++y) {
-            for (std::int32_t x = cell.left; x < cell.right; ++x) {
-                if (std::abs(At(pixels, x, y).r - ground.r) >= least) rows.insert(y);
+        Desktop::Rect ink{cell.Width(), cell.Height(), 0, 0};
+        for (std::int32_t y = 0; y < cell.Height(); ++y) {
+            for (std::int32_t x = 0; x < cell.Width(); ++x) {
+                if (std::abs(At(pixels, cell.left + x, cell.top + y).r - ground.r) < least) continue;
+                ink = {std::min(ink.left, x), std::min(ink.top, y), std::max(ink.right, x + 1), y + 1};
             }
         }
-        return static_cast<std::int32_t>(rows.size());
+        return ink;
     }
 };
 
@@ -150,9 +150,9 @@ TEST_F(CharacterGrid, ShowsCharactersOnShades) {
                                            {a.right, a.bottom, face},
                                            {grid.Cell('a').left, grid.Cell('a').top, face}})
             EXPECT_EQ(At(pixels, x, y), colour) << x << ", " << y;
-        EXPECT_GT(InkedRows(pixels, 'A', shade), 0);
-        EXPECT_GT(InkedRows(pixels, 'a', face), 0);
-        EXPECT_EQ(InkedRows(pixels, 32, face), 0);
+        EXPECT_FALSE(InkIn(pixels, 'A', shade).IsEmpty());
+        EXPECT_FALSE(InkIn(pixels, 'a', face).IsEmpty());
+        EXPECT_TRUE(InkIn(pixels, 32, face).IsEmpty());
     }
     grid.Release();
     settings.FontName = MString();
@@ -162,12 +162,17 @@ TEST_F(CharacterGrid, ShowsCharactersOnShades) {
     EXPECT_TRUE(Painted().empty());
 }
 
-TEST_F(CharacterGrid, SizesAreThoseOfCellsAndOfEms) {
-    const auto heightOfH = [&] { return InkedRows(Painted(), 'h', grid.Face, 140); };
-    grid.Area = {0, 0, 1600, 1428}; // cells of 100 pixels: sizes of 75
-    EXPECT_NEAR(heightOfH(), 75 * 1466 / 2288, 1);
+TEST_F(CharacterGrid, SizesAreThoseOfCellsAndOfEmsInTheMiddle) {
+    const auto inkOfH = [&] { return InkIn(Painted(), 'h', grid.Face, 140); };
+    grid.Area = {0, 0, 1600, 1428}; // cells of 100 pixels, of which 98 are drawn on: sizes of 75
+    const Desktop::Rect plain = inkOfH();
+    EXPECT_NEAR(plain.Height(), 75 * 1466 / 2288, 1);
+    EXPECT_NEAR(plain.left + plain.right, 98, 4);
     settings.ColourFont = true;
-    EXPECT_NEAR(heightOfH(), 75 * 1466 / 2048, 1);
+    const Desktop::Rect coloured = inkOfH();
+    EXPECT_NEAR(coloured.Height(), 75 * 1466 / 2048, 1);
+    EXPECT_NEAR(coloured.left + coloured.right, 98, 4);
+    EXPECT_NEAR(coloured.bottom, (98 - 75 * 2288 / 2048) / 2 + 75 * 1854 / 2048, 2) << "the baseline";
 }
 
 // Rows have no gaps in both.
@@ -195,7 +200,8 @@ TEST_F(CharacterGrid, ChangesShowWhatDrawingFromScratchDoes) {
     auto before = Painted();
     const std::vector<std::function<void()>> changes = {
         [&] { settings.Weight = 700; },           [&] { settings.Italic = true; },
-        [&] { settings.ColourFont = true; },      [&] { settings.FontName = "DejaVu Serif"; },
+        [&] { settings.ColourFont = true; },      [&] { settings.Weight = 400; },
+        [&] { settings.Italic = false; },         [&] { settings.FontName = "DejaVu Serif"; },
         [&] { grid.Face = MColour(50, 60, 70); }, [&] { grid.Area.right -= 33; }};
     for (const auto& change : changes) {
         change();

@@ -140,6 +140,7 @@ TEST(DrawLine, PlotsTheseExactPixels) {
     EXPECT_EQ(Line(0, 0, 3, 1), (Pixels{{0, 0}, {1, 0}, {2, 1}, {3, 1}}));
     EXPECT_EQ(Line(3, 1, 0, 0), Line(0, 0, 3, 1));
     EXPECT_EQ(Line(0, 0, 1, 3), (Pixels{{0, 0}, {0, 1}, {1, 2}, {1, 3}}));
+    EXPECT_EQ(Line(3, 0, 2, 3), (Pixels{{3, 0}, {3, 1}, {2, 2}, {2, 3}}));
     EXPECT_EQ(Line(5, 0, 0, 2), (Pixels{{5, 0}, {4, 0}, {3, 1}, {2, 1}, {1, 2}, {0, 2}}));
     EXPECT_EQ(Line(2, 2, 4, 4), (Pixels{{2, 2}, {3, 3}, {4, 4}}));
     EXPECT_EQ(Line(4, 1, 2, 1), (Pixels{{2, 1}, {3, 1}, {4, 1}}));
