@@ -179,6 +179,8 @@ TEST_F(AddGlyphsWindow, TheGridWorksByKeyboard) {
 }
 
 TEST_F(AddGlyphsWindow, TheSwatchOpensTheChoiceOfColours) {
+    QColorDialog::setCustomColor(
+        0, Qt::red); // as another program may have left it; no other test chooses colours before
     const auto choose = [](QWidget& colours) {
         auto* const chooser = qobject_cast<QColorDialog*>(&colours);
         ASSERT_TRUE(chooser);
@@ -201,8 +203,7 @@ TEST_F(AddGlyphsWindow, TheSwatchOpensTheChoiceOfColours) {
             Named<QLineEdit>(dialog, "Glyph height")->setFocus();
             PressMnemonic(Qt::Key_C);
             EXPECT_TRUE(swatch->hasFocus());
-            EXPECT_TRUE(
-                PaintsAnew(dialog, swatch->geometry(), [&] { WhileOpen([&] { return way(), 0; }, choose); }));
+            WhileOpen([&] { return way(), 0; }, choose);
             EXPECT_EQ(settings.Colour, MColour(1, 200, 3));
             EXPECT_EQ(ColourAt(dialog, swatch->geometry().center()), QColor(1, 200, 3));
         }
