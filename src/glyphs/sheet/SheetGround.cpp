@@ -9,10 +9,10 @@ namespace {
 
 using Colour = std::array<float, 3>; // blue, green, red
 
-constexpr std::int32_t mostCells = 64;      // along one side
-constexpr std::int32_t samplesPerSide = 10; // of a cell
-constexpr float window = 22;                // levels around the expected paper that may be paper
-constexpr std::size_t block = 32;           // pixels that are looked at together
+constexpr std::int32_t mostCells = 64;     // along one side
+constexpr std::int32_t samplesPerSide = 8; // of a cell
+constexpr float window = 22;               // levels around the expected paper that may be paper
+constexpr std::size_t block = 64;          // pixels that are looked at together
 
 Colour ColourOf(const std::uint8_t* pixel) {
     return {static_cast<float>(pixel[0]), static_cast<float>(pixel[1]), static_cast<float>(pixel[2])};
@@ -273,7 +273,10 @@ Colour PaperAt(const MSheetGround& ground, std::int32_t x, std::int32_t y) {
 
 MSheetInk::MSheetInk(const MSheetGround& sheetGround, std::int32_t pictureWidth)
     : ground(sheetGround), width(static_cast<std::size_t>(pictureWidth)),
-      step(std::clamp(sheetGround.cellSize / 8, 1, 16)), paper(width * 4), strength(width) {}
+      step(std::clamp(sheetGround.cellSize / 8, 1, 16)), paper(width * 4), strength(width) {
+    for (std::size_t i = 0; i < counts.size(); ++i)
+        counts[i] = (i % 4 == 3) == ground.alpha ? 255 : 0;
+}
 
 void MSheetInk::UsePaper(std::int32_t y) {
     const std::int32_t from = ground.field.empty() ? 0 : y / step * step;
@@ -319,8 +322,8 @@ bool MSheetInk::IsClear(const std::uint8_t* pixels, const std::uint8_t* clear) c
             most[j] = std::max(most[j], static_cast<std::uint8_t>(std::max(a, b) - std::min(a, b)));
         }
     }
-    std::uint32_t lanes = 0;
+    std::uint8_t beyond = 0;
     for (std::size_t j = 0; j < 16; ++j)
-        if ((j % 4 == 3) == ground.alpha && most[j] > ground.threshold) ++lanes;
-    return lanes == 0;
+        beyond = std::max(beyond, static_cast<std::uint8_t>(most[j] & counts[j]));
+    return beyond <= ground.threshold;
 }

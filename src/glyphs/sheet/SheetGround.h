@@ -3,6 +3,7 @@
 
 #include "glyphs/SheetCutter.h"
 
+#include <array>
 #include <cstdint>
 #include <vector>
 
@@ -29,6 +30,7 @@ private:
     std::int32_t paperFrom = -1;     // the rows that `paper` stands for
     std::vector<std::uint8_t> paper; // four bytes a pixel, the last one 0
     std::vector<std::uint8_t> strength;
+    std::array<std::uint8_t, 16> counts; // 255 for the bytes of four pixels that tell ink, else 0
 
     void UsePaper(std::int32_t y);
     bool IsClear(const std::uint8_t* pixels, const std::uint8_t* clear) const;

@@ -164,7 +164,7 @@ public:
         const Colour seen = ColourOf(pixel);
         // What the noise of paper alone would show is no soft edge.
         if (owner == Edge && Strength(seen, paper) < 2 * ground.noise + 2) return {0, 0, 0, 0};
-        return WithoutPaper(seen, paper, FullInk(x, y), ground.noise);
+        return WithoutPaper(seen, paper, FullInk(x, y, paper), ground.noise);
     }
 
 private:
@@ -172,14 +172,14 @@ private:
     const MPicture& picture;
     const Owners& owners;
 
-    Colour FullInk(std::int32_t x, std::int32_t y) const {
+    Colour FullInk(std::int32_t x, std::int32_t y, const Colour& paper) const {
         Colour full = ColourOf(PixelOf(picture, x, y));
         float most = -1;
         for (std::int32_t j = y - softEdge; j <= y + softEdge; ++j) {
             for (std::int32_t i = x - softEdge; i <= x + softEdge; ++i) {
                 if (owners.At(i, j) != Own) continue;
                 const Colour colour = ColourOf(PixelOf(picture, i, j));
-                const float strength = Strength(colour, PaperAt(ground, i, j));
+                const float strength = Strength(colour, paper);
                 if (strength <= most) continue;
                 most = strength;
                 full = colour;
