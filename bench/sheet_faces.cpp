@@ -106,7 +106,8 @@ int main(int argc, char** argv) {
                 all.bases += score.bases;
                 if (argc < 2) continue;
                 MPicture report = DrawSheetReport(sheet, made.picture);
-                report.Save(FromSystem(std::string(argv[1]) + "/" + name + ".png"));
+                report.Save(FromSystem(std::string(argv[1]) + "/" + name + " report.png"));
+                made.picture.Save(FromSystem(std::string(argv[1]) + "/" + name + ".png"));
                 report.Free();
             }
         }

@@ -164,7 +164,7 @@ MSheet FindSheetLetters(const MPicture& picture, const MString& text, const MShe
     FindLetters(sheet);
     const auto wanted = static_cast<std::size_t>(sheet.text.length);
     if (wanted > 0 && sheet.boxes.size() != wanted) {
-        if (const auto grid = FindSheetGrid(sheet)) {
+        if (const auto grid = FindSheetGrid(sheet, SheetLetterHeight(sheet.pieces))) {
             UseSheetGrid(sheet, *grid);
         } else if (sheet.boxes.size() < wanted) {
             SplitTouching(sheet, working.view);

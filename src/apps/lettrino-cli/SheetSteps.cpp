@@ -92,7 +92,8 @@ std::optional<StepAction> PrepareSelectText(StepArguments arguments) {
         const auto text = ReadText(file);
         if (!text) return StepFailure{file, noText};
         Selection selected{};
-        for (const char16_t unit : FromSystem(*text).View())
+        const MString units = FromSystem(*text);
+        for (const char16_t unit : units.View())
             if (unit >= FirstCharacter && unit < selected.size()) selected[unit] = 1;
         if (std::ranges::none_of(selected, [](std::uint8_t one) { return one != 0; }))
             return StepFailure{file, "it uses no character of the codes 33 to 255"};

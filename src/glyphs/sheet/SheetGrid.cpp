@@ -51,16 +51,17 @@ void UseSheetGrid(MSheet& sheet, const MSheetGrid& grid) {
     sheet.capHeight = 0;
 }
 
-std::optional<MSheetGrid> FindSheetGrid(const MSheet& sheet) {
+std::optional<MSheetGrid> FindSheetGrid(const MSheet& sheet, double letterHeight) {
+    const auto largest = static_cast<std::int32_t>(3 * letterHeight);
     const auto count = static_cast<std::size_t>(sheet.text.length);
     std::optional<MSheetGrid> best;
-    for (std::int32_t height = smallestCell; height <= sheet.height; ++height) {
+    for (std::int32_t height = smallestCell; height <= std::min(sheet.height, largest); ++height) {
         if (sheet.height % height != 0) continue;
         const bool crossed = std::ranges::any_of(sheet.pieces, [&](const MSheetPiece& piece) {
             return piece.box.top / height != (piece.box.bottom - 1) / height;
         });
         if (crossed) continue;
-        for (std::int32_t width = smallestCell; width <= sheet.width; ++width) {
+        for (std::int32_t width = smallestCell; width <= std::min(sheet.width, largest); ++width) {
             if (sheet.width % width != 0) continue;
             std::set<Place> inked;
             bool fits = true;

@@ -8,5 +8,5 @@
 void UseSheetGrid(MSheet& sheet, const MSheetGrid& grid);
 
 // The largest cells that divide the picture evenly, cut no piece, and hold as many letters as the text has
-// characters. Nothing if there are none.
-std::optional<MSheetGrid> FindSheetGrid(const MSheet& sheet);
+// characters. Nothing if there are none, nor if they are far larger than letters of this height.
+std::optional<MSheetGrid> FindSheetGrid(const MSheet& sheet, double letterHeight);
