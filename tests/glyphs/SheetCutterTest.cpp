@@ -10,6 +10,7 @@
 
 #include <cmath>
 #include <cstring>
+#include <string>
 
 namespace {
 
@@ -95,6 +96,7 @@ TEST(SheetCutter, GlyphsAreAsRenderedDirectly) {
             }
         }
     }
+    RecordProperty("levels", std::to_string(sum / count));
     EXPECT_LT(sum / count, 0.5);
 }
 
@@ -141,6 +143,7 @@ TEST(SheetCutter, PaperGoesAndCanComeBack) {
                 }
             }
         }
+        RecordProperty(ground == Ground::White ? "white" : "paper", std::to_string(sum / count));
         EXPECT_LT(sum / count, 3) << int(ground);
         EXPECT_LT(clear / count, 0.001) << int(ground);
     }

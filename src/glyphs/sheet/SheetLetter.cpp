@@ -10,7 +10,8 @@ namespace {
 
 using Colour = std::array<float, 3>;
 
-constexpr std::int32_t softEdge = 2; // pixels from the ground up to where ink may be half transparent
+constexpr std::int32_t softEdge = 3; // pixels from the ground up to where ink may be half transparent
+constexpr std::int32_t fullInk = 2;  // pixels from there to where it is whole
 
 enum Owner : std::uint8_t { Nobody, Own, Edge, Other };
 
@@ -133,10 +134,12 @@ MColour WithoutPaper(const Colour& seen, const Colour& paper, const Colour& ink,
         const float off = seen[c] - paper[c];
         along += off * to;
         length += to * to;
+        // A channel that leads away from the ink shows noise, which no ink has to account for.
+        if (off * to <= 0 && std::abs(off) <= 4 * noise) continue;
         const float room = off > 0 ? 255 - paper[c] : paper[c];
         least = std::max(least, room > 0 ? std::abs(off) / room : 0);
     }
-    if (length < 1) return {0, 0, 0, 0};
+    if (length < 1 || along <= 0) return {0, 0, 0, 0};
     const float alpha = std::clamp(std::max(along / length + 2 * noise / std::sqrt(length), least), 0.0F, 1.0F);
     const auto byte = [](float value) {
         return static_cast<std::uint8_t>(std::lround(std::clamp(value, 0.0F, 255.0F)));
@@ -175,8 +178,8 @@ private:
     Colour FullInk(std::int32_t x, std::int32_t y, const Colour& paper) const {
         Colour full = ColourOf(PixelOf(picture, x, y));
         float most = -1;
-        for (std::int32_t j = y - softEdge; j <= y + softEdge; ++j) {
-            for (std::int32_t i = x - softEdge; i <= x + softEdge; ++i) {
+        for (std::int32_t j = y - fullInk; j <= y + fullInk; ++j) {
+            for (std::int32_t i = x - fullInk; i <= x + fullInk; ++i) {
                 if (owners.At(i, j) != Own) continue;
                 const Colour colour = ColourOf(PixelOf(picture, i, j));
                 const float strength = Strength(colour, paper);
