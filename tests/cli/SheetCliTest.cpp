@@ -37,6 +37,9 @@ TEST(SheetCli, CutsAsItIsTold) {
     const std::string before = cli.folder.Read("report.png");
     ASSERT_EQ(cli.Run("--sheet-text @letters.txt --sheet sheet.png --sheet-report after.png"), 0) << cli.error;
     EXPECT_EQ(cli.folder.Read("after.png"), before);
+    // An "A" is no full stop.
+    ASSERT_EQ(cli.Run("--sheet-text '.BCDEFGHIJK:L%' --sheet sheet.png"), 0);
+    EXPECT_THAT(cli.error, testing::EndsWith("may be cut or named wrongly: .\n"));
     const nlohmann::json selected =
         cli.Info("--family 'DejaVu Sans' --height 40 --select-text letters.txt --generate");
     EXPECT_EQ(selected["glyphs"].size(), 14U);
@@ -45,6 +48,12 @@ TEST(SheetCli, CutsAsItIsTold) {
                 "sheet.png"),
         0);
     EXPECT_EQ(cli.out, "reads  letters.txt\nwrites r.png\nreads  sheet.png\n");
+    // In a recipe as well, where "@" and a file's first character are no trap.
+    cli.folder.Write("sub/letters.txt", "@BCDEFGHIJK:L%");
+    cli.folder.Write("sub/a.steps", "sheet-text @letters.txt\nsheet ../sheet.png\n");
+    EXPECT_EQ(cli.Info("--steps sub/a.steps")["glyphs"][2]["code"], '@') << cli.error;
+    cli.folder.Write("sub/a.steps", "sheet-text @@BCDEFGHIJK:L%\nsheet ../sheet.png\n");
+    EXPECT_EQ(cli.Info("--steps sub/a.steps")["glyphs"][2]["code"], '@') << cli.error;
 }
 
 TEST(SheetCli, FailuresAndWrongUsage) {

@@ -191,7 +191,7 @@ constexpr std::array steps{
          ReadsPictures},
     Step{"--sheet-text", "TEXT", 1,
          "the characters on the sheets that follow, or @FILE (the selected ones by their codes)",
-         PrepareSheetText, ReadsFileOfText},
+         PrepareSheetText, ReadsFileOfText, false, true},
     Step{"--sheet-grid", "WxH", 1, "their cells in pixels, where they have fixed ones", PrepareSheetGrid},
     Step{"--sheet-ground", "auto|alpha|RRGGBB", 1,
          "what their letters stand on: found, transparent, or paper of about this colour (auto)",
