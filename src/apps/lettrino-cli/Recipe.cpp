@@ -62,6 +62,7 @@ public:
         if (!arguments)
             return std::string(word) + " takes " + (step->argumentCount == 0 ? "nothing" : step->arguments);
         for (std::string& argument : *arguments) {
+            if (step->readsText) break;
             if (auto failure = Fill(argument)) return failure;
         }
         recipe.calls.push_back({step, std::move(*arguments), folder, name + ":" + std::to_string(number)});

@@ -4,6 +4,7 @@
 #include "document/MColourFont.h"
 #include "document/MSettings.h"
 #include "formats/webfont/MWebFontExport.h"
+#include "glyphs/SheetCutter.h"
 
 #include <map>
 #include <memory>
@@ -28,6 +29,11 @@ public:
     std::string gameFontName;             // of the font last exported for games; empty before
     MWebFontOptions webFont;              // of the font files that follow
     bool checkAsLines = false;            // what a check prints: lines, else JSON
+    MString sheetText;                    // of the sheets that follow; empty: the selected characters
+    MSheetWishes sheetWishes;             // of the sheets that follow
+    std::string sheetReport;              // to be written with the sheet that follows; empty for none
+    std::shared_ptr<const MSheet> sheet;  // the last one; null before
+    std::string sheetFile;                // its file, in full
     std::map<std::string, Marked> marks;
 
     Run();

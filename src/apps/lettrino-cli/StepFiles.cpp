@@ -1,6 +1,7 @@
 #include "apps/lettrino-cli/StepFiles.h"
 
 #include "apps/lettrino-cli/PictureSteps.h"
+#include "apps/lettrino-cli/SheetSteps.h"
 #include "formats/SiblingPath.h"
 #include "foundation/MFolders.h"
 #include "foundation/MString.h"
@@ -118,4 +119,10 @@ std::vector<StepFile> WritesCssPage(StepArguments arguments) {
 
 std::vector<StepFile> WritesText(StepArguments arguments) {
     return Written({arguments[1]});
+}
+
+std::vector<StepFile> ReadsFileOfText(StepArguments arguments) {
+    const auto file = FileOfText(arguments[0]);
+    if (!file) return {};
+    return {{*file}};
 }

@@ -16,3 +16,4 @@ std::vector<StepFile> WritesCubes(StepArguments arguments);
 std::vector<StepFile> WritesGameFont(StepArguments arguments);
 std::vector<StepFile> WritesCssPage(StepArguments arguments);
 std::vector<StepFile> WritesText(StepArguments arguments);
+std::vector<StepFile> ReadsFileOfText(StepArguments arguments);

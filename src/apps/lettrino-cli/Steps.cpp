@@ -6,6 +6,7 @@
 #include "apps/lettrino-cli/MarkSteps.h"
 #include "apps/lettrino-cli/PictureSteps.h"
 #include "apps/lettrino-cli/Report.h"
+#include "apps/lettrino-cli/SheetSteps.h"
 #include "apps/lettrino-cli/StepFiles.h"
 #include "apps/lettrino-cli/WebFontSteps.h"
 #include "apps/lettrino-cli/Words.h"
@@ -171,6 +172,7 @@ constexpr std::array steps{
     Step{"--background", "RRGGBB", 1, "the background colour (FFFFFF)", SetBackground},
     Step{"--select", "SET", 1, "the characters: A-Z,a-z,48-57,U+00E9 or all (33 to 255) or none (A-Z)",
          SetSelection},
+    Step{"--select-text", "FILE", 1, "the characters that a text file uses", PrepareSelectText, ReadsFile},
     Step{"--font-file", "FILE", 1, "makes the faces of a font file available, as if installed", PrepareFontFile,
          ReadsFile},
     Step{"--generate", "", 0, "renders the selected characters into the font, then repacks", Generate},
@@ -187,6 +189,18 @@ constexpr std::array steps{
     Step{"--pictures", "CHAR=FILE", 1,
          "the same with all pictures that follow it: A.png, B.png or x65.png, x66.png", PreparePictures,
          ReadsPictures},
+    Step{"--sheet-text", "TEXT", 1,
+         "the characters on the sheets that follow, or @FILE (the selected ones by their codes)",
+         PrepareSheetText, ReadsFileOfText, false, true},
+    Step{"--sheet-grid", "WxH", 1, "their cells in pixels, where they have fixed ones", PrepareSheetGrid},
+    Step{"--sheet-ground", "auto|alpha|RRGGBB", 1,
+         "what their letters stand on: found, transparent, or paper of about this colour (auto)",
+         PrepareSheetGround},
+    Step{"--sheet-report", "FILE.png", 1,
+         "draws what was found into the sheet cut before, else into the first one that follows",
+         PrepareSheetReport, WritesFile},
+    Step{"--sheet", "FILE", 1, "cuts a picture of many letters into glyphs; docs/sheets.md", PrepareSheet,
+         ReadsFile},
     Step{"--kern", "", 0, "generates and sorts the kerning: ink touches in its closest row", PrepareKern},
     Step{"--set-kerning", "L,R,N", 1, "sets the kerning of a pair in pixels", PrepareSetKerning},
     Step{"--model-pairs", "L,R,N;...", 1, "pairs that the optical kerning keeps and follows",

@@ -39,6 +39,7 @@ struct Step {
     PrepareStep prepare;
     ListStepFiles files = nullptr; // null if there are none
     bool argumentOptional = false; // its one argument is empty then
+    bool readsText = false;        // its argument may be "@FILE", which it reads itself
 };
 
 // All that the command line understands, in the order of the help.

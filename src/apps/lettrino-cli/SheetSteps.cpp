@@ -1,0 +1,171 @@
+#include "apps/lettrino-cli/SheetSteps.h"
+
+#include "apps/lettrino-cli/Words.h"
+#include "foundation/MFolders.h"
+#include "foundation/MUtf8.h"
+#include "imaging/MPixelBudget.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+
+namespace {
+
+constexpr std::int32_t largestCell = 4096;
+
+// A text file in UTF-8, without its mark; nothing if it can't be read.
+std::optional<std::string> ReadText(const std::string& file) {
+    constexpr std::uintmax_t most = 1 << 20;
+    std::error_code error;
+    const std::filesystem::path path(file);
+    if (!std::filesystem::is_regular_file(path, error) || std::filesystem::file_size(path, error) > most)
+        return std::nullopt;
+    std::ifstream stream(path, std::ios::binary);
+    std::string text{std::istreambuf_iterator<char>(stream), {}};
+    if (!stream) return std::nullopt;
+    if (text.starts_with("\xEF\xBB\xBF")) text.erase(0, 3);
+    return text;
+}
+
+constexpr const char* noText = "it is no text file of at most 1 MB";
+
+MString TextOf(const Run& run) {
+    if (!run.sheetText.IsEmpty()) return run.sheetText;
+    std::u16string selected;
+    for (std::size_t code = 33; code < run.settings.Selected.size(); ++code)
+        if (run.settings.Selected[code]) selected.push_back(static_cast<char16_t>(code));
+    return MString(selected);
+}
+
+StepResult WriteReport(const MSheet& sheet, const MPicture& picture, const std::string& file) {
+    MPicture report = DrawSheetReport(sheet, picture);
+    if (!report.IsValid()) return StepFailure{file, "there is not enough memory for the report"};
+    const bool written = report.Save(FullPath(FromSystem(file)));
+    report.Free();
+    if (written) return {};
+    return StepFailure{file, "it can't be written"};
+}
+
+MPicture ReadSheet(const std::string& file) {
+    const MFontPictureScope largeOnesToo;
+    return MPicture(FullPath(FromSystem(file)));
+}
+
+void TellDoubts(const MSheet& sheet) {
+    std::u16string doubtful;
+    for (const MSheetBox& box : sheet.boxes)
+        if (box.doubtful && !box.leftOut) doubtful.push_back(box.character);
+    if (doubtful.empty()) return;
+    std::fprintf(stderr, "lettrino-cli: --sheet: note: look at these, which may be cut or named wrongly: %s\n",
+                 ToSystem(MString(doubtful)).c_str());
+}
+
+StepResult Cut(Run& run, const std::string& file, const MPicture& picture) {
+    run.sheet = std::make_shared<MSheet>(FindSheetLetters(picture, TextOf(run), run.sheetWishes));
+    run.sheetFile = ToSystem(FullPath(FromSystem(file)));
+    StepResult reported;
+    if (!run.sheetReport.empty()) reported = WriteReport(*run.sheet, picture, run.sheetReport);
+    run.sheetReport.clear();
+    if (!run.sheet->problem.empty()) return StepFailure{file, run.sheet->problem};
+    if (reported) return reported;
+    const bool isNew = !run.font || run.font->GlyphCount() == 0;
+    const MSheetSpacing spacing{run.settings.SpacingBefore, run.settings.SpacingAfter, run.settings.Trim};
+    MColourFont& font = run.FontOrNew();
+    const std::string failure = AddSheetGlyphs(font, isNew, *run.sheet, picture, spacing);
+    if (!failure.empty()) return StepFailure{file, failure};
+    TellDoubts(*run.sheet);
+    if (font.Repack()) return {};
+    return StepFailure{file, "the glyphs don't fit a picture that memory can hold"};
+}
+
+} // namespace
+
+std::optional<std::string> FileOfText(const std::string& argument) {
+    if (!argument.starts_with('@') || argument.starts_with("@@") || argument.size() < 2) return std::nullopt;
+    return argument.substr(1);
+}
+
+std::optional<StepAction> PrepareSelectText(StepArguments arguments) {
+    return [file = arguments[0]](Run& run) -> StepResult {
+        const auto text = ReadText(file);
+        if (!text) return StepFailure{file, noText};
+        Selection selected{};
+        const MString units = FromSystem(*text);
+        for (const char16_t unit : units.View())
+            if (unit >= FirstCharacter && unit < selected.size()) selected[unit] = 1;
+        if (std::ranges::none_of(selected, [](std::uint8_t one) { return one != 0; }))
+            return StepFailure{file, "it uses no character of the codes 33 to 255"};
+        run.settings.Selected = selected;
+        return {};
+    };
+}
+
+std::optional<StepAction> PrepareSheetText(StepArguments arguments) {
+    if (arguments[0].empty()) return std::nullopt;
+    return [argument = arguments[0]](Run& run) -> StepResult {
+        const auto file = FileOfText(argument);
+        const auto text = file ? ReadText(*file) : argument.substr(argument.starts_with("@@") ? 1 : 0);
+        if (!text) return StepFailure{*file, noText};
+        run.sheetText = FromSystem(*text);
+        return {};
+    };
+}
+
+std::optional<StepAction> PrepareSheetGrid(StepArguments arguments) {
+    const std::string& size = arguments[0];
+    const std::size_t by = size.find('x');
+    if (by == std::string::npos) return std::nullopt;
+    const auto width = ReadNumber(std::string_view(size).substr(0, by));
+    const auto height = ReadNumber(std::string_view(size).substr(by + 1));
+    if (!width || !height || std::min(*width, *height) < 1 || std::max(*width, *height) > largestCell)
+        return std::nullopt;
+    return [grid = MSheetGrid{*width, *height}](Run& run) -> StepResult {
+        run.sheetWishes.grid = grid;
+        return {};
+    };
+}
+
+std::optional<StepAction> PrepareSheetGround(StepArguments arguments) {
+    using Ground = MSheetWishes::Ground;
+    const auto colour = ReadColour(arguments[0]);
+    const Ground ground = arguments[0] == "auto"    ? Ground::Auto
+                          : arguments[0] == "alpha" ? Ground::Alpha
+                                                    : Ground::Colour;
+    if (ground == Ground::Colour && !colour) return std::nullopt;
+    return [ground, colour](Run& run) -> StepResult {
+        run.sheetWishes.ground = ground;
+        run.sheetWishes.colour = colour.value_or(MColour());
+        return {};
+    };
+}
+
+std::optional<StepAction> PrepareSheetReport(StepArguments arguments) {
+    return [file = arguments[0]](Run& run) -> StepResult {
+        if (!run.sheet) {
+            run.sheetReport = file;
+            return {};
+        }
+        MPicture picture = ReadSheet(run.sheetFile);
+        if (!picture.IsValid()) return StepFailure{file, "the sheet can't be read again"};
+        StepResult result = WriteReport(*run.sheet, picture, file);
+        picture.Free();
+        return result;
+    };
+}
+
+std::optional<StepAction> PrepareSheet(StepArguments arguments) {
+    return [file = arguments[0]](Run& run) -> StepResult {
+        if (!FileExists(FullPath(FromSystem(file)))) return StepFailure{file, "no such file"};
+        MPicture picture = ReadSheet(file);
+        if (!picture.IsValid()) {
+            const MString refusal = TakePixelRefusal();
+            return StepFailure{file,
+                               refusal.IsEmpty() ? "it is no picture that can be read" : ToSystem(refusal)};
+        }
+        StepResult result = Cut(run, file, picture);
+        picture.Free();
+        return result;
+    };
+}

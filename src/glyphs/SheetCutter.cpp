@@ -1,0 +1,234 @@
+#include "glyphs/SheetCutter.h"
+
+#include "glyphs/sheet/SheetBoxes.h"
+#include "glyphs/sheet/SheetGrid.h"
+#include "glyphs/sheet/SheetPieces.h"
+
+#include <algorithm>
+#include <numeric>
+#include <set>
+
+namespace {
+
+constexpr std::size_t mostPieces = 4000; // far more than a font's characters have
+constexpr std::array<std::int32_t, 5> harderThresholds{48, 80, 112, 144, 176};
+
+// The picture in format 7, which is made if it has another one.
+class WorkingPicture {
+public:
+    explicit WorkingPicture(const MPicture& picture) : made(picture.Format != FormatRGBA8) {
+        view = made ? MPicture(picture, picture.Width, picture.Height, FormatRGBA8, false, false) : picture;
+    }
+    WorkingPicture(const WorkingPicture&) = delete;
+    WorkingPicture& operator=(const WorkingPicture&) = delete;
+    ~WorkingPicture() {
+        if (made) view.Free();
+    }
+
+    MPicture view;
+
+private:
+    bool made;
+};
+
+void TakeText(MSheet& sheet, const MString& text) {
+    std::u16string kept;
+    sheet.textLines = {0};
+    for (const char16_t unit : text.View()) {
+        if (unit == u'\n' && sheet.textLines.back() > 0) sheet.textLines.push_back(0);
+        if (unit < FirstCharacter || unit == 0xA0 || unit == 0xFEFF) continue;
+        kept.push_back(unit);
+        ++sheet.textLines.back();
+    }
+    if (sheet.textLines.back() == 0) sheet.textLines.pop_back();
+    sheet.text = MString(kept);
+}
+
+// A text in which a font can be made, or the reason why it is none.
+std::string WhyNotText(const MSheet& sheet) {
+    std::set<char16_t> seen;
+    for (const char16_t unit : sheet.text.View()) {
+        if (unit >= 0xD800 && unit <= 0xDFFF)
+            return "the text has a character beyond U+FFFF, which fonts can't have";
+        if (!seen.insert(unit).second)
+            return "the text has the character U+" +
+                   [](char16_t code) {
+                       std::string hex;
+                       for (int shift = 12; shift >= 0; shift -= 4)
+                           hex += "0123456789ABCDEF"[code >> shift & 15];
+                       return hex;
+                   }(unit) +
+                   " twice";
+    }
+    if (seen.size() > MColourFont::SlotCount) return "the text has more characters than the 223 of a font";
+    return {};
+}
+
+// What is too small to be a part of a letter.
+void DropSpecks(std::vector<MSheetPiece>& pieces, double letterHeight) {
+    const double least = std::max(2.0, 0.045 * letterHeight);
+    std::erase_if(pieces, [&](const MSheetPiece& piece) {
+        return std::max(piece.box.Width(), piece.box.Height()) < least ||
+               static_cast<double>(piece.area) < std::max(3.0, 0.0015 * letterHeight * letterHeight);
+    });
+}
+
+void FindLetters(MSheet& sheet) {
+    const double height = SheetLetterHeight(sheet.pieces);
+    const auto lines = FindSheetLines(sheet.pieces, height);
+    sheet.lines.clear();
+    for (const MSheetLineOfPieces& line : lines)
+        sheet.lines.push_back(line.line);
+    MakeSheetBoxes(sheet, lines, height);
+}
+
+// Letters that touch: the widest pieces are looked at again, with less and less ink, until there are enough.
+void SplitTouching(MSheet& sheet, const MPicture& picture) {
+    const auto wanted = static_cast<std::size_t>(sheet.text.length);
+    std::vector<std::uint32_t> widest(sheet.pieces.size());
+    std::iota(widest.begin(), widest.end(), 0U);
+    std::ranges::sort(widest, std::ranges::greater{},
+                      [&](std::uint32_t i) { return sheet.pieces[i].box.Width(); });
+    for (const std::uint32_t place : widest) {
+        if (sheet.boxes.size() >= wanted) return;
+        const MSheetPiece piece = sheet.pieces[place];
+        if (piece.box.Width() < 0.5 * sheet.capHeight) return;
+        for (const std::int32_t threshold : harderThresholds) {
+            if (threshold <= sheet.ground.threshold) continue;
+            auto parts = SplitSheetPiece(picture, sheet.ground, piece, threshold);
+            if (parts.size() < 2) continue;
+            const std::size_t before = sheet.boxes.size();
+            MSheet trial = sheet;
+            trial.pieces[place] = parts[0];
+            trial.pieces.insert(trial.pieces.end(), parts.begin() + 1, parts.end());
+            FindLetters(trial);
+            if (trial.boxes.size() <= before || trial.boxes.size() > wanted) continue;
+            sheet = std::move(trial);
+            break;
+        }
+    }
+}
+
+void Remeasure(MSheet& sheet, MSheetBox& box) {
+    box.box = {};
+    for (const std::uint32_t piece : box.pieces)
+        box.box = Around(box.box, sheet.pieces[piece].box);
+}
+
+} // namespace
+
+MSheet FindSheetLetters(const MPicture& picture, const MString& text, const MSheetWishes& wishes) {
+    MSheet sheet;
+    TakeText(sheet, text);
+    sheet.problem = WhyNotText(sheet);
+    if (!sheet.problem.empty()) return sheet;
+    if (!picture.IsValid()) {
+        sheet.problem = "there is no picture";
+        return sheet;
+    }
+    const WorkingPicture working(picture);
+    if (!working.view.IsValid()) {
+        sheet.problem = "there is not enough memory for the sheet";
+        return sheet;
+    }
+    sheet.width = static_cast<std::int32_t>(picture.Width);
+    sheet.height = static_cast<std::int32_t>(picture.Height);
+    if (!FindSheetGround(working.view, wishes, sheet.ground, sheet.problem)) return sheet;
+    auto pieces = FindSheetPieces(working.view, sheet.ground, wishes.owner);
+    if (!pieces) {
+        sheet.problem =
+            "the sheet has too much ink that is apart: it is no sheet of letters, or its ground is another";
+        return sheet;
+    }
+    sheet.pieces = std::move(*pieces);
+    if (sheet.pieces.empty()) {
+        sheet.problem = "the sheet is empty: nothing on it differs from its ground";
+        return sheet;
+    }
+    if (wishes.grid) {
+        UseSheetGrid(sheet, *wishes.grid);
+        NameBoxes(sheet);
+        return sheet;
+    }
+    DropSpecks(sheet.pieces, SheetLetterHeight(sheet.pieces));
+    if (sheet.pieces.size() > mostPieces || sheet.pieces.empty()) {
+        sheet.problem = sheet.pieces.empty()
+                            ? "the sheet has only specks"
+                            : std::to_string(sheet.pieces.size()) +
+                                  " pieces of ink were found, far more than the letters of a font have";
+        if (!sheet.text.IsEmpty())
+            sheet.problem += ", for " + std::to_string(sheet.text.length) + " characters";
+        sheet.pieces.clear();
+        return sheet;
+    }
+    FindLetters(sheet);
+    const auto wanted = static_cast<std::size_t>(sheet.text.length);
+    if (wanted > 0 && sheet.boxes.size() != wanted) {
+        if (const auto grid = FindSheetGrid(sheet, SheetLetterHeight(sheet.pieces))) {
+            UseSheetGrid(sheet, *grid);
+        } else if (sheet.boxes.size() < wanted) {
+            SplitTouching(sheet, working.view);
+        }
+    }
+    NameBoxes(sheet);
+    return sheet;
+}
+
+void JoinSheetBoxes(MSheet& sheet, std::size_t box, std::size_t other) {
+    if (box >= sheet.boxes.size() || other >= sheet.boxes.size() || box == other) return;
+    MSheetBox& kept = sheet.boxes[std::min(box, other)];
+    const MSheetBox gone = sheet.boxes[std::max(box, other)];
+    kept.pieces.insert(kept.pieces.end(), gone.pieces.begin(), gone.pieces.end());
+    kept.box = Around(kept.box, gone.box);
+    kept.byHand = kept.byHand || gone.byHand;
+    kept.doubtful = false;
+    sheet.boxes.erase(sheet.boxes.begin() + static_cast<std::ptrdiff_t>(std::max(box, other)));
+}
+
+void SplitSheetBox(MSheet& sheet, std::size_t box, std::int32_t x) {
+    if (box >= sheet.boxes.size()) return;
+    MSheetBox left = sheet.boxes[box];
+    MSheetBox right = left;
+    left.pieces.clear();
+    right.pieces.clear();
+    std::vector<MSheetPiece> pieces = sheet.pieces;
+    for (const std::uint32_t place : sheet.boxes[box].pieces) {
+        MSheetPiece before;
+        MSheetPiece after;
+        for (const MSheetRun& run : sheet.pieces[place].runs) {
+            if (run.left < x) before.runs.push_back({run.y, run.left, std::min(run.right, x)});
+            if (run.right > x) after.runs.push_back({run.y, std::max(run.left, x), run.right});
+        }
+        MeasureSheetPiece(before);
+        MeasureSheetPiece(after);
+        if (before.area > 0) left.pieces.push_back(place);
+        if (after.area > 0)
+            right.pieces.push_back(before.area > 0 ? static_cast<std::uint32_t>(pieces.size()) : place);
+        if (before.area > 0 && after.area > 0) pieces.push_back(after);
+        pieces[place] = before.area > 0 ? before : after;
+    }
+    if (left.pieces.empty() || right.pieces.empty()) return;
+    sheet.pieces = std::move(pieces);
+    Remeasure(sheet, left);
+    Remeasure(sheet, right);
+    left.doubtful = false;
+    right.doubtful = false;
+    right.character = 0;
+    sheet.boxes[box] = left;
+    sheet.boxes.insert(sheet.boxes.begin() + static_cast<std::ptrdiff_t>(box) + 1, right);
+}
+
+void MoveSheetBox(MSheet& sheet, std::size_t box, const Desktop::Rect& edges) {
+    const Desktop::Rect inside{std::max(edges.left, 0), std::max(edges.top, 0),
+                               std::min(edges.right, sheet.width), std::min(edges.bottom, sheet.height)};
+    if (box >= sheet.boxes.size() || inside.IsEmpty()) return;
+    sheet.boxes[box].box = inside;
+    sheet.boxes[box].byHand = true;
+}
+
+void NameSheetBoxes(MSheet& sheet, const MString& text) {
+    TakeText(sheet, text);
+    const std::string reason = WhyNotText(sheet);
+    NameBoxes(sheet);
+    if (!reason.empty()) sheet.problem = reason;
+}

@@ -1,0 +1,86 @@
+// A sheet of letters on the command line: made by it, cut by it.
+
+#include "Cli.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace {
+
+using testing::HasSubstr;
+
+// A line of text, set by the program, is a sheet.
+void MakeSheet(Cli& cli) {
+    ASSERT_EQ(cli.Run("--family 'DejaVu Sans' --height 60 --colour 201040 --select A-Z,:,% --generate "
+                      "--background F0E8D8 --text 'A B C D E F G H I J K : L %' sheet.png"),
+              0)
+        << cli.error;
+    cli.folder.Write("letters.txt", "\xEF\xBB\xBF"
+                                    "ABCDEFG\r\nHIJK:L%\r\n");
+}
+
+TEST(SheetCli, CutsAsItIsTold) {
+    Cli cli;
+    MakeSheet(cli);
+    const nlohmann::json direct = cli.Info("--family 'DejaVu Sans' --height 60 --select A-L --generate");
+    for (const std::string text : {"--sheet-text ABCDEFGHIJK:L%", "--sheet-text @letters.txt",
+                                   "--sheet-ground F0E8D8 --sheet-text 'A BCD EFGHIJK:L%'"}) {
+        const nlohmann::json cut = cli.Info(text + " --sheet-report report.png --sheet sheet.png");
+        ASSERT_EQ(cli.status, 0) << cli.error;
+        ASSERT_EQ(cut["glyphs"].size(), 14U);
+        EXPECT_EQ(cut["capHeight"], direct["capHeight"]);
+        EXPECT_EQ(cut["glyphs"][0]["code"], '%');
+        EXPECT_TRUE(cli.Has("report.png"));
+        EXPECT_EQ(cli.Picture("report.png").Width, cli.Picture("sheet.png").Width);
+    }
+    // The report afterwards is the same one.
+    const std::string before = cli.folder.Read("report.png");
+    ASSERT_EQ(cli.Run("--sheet-text @letters.txt --sheet sheet.png --sheet-report after.png"), 0) << cli.error;
+    EXPECT_EQ(cli.folder.Read("after.png"), before);
+    // An "A" is no full stop.
+    ASSERT_EQ(cli.Run("--sheet-text '.BCDEFGHIJK:L%' --sheet sheet.png"), 0);
+    EXPECT_THAT(cli.error, testing::EndsWith("may be cut or named wrongly: .\n"));
+    const nlohmann::json selected =
+        cli.Info("--family 'DejaVu Sans' --height 40 --select-text letters.txt --generate");
+    EXPECT_EQ(selected["glyphs"].size(), 14U);
+    ASSERT_EQ(
+        cli.Run("--dry-run --select-text letters.txt --sheet-text @letters.txt --sheet-report r.png --sheet "
+                "sheet.png"),
+        0);
+    EXPECT_EQ(cli.out, "reads  letters.txt\nwrites r.png\nreads  sheet.png\n");
+    // In a recipe as well, where "@" and a file's first character are no trap.
+    cli.folder.Write("sub/letters.txt", "@BCDEFGHIJK:L%");
+    cli.folder.Write("sub/a.steps", "sheet-text @letters.txt\nsheet ../sheet.png\n");
+    EXPECT_EQ(cli.Info("--steps sub/a.steps")["glyphs"][2]["code"], '@') << cli.error;
+    cli.folder.Write("sub/a.steps", "sheet-text @@BCDEFGHIJK:L%\nsheet ../sheet.png\n");
+    EXPECT_EQ(cli.Info("--steps sub/a.steps")["glyphs"][2]["code"], '@') << cli.error;
+}
+
+TEST(SheetCli, FailuresAndWrongUsage) {
+    Cli cli;
+    MakeSheet(cli);
+    const struct {
+        const char* arguments;
+        int status;
+        const char* error;
+    } cases[] = {
+        {"--sheet-text ABC --sheet-report r.png --sheet sheet.png --save f.sm", 1,
+         "14 letters were found on the sheet, but the text has 3 characters"},
+        {"--sheet-text @@x --sheet sheet.png", 1, "but the text has 2 characters"},
+        {"--sheet-text @none.txt", 1, "--sheet-text: none.txt: "},
+        {"--select-text none.txt", 1, "--select-text: none.txt: "},
+        {"--sheet none.png", 1, "--sheet: none.png: no such file"},
+        {"--sheet letters.txt", 1, "--sheet: letters.txt: it is no picture"},
+        {"--sheet-grid 8", 2, "--sheet-grid"},
+        {"--sheet-grid 0x8", 2, "--sheet-grid"},
+        {"--sheet-ground blue", 2, "--sheet-ground"},
+    };
+    for (const auto& [arguments, status, error] : cases) {
+        EXPECT_EQ(cli.Run(arguments), status) << arguments;
+        EXPECT_THAT(cli.error, HasSubstr(error)) << arguments;
+    }
+    EXPECT_TRUE(cli.Has("r.png")); // what helps most where it failed
+    EXPECT_FALSE(cli.Has("f.sm"));
+}
+
+} // namespace
