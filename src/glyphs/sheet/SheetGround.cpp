@@ -11,6 +11,7 @@ using Colour = std::array<float, 3>; // blue, green, red
 
 constexpr std::int32_t mostCells = 64;     // along one side
 constexpr std::int32_t samplesPerSide = 8; // of a cell
+constexpr float mostRange = 110;           // levels between the lightest and the darkest paper
 constexpr float window = 22;               // levels around the expected paper that may be paper
 constexpr std::size_t block = 64;          // pixels that are looked at together
 
@@ -233,6 +234,12 @@ bool FindSheetGround(const MPicture& picture, const MSheetWishes& wishes, MSheet
             high[c] = std::max(high[c], cell.paper[c]);
             sum[c] += cell.paper[c] / static_cast<float>(field.cells.size());
         }
+    }
+    // The colours of a photograph run into each other, so that it might pass for one large paper.
+    if (const float range = Distance(low, high); range > mostRange) {
+        problem = "the sheet has no even ground: what might be paper differs by " +
+                  std::to_string(static_cast<int>(range)) + " levels";
+        return false;
     }
     const auto byte = [](float value) { return static_cast<std::uint8_t>(std::lround(value)); };
     ground.colour = MColour(byte(sum[2]), byte(sum[1]), byte(sum[0]));
