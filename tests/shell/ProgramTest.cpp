@@ -95,6 +95,18 @@ TEST_F(Program, AFurtherWindowOpensBesideTheOthers) {
     RunProgram({});
 }
 
+// Where Open begins at a first start there is something to open.
+TEST_F(Program, OpensTheFontsThatComeWithIt) {
+    Headless::script.messageLoop = [] {
+        for (const char* const name : {"Plain", "Balloons"}) {
+            OpenDroppedFile(Settings->Path(MPathKind::OpenFont) + "/" + name + ".sm");
+            EXPECT_TRUE(CurrentFont && CurrentFont->GetGlyph(u'A') && CurrentFont->Picture.IsValid()) << name;
+        }
+        return 0;
+    };
+    RunProgram({});
+}
+
 TEST_F(Program, WithoutAWindowNothingIsWritten) {
     Headless::script.opensMainWindow = false;
     EXPECT_EQ(RunProgram({}), 0);
