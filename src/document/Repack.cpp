@@ -1,6 +1,7 @@
 // The packing of all glyphs into one picture: shelves in slot order, in the smallest picture of a fixed
 // sequence.
 
+#include "document/GlyphPixels.h"
 #include "document/MColourFont.h"
 #include "foundation/MNumbers.h"
 #include "platform/MLongWork.h"
@@ -108,11 +109,7 @@ void CopyPixelByPixel(MPicture& picture, const MGlyph& glyph) {
 bool IsJustified(const MColourFont& font, const Size& size) {
     constexpr std::uint64_t always = std::uint64_t{1} << 25;
     constexpr std::uint64_t mostWaste = 16; // shelves of uneven glyphs, in a picture whose sides double
-    std::uint64_t pixels = 0;
-    for (const auto& slot : font.Glyphs) {
-        if (slot && slot->Picture.IsValid())
-            pixels += std::uint64_t{slot->Picture.Width} * slot->Picture.Height;
-    }
+    const std::uint64_t pixels = GlyphPixels(font);
     const std::uint64_t area = static_cast<std::uint64_t>(size.width) * static_cast<std::uint64_t>(size.height);
     // Half a gigabyte and more must be filled by a third: as a smaller picture did not do, all but the oddest
     // shapes do so.

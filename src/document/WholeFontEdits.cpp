@@ -1,5 +1,6 @@
 // The edits that change all glyphs at once. The caller repacks.
 
+#include "document/GlyphPixels.h"
 #include "document/MColourFont.h"
 #include "document/MSettings.h"
 #include "foundation/MDebug.h"
@@ -19,15 +20,6 @@ std::int32_t Less(std::int32_t value, std::uint32_t rows) {
     return static_cast<std::int32_t>(std::max(std::int64_t{value} - rows, lowest));
 }
 
-std::uint64_t PixelsOf(const MColourFont& font) {
-    std::uint64_t pixels = 0;
-    for (const auto& slot : font.Glyphs) {
-        if (slot && slot->Picture.IsValid())
-            pixels += std::uint64_t{slot->Picture.Width} * slot->Picture.Height;
-    }
-    return pixels;
-}
-
 } // namespace
 
 void MColourFont::Scale(float factor) {
@@ -35,7 +27,7 @@ void MColourFont::Scale(float factor) {
     scale(Baseline);
     scale(CapHeight);
     scale(SpaceWidth);
-    MLongWork work(Owner, "Scaling characters...", PixelsOf(*this));
+    MLongWork work(Owner, "Scaling characters...", GlyphPixels(*this));
     for (std::size_t place = 0; place < SlotCount; ++place) {
         work.At(place, SlotCount);
         if (Glyphs[place]) Glyphs[place]->Scale(factor);
@@ -47,7 +39,7 @@ void MColourFont::Scale(float factor) {
 void MColourFont::TrimVertically() {
     std::uint32_t top = noMargin;
     std::uint32_t bottom = noMargin;
-    MLongWork work(Owner, "Trimming characters...", PixelsOf(*this));
+    MLongWork work(Owner, "Trimming characters...", GlyphPixels(*this));
     for (const auto& slot : Glyphs) {
         if (!slot) continue;
         std::uint32_t glyphTop = 0;

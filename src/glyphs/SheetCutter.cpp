@@ -3,6 +3,7 @@
 #include "glyphs/sheet/SheetBoxes.h"
 #include "glyphs/sheet/SheetGrid.h"
 #include "glyphs/sheet/SheetPieces.h"
+#include "glyphs/sheet/WorkingPicture.h"
 
 #include <algorithm>
 #include <numeric>
@@ -12,24 +13,6 @@ namespace {
 
 constexpr std::size_t mostPieces = 4000; // far more than a font's characters have
 constexpr std::array<std::int32_t, 5> harderThresholds{48, 80, 112, 144, 176};
-
-// The picture in format 7, which is made if it has another one.
-class WorkingPicture {
-public:
-    explicit WorkingPicture(const MPicture& picture) : made(picture.Format != FormatRGBA8) {
-        view = made ? MPicture(picture, picture.Width, picture.Height, FormatRGBA8, false, false) : picture;
-    }
-    WorkingPicture(const WorkingPicture&) = delete;
-    WorkingPicture& operator=(const WorkingPicture&) = delete;
-    ~WorkingPicture() {
-        if (made) view.Free();
-    }
-
-    MPicture view;
-
-private:
-    bool made;
-};
 
 void TakeText(MSheet& sheet, const MString& text) {
     std::u16string kept;

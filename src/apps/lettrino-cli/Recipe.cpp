@@ -1,8 +1,8 @@
 #include "apps/lettrino-cli/Recipe.h"
 
+#include "apps/lettrino-cli/Words.h"
+
 #include <algorithm>
-#include <fstream>
-#include <iterator>
 #include <optional>
 #include <string_view>
 
@@ -19,19 +19,6 @@ std::string_view Trimmed(std::string_view text) {
     const std::size_t first = text.find_first_not_of(blanks);
     if (first == std::string_view::npos) return {};
     return text.substr(first, text.find_last_not_of(blanks) - first + 1);
-}
-
-// A small text file without the mark of UTF-8; nothing if it is no such thing.
-std::optional<std::string> ReadText(const fs::path& path) {
-    constexpr std::uintmax_t most = 1 << 20;
-    std::error_code error;
-    if (!fs::is_regular_file(path, error) || fs::file_size(path, error) > most) return std::nullopt;
-    std::ifstream file(path, std::ios::binary);
-    std::string text{std::istreambuf_iterator<char>(file), {}};
-    if (!file) return std::nullopt;
-    if (text.starts_with("\xEF\xBB\xBF")) text.erase(0, 3);
-    std::erase(text, '\r');
-    return text;
 }
 
 const Step* StepNamed(const std::string& name) {
@@ -109,7 +96,7 @@ private:
         argument.erase(0, 1);
         if (argument.starts_with('@')) return std::nullopt;
         const fs::path file = folder / argument;
-        auto text = ReadText(file);
+        auto text = ReadSmallText(file);
         if (!text) return argument + " can't be read";
         while (text->ends_with('\n'))
             text->pop_back();
@@ -122,7 +109,7 @@ private:
 } // namespace
 
 std::variant<Recipe, std::string> ReadRecipe(const std::string& file) {
-    const auto text = ReadText(file);
+    const auto text = ReadSmallText(file);
     if (!text) return file + ": there is no such file of steps, or it is larger than 1 MB";
     Reader reader(file);
     std::size_t number = 0;

@@ -7,27 +7,10 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 
 namespace {
 
 constexpr std::int32_t largestCell = 4096;
-
-// A text file in UTF-8, without its mark; nothing if it can't be read.
-std::optional<std::string> ReadText(const std::string& file) {
-    constexpr std::uintmax_t most = 1 << 20;
-    std::error_code error;
-    const std::filesystem::path path(file);
-    if (!std::filesystem::is_regular_file(path, error) || std::filesystem::file_size(path, error) > most)
-        return std::nullopt;
-    std::ifstream stream(path, std::ios::binary);
-    std::string text{std::istreambuf_iterator<char>(stream), {}};
-    if (!stream) return std::nullopt;
-    if (text.starts_with("\xEF\xBB\xBF")) text.erase(0, 3);
-    return text;
-}
 
 constexpr const char* noText = "it is no text file of at most 1 MB";
 
@@ -89,7 +72,7 @@ std::optional<std::string> FileOfText(const std::string& argument) {
 
 std::optional<StepAction> PrepareSelectText(StepArguments arguments) {
     return [file = arguments[0]](Run& run) -> StepResult {
-        const auto text = ReadText(file);
+        const auto text = ReadSmallText(file);
         if (!text) return StepFailure{file, noText};
         Selection selected{};
         const MString units = FromSystem(*text);
@@ -106,7 +89,7 @@ std::optional<StepAction> PrepareSheetText(StepArguments arguments) {
     if (arguments[0].empty()) return std::nullopt;
     return [argument = arguments[0]](Run& run) -> StepResult {
         const auto file = FileOfText(argument);
-        const auto text = file ? ReadText(*file) : argument.substr(argument.starts_with("@@") ? 1 : 0);
+        const auto text = file ? ReadSmallText(*file) : argument.substr(argument.starts_with("@@") ? 1 : 0);
         if (!text) return StepFailure{*file, noText};
         run.sheetText = FromSystem(*text);
         return {};

@@ -4,6 +4,9 @@
 
 #include <algorithm>
 #include <charconv>
+#include <fstream>
+#include <iterator>
+#include <system_error>
 
 namespace {
 
@@ -75,4 +78,17 @@ std::vector<std::string> SplitList(std::string_view text) {
         }
     }
     return parts;
+}
+
+std::optional<std::string> ReadSmallText(const std::filesystem::path& path) {
+    constexpr std::uintmax_t most = 1 << 20;
+    std::error_code error;
+    if (!std::filesystem::is_regular_file(path, error) || std::filesystem::file_size(path, error) > most)
+        return std::nullopt;
+    std::ifstream file(path, std::ios::binary);
+    std::string text{std::istreambuf_iterator<char>(file), {}};
+    if (!file) return std::nullopt;
+    if (text.starts_with("\xEF\xBB\xBF")) text.erase(0, 3);
+    std::erase(text, '\r');
+    return text;
 }

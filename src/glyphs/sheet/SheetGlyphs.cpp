@@ -3,6 +3,7 @@
 #include "document/MSettings.h"
 #include "glyphs/SheetCutter.h"
 #include "glyphs/sheet/SheetLetter.h"
+#include "glyphs/sheet/WorkingPicture.h"
 #include "platform/MLongWork.h"
 
 #include <algorithm>
@@ -148,13 +149,12 @@ std::unique_ptr<MGlyph> MakeGlyph(const Cut& cut, const Frame& frame, const MShe
 std::string AddSheetGlyphs(MColourFont& font, bool isNew, const MSheet& sheet, const MPicture& sheetPicture,
                            const MSheetSpacing& spacing) {
     if (!sheet.problem.empty()) return sheet.problem;
-    MPicture picture = sheetPicture;
-    const bool converted = picture.Format != FormatRGBA8;
-    if (converted) picture = MPicture(sheetPicture, picture.Width, picture.Height, FormatRGBA8, false, false);
-    if (!picture.IsValid()) return "there is not enough memory for the sheet";
     Cuts cuts;
     std::vector<std::size_t> boxes;
     {
+        const WorkingPicture working(sheetPicture);
+        const MPicture& picture = working.view;
+        if (!picture.IsValid()) return "there is not enough memory for the sheet";
         MLongWork work(font.Owner, "Cutting letters...", std::uint64_t{picture.Width} * picture.Height);
         for (std::size_t i = 0; i < sheet.boxes.size(); ++i) {
             work.At(i, sheet.boxes.size());
@@ -172,7 +172,6 @@ std::string AddSheetGlyphs(MColourFont& font, bool isNew, const MSheet& sheet, c
             boxes.push_back(i);
         }
     }
-    if (converted) picture.Free();
     if (cuts.all.empty()) return "no box of the sheet has a character";
     std::int32_t over = 1;
     std::int32_t under = 0;
