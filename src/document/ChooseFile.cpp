@@ -44,6 +44,7 @@ std::optional<DialogKind> DialogOf(MPathKind kind) {
     case MPathKind::OpenFont: return DialogKind{"Open Font", false, FilterOf(colourFonts), "sm"};
     case MPathKind::SaveFont: return DialogKind{"Save Font", true, FilterOf(colourFonts), "sm"};
     case MPathKind::FindPicture:
+    case MPathKind::PictureSheet:
     case MPathKind::GlyphPicture: return DialogKind{"Load Picture", false, FilterOf(pictureFiles), ""};
     case MPathKind::SavePicture: return DialogKind{"Save Picture", true, {"PNG Files (*.PNG)", "*.PNG"}, "png"};
     case MPathKind::SaveHtml: return DialogKind{"Save HTML", true, {"HTML Files (*.HTML)", "*.HTML"}, "html"};
@@ -71,7 +72,8 @@ MString ChooseFile(Desktop::WindowHandle owner, MPathKind kind, MString* typed) 
     if (!owner || !dialogKind) return {};
     MString& remembered = Settings->Path(kind);
     const bool unused = remembered.IsEmpty() && static_cast<std::size_t>(kind) >= FirstPathKinds;
-    const MString& start = unused ? Settings->Path(MPathKind::SaveFont) : remembered;
+    const MPathKind likely = kind == MPathKind::PictureSheet ? MPathKind::GlyphPicture : MPathKind::SaveFont;
+    const MString& start = unused ? Settings->Path(likely) : remembered;
     Desktop::FileDialog dialog;
     dialog.title = dialogKind->title;
     // A dot anywhere is taken for that of a file name, so a folder with a dot in it loses its last part.

@@ -25,10 +25,11 @@ enum class MPathKind : std::uint8_t {
     SaveGameFont,
     ImportGameFont,
     SaveWebFont,
+    PictureSheet,
 };
-inline constexpr std::size_t PathKinds = 12;
+inline constexpr std::size_t PathKinds = 13;
 // Those up to here have a folder to begin with and always a line in the settings file; the others begin where
-// fonts are saved, and have a line once they were used.
+// fonts are saved, or pictures looked for, and have a line once they were used.
 inline constexpr std::size_t FirstPathKinds = 9;
 
 // What dialogs and the command line limit a glyph height to; files may bring any other.

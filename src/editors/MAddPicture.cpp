@@ -41,14 +41,13 @@ Desktop::Rect MAddPicture::PreviewArea(const Desktop::Rect& previewLabel, const 
 
 namespace {
 
-void TellUnreadable(MDirect2DSurface& surface, const Desktop::Rect& area, float density,
-                    const MString& path) {
+void TellUnreadable(MDirect2DSurface& surface, const Desktop::Rect& area, float density, const MString& path) {
     const MColour ground = Settings->BackgroundColour;
     const bool bright = ground.r + ground.g + ground.b > 3 * 127;
     surface.DrawText(area,
                      FileExists(path) ? "This file is no picture that can be read." : "There is no such file.",
-                     MString(), 12 * density, 0, false, bright ? MColour(90, 90, 90) : MColour(200, 200, 200), 0, 0, false,
-                     true, true, true);
+                     MString(), 12 * density, 0, false, bright ? MColour(90, 90, 90) : MColour(200, 200, 200),
+                     0, 0, false, true, true, true);
 }
 
 } // namespace
@@ -60,7 +59,8 @@ void MAddPicture::PaintPreview(Desktop::WindowHandle window, const Desktop::Rect
     if (preview.surface.get() != before || !previewPath.Equals(Path)) {
         RestorePixelBudget(); // each choice counts alone
         preview.surface->Clear(Settings->BackgroundColour);
-        if (!preview.surface->DrawPictureFile(Path, area, true)) TellUnreadable(*preview.surface, area, Density, Path);
+        if (!preview.surface->DrawPictureFile(Path, area, true))
+            TellUnreadable(*preview.surface, area, Density, Path);
         previewPath = Path;
     }
     preview.surface->End();

@@ -6,6 +6,7 @@
 #include "glyphs/sheet/WorkingPicture.h"
 
 #include <algorithm>
+#include <cmath>
 #include <numeric>
 #include <set>
 
@@ -47,13 +48,16 @@ std::string WhyNotText(const MSheet& sheet) {
     return {};
 }
 
-// What is too small to be a part of a letter.
-void DropSpecks(std::vector<MSheetPiece>& pieces, double letterHeight) {
-    const double least = std::max(2.0, 0.045 * letterHeight);
-    std::erase_if(pieces, [&](const MSheetPiece& piece) {
-        return std::max(piece.box.Width(), piece.box.Height()) < least ||
-               static_cast<double>(piece.area) < std::max(3.0, 0.0015 * letterHeight * letterHeight);
+// Puts aside what is too small to be a part of a letter.
+void DropSpecks(MSheet& sheet) {
+    const double height = SheetLetterHeight(sheet.pieces);
+    const double least = std::max(2.0, 0.045 * height);
+    const auto specks = std::ranges::stable_partition(sheet.pieces, [&](const MSheetPiece& piece) {
+        return std::max(piece.box.Width(), piece.box.Height()) >= least &&
+               static_cast<double>(piece.area) >= std::max(3.0, 0.0015 * height * height);
     });
+    sheet.specks.assign(std::move_iterator(specks.begin()), std::move_iterator(specks.end()));
+    sheet.pieces.erase(specks.begin(), specks.end());
 }
 
 void FindLetters(MSheet& sheet) {
@@ -90,6 +94,11 @@ void SplitTouching(MSheet& sheet, const MPicture& picture) {
             break;
         }
     }
+}
+
+Desktop::Rect OnSheet(const MSheet& sheet, const Desktop::Rect& edges) {
+    return {std::max(edges.left, 0), std::max(edges.top, 0), std::min(edges.right, sheet.width),
+            std::min(edges.bottom, sheet.height)};
 }
 
 void Remeasure(MSheet& sheet, MSheetBox& box) {
@@ -133,7 +142,7 @@ MSheet FindSheetLetters(const MPicture& picture, const MString& text, const MShe
         NameBoxes(sheet);
         return sheet;
     }
-    DropSpecks(sheet.pieces, SheetLetterHeight(sheet.pieces));
+    DropSpecks(sheet);
     if (sheet.pieces.size() > mostPieces || sheet.pieces.empty()) {
         sheet.problem = sheet.pieces.empty()
                             ? "the sheet has only specks"
@@ -172,41 +181,70 @@ void SplitSheetBox(MSheet& sheet, std::size_t box, std::int32_t x) {
     if (box >= sheet.boxes.size()) return;
     MSheetBox left = sheet.boxes[box];
     MSheetBox right = left;
+    left.doubtful = false;
+    right.doubtful = false;
+    right.character = 0;
+    const auto place = sheet.boxes.begin() + static_cast<std::ptrdiff_t>(box);
+    if (left.byHand) {
+        if (x <= left.box.left || x >= left.box.right) return;
+        left.box.right = x;
+        right.box.left = x;
+        right.pieces.clear(); // what of them lies in it is its own all the same
+        *place = left;
+        sheet.boxes.insert(place + 1, right);
+        return;
+    }
     left.pieces.clear();
     right.pieces.clear();
     std::vector<MSheetPiece> pieces = sheet.pieces;
-    for (const std::uint32_t place : sheet.boxes[box].pieces) {
+    for (const std::uint32_t piece : sheet.boxes[box].pieces) {
         MSheetPiece before;
         MSheetPiece after;
-        for (const MSheetRun& run : sheet.pieces[place].runs) {
+        for (const MSheetRun& run : sheet.pieces[piece].runs) {
             if (run.left < x) before.runs.push_back({run.y, run.left, std::min(run.right, x)});
             if (run.right > x) after.runs.push_back({run.y, std::max(run.left, x), run.right});
         }
         MeasureSheetPiece(before);
         MeasureSheetPiece(after);
-        if (before.area > 0) left.pieces.push_back(place);
+        if (before.area > 0) left.pieces.push_back(piece);
         if (after.area > 0)
-            right.pieces.push_back(before.area > 0 ? static_cast<std::uint32_t>(pieces.size()) : place);
+            right.pieces.push_back(before.area > 0 ? static_cast<std::uint32_t>(pieces.size()) : piece);
         if (before.area > 0 && after.area > 0) pieces.push_back(after);
-        pieces[place] = before.area > 0 ? before : after;
+        pieces[piece] = before.area > 0 ? before : after;
     }
     if (left.pieces.empty() || right.pieces.empty()) return;
     sheet.pieces = std::move(pieces);
     Remeasure(sheet, left);
     Remeasure(sheet, right);
-    left.doubtful = false;
-    right.doubtful = false;
-    right.character = 0;
-    sheet.boxes[box] = left;
-    sheet.boxes.insert(sheet.boxes.begin() + static_cast<std::ptrdiff_t>(box) + 1, right);
+    *place = left;
+    sheet.boxes.insert(place + 1, right);
 }
 
 void MoveSheetBox(MSheet& sheet, std::size_t box, const Desktop::Rect& edges) {
-    const Desktop::Rect inside{std::max(edges.left, 0), std::max(edges.top, 0),
-                               std::min(edges.right, sheet.width), std::min(edges.bottom, sheet.height)};
+    const Desktop::Rect inside = OnSheet(sheet, edges);
     if (box >= sheet.boxes.size() || inside.IsEmpty()) return;
     sheet.boxes[box].box = inside;
     sheet.boxes[box].byHand = true;
+}
+
+std::optional<std::size_t> AddSheetBox(MSheet& sheet, const Desktop::Rect& edges) {
+    const Desktop::Rect inside = OnSheet(sheet, edges);
+    if (inside.IsEmpty() || sheet.lines.empty()) return std::nullopt;
+    const double x = (inside.left + inside.right) / 2.0;
+    const double y = (inside.top + inside.bottom) / 2.0;
+    const auto nearest = std::ranges::min_element(sheet.lines, {}, [&](const MSheetLine& line) {
+        return std::abs(y - line.Base(x) + line.capHeight / 2);
+    });
+    MSheetBox box;
+    box.box = inside;
+    box.line = static_cast<std::uint32_t>(nearest - sheet.lines.begin());
+    box.byHand = true;
+    const auto behind = std::ranges::find_if(sheet.boxes, [&](const MSheetBox& other) {
+        return other.line > box.line || (other.line == box.line && other.box.left + other.box.right > 2 * x);
+    });
+    const auto place = static_cast<std::size_t>(behind - sheet.boxes.begin());
+    sheet.boxes.insert(behind, box);
+    return place;
 }
 
 void NameSheetBoxes(MSheet& sheet, const MString& text) {

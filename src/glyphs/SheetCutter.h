@@ -61,7 +61,8 @@ struct MSheetBox {
     char16_t character = 0; // 0: not known
     bool leftOut = false;   // becomes no glyph
     bool doubtful = false;  // the ink doesn't look like the character, or might be cut otherwise
-    // Drawn by hand: all ink inside `box` that belongs to no other box, whatever `pieces` says.
+    // Drawn by hand: all ink inside `box` that belongs to no other box. Of `pieces`, what lies outside of it is
+    // anybody's; without any, specks count as ink too, since a drawn dot may be one.
     bool byHand = false;
 };
 
@@ -84,6 +85,7 @@ struct MSheet {
     std::int32_t height = 0;
     MSheetGround ground;
     std::vector<MSheetPiece> pieces;
+    std::vector<MSheetPiece> specks; // too small for parts of letters
     std::vector<MSheetLine> lines;
     std::vector<MSheetBox> boxes;       // in reading order
     MString text;                       // without blanks
@@ -102,10 +104,16 @@ MSheet FindSheetLetters(const MPicture& picture, const MString& text, const MShe
 
 // Changes by hand. `box` and `other` are places in sheet.boxes; a place that isn't there changes nothing.
 void JoinSheetBoxes(MSheet& sheet, std::size_t box, std::size_t other); // into the first of them
-// Cuts at a column of the picture; nothing happens if one side would have no ink.
+// Cuts at a column of the picture; nothing happens if one side would have no ink. A box drawn by hand is cut as
+// a rectangle.
 void SplitSheetBox(MSheet& sheet, std::size_t box, std::int32_t x);
 // Gives the box new edges; it then has all ink inside them that belongs to no other box.
 void MoveSheetBox(MSheet& sheet, std::size_t box, const Desktop::Rect& edges);
+// A box by hand, without a character, in the line that it stands on. Its place in sheet.boxes; nothing if no
+// line was found on the sheet or none of the edges' inside lies on it.
+std::optional<std::size_t> AddSheetBox(MSheet& sheet, const Desktop::Rect& edges);
+// Measures base lines and cap height anew by the characters that the boxes have.
+void MeasureSheetLetters(MSheet& sheet);
 // Gives the boxes that aren't left out the characters of the text, one after the other, and measures the lines
 // by them anew. `problem` tells if their numbers differ.
 void NameSheetBoxes(MSheet& sheet, const MString& text);

@@ -106,6 +106,10 @@ bool MFileTypes::IsWebPage(const MString& extension) const {
     return Holds(serverScripts, extension);
 }
 
+bool MFileTypes::IsPicture(const MString& extension) const {
+    return Holds(pictures, extension);
+}
+
 const char* MFileTypes::GetTypeName(std::int32_t category) {
     const bool known = category >= 0 && category < CategoryCount;
     return known ? categories[static_cast<std::size_t>(category)].name : "?";

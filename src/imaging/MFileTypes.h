@@ -23,6 +23,8 @@ public:
     void AddExtension(std::int32_t category, MString extension);
     // Whether a file of this extension is opened in a browser; `extension` as MString::GetExtension gives it.
     bool IsWebPage(const MString& extension) const;
+    // Whether it is that of a picture which can be read.
+    bool IsPicture(const MString& extension) const;
 
     // "Text files" and so on; "?" for any number outside 0 to 20.
     static const char* GetTypeName(std::int32_t category);

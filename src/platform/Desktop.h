@@ -79,6 +79,7 @@ enum class DialogId : std::uint16_t {
     GlyphEditor = 142,
     ExportGameFont = 150,
     OpticalKerning = 151,
+    AddSheet = 152,
 };
 
 // Modal. A dialog works on the process-wide settings and document; true if it ended with OK.

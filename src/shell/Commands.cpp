@@ -194,6 +194,19 @@ void AddPicture() {
     font.Draw();
 }
 
+// A font that nothing came into is none.
+void AddSheet() {
+    const bool isNew = !CurrentFont;
+    MColourFont& font = CurrentOrNewFont();
+    const bool accepted = Desktop::RunDialog(MainWindow, DialogId::AddSheet);
+    RestorePixelBudget(); // the dialog has shown pictures
+    if (accepted) {
+        RepackAndDraw(font);
+    } else if (isNew) {
+        DestroyCurrentFont();
+    }
+}
+
 // Spacings and metrics don't touch the picture; only a deleted glyph does.
 void EditGlyphs(MColourFont& font) {
     const std::int32_t before = font.GlyphCount();
@@ -250,6 +263,7 @@ void Run(CommandId command) {
     case CommandId::Exit: return Desktop::CloseWindow(MainWindow);
     case CommandId::AddCharacters: return AddCharacters();
     case CommandId::AddPicture: return AddPicture();
+    case CommandId::AddSheet: return AddSheet();
     case CommandId::GlyphsEditor: return OnCurrentFont(EditGlyphs);
     case CommandId::KerningEditor: return OnCurrentFont(EditKerning);
     case CommandId::OpticalKerning: return OnCurrentFont(KernOptically);

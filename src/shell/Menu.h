@@ -32,6 +32,7 @@ enum class CommandId : std::uint16_t {
     ImportGameFont = 32891,
     OpticalKerning = 32892,
     ExportWebFont = 32893,
+    AddSheet = 32894,
 };
 
 struct MenuItem {
@@ -68,6 +69,7 @@ inline constexpr std::array fileItems{
 inline constexpr std::array editItems{
     MenuItem{"Add/change characters...", "F3", CommandId::AddCharacters},
     MenuItem{"Add/change picture...", "F4", CommandId::AddPicture},
+    MenuItem{"Add picture sheet...", "", CommandId::AddSheet},
     MenuItem{"Glyphs editor...", "F5", CommandId::GlyphsEditor},
     MenuItem{"Kerning editor...", "F6", CommandId::KerningEditor},
     MenuItem{"Optical kerning...", "", CommandId::OpticalKerning},

@@ -7,6 +7,7 @@
 #include "imaging/MFileTypes.h"
 #include "imaging/MPixelBudget.h"
 #include "licensing/MLicense.h"
+#include "shell/Commands.h"
 #include "shell/CurrentFont.h"
 #include "shell/OpenFontFile.h"
 #include "shell/Preview.h"
@@ -82,5 +83,10 @@ void PaintMainWindow() {
 }
 
 void OpenDroppedFile(const MString& path) {
-    OpenTextureFont(path);
+    if (FileTypes.IsPicture(ExtensionOf(path))) {
+        Settings->Path(MPathKind::PictureSheet) = path;
+        RunCommand(CommandId::AddSheet);
+    } else {
+        OpenTextureFont(path);
+    }
 }

@@ -13,5 +13,6 @@ void RecordWindowRect(const Desktop::Rect& frame);
 // The client area wants painting. Without a font nothing is painted.
 void PaintMainWindow();
 
-// Files were dropped, of which this is the first. Texture fonts are opened, others ignored.
+// Files were dropped, of which this is the first. Texture fonts are opened, letters are looked for on pictures,
+// others ignored.
 void OpenDroppedFile(const MString& path);

@@ -161,12 +161,16 @@ MadeSheet::MadeSheet(const SheetLook& look) : before(std::exchange(Settings, &se
     const bool shaded = look.effect == SheetLook::Effect::Shadow;
     const double near = outlined ? 2 : 0;
     const double far = outlined ? 2 : shaded ? 5 : 0;
+    std::mt19937 random(3);
+    std::uniform_int_distribution<std::int32_t> stray(-look.wander / 2, look.wander / 2);
     for (std::uint32_t line = 0; line < look.lines.size(); ++line) {
         std::int32_t pen = margin;
-        const std::int32_t top = margin + static_cast<std::int32_t>(line) * pitch;
         for (const char16_t character : look.lines[line]) {
             const MGlyph& glyph = *font.GetGlyph(character);
-            const std::int32_t x = pen + glyph.SpacingBefore;
+            const std::int32_t x = pen + glyph.SpacingBefore + stray(random);
+            const auto wave = std::sin(x / (6.0 * look.height) + line);
+            const std::int32_t top = margin + static_cast<std::int32_t>(line) * pitch +
+                                     static_cast<std::int32_t>(std::lround(look.wander * wave)) + stray(random);
             Draw(layer, glyph, x, top, look.effect);
             std::uint32_t above = 0, right = 0, below = 0, left = 0;
             glyph.Picture.GetMargins(above, right, below, left);

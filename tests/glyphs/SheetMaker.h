@@ -20,6 +20,8 @@ struct SheetLook {
     double degrees = 0; // clockwise
     std::int32_t height = 64;
     std::int32_t extraGap = 8; // beyond the face's own distances
+    std::int32_t wander =
+        0; // pixels by which lines wave, and half as far letters leave them and their distances
     std::vector<std::u16string> lines{u"ABCDEFGHIJKLMNOPQRSTUVWXYZ", u"abcdefghijklmnopqrstuvwxyz",
                                       u"0123456789", u".,:;!?'\"()[]-+=/&%@#"};
 };
@@ -44,7 +46,7 @@ public:
     MPicture picture; // format 7
     MPicture paper;   // the same without letters
     std::vector<MadeLetter> letters;
-    MString text; // with line breaks
+    MString text;       // with line breaks
     MSettings settings; // the program's while the sheet lives
 
 private:

@@ -55,8 +55,8 @@ TEST_F(Commands, TheMenuNamesEachCommandOnce) {
         for (const MenuItem& item : menu.items)
             if (*item.text) commands.insert(item.command);
     }
-    EXPECT_EQ(commands.size(), 26U);
-    EXPECT_EQ(std::set(commands.begin(), commands.end()).size(), 26U);
+    EXPECT_EQ(commands.size(), 27U);
+    EXPECT_EQ(std::set(commands.begin(), commands.end()).size(), 27U);
 }
 
 TEST_F(Commands, ThoseThatNeedAFontDoNothingWithoutOne) {

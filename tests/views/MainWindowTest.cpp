@@ -3,6 +3,7 @@
 #include "Text.h"
 #include "document/MColourFont.h"
 #include "platform/qt/MClientArea.h"
+#include "platform/qt/QtText.h"
 #include "shell/Program.h"
 #include "shell/Shell.h"
 #include "shell/UserFolders.h"
@@ -157,7 +158,8 @@ TEST_F(MainWindowTest, TheMenuHoldsEveryItemInOrder) {
                       "Import photofont...\t\nImport game font...\t\n-\nExport as HTML...\t\nExport as single "
                       "files...\t\nExport as cubes...\t\nExport as game font...\t\n"
                       "Export as web font...\t\n-\nExit\t\n"
-                      "EDIT\nAdd/change characters...\tF3\nAdd/change picture...\tF4\nGlyphs editor...\tF5\n"
+                      "EDIT\nAdd/change characters...\tF3\nAdd/change picture...\tF4\nAdd picture "
+                      "sheet...\t\nGlyphs editor...\tF5\n"
                       "Kerning editor...\tF6\nOptical kerning...\t\nChange glyph height...\tF7\n-\nRemove "
                       "non-ASCII characters\t\n"
                       "Trim vertically\t\n"
@@ -242,26 +244,35 @@ TEST_F(MainWindowTest, TheProgressWindowIsSeenAndMoves) {
     EXPECT_GT(middles.size(), 1U) << "the bar goes past its middle";
 }
 
-TEST_F(MainWindowTest, ADroppedTextureFontIsOpened) {
-    const MString path = Home().Write("drop.sm", "Showmarquee TextureFont\nCHA\tA\t0\t0\t20\t100\n");
+// A texture font is opened, on a picture letters are looked for, others are refused while they are still held.
+TEST_F(MainWindowTest, DroppedFilesAreOpened) {
+    const MString font = Home().Write("drop.sm", "Showmarquee TextureFont\nCHA\tA\t0\t0\t20\t100\n");
     std::filesystem::copy_file(ToSystemPath(GetProgramFolder() + "/Media/icons/lettrino-16.png"),
                                Home().path / "drop.png");
+    const auto drop = [](QWidget& window, const QString& file) {
+        QMimeData data;
+        data.setUrls({QUrl::fromLocalFile(file), QUrl("http://x/second.sm")});
+        QDragEnterEvent enter(QPoint(5, 5), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(&window, &enter);
+        if (!enter.isAccepted()) return false;
+        QDropEvent dropped(QPointF(5, 5), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(&window, &dropped);
+        return true;
+    };
     Run({}, {Look([&](QWidget& window) {
-            QMimeData data;
-            data.setUrls(
-                {QUrl::fromLocalFile(QString::fromStdString(ToSystem(path))), QUrl("http://x/second.sm")});
-            QDragEnterEvent enter(QPoint(5, 5), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
-            QApplication::sendEvent(&window, &enter);
-            EXPECT_TRUE(enter.isAccepted());
-            QMimeData other;
-            other.setUrls({QUrl::fromLocalFile("/a/page.html")});
-            QDragEnterEvent page(QPoint(5, 5), Qt::CopyAction, &other, Qt::LeftButton, Qt::NoModifier);
-            QApplication::sendEvent(&window, &page);
-            EXPECT_FALSE(page.isAccepted()) << "refused while it is still held";
-            QDropEvent drop(QPointF(5, 5), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
-            QApplication::sendEvent(&window, &drop);
-            EXPECT_EQ(window.windowTitle().toStdString(), "Lettrino - 1 Glyphs (128 x 256)");
-        })});
+                 EXPECT_FALSE(drop(window, "/a/page.html"));
+                 EXPECT_TRUE(drop(window, ToQt(font)));
+                 const auto isOpen = [&] { return window.windowTitle() == "Lettrino - 1 Glyphs (128 x 256)"; };
+                 EXPECT_TRUE(QTest::qWaitFor(isOpen, 2000));
+                 EXPECT_TRUE(drop(window, ToQt(Home().File("drop.png"))));
+             }),
+             {"Add picture sheet",
+              [](QWidget& dialog) {
+                  EXPECT_TRUE(Named<QLineEdit>(dialog, "Picture")->text().endsWith("/drop.png"));
+                  TypeInto(Named<QLineEdit>(dialog, "Characters"), "L");
+                  Click(dialog, "OK");
+              }},
+             Look([&](QWidget& window) { EXPECT_EQ(window.windowTitle().left(19), "Lettrino - 2 Glyphs"); })});
 }
 
 // By the window's own image: a grab would paint it anew and hide a picture that stayed.

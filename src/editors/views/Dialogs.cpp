@@ -4,6 +4,7 @@
 #include "editors/views/MAboutView.h"
 #include "editors/views/MAddGlyphsView.h"
 #include "editors/views/MAddPictureView.h"
+#include "editors/views/MAddSheetView.h"
 #include "editors/views/MExportGameFontView.h"
 #include "editors/views/MGlyphEditorView.h"
 #include "editors/views/MGlyphHeightView.h"
@@ -36,6 +37,7 @@ bool Desktop::RunDialog(WindowHandle owner, DialogId id) {
     case DialogId::About: return Run<MAboutView>(owner);
     case DialogId::AddGlyphs: return Run<MAddGlyphsView>(owner);
     case DialogId::AddPicture: return Run<MAddPictureView>(owner);
+    case DialogId::AddSheet: return CurrentFont && Run<MAddSheetView>(owner);
     case DialogId::ExportGameFont: return CurrentFont && Run<MExportGameFontView>(owner, *CurrentFont);
     }
     return false;

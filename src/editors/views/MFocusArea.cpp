@@ -55,6 +55,16 @@ void MFocusArea::keyPressEvent(QKeyEvent* event) {
     if (!onKey || !onKey(*event)) QWidget::keyPressEvent(event);
 }
 
+bool MFocusArea::event(QEvent* event) {
+    if (event->type() == QEvent::FocusIn) setAttribute(Qt::WA_InputMethodEnabled, onText != nullptr);
+    return QWidget::event(event);
+}
+
+void MFocusArea::inputMethodEvent(QInputMethodEvent* event) {
+    if (onText) onText(event->commitString());
+    event->accept();
+}
+
 void MFocusArea::paintEvent(QPaintEvent*) {
     if (!hasFocus()) return;
     // Two colours, of which one stands out on whatever lies below.

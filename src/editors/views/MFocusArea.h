@@ -9,7 +9,9 @@
 class MFocusArea : public QWidget {
 public:
     std::function<bool(const QKeyEvent&)> onKey; // whether it meant anything
-    std::function<QRect()> frame;                // in the area's own pixels; without it, around the area
+    // What was put together from several keys, as letters with accents are. Given once, at the start.
+    std::function<void(const QString&)> onText;
+    std::function<QRect()> frame; // in the area's own pixels; without it, around the area
 
     // What it is for those who can't see it, and what it shows now; `checked` where that is a box to be
     // checked.
@@ -22,6 +24,8 @@ public:
     void TellChange();
 
 protected:
+    bool event(QEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
+    void inputMethodEvent(QInputMethodEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
 };

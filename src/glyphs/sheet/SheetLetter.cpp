@@ -32,7 +32,7 @@ public:
         return owners[static_cast<std::size_t>(y - area.top) * static_cast<std::size_t>(width) +
                       static_cast<std::size_t>(x - area.left)];
     }
-    void Fill(const MSheetPiece& piece, const Desktop::Rect& within, std::uint8_t owner) {
+    void Fill(const MSheetPiece& piece, const Desktop::Rect& within, Owner owner) {
         const Desktop::Rect part{std::max(within.left, area.left), std::max(within.top, area.top),
                                  std::min(within.right, area.right), std::min(within.bottom, area.bottom)};
         for (const MSheetRun& run : piece.runs) {
@@ -45,22 +45,21 @@ public:
     }
     void Claim(std::size_t place) {
         const MSheetBox& own = all.boxes[place];
-        std::vector<bool> taken(all.pieces.size());
-        for (std::size_t i = 0; i < all.boxes.size(); ++i)
-            if (i != place && !all.boxes[i].leftOut)
-                for (const std::uint32_t piece : all.boxes[i].pieces)
-                    taken[piece] = true;
-        if (own.byHand) {
-            for (std::size_t i = 0; i < all.pieces.size(); ++i)
-                if (!taken[i]) Fill(all.pieces[i], own.box, Own);
-        }
-        for (std::size_t i = 0; i < all.boxes.size(); ++i) {
-            const MSheetBox& box = all.boxes[i];
-            const std::uint8_t owner = i == place ? Own : Other;
-            if (box.leftOut && i != place) continue;
+        const auto fill = [&](const MSheetBox& box, Owner owner) {
             for (const std::uint32_t piece : box.pieces)
                 Fill(all.pieces[piece], box.byHand ? box.box : area, owner);
+        };
+        if (own.byHand) {
+            for (const MSheetPiece& piece : all.pieces)
+                Fill(piece, own.box, Own);
+            if (own.pieces.empty()) {
+                for (const MSheetPiece& speck : all.specks)
+                    Fill(speck, own.box, Own);
+            }
         }
+        for (std::size_t i = 0; i < all.boxes.size(); ++i)
+            if (i != place && !all.boxes[i].leftOut) fill(all.boxes[i], Other);
+        fill(own, Own);
     }
     // Own ink that may be half paper, and one pixel around it where nobody else is.
     void Soften(bool widen) {

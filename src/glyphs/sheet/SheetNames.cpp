@@ -89,19 +89,27 @@ void TellLines(MSheet& sheet, const std::vector<std::uint32_t>& wanted) {
 
 using Chooses = bool (*)(char16_t);
 
-// Where a box touches the ground: the middle of the ink in its last row.
+// Where a box touches the ground: the middle of its ink in the last row that has some.
 MSheetPoint FootOf(const MSheet& sheet, const MSheetBox& box) {
     double sum = 0;
     double count = 0;
-    for (const std::uint32_t piece : box.pieces) {
-        for (const MSheetRun& run : sheet.pieces[piece].runs) {
-            if (run.y != box.box.bottom - 1) continue;
-            sum += (run.right - run.left) * (run.left + run.right) / 2.0;
-            count += run.right - run.left;
-        }
-    }
-    const double middle = count > 0 ? sum / count : (box.box.left + box.box.right) / 2.0;
-    return {middle, static_cast<double>(box.box.bottom)};
+    std::int32_t last = -1;
+    const auto use = [&](const MSheetRun& run) {
+        const std::int32_t left = std::max(run.left, box.box.left);
+        const std::int32_t right = std::min(run.right, box.box.right);
+        if (left >= right || run.y >= box.box.bottom || run.y < std::max(last, box.box.top)) return;
+        if (run.y > last) sum = count = 0;
+        last = run.y;
+        sum += (right - left) * (left + right) / 2.0;
+        count += right - left;
+    };
+    const auto useAll = [&](const MSheetPiece& piece) { std::ranges::for_each(piece.runs, use); };
+    for (const std::uint32_t piece : box.pieces)
+        useAll(sheet.pieces[piece]);
+    // Drawn on the sheet: who else has ink there hardly matters for its last row.
+    if (box.pieces.empty()) std::ranges::for_each(sheet.pieces, useAll);
+    if (count == 0) return {(box.box.left + box.box.right) / 2.0, static_cast<double>(box.box.bottom)};
+    return {sum / count, last + 1.0};
 }
 
 std::vector<MSheetPoint> Feet(const MSheet& sheet, std::uint32_t line, Chooses chooses) {
@@ -165,6 +173,20 @@ double MedianHeight(const MSheet& sheet, Chooses chooses) {
 
 } // namespace
 
+void MeasureSheetLetters(MSheet& sheet) {
+    MeasureLines(sheet);
+    const std::array<Chooses, 3> choices{[](char16_t c) { return c == u'A'; }, IsFlatCapital,
+                                         [](char16_t c) { return c == u'l' || c == u'h' || c == u'k'; }};
+    for (const Chooses chooses : choices) {
+        const double height = MedianHeight(sheet, chooses);
+        if (height < 1) continue;
+        sheet.capHeight = height;
+        break;
+    }
+    for (MSheetLine& line : sheet.lines)
+        line.capHeight = sheet.capHeight;
+}
+
 void NameBoxes(MSheet& sheet) {
     sheet.problem.clear();
     sheet.doubtAt = -1;
@@ -185,17 +207,7 @@ void NameBoxes(MSheet& sheet) {
     }
     for (std::size_t i = 0; i < text.size(); ++i)
         sheet.boxes[wanted[i]].character = text[i];
-    MeasureLines(sheet);
-    const std::array<Chooses, 3> choices{[](char16_t c) { return c == u'A'; }, IsFlatCapital,
-                                         [](char16_t c) { return c == u'l' || c == u'h' || c == u'k'; }};
-    for (const Chooses chooses : choices) {
-        const double height = MedianHeight(sheet, chooses);
-        if (height < 1) continue;
-        sheet.capHeight = height;
-        break;
-    }
-    for (MSheetLine& line : sheet.lines)
-        line.capHeight = sheet.capHeight;
+    MeasureSheetLetters(sheet);
     for (MSheetBox& box : sheet.boxes) {
         if (box.leftOut) continue;
         box.doubtful = SheetUnlikeness(sheet, box.box, box.line, box.character) > doubted;

@@ -1,5 +1,7 @@
 #include "shell/window/MMainWindow.h"
 
+#include "foundation/MFolders.h"
+#include "imaging/MFileTypes.h"
 #include "platform/qt/MCursors.h"
 #include "platform/qt/QtText.h"
 #include "shell/Commands.h"
@@ -132,14 +134,19 @@ void MMainWindow::LeaveRoomForFrame() {
 
 void MMainWindow::dragEnterEvent(QDragEnterEvent* event) {
     // Others are refused while they are still held.
-    if (FirstFile(*event->mimeData()).endsWith(".sm", Qt::CaseInsensitive)) event->acceptProposedAction();
+    const MString extension = ExtensionOf(FromQt(FirstFile(*event->mimeData())));
+    if (extension.Equals("SM") || FileTypes.IsPicture(extension)) event->acceptProposedAction();
 }
 
 void MMainWindow::dropEvent(QDropEvent* event) {
     event->acceptProposedAction();
-    const MBusyCursor busy;
-    OpenDroppedFile(FromQt(FirstFile(*event->mimeData())));
-    preview.update();
+    const auto open = [this, file = FromQt(FirstFile(*event->mimeData()))] {
+        const MBusyCursor busy;
+        OpenDroppedFile(file);
+        preview.update();
+    };
+    // What opens may ask the user, and whoever gave the file must not wait for the answer.
+    QMetaObject::invokeMethod(this, open, Qt::QueuedConnection);
 }
 
 namespace Desktop {

@@ -1,0 +1,238 @@
+// A sheet of letters as a user has it: found, put right and named by keyboard, until it is a font.
+
+#include "TemporaryFolder.h"
+#include "glyphs/SheetCutter.h"
+#include "glyphs/SheetMaker.h"
+#include "platform/qt/QtText.h"
+#include "views/Fonts.h"
+
+#include <cmath>
+
+using Desktop::DialogId;
+using Effect = SheetLook::Effect;
+using Ground = SheetLook::Ground;
+
+namespace {
+
+class AddSheetWindow : public EditorWindowTest {
+protected:
+    TemporaryFolder folder;
+
+    // The picture becomes the one that the dialog begins with.
+    void Put(MadeSheet& made, const char* name) {
+        const MString path = folder.File(name);
+        ASSERT_TRUE(made.picture.Save(path));
+        settings.Path(MPathKind::PictureSheet) = path;
+    }
+    // While no made sheet has its own settings in the place of the program's.
+    bool Open(const std::function<void(QWidget&)>& act) {
+        MSettings* const before = std::exchange(Settings, &settings);
+        const bool accepted = RunAnd(DialogId::AddSheet, act);
+        Settings = before;
+        return accepted;
+    }
+    void ExpectLetters(const MadeSheet& made, double near = 6) {
+        EXPECT_EQ(font->GlyphCount(), static_cast<std::int32_t>(made.letters.size()));
+        for (const MadeLetter& letter : made.letters) {
+            const MGlyph* const glyph = font->GetGlyph(letter.character);
+            ASSERT_TRUE(glyph) << char(letter.character);
+            EXPECT_NEAR(glyph->Width, letter.width, near) << char(letter.character);
+            std::uint32_t top = 0, right = 0, bottom = 0, left = 0;
+            glyph->Picture.GetMargins(top, right, bottom, left);
+            EXPECT_NEAR(glyph->Height - static_cast<double>(top + bottom), letter.height, near)
+                << char(letter.character);
+        }
+    }
+};
+
+QString Label(QWidget& dialog, const QString& part) {
+    for (const QLabel* const label : dialog.findChildren<QLabel*>())
+        if (label->text().contains(part)) return label->text();
+    return "no label has it";
+}
+
+QWidget* FocusSheet(QWidget& dialog) {
+    auto* const sheet = Named<QWidget>(dialog, "Sheet");
+    sheet->setFocus();
+    return sheet;
+}
+
+void SelectBox(QWidget& sheet, std::size_t place) {
+    QTest::keyClick(&sheet, Qt::Key_Home);
+    for (std::size_t i = 0; i < place; ++i)
+        QTest::keyClick(&sheet, Qt::Key_Right);
+}
+
+QString OneLine(const MadeSheet& made) {
+    return ToQt(made.text).remove('\n');
+}
+
+// The letters that a box covers, from left to right.
+std::vector<MadeLetter> Covered(const MSheetBox& box, const MadeSheet& made) {
+    std::vector<MadeLetter> letters;
+    std::ranges::copy_if(made.letters, std::back_inserter(letters), [&](const MadeLetter& letter) {
+        return letter.x > box.box.left && letter.x < box.box.right && letter.y > box.box.top - 20 &&
+               letter.y < box.box.bottom + 20;
+    });
+    return letters;
+}
+
+} // namespace
+
+TEST_F(AddSheetWindow, WanderingLinesOnUnevenPaperNeedNoCorrection) {
+    MadeSheet made({.family = "DejaVu Serif", .ground = Ground::Paper, .degrees = 1, .wander = 6});
+    Put(made, "scan.png");
+    EXPECT_TRUE(Open([&](QWidget& dialog) {
+        EXPECT_EQ(Label(dialog, "letters were found").left(22), "82 letters were found.");
+        EXPECT_EQ(QApplication::focusWidget()->accessibleName(), "Characters");
+        QTest::keyClicks(QApplication::focusWidget(), OneLine(made));
+        EXPECT_EQ(Label(dialog, "become glyphs"), "82 letters become glyphs.");
+        ExpectTextFits(dialog);
+        Screenshot(dialog, "add-sheet");
+        EXPECT_EQ(font->GlyphCount(), 0) << "nothing before OK";
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+    }));
+    ExpectLetters(made);
+}
+
+// Letters as close as the face has them, with a shadow that lies under the next one.
+TEST_F(AddSheetWindow, TouchingShadowsAreSplitByKeys) {
+    MadeSheet made({.family = "DejaVu Sans",
+                    .weight = 700,
+                    .effect = Effect::Shadow,
+                    .ground = Ground::Transparent,
+                    .extraGap = 0});
+    Put(made, "shadows.png");
+    const MSheet found = FindSheetLetters(made.picture, made.text, {});
+    int corrections = 0;
+    EXPECT_TRUE(Open([&](QWidget& dialog) {
+        TypeInto(Named<QLineEdit>(dialog, "Characters"), OneLine(made));
+        EXPECT_FALSE(Label(dialog, "the doubt begins").isEmpty());
+        QWidget* const sheet = FocusSheet(dialog);
+        // From the end, so that those before keep their places.
+        for (std::size_t i = found.boxes.size(); i-- > 0;) {
+            const auto letters = Covered(found.boxes[i], made);
+            for (std::size_t part = letters.size(); part-- > 1;) {
+                SelectBox(*sheet, i);
+                PressMnemonic(Qt::Key_S);
+                const QString before = Label(dialog, "cut at column ");
+                const auto wanted =
+                    static_cast<int>(std::lround((letters[part].x - letters[part].width / 2 +
+                                                  letters[part - 1].x + letters[part - 1].width / 2) /
+                                                 2)) -
+                    found.boxes[i].box.left;
+                int column = before.mid(before.indexOf("column") + 7).section('.', 0, 0).toInt();
+                for (; column != wanted; column += column < wanted ? 1 : -1)
+                    QTest::keyClick(sheet, column < wanted ? Qt::Key_Right : Qt::Key_Left);
+                if (corrections++ == 0) Screenshot(dialog, "add-sheet-cut");
+                QTest::keyClick(sheet, Qt::Key_Return);
+            }
+        }
+        EXPECT_EQ(Label(dialog, "become glyphs").left(25), "82 letters become glyphs.");
+        Click(dialog, "OK");
+    }));
+    EXPECT_LE(corrections, 7);
+    ExpectLetters(made, 10); // some of a neighbour's shadow stays
+}
+
+// No text: a stain is left out, a broken letter joined, and all named by typing. A letter may be taken back.
+TEST_F(AddSheetWindow, BrokenLettersAreJoinedAndNamedByTyping) {
+    MadeSheet made({.family = "Liberation Sans",
+                    .italic = true,
+                    .extraGap = 12,
+                    .wander = 4,
+                    .lines = {u"ABCDH", u"aecnz"}});
+    const auto paint = [&](double x, double y, int right, int down, const MColour& colour) {
+        for (int j = 0; j < down; ++j)
+            for (int i = 0; i < right; ++i)
+                made.picture.SetPixel(static_cast<int>(x) + i, static_cast<int>(y) + j, colour);
+    };
+    const MadeLetter& broken = made.letters[4];
+    paint(broken.x - 2, broken.y - 40, 5, 80, MColour(255, 255, 255)); // through the bar of "H"
+    paint(made.picture.Width - 24.0, made.letters[9].y, 14, 14, MColour(90, 60, 20));
+    Put(made, "torn.png");
+    EXPECT_TRUE(Open([&](QWidget& dialog) {
+        EXPECT_EQ(Label(dialog, "letters were found").left(2), "12");
+        QWidget* const sheet = FocusSheet(dialog);
+        QTest::keyClick(sheet, Qt::Key_End); // the stain
+        QTest::keyClick(sheet, Qt::Key_Delete);
+        EXPECT_TRUE(Label(dialog, "Box 12").contains("left out"));
+        SelectBox(*sheet, 4);
+        PressMnemonic(Qt::Key_J);
+        EXPECT_TRUE(sheet->hasFocus());
+        EXPECT_TRUE(Label(dialog, "Box 5 of 11").contains("no character"));
+        QTest::keyClick(sheet, Qt::Key_Home);
+        QTest::keyClicks(sheet, "ABCDx");
+        QTest::keyClick(sheet, Qt::Key_Backspace); // of the next, which has no name, so back to the last
+        QTest::keyClicks(sheet, "Haecnz");
+        EXPECT_EQ(Label(dialog, "become glyphs"), "10 letters become glyphs.");
+        QTest::keyClick(sheet, Qt::Key_A);
+        EXPECT_EQ(Label(dialog, "Two boxes").left(18), "Two boxes are \"a\".");
+        QTest::keyClick(sheet, Qt::Key_Z, Qt::ControlModifier);
+        Screenshot(dialog, "add-sheet-typed");
+        Click(dialog, "OK");
+    }));
+    ExpectLetters(made);
+}
+
+TEST_F(AddSheetWindow, TheMouseDrawsJoinsAndDragsAndNothingIsLostOnCancel) {
+    MadeSheet made({.lines = {u"AB"}});
+    Put(made, "two.png");
+    AddBlock(u'A');
+    EXPECT_FALSE(Open([&](QWidget& dialog) {
+        const QWidget* const sheet = Named<QWidget>(dialog, "Sheet");
+        const QRect area = sheet->geometry();
+        const double density = dialog.devicePixelRatio();
+        const double fits = density * std::min(area.width() / double(made.picture.Width),
+                                               area.height() / double(made.picture.Height));
+        const double shown = (fits < 1 ? fits : std::floor(fits)) / density; // small ones by whole numbers
+        const auto at = [&](double x, double y) {
+            return (area.center() +
+                    QPointF((x - made.picture.Width / 2.0) * shown, (y - made.picture.Height / 2.0) * shown))
+                .toPoint();
+        };
+        const MadeLetter& a = made.letters[0];
+        QTest::mouseClick(&dialog, Qt::LeftButton, {}, at(a.x, a.y));
+        const auto widthTold = [&] {
+            return Label(dialog, "Box 1 of").section(", ", 1).section(' ', 0, 0).toInt();
+        };
+        const int width = widthTold();
+        EXPECT_NEAR(width, a.width, 2);
+        const QPoint edge = at(a.x + a.width / 2, a.y);
+        EXPECT_TRUE(PaintsAnew(dialog, area, [&] {
+            Drag(dialog, Qt::LeftButton, {edge, at(a.x + a.width / 2 + 9, a.y)});
+        }));
+        EXPECT_NEAR(widthTold(), width + 9, 2);
+        const QPoint corner = at(2, 2);
+        Drag(dialog, Qt::LeftButton, {corner, corner + QPoint(10, 10), at(12, 12)});
+        EXPECT_EQ(Label(dialog, "Box ").section(",", 0, 0), "Box 1 of 3: no character");
+        QTest::mouseClick(&dialog, Qt::LeftButton, Qt::ControlModifier, at(a.x, a.y));
+        EXPECT_EQ(Label(dialog, "Box ").section(":", 0, 0), "Box 1 of 2");
+        for (int i = 0; i < 3; ++i)
+            Click(dialog, "Undo");
+        EXPECT_EQ(widthTold(), width);
+        Click(dialog, "Cancel");
+    }));
+    EXPECT_EQ(font->GlyphCount(), 1);
+}
+
+TEST_F(AddSheetWindow, SaysWhatIsWrongWithAFile) {
+    folder.Write("page.png", "no picture");
+    settings.Path(MPathKind::PictureSheet) = folder.File("page.png");
+    Open([&](QWidget& dialog) {
+        EXPECT_EQ(Label(dialog, "This file"), "This file is no picture that can be read.");
+        auto* const path = Named<QLineEdit>(dialog, "Picture");
+        TypeInto(path, "/none.png");
+        EXPECT_EQ(Label(dialog, "There is"), "There is no such file.");
+        MPicture empty(300, 200, FormatRGB8);
+        empty.Fill(MColour(250, 250, 240));
+        ASSERT_TRUE(empty.Save(folder.File("empty.png")));
+        empty.Free();
+        TypeInto(path, ToQt(folder.File("empty.png")));
+        EXPECT_EQ(Label(dialog, "The sheet is empty"),
+                  "The sheet is empty: nothing on it differs from its ground.");
+        for (const auto key : {Qt::Key_A, Qt::Key_Delete, Qt::Key_Backspace, Qt::Key_Down, Qt::Key_End})
+            QTest::keyClick(FocusSheet(dialog), key);
+        Click(dialog, "Cancel");
+    });
+}
