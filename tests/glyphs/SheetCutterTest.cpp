@@ -203,6 +203,7 @@ TEST(SheetCutter, TellsWhereNumbersDiffer) {
 
 TEST(SheetCutter, ChangesByHand) {
     const MadeSheet made({.lines = {u"AH", u"xo"}});
+    Block(made.picture, 4, 8, 1, 2); // a speck
     MSheet sheet = FindSheetLetters(made.picture, "", {});
     ASSERT_EQ(sheet.boxes.size(), 4U);
     const Desktop::Rect h = sheet.boxes[1].box;
@@ -217,23 +218,34 @@ TEST(SheetCutter, ChangesByHand) {
     sheet.boxes[0].leftOut = true;
     Desktop::Rect upper = sheet.boxes[3].box; // half of the "o"
     upper.bottom = (upper.top + upper.bottom) / 2;
+    Desktop::Rect lower = sheet.boxes[3].box;
+    lower.top = upper.bottom;
     MoveSheetBox(sheet, 3, upper);
-    NameSheetBoxes(sheet, "Hxo");
+    EXPECT_EQ(AddSheetBox(sheet, lower), 4U);
+    EXPECT_EQ(AddSheetBox(sheet, {0, 0, 10, 12}), 0U) << "before all others of its line";
+    SplitSheetBox(sheet, 5, (lower.left + lower.right) / 2);
+    NameSheetBoxes(sheet, ".Hxouv");
     MColourFont font(nullptr);
     ASSERT_EQ(AddSheetGlyphs(font, true, sheet, made.picture, {}), "");
-    EXPECT_EQ(font.GlyphCount(), 3);
+    EXPECT_EQ(font.GlyphCount(), 6);
     std::uint32_t top = 0, right = 0, bottom = 0, left = 0;
-    font.GetGlyph(u'o')->Picture.GetMargins(top, right, bottom, left);
-    EXPECT_EQ(font.GetGlyph(u'o')->Height - static_cast<std::int32_t>(top + bottom), upper.Height());
+    const auto inkHeight = [&](char16_t character) {
+        const MPicture& ink = font.GetGlyph(character)->Picture;
+        ink.GetMargins(top, right, bottom, left);
+        return static_cast<std::int32_t>(ink.Height - top - bottom);
+    };
+    EXPECT_EQ(inkHeight(u'o'), upper.Height());
+    EXPECT_EQ(inkHeight(u'u'), lower.Height()) << "what the box above left over";
+    EXPECT_EQ(font.GetGlyph(u'u')->Width + font.GetGlyph(u'v')->Width, lower.Width());
+    EXPECT_EQ(inkHeight(u'.'), 2);
     // Into a font that stands: its height, its cap height, its base line.
     MadeSheet large({.height = 150, .lines = {u"ABC"}});
     Settings->GlyphHeight = font.GetGlyph(u'H')->Height;
     const std::int32_t cap = font.CapHeight;
     ASSERT_EQ(AddSheetGlyphs(font, false, FindSheetLetters(large.picture, "ABC", {}), large.picture, {}), "");
     EXPECT_EQ(font.GetGlyph(u'B')->Height, font.GetGlyph(u'H')->Height);
-    font.GetGlyph(u'B')->Picture.GetMargins(top, right, bottom, left);
+    EXPECT_NEAR(inkHeight(u'B'), cap, 1);
     EXPECT_EQ(static_cast<std::int32_t>(bottom), font.Baseline);
-    EXPECT_NEAR(font.GetGlyph(u'B')->Height - static_cast<std::int32_t>(top + bottom), cap, 1);
 }
 
 // 8 x 10 cells whose letters are pieces that no shape tells apart.
