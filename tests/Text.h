@@ -1,4 +1,4 @@
-// MString in test output and comparisons.
+// MString in test output.
 #pragma once
 
 #include "foundation/MString.h"
@@ -9,10 +9,6 @@
 
 inline void PrintTo(const MString& text, std::ostream* out) {
     *out << '"' << ToSystem(text) << '"';
-}
-
-inline bool operator==(const MString& a, const MString& b) {
-    return a.Equals(b);
 }
 
 // The narrow form, for comparisons with literals.

@@ -25,12 +25,6 @@ void ClampAxis(std::int32_t& from, std::int32_t& to, std::int32_t minimum, std::
 
 } // namespace
 
-bool MGameFontChoices::IsDefault() const {
-    const MGameFontChoices none;
-    return Engine.Equals(none.Engine) && Form.Equals(none.Form) && Gap == none.Gap &&
-           PageSize.Equals(none.PageSize) && Largest == none.Largest && Bleed == none.Bleed;
-}
-
 MSettings::MSettings() {
     for (std::size_t capital = 'A'; capital <= 'Z'; ++capital)
         Selected[capital] = 1;

@@ -45,7 +45,7 @@ struct MGameFontChoices {
     std::int32_t Largest = 4096;
     std::int32_t Bleed = 0;
 
-    bool IsDefault() const;
+    friend bool operator==(const MGameFontChoices&, const MGameFontChoices&) = default;
 };
 inline constexpr std::int32_t LargestGameGap = 64;
 inline constexpr std::int32_t SmallestGamePage = 16;

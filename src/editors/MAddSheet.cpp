@@ -207,6 +207,10 @@ void MAddSheet::NudgeCut(std::int32_t x) {
     Editor.MoveCut(Editor.Cut + x);
 }
 
+void MAddSheet::CutHere() {
+    Editor.CutHere(picture);
+}
+
 void MAddSheet::Zoom(std::int32_t steps) {
     const MSheetBox* const box = Editor.SelectedBox();
     const Desktop::Rect place = box ? Lens.ToDialog(box->box) : Lens.Area;

@@ -61,6 +61,7 @@ public:
     // Moves the selected box, or its right and lower edge, by pixels that can be seen.
     void Nudge(std::int32_t x, std::int32_t y, bool edges);
     void NudgeCut(std::int32_t x);
+    void CutHere();
     void Zoom(std::int32_t steps); // about the selected box
     void Reveal();                 // the selected box
 

@@ -176,12 +176,12 @@ void MSheetEditor::MoveCut(std::int32_t column) {
     Cut = std::clamp(column, box->box.left + 1, box->box.right - 1);
 }
 
-void MSheetEditor::EndCut(bool cut) {
+void MSheetEditor::CutHere(const MPicture& picture) {
     const std::int32_t column = std::exchange(Cut, -1);
-    if (!cut || column < 0 || !SelectedBox()) return;
+    if (column < 0 || !SelectedBox()) return;
     Remember(true);
     const std::size_t before = Sheet.boxes.size();
-    SplitSheetBox(Sheet, static_cast<std::size_t>(Selected), column);
+    SplitSheetBox(Sheet, static_cast<std::size_t>(Selected), column, picture);
     if (Sheet.boxes.size() == before) {
         history.pop_back();
     } else {

@@ -1,5 +1,5 @@
 // A sheet of letters as it is put right by hand: one box is selected, and what is done to the sheet is done to
-// it and can be taken back. It knows nothing of a picture or of a window.
+// it and can be taken back. It knows nothing of a window.
 #pragma once
 
 #include "glyphs/SheetCutter.h"
@@ -42,8 +42,9 @@ public:
 
     // Where the selected box would best be cut: the column with the least ink about its middle.
     void BeginCut();
-    void MoveCut(std::int32_t column); // within the box
-    void EndCut(bool cut);
+    void MoveCut(std::int32_t column);     // within the box
+    void CutHere(const MPicture& picture); // the one that was searched
+    void LeaveCut() { Cut = -1; }
 
 private:
     // What a change may touch.

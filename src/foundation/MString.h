@@ -62,6 +62,7 @@ public:
 
     bool Equals(const MString& other) const { return View() == other.View(); }
     bool Equals(const char16_t* text) const;
+    friend bool operator==(const MString& a, const MString& b) { return a.Equals(b); }
     // -1, 0 or 1, by unsigned code units.
     int Compare(const MString& other) const;
     // Only the sign means anything. Folds A to Z alone.

@@ -1,6 +1,7 @@
 #include "glyphs/SheetCutter.h"
 
 #include "glyphs/sheet/SheetBoxes.h"
+#include "glyphs/sheet/SheetCuts.h"
 #include "glyphs/sheet/SheetGrid.h"
 #include "glyphs/sheet/SheetPieces.h"
 #include "glyphs/sheet/WorkingPicture.h"
@@ -12,7 +13,6 @@
 
 namespace {
 
-constexpr std::size_t mostPieces = 4000; // far more than a font's characters have
 constexpr std::array<std::int32_t, 5> harderThresholds{48, 80, 112, 144, 176};
 
 void TakeText(MSheet& sheet, const MString& text) {
@@ -138,12 +138,16 @@ MSheet FindSheetLetters(const MPicture& picture, const MString& text, const MShe
         return sheet;
     }
     if (wishes.grid) {
-        UseSheetGrid(sheet, *wishes.grid);
-        NameBoxes(sheet);
+        if (UseSheetGrid(sheet, *wishes.grid)) {
+            NameBoxes(sheet);
+        } else {
+            sheet.pieces.clear();
+            sheet.problem = "far more cells of this size have ink than a font has letters";
+        }
         return sheet;
     }
     DropSpecks(sheet);
-    if (sheet.pieces.size() > mostPieces || sheet.pieces.empty()) {
+    if (sheet.pieces.size() > MostSheetPieces || sheet.pieces.empty()) {
         sheet.problem = sheet.pieces.empty()
                             ? "the sheet has only specks"
                             : std::to_string(sheet.pieces.size()) +
@@ -177,7 +181,7 @@ void JoinSheetBoxes(MSheet& sheet, std::size_t box, std::size_t other) {
     sheet.boxes.erase(sheet.boxes.begin() + static_cast<std::ptrdiff_t>(std::max(box, other)));
 }
 
-void SplitSheetBox(MSheet& sheet, std::size_t box, std::int32_t x) {
+void SplitSheetBox(MSheet& sheet, std::size_t box, std::int32_t x, const MPicture& picture) {
     if (box >= sheet.boxes.size()) return;
     MSheetBox left = sheet.boxes[box];
     MSheetBox right = left;
@@ -196,21 +200,17 @@ void SplitSheetBox(MSheet& sheet, std::size_t box, std::int32_t x) {
     }
     left.pieces.clear();
     right.pieces.clear();
+    const WorkingPicture working(picture);
+    if (!working.view.IsValid()) return;
     std::vector<MSheetPiece> pieces = sheet.pieces;
     for (const std::uint32_t piece : sheet.boxes[box].pieces) {
-        MSheetPiece before;
-        MSheetPiece after;
-        for (const MSheetRun& run : sheet.pieces[piece].runs) {
-            if (run.left < x) before.runs.push_back({run.y, run.left, std::min(run.right, x)});
-            if (run.right > x) after.runs.push_back({run.y, std::max(run.left, x), run.right});
-        }
-        MeasureSheetPiece(before);
-        MeasureSheetPiece(after);
-        if (before.area > 0) left.pieces.push_back(piece);
-        if (after.area > 0)
-            right.pieces.push_back(before.area > 0 ? static_cast<std::uint32_t>(pieces.size()) : piece);
-        if (before.area > 0 && after.area > 0) pieces.push_back(after);
-        pieces[piece] = before.area > 0 ? before : after;
+        MSheetSides sides = CutSheetPiece(working.view, sheet.ground, pieces[piece], x);
+        const bool both = sides.left.area > 0 && sides.right.area > 0;
+        if (sides.left.area > 0) left.pieces.push_back(piece);
+        if (sides.right.area > 0)
+            right.pieces.push_back(both ? static_cast<std::uint32_t>(pieces.size()) : piece);
+        pieces[piece] = sides.left.area > 0 ? std::move(sides.left) : sides.right;
+        if (both) pieces.push_back(std::move(sides.right));
     }
     if (left.pieces.empty() || right.pieces.empty()) return;
     sheet.pieces = std::move(pieces);

@@ -104,9 +104,9 @@ MSheet FindSheetLetters(const MPicture& picture, const MString& text, const MShe
 
 // Changes by hand. `box` and `other` are places in sheet.boxes; a place that isn't there changes nothing.
 void JoinSheetBoxes(MSheet& sheet, std::size_t box, std::size_t other); // into the first of them
-// Cuts at a column of the picture; nothing happens if one side would have no ink. A box drawn by hand is cut as
-// a rectangle.
-void SplitSheetBox(MSheet& sheet, std::size_t box, std::int32_t x);
+// Cuts at a column of the picture that was searched; a tip that reaches over it stays with its stroke. Nothing
+// happens if one side would have no ink. A box drawn by hand is cut as a rectangle.
+void SplitSheetBox(MSheet& sheet, std::size_t box, std::int32_t x, const MPicture& picture);
 // Gives the box new edges; it then has all ink inside them that belongs to no other box.
 void MoveSheetBox(MSheet& sheet, std::size_t box, const Desktop::Rect& edges);
 // A box by hand, without a character, in the line that it stands on. Its place in sheet.boxes; nothing if no

@@ -3,22 +3,8 @@
 namespace {
 
 template<typename Value>
-bool IsSame(const Value& a, const Value& b) {
-    return a == b;
-}
-
-bool IsSame(const MString& a, const MString& b) {
-    return a.Equals(b);
-}
-
-bool IsSame(const MGameFontChoices& a, const MGameFontChoices& b) {
-    return a.Engine.Equals(b.Engine) && a.Form.Equals(b.Form) && a.Gap == b.Gap &&
-           a.PageSize.Equals(b.PageSize) && a.Largest == b.Largest && a.Bleed == b.Bleed;
-}
-
-template<typename Value>
 void Merge(Value& ours, const Value& start, const Value& theirs) {
-    if (IsSame(ours, start)) ours = theirs;
+    if (ours == start) ours = theirs;
 }
 
 template<typename Value, std::size_t Count>

@@ -263,6 +263,6 @@ void MSettings::Write(const MString& path) const {
     const MSettings defaults;
     if (!KerningText.Equals(defaults.KerningText) || KerningStrength != defaults.KerningStrength)
         WriteField(opticalKerningField, file, *this);
-    if (!GameFont.IsDefault()) WriteField(gameFontField, file, *this);
+    if (!(GameFont == MGameFontChoices())) WriteField(gameFontField, file, *this);
     if (!file.Place()) tell("Could not write:\n\n\"" + path + "\"\n\n" + file.out.Failure());
 }

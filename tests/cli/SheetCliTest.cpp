@@ -23,8 +23,10 @@ TEST(SheetCli, CutsAsItIsTold) {
     Cli cli;
     MakeSheet(cli);
     const nlohmann::json direct = cli.Info("--family 'DejaVu Sans' --height 60 --select A-L --generate");
-    for (const std::string text : {"--sheet-text ABCDEFGHIJK:L%", "--sheet-text @letters.txt",
-                                   "--sheet-ground F0E8D8 --sheet-text 'A BCD EFGHIJK:L%'"}) {
+    for (const std::string text :
+         {"--sheet-text ABCDEFGHIJK:L%", "--sheet-text @letters.txt",
+          "--sheet-text @letters.txt --mark a --sheet-text x --sheet-ground alpha --back a",
+          "--sheet-ground F0E8D8 --sheet-text 'A BCD EFGHIJK:L%'"}) {
         const nlohmann::json cut = cli.Info(text + " --sheet-report report.png --sheet sheet.png");
         ASSERT_EQ(cli.status, 0) << cli.error;
         ASSERT_EQ(cut["glyphs"].size(), 14U);

@@ -2,6 +2,7 @@
 
 #include "editors/MPictureLens.h"
 #include "editors/MSheetEditor.h"
+#include "imaging/Pictures.h"
 
 #include <gtest/gtest.h>
 
@@ -12,6 +13,8 @@ MSheet Blocks() {
     MSheet sheet;
     sheet.width = 200;
     sheet.height = 100;
+    sheet.ground.colour = MColour(255, 255, 255);
+    sheet.ground.threshold = 40;
     sheet.lines = {{30, 0, 20}, {80, 0, 20}};
     for (const auto& [x, line] : {std::pair(10, 0U), {60, 0U}, {110, 0U}, {10, 1U}, {115, 1U}}) {
         const std::int32_t top = line == 0 ? 10 : 60;
@@ -28,6 +31,17 @@ MSheet Blocks() {
         sheet.pieces.push_back(piece);
     }
     return sheet;
+}
+
+// Black on white, as the pieces are.
+OwnedPicture Drawn(const MSheet& sheet) {
+    MPicture picture(200, 100, FormatRGBA8);
+    picture.Fill(MColour(255, 255, 255));
+    for (const MSheetPiece& piece : sheet.pieces)
+        for (const MSheetRun& run : piece.runs)
+            for (std::int32_t x = run.left; x < run.right; ++x)
+                picture.SetPixel(x, run.y, MColour(0, 0, 0));
+    return {picture};
 }
 
 std::u16string Names(const MSheetEditor& editor) {
@@ -72,7 +86,8 @@ TEST(MSheetEditor, NamesFollowTheTextUntilOneIsTypedAndAllCanBeTakenBack) {
     editor.Select(2);
     editor.BeginCut();
     EXPECT_EQ(editor.Cut, 10 + 13) << "where the least ink is";
-    editor.EndCut(true);
+    const OwnedPicture picture = Drawn(editor.Sheet);
+    editor.CutHere(picture);
     EXPECT_EQ(Names(editor), u"x/C.D");
     EXPECT_EQ(editor.Sheet.boxes[2].box, (Desktop::Rect{10, 60, 23, 80}));
     for (const char16_t* const names : {u"x/CD", u"xBCD", u"ABCD"}) {

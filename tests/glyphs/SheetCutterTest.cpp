@@ -207,9 +207,9 @@ TEST(SheetCutter, ChangesByHand) {
     MSheet sheet = FindSheetLetters(made.picture, "", {});
     ASSERT_EQ(sheet.boxes.size(), 4U);
     const Desktop::Rect h = sheet.boxes[1].box;
-    SplitSheetBox(sheet, 1, h.left - 5); // nothing on one side
+    SplitSheetBox(sheet, 1, h.left - 5, made.picture); // nothing on one side
     ASSERT_EQ(sheet.boxes.size(), 4U);
-    SplitSheetBox(sheet, 1, (h.left + h.right) / 2);
+    SplitSheetBox(sheet, 1, (h.left + h.right) / 2, made.picture);
     ASSERT_EQ(sheet.boxes.size(), 5U);
     EXPECT_EQ(sheet.boxes[1].box.right, sheet.boxes[2].box.left);
     JoinSheetBoxes(sheet, 2, 1);
@@ -223,7 +223,7 @@ TEST(SheetCutter, ChangesByHand) {
     MoveSheetBox(sheet, 3, upper);
     EXPECT_EQ(AddSheetBox(sheet, lower), 4U);
     EXPECT_EQ(AddSheetBox(sheet, {0, 0, 10, 12}), 0U) << "before all others of its line";
-    SplitSheetBox(sheet, 5, (lower.left + lower.right) / 2);
+    SplitSheetBox(sheet, 5, (lower.left + lower.right) / 2, made.picture);
     NameSheetBoxes(sheet, ".Hxouv");
     MColourFont font(nullptr);
     ASSERT_EQ(AddSheetGlyphs(font, true, sheet, made.picture, {}), "");
@@ -257,6 +257,10 @@ TEST(SheetCutter, Grids) {
         Block(picture, i % 8 * 8 + 5, i / 8 * 10 + 2 + i % 3, 2, 2);
     }
     MSheetWishes given;
+    given.grid = {1, 1};
+    const OwnedPicture block = Blank(200, 100, {255, 255, 255});
+    Block(block, 10, 10, 80, 80);
+    EXPECT_THAT(FindSheetLetters(block, "", given).problem, HasSubstr("far more cells"));
     given.grid = {8, 10};
     const MString text = "ABC DEFGHIJKLMNO";
     for (const MSheetWishes& wishes : {given, MSheetWishes()}) {

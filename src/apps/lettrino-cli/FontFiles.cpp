@@ -90,11 +90,11 @@ StepResult OpenPhotofont(Run& run, const std::string& file, const MString& path)
     if (!FileExists(path)) return StepFailure{file, FolderExists(path) ? "it is a folder" : "no such file"};
     const TemporaryFolder temporary;
     if (temporary.path.empty()) return StepFailure{file, "there is no place for temporary files"};
-    run.settings.Path(MPathKind::Temporary) = FromSystemPath(temporary.path);
+    run.choices.settings.Path(MPathKind::Temporary) = FromSystemPath(temporary.path);
     run.font.reset(); // a fresh document, as in the window
     MColourFont& font = run.FontOrNew();
     const bool imported = MPhotofontImporter(font.Owner).Import(path, &font);
-    run.settings.Path(MPathKind::Temporary) = MString();
+    run.choices.settings.Path(MPathKind::Temporary) = MString();
     if (!imported) return StepFailure{file, "it can't be opened"};
     if (const MString refusal = TakePixelRefusal(); !refusal.IsEmpty())
         return StepFailure{file, "one of its pictures was not read: " + ToSystem(refusal)};
@@ -207,7 +207,7 @@ StepResult ExportPage(MColourFont& font, const std::string& file, bool minimal) 
 
 StepResult DrawText(Run& run, MColourFont& font, const std::string& text, const std::string& file) {
     const MString path = FullPath(FromSystem(file));
-    MPicture picture = SetText(font, FromSystem(text), run.settings.BackgroundColour);
+    MPicture picture = SetText(font, FromSystem(text), run.choices.settings.BackgroundColour);
     if (!picture.IsValid()) return StepFailure{file, "the text is empty in this font"};
     MSafeFile written = picture.PrepareSave(path);
     picture.Free();
@@ -230,8 +230,8 @@ StepResult ReadNames(Run& run, const std::string& file) {
     if (!FileExists(path)) return StepFailure{file, "no such file"};
     constexpr std::int64_t most = 1 << 20;
     if (GetFileSize(path) > most) return StepFailure{file, "it is no list of names, but more than 1 MB"};
-    run.settings.LetterCubesNames = ReadUtf8Text(path);
-    if (run.settings.LetterCubesNames.IsEmpty()) return StepFailure{file, "it is empty"};
+    run.choices.settings.LetterCubesNames = ReadUtf8Text(path);
+    if (run.choices.settings.LetterCubesNames.IsEmpty()) return StepFailure{file, "it is empty"};
     return {};
 }
 

@@ -23,7 +23,7 @@ template<auto Field, typename Value>
 std::optional<StepAction> Choose(const std::optional<Value>& value) {
     if (!value) return std::nullopt;
     return [value = *value](Run& run) -> StepResult {
-        run.settings.GameFont.*Field = value;
+        run.choices.settings.GameFont.*Field = value;
         return {};
     };
 }
@@ -51,15 +51,15 @@ void TellFindings(std::vector<MGameFinding> findings) {
 }
 
 StepResult Export(Run& run, MColourFont& font, const std::string& file) {
-    const MGameFontOptions options = GameFontOptions(run.settings);
+    const MGameFontOptions options = GameFontOptions(run.choices.settings);
     const MString path = FullPath(GameFontPath(FromSystem(file), options.FormToWrite()));
     const std::filesystem::path folder = ToSystemPath(path).parent_path();
     std::error_code error;
     if (!std::filesystem::is_directory(folder, error))
         return StepFailure{file, "there is no folder " + folder.string()};
-    run.gameFontName = GameFontName(path);
-    const MFontDescription description = DescribeFont(font, run.settings.GlyphHeight);
-    const MGameFontPlan plan = PlanGameFont(description, options, run.gameFontName);
+    run.choices.gameFontName = GameFontName(path);
+    const MFontDescription description = DescribeFont(font, run.choices.settings.GlyphHeight);
+    const MGameFontPlan plan = PlanGameFont(description, options, run.choices.gameFontName);
     const std::string failure = WriteGameFont(plan, path, font.Owner);
     if (!failure.empty()) return StepFailure{file, failure};
     TellFindings(plan.Findings);
@@ -81,13 +81,13 @@ Json FindingJson(const MGameFinding& finding) {
 }
 
 StepResult Check(Run& run, MColourFont& font, const std::vector<const MGameEngine*>& engines) {
-    MGameFontOptions options = GameFontOptions(run.settings);
-    const MFontDescription description = DescribeFont(font, run.settings.GlyphHeight);
+    MGameFontOptions options = GameFontOptions(run.choices.settings);
+    const MFontDescription description = DescribeFont(font, run.choices.settings.GlyphHeight);
     Json report = Json::array();
     for (const MGameEngine* const engine : engines) {
         options.Engine = engine;
-        const MGameFontPlan plan = PlanGameFont(description, options, run.gameFontName);
-        if (run.checkAsLines) {
+        const MGameFontPlan plan = PlanGameFont(description, options, run.choices.gameFontName);
+        if (run.choices.checkAsLines) {
             const std::string name(engine->Name);
             for (const std::string& line : FindingLines(plan.Findings))
                 std::printf("%s: %s\n", name.c_str(), line.c_str());
@@ -103,7 +103,7 @@ StepResult Check(Run& run, MColourFont& font, const std::vector<const MGameEngin
                           {"reason", plan.Reason},
                           {"findings", std::move(findings)}});
     }
-    if (!run.checkAsLines)
+    if (!run.choices.checkAsLines)
         std::puts(
             Json{{"engines", std::move(report)}}.dump(-1, ' ', false, Json::error_handler_t::replace).c_str());
     return {};
@@ -146,7 +146,7 @@ std::optional<StepAction> PrepareGameFont(StepArguments arguments) {
 std::optional<StepAction> PrepareGameCheckForm(StepArguments arguments) {
     if (arguments[0] != "json" && arguments[0] != "lines") return std::nullopt;
     return [lines = arguments[0] == "lines"](Run& run) -> StepResult {
-        run.checkAsLines = lines;
+        run.choices.checkAsLines = lines;
         return {};
     };
 }

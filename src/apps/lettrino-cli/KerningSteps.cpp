@@ -28,7 +28,8 @@ StepResult KernOptically(Run& run, MColourFont& font, std::int32_t percent) {
         return StepFailure{{}, "no glyph has ink to be measured"};
     if (optical.state == MOpticalKerning::State::NoControlLetters)
         return StepFailure{{}, "the font has none of the letters that spacing is measured by (HINEOU, nohuim)"};
-    const auto pairs = optical.Pairs({.strength = static_cast<float>(percent) / 100.0F}, run.modelPairs);
+    const auto pairs =
+        optical.Pairs({.strength = static_cast<float>(percent) / 100.0F}, run.choices.modelPairs);
     font.ClearKerning();
     if (!font.Kerning.Resize(static_cast<std::int32_t>(pairs.size()), false))
         return StepFailure{{}, "there is no memory for the pairs"};
@@ -66,7 +67,7 @@ std::optional<StepAction> PrepareModelPairs(StepArguments arguments) {
         rest.remove_prefix(std::min(end + 1, rest.size()));
     }
     return [pairs](Run& run) -> StepResult {
-        run.modelPairs = pairs;
+        run.choices.modelPairs = pairs;
         return {};
     };
 }
@@ -80,7 +81,7 @@ std::optional<StepAction> PrepareKernOptical(StepArguments arguments) {
 
 std::optional<StepAction> PrepareKernFromFont(StepArguments) {
     return OnFont([](Run& run, MColourFont& font) -> StepResult {
-        const std::string family = ToSystem(run.settings.FontName);
+        const std::string family = ToSystem(run.choices.settings.FontName);
         switch (KernFromFont(font)) {
         case KernFromFontResult::NoFont: return StepFailure{{}, "the font '" + family + "' can't be measured"};
         case KernFromFontResult::NoKerning:

@@ -7,7 +7,7 @@ namespace {
 const char* const noMemory = "there is not enough memory for another font";
 
 StepResult Mark(Run& run, const std::string& name) {
-    Marked marked{run.settings, nullptr, run.modelPairs, run.gameFontName, run.webFont, run.checkAsLines};
+    Marked marked{run.choices, nullptr};
     if (run.font) {
         marked.font = std::make_unique<MColourFont>(nullptr);
         if (!CopyFont(*run.font, *marked.font)) return StepFailure{{}, noMemory};
@@ -20,11 +20,7 @@ StepResult Back(Run& run, const std::string& name) {
     const auto found = run.marks.find(name);
     if (found == run.marks.end()) return StepFailure{{}, "nothing was marked as '" + name + "' before"};
     const Marked& marked = found->second;
-    run.settings = marked.settings;
-    run.modelPairs = marked.modelPairs;
-    run.gameFontName = marked.gameFontName;
-    run.webFont = marked.webFont;
-    run.checkAsLines = marked.checkAsLines;
+    run.choices = marked.choices;
     run.font.reset();
     CurrentFont = nullptr;
     if (!marked.font) return {};

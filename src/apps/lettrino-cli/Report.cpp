@@ -35,7 +35,7 @@ StepResult PrintInfo(Run& run, MColourFont& font) {
     for (const MKerningPair& pair : font.Kerning) {
         kerning.push_back({{"left", pair.Left}, {"right", pair.Right}, {"amount", pair.Amount}});
     }
-    Print({{"glyphHeight", run.settings.GlyphHeight},
+    Print({{"glyphHeight", run.choices.settings.GlyphHeight},
            {"baseline", font.Baseline},
            {"capHeight", font.CapHeight},
            {"spaceWidth", font.SpaceWidth},

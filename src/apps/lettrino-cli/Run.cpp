@@ -1,7 +1,7 @@
 #include "apps/lettrino-cli/Run.h"
 
 Run::Run() {
-    Settings = &settings;
+    Settings = &choices.settings;
 }
 
 Run::~Run() {

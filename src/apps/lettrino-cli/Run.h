@@ -11,20 +11,9 @@
 #include <string>
 #include <vector>
 
-// What a run was when it was marked.
-struct Marked {
+// What steps choose for those that follow, and the last results that some go back to.
+struct Choices {
     MSettings settings;
-    std::unique_ptr<MColourFont> font; // without its picture; null if there was none
-    std::vector<MKerningPair> modelPairs;
-    std::string gameFontName;
-    MWebFontOptions webFont;
-    bool checkAsLines = false;
-};
-
-class Run {
-public:
-    MSettings settings;
-    std::unique_ptr<MColourFont> font;
     std::vector<MKerningPair> modelPairs; // that optical kerning follows
     std::string gameFontName;             // of the font last exported for games; empty before
     MWebFontOptions webFont;              // of the font files that follow
@@ -34,6 +23,18 @@ public:
     std::string sheetReport;              // to be written with the sheet that follows; empty for none
     std::shared_ptr<const MSheet> sheet;  // the last one; null before
     std::string sheetFile;                // its file, in full
+};
+
+// What a run was when it was marked.
+struct Marked {
+    Choices choices;
+    std::unique_ptr<MColourFont> font; // without its picture; null if there was none
+};
+
+class Run {
+public:
+    Choices choices; // its settings are the program's while the run lives
+    std::unique_ptr<MColourFont> font;
     std::map<std::string, Marked> marks;
 
     Run();

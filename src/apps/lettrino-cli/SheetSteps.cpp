@@ -15,10 +15,10 @@ constexpr std::int32_t largestCell = 4096;
 constexpr const char* noText = "it is no text file of at most 1 MB";
 
 MString TextOf(const Run& run) {
-    if (!run.sheetText.IsEmpty()) return run.sheetText;
+    if (!run.choices.sheetText.IsEmpty()) return run.choices.sheetText;
     std::u16string selected;
-    for (std::size_t code = 33; code < run.settings.Selected.size(); ++code)
-        if (run.settings.Selected[code]) selected.push_back(static_cast<char16_t>(code));
+    for (std::size_t code = 33; code < run.choices.settings.Selected.size(); ++code)
+        if (run.choices.settings.Selected[code]) selected.push_back(static_cast<char16_t>(code));
     return MString(selected);
 }
 
@@ -46,19 +46,22 @@ void TellDoubts(const MSheet& sheet) {
 }
 
 StepResult Cut(Run& run, const std::string& file, const MPicture& picture) {
-    run.sheet = std::make_shared<MSheet>(FindSheetLetters(picture, TextOf(run), run.sheetWishes));
-    run.sheetFile = ToSystem(FullPath(FromSystem(file)));
+    run.choices.sheet =
+        std::make_shared<MSheet>(FindSheetLetters(picture, TextOf(run), run.choices.sheetWishes));
+    run.choices.sheetFile = ToSystem(FullPath(FromSystem(file)));
     StepResult reported;
-    if (!run.sheetReport.empty()) reported = WriteReport(*run.sheet, picture, run.sheetReport);
-    run.sheetReport.clear();
-    if (!run.sheet->problem.empty()) return StepFailure{file, run.sheet->problem};
+    if (!run.choices.sheetReport.empty())
+        reported = WriteReport(*run.choices.sheet, picture, run.choices.sheetReport);
+    run.choices.sheetReport.clear();
+    if (!run.choices.sheet->problem.empty()) return StepFailure{file, run.choices.sheet->problem};
     if (reported) return reported;
     const bool isNew = !run.font || run.font->GlyphCount() == 0;
-    const MSheetSpacing spacing{run.settings.SpacingBefore, run.settings.SpacingAfter, run.settings.Trim};
+    const MSheetSpacing spacing{run.choices.settings.SpacingBefore, run.choices.settings.SpacingAfter,
+                                run.choices.settings.Trim};
     MColourFont& font = run.FontOrNew();
-    const std::string failure = AddSheetGlyphs(font, isNew, *run.sheet, picture, spacing);
+    const std::string failure = AddSheetGlyphs(font, isNew, *run.choices.sheet, picture, spacing);
     if (!failure.empty()) return StepFailure{file, failure};
-    TellDoubts(*run.sheet);
+    TellDoubts(*run.choices.sheet);
     if (font.Repack()) return {};
     return StepFailure{file, "the glyphs don't fit a picture that memory can hold"};
 }
@@ -80,7 +83,7 @@ std::optional<StepAction> PrepareSelectText(StepArguments arguments) {
             if (unit >= FirstCharacter && unit < selected.size()) selected[unit] = 1;
         if (std::ranges::none_of(selected, [](std::uint8_t one) { return one != 0; }))
             return StepFailure{file, "it uses no character of the codes 33 to 255"};
-        run.settings.Selected = selected;
+        run.choices.settings.Selected = selected;
         return {};
     };
 }
@@ -91,7 +94,7 @@ std::optional<StepAction> PrepareSheetText(StepArguments arguments) {
         const auto file = FileOfText(argument);
         const auto text = file ? ReadSmallText(*file) : argument.substr(argument.starts_with("@@") ? 1 : 0);
         if (!text) return StepFailure{*file, noText};
-        run.sheetText = FromSystem(*text);
+        run.choices.sheetText = FromSystem(*text);
         return {};
     };
 }
@@ -105,7 +108,7 @@ std::optional<StepAction> PrepareSheetGrid(StepArguments arguments) {
     if (!width || !height || std::min(*width, *height) < 1 || std::max(*width, *height) > largestCell)
         return std::nullopt;
     return [grid = MSheetGrid{*width, *height}](Run& run) -> StepResult {
-        run.sheetWishes.grid = grid;
+        run.choices.sheetWishes.grid = grid;
         return {};
     };
 }
@@ -118,21 +121,21 @@ std::optional<StepAction> PrepareSheetGround(StepArguments arguments) {
                                                     : Ground::Colour;
     if (ground == Ground::Colour && !colour) return std::nullopt;
     return [ground, colour](Run& run) -> StepResult {
-        run.sheetWishes.ground = ground;
-        run.sheetWishes.colour = colour.value_or(MColour());
+        run.choices.sheetWishes.ground = ground;
+        run.choices.sheetWishes.colour = colour.value_or(MColour());
         return {};
     };
 }
 
 std::optional<StepAction> PrepareSheetReport(StepArguments arguments) {
     return [file = arguments[0]](Run& run) -> StepResult {
-        if (!run.sheet) {
-            run.sheetReport = file;
+        if (!run.choices.sheet) {
+            run.choices.sheetReport = file;
             return {};
         }
-        MPicture picture = ReadSheet(run.sheetFile);
+        MPicture picture = ReadSheet(run.choices.sheetFile);
         if (!picture.IsValid()) return StepFailure{file, "the sheet can't be read again"};
-        StepResult result = WriteReport(*run.sheet, picture, file);
+        StepResult result = WriteReport(*run.choices.sheet, picture, file);
         picture.Free();
         return result;
     };

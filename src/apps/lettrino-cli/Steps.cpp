@@ -29,7 +29,7 @@ template<auto Field, typename Value>
 Prepared Set(const std::optional<Value>& value) {
     if (!value) return std::nullopt;
     return [value = *value](Run& run) -> StepResult {
-        run.settings.*Field = value;
+        run.choices.settings.*Field = value;
         return {};
     };
 }
@@ -97,10 +97,10 @@ Prepared Generate(StepArguments) {
         if (!font.GenerateSelectedCharacters()) return StepFailure{{}, "no character is selected"};
         PrintMessages("--generate", told);
         if (StepResult failure = RepackResult(font)) return failure;
-        for (std::size_t code = 33; code < run.settings.Selected.size(); ++code) {
-            if (run.settings.Selected[code] && font.GetGlyph(static_cast<char16_t>(code))) return {};
+        for (std::size_t code = 33; code < run.choices.settings.Selected.size(); ++code) {
+            if (run.choices.settings.Selected[code] && font.GetGlyph(static_cast<char16_t>(code))) return {};
         }
-        const std::string family = ToSystem(run.settings.FontName);
+        const std::string family = ToSystem(run.choices.settings.FontName);
         return StepFailure{{}, "the font '" + family + "' gave no glyph for the selection"};
     };
 }
@@ -124,8 +124,8 @@ Prepared SetPair(StepArguments arguments) {
     const auto second = ReadNumber(parts[1]);
     if (!first || !second) return std::nullopt;
     return [first = *first, second = *second](Run& run) -> StepResult {
-        run.settings.*First = first;
-        run.settings.*Second = second;
+        run.choices.settings.*First = first;
+        run.choices.settings.*Second = second;
         return {};
     };
 }
@@ -150,9 +150,9 @@ Prepared Resize(StepArguments arguments) {
     const auto wanted = ReadHeight(arguments[0]);
     if (!wanted) return std::nullopt;
     return OnFont([wanted = *wanted](Run& run, MColourFont& font) -> StepResult {
-        const std::int32_t oldHeight = run.settings.GlyphHeight;
+        const std::int32_t oldHeight = run.choices.settings.GlyphHeight;
         if (oldHeight < 1) return StepFailure{{}, "the font's glyph height is below 1"};
-        run.settings.GlyphHeight = wanted;
+        run.choices.settings.GlyphHeight = wanted;
         Headless::script.answers = {Normalise};
         const bool changed = ChangeGlyphHeight(font, oldHeight);
         Headless::script.answers.clear(); // a font without a cap height raises no question

@@ -41,14 +41,14 @@ StepResult RefuseFolder(const std::string& file, const MString& path) {
 }
 
 MFontDescription Describe(const Run& run, const MColourFont& font) {
-    return DescribeFont(font, run.settings.GlyphHeight);
+    return DescribeFont(font, run.choices.settings.GlyphHeight);
 }
 
 StepAction ExportAction(const char* step, const std::string& file, MWebFontForm form) {
     return OnFont([step, file, form](Run& run, MColourFont& font) -> StepResult {
         const MString path = FullPath(FromSystem(file));
         if (StepResult refusal = RefuseFolder(file, path)) return refusal;
-        const MWebFontOptions& options = run.webFont;
+        const MWebFontOptions& options = run.choices.webFont;
         return Told(step, file, options, ExportWebFont(Describe(run, font), path, form, options, font.Owner));
     });
 }
@@ -57,7 +57,7 @@ StepAction ExportAction(const char* step, const std::string& file, MWebFontForm 
 
 std::optional<StepAction> PrepareWebFontName(StepArguments arguments) {
     return [name = FromSystem(arguments[0])](Run& run) -> StepResult {
-        run.webFont.Family = name;
+        run.choices.webFont.Family = name;
         return {};
     };
 }
@@ -70,7 +70,7 @@ std::optional<StepAction> PrepareWebFontStrikes(StepArguments arguments) {
         strikes.push_back(*height);
     }
     return [strikes](Run& run) -> StepResult {
-        run.webFont.Strikes = strikes;
+        run.choices.webFont.Strikes = strikes;
         return {};
     };
 }
@@ -87,7 +87,7 @@ std::optional<StepAction> PrepareCssPage(StepArguments arguments) {
     return OnFont([file = arguments[0]](Run& run, MColourFont& font) -> StepResult {
         const MString path = WithExtension(FullPath(FromSystem(file)), "html");
         if (StepResult refusal = RefuseFolder(file, path)) return refusal;
-        const MWebFontOptions& options = run.webFont;
+        const MWebFontOptions& options = run.choices.webFont;
         return Told("--css-page", file, options, ExportCssPage(Describe(run, font), path, options, font.Owner));
     });
 }

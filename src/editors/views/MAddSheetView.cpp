@@ -88,7 +88,7 @@ void MAddSheetView::Connect() {
     connect(&join, &QPushButton::clicked, this,
             [this] { Act([](MSheetEditor& editor) { editor.Join(editor.Selected + 1); }); });
     connect(&cut, &QPushButton::clicked, this, [this] {
-        Act([](MSheetEditor& editor) { editor.Cut < 0 ? editor.BeginCut() : editor.EndCut(true); });
+        Act([this](MSheetEditor& editor) { editor.Cut < 0 ? editor.BeginCut() : dialog.CutHere(); });
     });
     connect(&leaveOut, &QPushButton::clicked, this, [this] { Act(&MSheetEditor::LeaveOut); });
     connect(&doubt, &QPushButton::clicked, this, [this] { Act(&MSheetEditor::StepToDoubt); });
@@ -187,8 +187,8 @@ bool MAddSheetView::CutKey(const QKeyEvent& event) {
     case Qt::Key_Left: dialog.NudgeCut(-columns); return true;
     case Qt::Key_Right: dialog.NudgeCut(columns); return true;
     case Qt::Key_Return:
-    case Qt::Key_Enter: dialog.Editor.EndCut(true); return true;
-    case Qt::Key_Escape: dialog.Editor.EndCut(false); return true;
+    case Qt::Key_Enter: dialog.CutHere(); return true;
+    case Qt::Key_Escape: dialog.Editor.LeaveCut(); return true;
     default: return false;
     }
 }

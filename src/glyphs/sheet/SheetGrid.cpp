@@ -18,10 +18,11 @@ struct Place {
 
 } // namespace
 
-void UseSheetGrid(MSheet& sheet, const MSheetGrid& grid) {
+bool UseSheetGrid(MSheet& sheet, const MSheetGrid& grid) {
     std::map<Place, MSheetPiece> cells;
     for (const MSheetPiece& piece : sheet.pieces) {
         for (const MSheetRun& run : piece.runs) {
+            if (cells.size() > MostSheetPieces) return false;
             for (std::int32_t left = run.left; left < run.right;) {
                 const std::int32_t column = left / grid.width;
                 const std::int32_t right = std::min(run.right, (column + 1) * grid.width);
@@ -30,6 +31,7 @@ void UseSheetGrid(MSheet& sheet, const MSheetGrid& grid) {
             }
         }
     }
+    if (cells.size() > MostSheetPieces) return false;
     sheet.grid = grid;
     sheet.pieces.clear();
     sheet.boxes.clear();
@@ -49,6 +51,7 @@ void UseSheetGrid(MSheet& sheet, const MSheetGrid& grid) {
         sheet.pieces.push_back(std::move(piece));
     }
     sheet.capHeight = 0;
+    return true;
 }
 
 std::optional<MSheetGrid> FindSheetGrid(const MSheet& sheet, double letterHeight) {

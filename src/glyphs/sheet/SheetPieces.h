@@ -12,10 +12,8 @@
 std::optional<std::vector<MSheetPiece>> FindSheetPieces(const MPicture& picture, const MSheetGround& ground,
                                                         Desktop::WindowHandle owner);
 
-// The pieces that a piece falls into where only ink of more than `threshold` counts; the rest of its ink goes
-// to the nearest of them in its row or else the nearest of all. One piece if it stays whole.
-std::vector<MSheetPiece> SplitSheetPiece(const MPicture& picture, const MSheetGround& ground,
-                                         const MSheetPiece& piece, std::int32_t threshold);
+// More of them are no letters.
+inline constexpr std::size_t MostSheetPieces = 4000; // a font has 223
 
 // Box and area from the runs.
 void MeasureSheetPiece(MSheetPiece& piece);
