@@ -4,7 +4,7 @@ import assert from 'node:assert/strict';
 import { mkdirSync, readFileSync, writeFileSync } from 'node:fs';
 import { join } from 'node:path';
 import { after, before, test } from 'node:test';
-import { Jimp } from 'jimp';
+import { Jimp } from './jimp.mjs';
 import { launch, Site } from './browser.mjs';
 import { Firefox } from './firefox.mjs';
 

@@ -5,7 +5,7 @@ import assert from 'node:assert/strict';
 import { mkdirSync, readFileSync, writeFileSync } from 'node:fs';
 import { join } from 'node:path';
 import { after, before, test } from 'node:test';
-import { Jimp } from 'jimp';
+import { Jimp } from './jimp.mjs';
 import parseAscii from 'parse-bmfont-ascii';
 import parseBinary from 'parse-bmfont-binary';
 import { Site } from './browser.mjs';

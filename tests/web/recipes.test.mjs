@@ -6,7 +6,7 @@ import { copyFileSync, writeFileSync } from 'node:fs';
 import { request } from 'node:http';
 import { join } from 'node:path';
 import { after, before, test } from 'node:test';
-import { Jimp } from 'jimp';
+import { Jimp } from './jimp.mjs';
 import { Site } from './browser.mjs';
 
 const site = new Site();
