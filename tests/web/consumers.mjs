@@ -4,7 +4,7 @@ import { spawnSync } from 'node:child_process';
 import { copyFileSync, existsSync, mkdirSync, readFileSync, writeFileSync } from 'node:fs';
 import { dirname, join } from 'node:path';
 import { fileURLToPath } from 'node:url';
-import { Jimp } from './jimp.mjs';
+import { decode } from './jimp.mjs';
 
 const here = dirname(fileURLToPath(import.meta.url));
 const guide = readFileSync(join(here, '../../docs/engines.md'), 'utf8');
@@ -18,8 +18,6 @@ export function snippet(engine, text = line, size = 64) {
     if (!found) throw new Error(`the guide has no snippet for ${engine}`);
     return found[1].replaceAll(line, text).replaceAll('fontSize: 64', `fontSize: ${size}`);
 }
-
-export const decode = async (png) => (await Jimp.fromBuffer(png)).bitmap;
 
 export async function jimp(folder, file, text) {
     const code = snippet('jimp', text).replace("from 'jimp'", "from './jimp.mjs'").replaceAll('demo.fnt', join(folder, file)).replaceAll('line.png', join(folder, 'jimp.png'));

@@ -2,14 +2,14 @@
 // every channel of every pixel. And each trap that a reader lays: without what the export does about it the real
 // reader fails or draws wrong.
 import assert from 'node:assert/strict';
-import { mkdirSync, readFileSync, writeFileSync } from 'node:fs';
+import { readFileSync, writeFileSync } from 'node:fs';
 import { join } from 'node:path';
 import { after, before, test } from 'node:test';
-import { Jimp } from './jimp.mjs';
 import parseAscii from 'parse-bmfont-ascii';
 import parseBinary from 'parse-bmfont-binary';
-import { Site } from './browser.mjs';
-import { decode, godot, ground, jimp, line, love, phaser, pixi, snippet } from './consumers.mjs';
+import { keep, Site } from './browser.mjs';
+import { godot, ground, jimp, line, love, phaser, pixi, snippet } from './consumers.mjs';
+import { decode, Jimp, pictureSteps } from './jimp.mjs';
 
 const site = new Site();
 const inFolder = (name) => join(site.folder, name);
@@ -23,25 +23,11 @@ const fonts = {
     pictures: { text: 'Ab \u0416\u20AC\u3042bA', size: 48, open: ['--open', 'pictures.sm'] },
 };
 
-async function drawPicture(name, width, seed) {
-    const picture = new Jimp({ width, height: 48 });
-    for (let y = 4; y < 44; ++y) {
-        for (let x = 0; x < width; ++x) {
-            const d = Math.hypot((x - width / 2) / (width / 2), (y - 24) / 20);
-            if (d < 1) picture.bitmap.data.set([(x * 7 + seed) % 256, (y * 5 + seed * 3) % 256, (seed * 11) % 256, d < 0.6 ? 255 : Math.round((1 - d) * 637)], (y * width + x) * 4);
-        }
-    }
-    await picture.write(inFolder(name));
-}
-
 before(async () => {
     await site.open();
     site.cli('--family', 'DejaVu Sans', '--weight', '700', '--height', '64', '--colour', 'F0C060', '--select', 'all', '--generate', '--kern', '--save', 'plain.sm');
-    const steps = [];
-    for (const [i, [character, spacing]] of [['A', '3,-9'], ['b', '-4,2'], ['U+0416', '-7,-3'], ['U+20AC', '0,-12'], ['U+3042', '-5,4']].entries()) {
-        await drawPicture(`glyph${i}.png`, 28 + 5 * i, 40 * i + 9);
-        steps.push('--spacing', spacing, '--picture', `${character}=glyph${i}.png`);
-    }
+    const steps = await pictureSteps(site.folder, (i) => 28 + 5 * i,
+        [['A', '3,-9'], ['b', '-4,2'], ['U+0416', '-7,-3'], ['U+20AC', '0,-12'], ['U+3042', '-5,4']]);
     site.cli(...steps, '--set-kerning', 'b,U+0416,-6', '--set-kerning', 'U+0416,U+20AC,5', '--set-kerning', 'U+20AC,U+3042,-11', '--save', 'pictures.sm');
     for (const font of Object.values(fonts)) {
         site.cli(...font.open, '--background', '203040', '--text', font.text, 'line.png');
@@ -73,13 +59,6 @@ function difference(picture, font) {
     return most;
 }
 
-async function keep(picture, name) {
-    const folder = process.env.LETTRINO_ARTEFACTS;
-    if (!folder) return;
-    mkdirSync(join(folder, 'engines'), { recursive: true });
-    await new Jimp(picture).write(join(folder, 'engines', `${name}.png`));
-}
-
 const consumers = [
     ['jimp', 'text', 'fnt', (file, font) => jimp(site.folder, file, font.text)],
     ['jimp', 'xml', 'xml', (file, font) => jimp(site.folder, file, font.text)],
@@ -94,7 +73,7 @@ for (const font of Object.keys(fonts)) {
         if (engine === 'pixi' && form === 'xml' && font === 'pictures') continue; // the same reader as text behind it
         test(`${engine} ${form} draws the ${font} font as lettrino-cli sets it`, async () => {
             const picture = await draw(exported(font, engine, form, `${engine}-${font}-${form || 'own'}.${extension}`.replace('.bin', '')), fonts[font]);
-            await keep(picture, `${engine}-${font}-${form || 'own'}`);
+            keep(await new Jimp(picture).getBuffer('image/png'), `${engine}-${font}-${form || 'own'}`, 'engines');
             const off = difference(picture, font);
             assert.ok(off <= tolerance, `off by ${off}`);
         });
