@@ -103,11 +103,10 @@ TEST_F(MGlyphEditorTest, NothingIsDrawnWithoutRoomOrPicture) {
     AddGlyph(font, u'0', 0, 50);
     MGlyphEditor editor(font);
     Place(editor);
-    editor.Area.right = editor.Area.left + 100;
-    editor.DrawPreview();
-    editor.Mouse({50, 50}, true, false);
-    Place(editor);
     editor.Show(u'0');
+    editor.Area.right = editor.Area.left + 100;
+    editor.Show(u'A');
+    editor.Mouse({50, 50}, true, false);
     EXPECT_EQ(Paintings(), 0U);
     EXPECT_EQ(font.GetGlyph(u'A')->SpacingBefore, 1);
 }
