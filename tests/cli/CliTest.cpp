@@ -1,5 +1,6 @@
 #include "Cli.h"
 
+#include "Text.h"
 #include "formats/game/MGameEngines.h"
 
 #include <sys/stat.h>
@@ -45,10 +46,10 @@ TEST(Cli, EditsTheFont) {
                                "--set-kerning x,U+20AC,3 --remove x");
     ASSERT_EQ(cli.status, 0) << cli.error;
     EXPECT_EQ(info["glyphs"].size(), 2U);
-    EXPECT_EQ(
-        std::ranges::count(info["kerning"], nlohmann::json{{"left", 'A'}, {"right", 'V'}, {"amount", -9}}), 1);
-    for (const auto& pair : info["kerning"])
-        EXPECT_TRUE(pair["left"] != 'x' && pair["right"] != 'x');
+    const nlohmann::json pair{{"left", 'A'}, {"right", 'V'}, {"amount", -9}};
+    EXPECT_EQ(std::ranges::count(info["kerning"], pair), 1);
+    for (const auto& each : info["kerning"])
+        EXPECT_TRUE(each["left"] != 'x' && each["right"] != 'x');
     EXPECT_EQ(cli.Info("--select A --generate --select B --generate")["glyphs"].size(), 2U);
 }
 
@@ -213,20 +214,14 @@ TEST(Cli, WebNamesThatCouldRunAreRefused) {
     const auto before = entries();
     for (const char* name : {"x=document['title']='t'.html", "<b>.html", "a.\";alert(1);\".html", "a%41.html",
                              "a(1).html", "a;b.html", "a\tb.html", "\xC4\xBC.html"}) {
-        std::string quoted = name;
-        for (std::size_t at = 0; (at = quoted.find('\'', at)) != std::string::npos; at += 4)
-            quoted.replace(at, 1, "'\\''");
-        EXPECT_EQ(cli.Run("--open a.sm --minimal-html '" + quoted + "'"), 1) << name;
+        EXPECT_EQ(cli.Run("--open a.sm --minimal-html '" + ReplaceAll(name, "'", "'\\''") + "'"), 1) << name;
         EXPECT_THAT(cli.error, HasSubstr("script or markup")) << name;
         EXPECT_EQ(entries(), before) << name;
     }
-    // They are harmless, but dead; the last one's letter has a NUL for its low byte.
-    for (const char* name :
-         {"my-font.html", "Caf\xC3\xA9_1.html", "a.b.html", "$x.html", "class.html", "a\xC4\x80.html"}) {
-        EXPECT_EQ(cli.Run(std::string("--open a.sm --minimal-html '") + name + "'"), 0) << name;
-        EXPECT_THAT(cli.error, HasSubstr("warning: the name '")) << name;
-        EXPECT_TRUE(cli.Has(name)) << name;
-    }
+    // Harmless, but dead: the letter has a NUL for its low byte.
+    EXPECT_EQ(cli.Run("--open a.sm --minimal-html 'a\xC4\x80.html'"), 0);
+    EXPECT_THAT(cli.error, HasSubstr("warning: the name '"));
+    EXPECT_TRUE(cli.Has("a\xC4\x80.html"));
     EXPECT_EQ(cli.Run("--open a.sm --minimal-html x_1.html"), 0);
     EXPECT_EQ(cli.error, "");
 }
@@ -363,8 +358,6 @@ TEST(Cli, WholeFontEditsWebAndCubes) {
     for (const char* file :
          {"demo.html", "demo.js", "demo.png", "lettrino-1.0.js", "try.js", "try.css", "colourpicker.png"})
         EXPECT_TRUE(cli.Has(file)) << file;
-    EXPECT_EQ(cli.Run(make + "--minimal-html my-font.html"), 0);
-    EXPECT_THAT(cli.error, HasSubstr("warning"));
     EXPECT_EQ(cli.Info("--open demo.js")["glyphs"].size(), 28U) << cli.error;
     cli.folder.Write("names.txt", "Anna\nB\xC3\xA9"
                                   "a\n"); // UTF-8 without its mark

@@ -6,7 +6,7 @@ import { join } from 'node:path';
 import { after, before, test } from 'node:test';
 import { keep, launch, Site } from './browser.mjs';
 import { Firefox } from './firefox.mjs';
-import { decode, drawPicture, pictureSteps } from './jimp.mjs';
+import { decode, drawPicture, pictureSteps } from './pictures.mjs';
 
 const site = new Site();
 const firefox = new Firefox();
@@ -24,19 +24,20 @@ const fonts = {
     tiles: { text: 'xxxxxxxxxxxx' },
 };
 
-async function makePictures() {
-    const steps = await pictureSteps(site.folder, (i) => 28 + 6 * i,
+function makePictures() {
+    const steps = pictureSteps(site.folder, (i) => 28 + 6 * i,
         [['A', '4,-10'], ['b', '-4,2'], ['U+0416', '-8,-4'], ['U+20AC', '0,-12'], ['U+3042', '-6,4']]);
     fonts.pictures.make = [...steps, '--set-kerning', 'A,b,-6', '--set-kerning', 'U+0416,U+20AC,4'];
-    await drawPicture(inFolder('tile.png'), 32, () => 255);
+    drawPicture(inFolder('tile.png'), 32, 48, (x, y) => [(x * 7 + 32) % 256, (y * 5) % 256, 96, 255]);
     fonts.tiles.make = ['--trim', 'no', '--picture', 'x=tile.png'];
 }
 
 before(async () => {
-    await Promise.all([site.open(), makePictures()]);
+    makePictures();
+    await site.open();
     for (const [name, font] of Object.entries(fonts)) {
         site.cli(...font.make, '--save', `${name}.sm`, '--background', '203040', '--text', font.text, `${name}-line.png`, '--css-page', `${name}-page.html`);
-        font.line = await decode(readFileSync(inFolder(`${name}-line.png`)));
+        font.line = decode(readFileSync(inFolder(`${name}-line.png`)));
         font.height = font.line.height;
     }
     await firefox.open();
