@@ -119,11 +119,7 @@ TEST(Cli, FailuresNameStepFileAndReason) {
     // Read-only for the administrator too.
     cli.folder.Write("kept.png", png);
     std::filesystem::permissions(cli.folder.path / "kept.png", std::filesystem::perms::owner_read);
-    const struct {
-        const char* arguments;
-        const char* names;
-        const char* reason;
-    } cases[] = {
+    const std::tuple<const char*, const char*, const char*> cases[] = {
         {"--open good.sm --save kept.sm", "--save: kept.sm: ", "kept.png can't be written over"},
         {"--open good.sm --html kept.html", "--html: kept.html: ", "kept.png can't be written over"},
         {"--open missing.sm", "--open: missing.sm: ", "no such file"},
@@ -147,11 +143,11 @@ TEST(Cli, FailuresNameStepFileAndReason) {
         {"--font-file good.sm", "--font-file: good.sm: ", "no font"},
         {"--font-file missing.ttf", "--font-file: missing.ttf: ", "no such file"},
     };
-    for (const auto& c : cases) {
-        EXPECT_EQ(cli.Run(c.arguments), 1) << c.arguments;
+    for (const auto& [arguments, names, reason] : cases) {
+        EXPECT_EQ(cli.Run(arguments), 1) << arguments;
         EXPECT_EQ(cli.out, "");
-        EXPECT_THAT(cli.error, testing::StartsWith("lettrino-cli: " + std::string(c.names))) << c.arguments;
-        EXPECT_THAT(cli.error, HasSubstr(c.reason)) << c.arguments;
+        EXPECT_THAT(cli.error, testing::StartsWith("lettrino-cli: " + std::string(names))) << arguments;
+        EXPECT_THAT(cli.error, HasSubstr(reason)) << arguments;
         EXPECT_EQ(std::ranges::count(cli.error, '\n'), 1) << cli.error;
     }
     EXPECT_FALSE(cli.Has("f.sm"));

@@ -116,11 +116,7 @@ TEST(Recipe, TwoFamiliesInThreeSizesAndFourForms) {
 TEST(Recipe, WhatIsWrongIsToldWithItsLine) {
     Cli cli;
     cli.folder.Write("other.steps", "info\n");
-    const struct {
-        const char* text;
-        int status;
-        const char* error;
-    } cases[] = {
+    const std::tuple<const char*, int, const char*> cases[] = {
         {"family A\nbake\n", 2, "r.steps:2: there is no step --bake"},
         {"\n\nsteps other.steps", 2, "r.steps:3: a recipe takes in no other"},
         {"generate now", 2, "r.steps:1: --generate takes nothing"},

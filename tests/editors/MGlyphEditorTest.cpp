@@ -176,20 +176,15 @@ TEST_F(MGlyphEditorTest, TheMouseDragsGuides) {
     AddUpTo(u'B');
     MGlyphEditor editor(font);
     Place(editor);
-    const struct {
-        MPoint mouse;
-        bool left, right;
-        const std::int32_t& value;
-        std::int32_t expected;
-    } cases[] = {
+    const std::tuple<MPoint, bool, bool, const std::int32_t&, std::int32_t> cases[] = {
         {{129, 300}, true, false, font.GetGlyph(u'A')->SpacingBefore, 3}, // it starts at 153, the scale is 8
         {{617, 300}, true, false, font.GetGlyph(u'A')->SpacingAfter, 18},
         {{100, 418}, true, true, font.Baseline, 5}, // the right button decides
         {{100, 58}, false, true, font.CapHeight, 45},
     };
-    for (const auto& c : cases) {
-        editor.Mouse(c.mouse, c.left, c.right);
-        EXPECT_EQ(c.value, c.expected) << c.mouse.x;
+    for (const auto& [mouse, left, right, value, expected] : cases) {
+        editor.Mouse(mouse, left, right);
+        EXPECT_EQ(value, expected) << mouse.x;
     }
     EXPECT_EQ(Narrow(editor.SpacingBefore), "3");
     EXPECT_EQ(Paintings(), 4U);
