@@ -9,6 +9,7 @@
 
 #include <functional>
 #include <limits>
+#include <optional>
 
 inline constexpr std::int32_t Least = std::numeric_limits<std::int32_t>::min();
 inline constexpr std::int32_t Most = std::numeric_limits<std::int32_t>::max();
@@ -31,6 +32,18 @@ protected:
         MGlyph& glyph = AddGlyph(font, character, width, height);
         glyph.Picture.Fill(ink);
         return glyph;
+    }
+
+    // Of the last painting at these places; without a colour half red, as of a guide.
+    struct Place {
+        std::int32_t x, y;
+        std::optional<MColour> colour;
+    };
+    static void ExpectPainted(std::initializer_list<Place> places) {
+        for (const auto& [x, y, colour] : places) {
+            const MColour painted = Painted(x, y);
+            EXPECT_TRUE(colour ? painted == *colour : std::abs(painted.r - 128) <= 10) << x << ", " << y;
+        }
     }
 
     // Around the pixels of a painting for which this holds.
