@@ -28,8 +28,7 @@ constexpr const char* amounts[] = {"Padding top", "Padding bottom", "Spacing bef
 } // namespace
 
 TEST_F(AddPictureWindow, LooksAsAUserExpects) {
-    std::filesystem::current_path(folder.path);
-    Path() = "glyph_R.png"; // also a relative path
+    Path() = folder.File("glyph_R.png");
     MSettings& s = settings;
     std::tie(s.PaddingTop, s.PaddingBottom, s.SpacingBefore, s.SpacingAfter) = std::tuple(1, 2, 3, 4);
     settings.Trim = false;
@@ -47,10 +46,21 @@ TEST_F(AddPictureWindow, LooksAsAUserExpects) {
         for (const QWidget* const control : GroundOf(dialog).findChildren<QWidget*>())
             EXPECT_FALSE(control->isVisible() && control->geometry().intersects(ground));
         TypeInto(Named<QLineEdit>(dialog, "Character"), "Q");
-        Screenshot(dialog, "add-picture");
+        TypeInto(Named<QLineEdit>(dialog, "Picture"), "/none.png");
         QTest::keyClick(&dialog, Qt::Key_Escape);
     }));
     EXPECT_EQ(settings.Char, 35U) << "cancelled";
+    EXPECT_TRUE(Path().Equals(folder.File("glyph_R.png")));
+}
+
+TEST_F(AddPictureWindow, AcceptsARelativePath) {
+    std::filesystem::current_path(ToSystemPath(GetProgramFolder()));
+    Path() = "Media/icons/lettrino-256.png";
+    settings.BackgroundColour = MColour(244, 240, 232);
+    EXPECT_FALSE(RunAnd(DialogId::AddPicture, [&](QWidget& dialog) {
+        Screenshot(dialog, "add-picture");
+        EXPECT_FALSE(Find(dialog, QColor(38, 48, 74)).isEmpty()) << "the ground of the icon";
+    }));
 }
 
 TEST_F(AddPictureWindow, OkTakesWhatIsThere) {

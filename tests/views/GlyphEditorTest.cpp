@@ -23,11 +23,8 @@ protected:
     }
 
     static QString Shown(QWidget& dialog) {
-        QStringList texts;
-        for (const char* name : {"Character", "Unicode", "Resolution", "Spacing before", "Spacing after",
-                                 "Baseline", "Cap height", "Space character width"})
-            texts += Named<QLineEdit>(dialog, name)->text();
-        return texts.join('|');
+        return TextsOf(dialog, {"Character", "Unicode", "Resolution", "Spacing before", "Spacing after",
+                                "Baseline", "Cap height", "Space character width"});
     }
 };
 

@@ -19,10 +19,7 @@ protected:
     }
 
     static QString Shown(QWidget& dialog) {
-        QStringList texts;
-        for (const char* name : {"Left character", "Right character", "Kerning"})
-            texts += Named<QLineEdit>(dialog, name)->text();
-        return texts.join('|');
+        return TextsOf(dialog, {"Left character", "Right character", "Kerning"});
     }
 };
 

@@ -14,14 +14,7 @@ using Desktop::DialogId;
 
 namespace {
 
-class OpticalKerningWindow : public EditorWindowTest {
-protected:
-    static QString LabelWith(QWidget& dialog, const QString& part) {
-        for (const QLabel* const label : dialog.findChildren<QLabel*>())
-            if (label->text().contains(part) && !label->buddy()) return label->text();
-        return {};
-    }
-};
+using OpticalKerningWindow = EditorWindowTest;
 
 } // namespace
 
