@@ -6,6 +6,7 @@
 
 #include <functional>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -36,6 +37,8 @@ std::vector<std::string> SmallFaces();
 // The same before they are built: a variable one, and one with a map of Macintosh characters.
 std::vector<fonts::Font> OddFaces();
 
+// What stands between them so often that the file is as large as it may be.
+std::string Repeated(std::string_view start, std::string_view part, std::string_view end = {});
 // Numbers with the least significant byte first.
 std::string Little(std::initializer_list<std::pair<std::uint64_t, int>> fields);
 // A zlib stream of so many bytes, all alike.
@@ -45,15 +48,16 @@ std::string PackedRun(std::uint64_t count, char byte = 0);
 std::string FlatPng(std::uint32_t width, std::uint32_t height, int depth, int colourType, std::size_t total = 0,
                     bool interlaced = false);
 std::string Gzip(const std::string& text);
-// In lines of 76 characters.
+// In one line, which ends.
 std::string Base64(const std::string& bytes);
 // A DDS file; `dxgi` is 0 for those without the later header.
 std::string Dds(std::uint32_t width, std::uint32_t height, const char* fourCc, std::uint32_t dxgi,
                 const std::string& data);
 // A TIFF of one strip, or of one tile with such a side. Compression and photometric interpretation are numbers
 // of TIFF 6.0.
-std::string Tiff(std::uint32_t width, std::uint32_t height, int compression, int photometric, int bits,
-                 int samples, const std::string& data, std::size_t padding = 0, std::uint32_t tile = 0);
+std::string Tiff(std::uint32_t width, std::uint32_t height, std::uint32_t compression,
+                 std::uint32_t photometric, std::uint32_t bits, std::uint32_t samples, const std::string& data,
+                 std::size_t padding = 0, std::uint32_t tile = 0);
 std::string PngChunk(const char* type, const std::string& bytes);
 // What no decoder looks at and nothing makes smaller.
 std::string Noise(std::size_t count);

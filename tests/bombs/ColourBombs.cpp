@@ -58,24 +58,16 @@ const std::string filtered = "<rect width='1000' height='1000' y='-800' filter='
 // Every glyph is the same picture.
 std::string Sbix(const std::string& png) {
     Font font = AllGlyphs();
-    Bytes strike;
-    strike.U16(512).U16(72);
-    const std::size_t at = 4 + (codes + 2) * 4;
-    std::vector<Bytes> pictures;
     // The place of each glyph's picture is where the last one ended, so only as many fit as the file has room.
-    std::size_t place = at;
     const std::size_t each = png.size() + 8;
-    const std::size_t room = (largestFile - 60'000) / each;
+    const std::size_t room = std::min<std::size_t>(codes, (largestFile - 60'000) / each);
+    Bytes strike;
+    strike.U16s({512, 72}).U32(4 + (codes + 2) * 4); // the box for what is missing has none
+    for (std::size_t glyph = 0; glyph <= codes; ++glyph)
+        strike.U32(static_cast<std::int64_t>(4 + (codes + 2) * 4 + std::min(glyph, room) * each));
     Bytes data;
-    strike.U32(static_cast<std::int64_t>(place));
-    for (std::size_t glyph = 0; glyph <= codes; ++glyph) {
-        strike.U32(static_cast<std::int64_t>(place));
-        if (glyph + 1 > codes) break;
-        if (glyph < room) {
-            place += each;
-            data.U16(0).U16(0).Add("png ").Add(png);
-        }
-    }
+    for (std::size_t glyph = 0; glyph < room; ++glyph)
+        data.U16s({0, 0}).Add("png ").Add(png);
     font.tables["sbix"] = Bytes().U16(1).U16(1).U32(1).U32(12).Add(strike).Add(data);
     return font.Build();
 }
@@ -84,25 +76,17 @@ std::string Cbdt(const std::string& png, int side) {
     Font font = AllGlyphs();
     Bytes data;
     data.U16(3).U16(0);
-    data.U8(side).U8(side).U8(10).U8(20).U8(40).U32(static_cast<std::int64_t>(png.size())).Add(png);
-    Bytes metrics;
-    metrics.U8(80).U8(-20).U8(100);
-    for (int i = 0; i < 9; ++i)
-        metrics.U8(0);
+    data.U8(side).U8(side).U8(10).U8(20).U8(40).U32(std::ssize(png)).Add(png);
+    const Bytes metrics = Bytes().U8(80).U8(-20).U8(100).Add(std::string(9, '\0'));
     // Each glyph has a range of its own, and all of them the same place.
     Bytes ranges;
     Bytes tables;
     for (int glyph = 1; glyph <= codes; ++glyph) {
         ranges.U16(glyph).U16(glyph).U32(codes * 8 + (glyph - 1) * 16);
-        tables.U16(1).U16(17).U32(4).U32(0).U32(static_cast<std::int64_t>(data.size()) - 4);
+        tables.U16(1).U16(17).U32(4).U32(0).U32(std::ssize(data) - 4);
     }
-    Bytes index;
-    index.U16s({3, 0})
-        .U32(1)
-        .U32(56)
-        .U32(static_cast<std::int64_t>(ranges.size() + tables.size()))
-        .U32(codes)
-        .U32(0);
+    Bytes index =
+        Bytes().U16s({3, 0}).U32(1).U32(56).U32(std::ssize(ranges) + std::ssize(tables)).U32(codes).U32(0);
     index.Add(metrics).Add(metrics).U16s({1, codes}).U8(100).U8(100).U8(32).U8(1);
     font.tables["CBDT"] = data;
     font.tables["CBLC"] = index.Add(ranges).Add(tables);
@@ -143,54 +127,37 @@ Bytes Composites(int depth, const Bytes& leaf) {
 
 std::vector<Bomb> ColourBombs() {
     std::vector<Bomb> all;
-    const auto add = [&](const char* reader, const char* name, std::string bytes, bool sharp = false,
-                         int height = 256) {
-        all.push_back({.reader = reader,
-                       .name = name,
-                       .file = "f.ttf",
-                       .bytes = std::move(bytes),
-                       .steps = "--font-file f.ttf --family 'Built Sans' --colour-font --height " +
-                                std::to_string(height) + " --select all --generate --info",
-                       .sharp = sharp});
+    const auto add = [&](const char* reader, const std::string& name, std::string bytes, bool sharp = false) {
+        all.push_back({reader,
+                       name,
+                       "f.ttf",
+                       std::move(bytes),
+                       "--font-file f.ttf --family 'Built Sans' --colour-font --height 256 --select all "
+                       "--generate --info",
+                       {},
+                       sharp});
     };
-    for (const int octaves : {1, 3, 10, 100, 1'000'000}) {
-        const std::string name = "noise of " + std::to_string(octaves) + " octaves in each glyph";
-        add("SVG", name.c_str(), SvgOfEach(Noisy(octaves), filtered), octaves == 3);
+    for (const int octaves : {1, 3, 10, 100, 1'000'000})
+        add("SVG", "noise of " + std::to_string(octaves) + " octaves in each glyph",
+            SvgOfEach(Noisy(octaves), filtered), octaves == 3);
+    std::string document = "<svg xmlns='http://www.w3.org/2000/svg'>";
+    for (int i = 0; i < 200'000; ++i)
+        document += "<g/>";
+    for (int glyph = 1; glyph <= codes; ++glyph)
+        document += "<rect id='glyph" + std::to_string(glyph) + "' width='9' height='9'/>";
+    add("SVG", "one document of 200,000 elements", Svg({Gzip(document + "</svg>")}));
+    const std::string space = "<!--" + std::string(std::size_t{30} << 20, ' ') + "-->";
+    const std::string packed = Gzip(Document(1, space, filtered));
+    add("SVG", "a document of 30 MB for each glyph",
+        Svg(std::vector(std::min<std::size_t>(codes, (largestFile - 100'000) / packed.size()), packed)), true);
+    std::string uses = "<g id='u0'><rect width='900' height='900' y='-800'/></g>";
+    for (int i = 1; i < 10; ++i) {
+        uses += "<g id='u" + std::to_string(i) + "'>";
+        for (int k = 0; k < 10; ++k)
+            uses += "<use xlink:href='#u" + std::to_string(i - 1) + "'/>";
+        uses += "</g>";
     }
-    add("SVG", "one document of 200,000 elements", [] {
-        std::string many;
-        for (int i = 0; i < 200'000; ++i)
-            many += "<g/>";
-        std::string document = "<svg xmlns='http://www.w3.org/2000/svg'>" + many;
-        for (int glyph = 1; glyph <= codes; ++glyph)
-            document += "<rect id='glyph" + std::to_string(glyph) + "' width='9' height='9'/>";
-        return Svg({Gzip(document + "</svg>")});
-    }());
-    add(
-        "SVG", "a document of 30 MB for each glyph",
-        [] {
-            std::vector<std::string> documents;
-            const std::string space = "<!--" + std::string(std::size_t{30} << 20, ' ') + "-->";
-            const std::string packed = Gzip(Document(1, space, filtered));
-            for (int glyph = 1; glyph <= codes && packed.size() * documents.size() < largestFile - 100'000;
-                 ++glyph)
-                documents.push_back(packed);
-            return Svg(documents);
-        }(),
-        true);
-    add("SVG", "uses of uses, 10^9",
-        SvgOfEach(
-            [] {
-                std::string uses = "<g id='u0'><rect width='900' height='900' y='-800'/></g>";
-                for (int i = 1; i < 10; ++i) {
-                    uses += "<g id='u" + std::to_string(i) + "'>";
-                    for (int k = 0; k < 10; ++k)
-                        uses += "<use xlink:href='#u" + std::to_string(i - 1) + "'/>";
-                    uses += "</g>";
-                }
-                return uses;
-            }(),
-            "<use xlink:href='#u9'/>"));
+    add("SVG", "uses of uses, 10^9", SvgOfEach(uses, "<use xlink:href='#u9'/>"));
 
     add("sbix", "20000 x 20000", Sbix(FlatPng(20000, 20000, 1, 0)));
     add("sbix", "1100 x 1100 in each glyph", Sbix(FlatPng(1100, 1100, 8, 6)), true);
@@ -209,12 +176,11 @@ std::vector<Bomb> ColourBombs() {
     add("COLR", "7,500 layers of sweeps", Layered(7'650, sweep), true);
     add("COLR", "7,500 layers of cones", Layered(7'650, radial));
     add("COLR", "composites of composites, 2^7", Colr({}, Composites(7, solid)), true);
-    add("COLR", "4,000 stops", Colr({}, [] {
-            std::vector<fonts::Stop> many;
-            for (int i = 0; i < 700; ++i)
-                many.push_back({i / 700.0, i % 2});
-            return fonts::Outline(1, fonts::Sweep(500, 400, 0, 0.1, fonts::ColourLine(1, many)));
-        }()));
+    std::vector<fonts::Stop> many;
+    for (int i = 0; i < 700; ++i)
+        many.push_back({i / 700.0, i % 2});
+    add("COLR", "700 stops",
+        Colr({}, fonts::Outline(1, fonts::Sweep(500, 400, 0, 0.1, fonts::ColourLine(1, many)))));
     return all;
 }
 

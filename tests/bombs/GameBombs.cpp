@@ -6,10 +6,6 @@ namespace bombs {
 
 namespace {
 
-constexpr std::size_t room = largestFile - 1000;
-constexpr int first = 33;
-constexpr int behind = 256; // codes of 223 characters
-
 std::string Head(int lineHeight, int width, int height, int pages) {
     std::ostringstream text;
     text << "info face=\"Built\" size=16\ncommon lineHeight=" << lineHeight << " base=12 scaleW=" << width
@@ -21,17 +17,10 @@ std::string Head(int lineHeight, int width, int height, int pages) {
 
 std::string Characters(int side, int advance, int pages) {
     std::ostringstream text;
-    for (int code = first; code < behind; ++code)
+    for (int code = 33; code < 256; ++code)
         text << "char id=" << code << " x=0 y=0 width=" << side << " height=" << side
              << " xoffset=0 yoffset=0 xadvance=" << advance << " page=" << code % pages << " chnl=15\n";
     return text.str();
-}
-
-std::string Repeated(const std::string& start, std::string_view part, const std::string& end = {}) {
-    std::string text = start;
-    while (text.size() + part.size() + end.size() < room)
-        text += part;
-    return text + end;
 }
 
 } // namespace
@@ -39,13 +28,13 @@ std::string Repeated(const std::string& start, std::string_view part, const std:
 std::vector<Bomb> GameBombs() {
     std::vector<Bomb> all;
     const auto add = [&](const char* name, std::string text, std::string png, bool sharp = false) {
-        all.push_back({.reader = ".fnt",
-                       .name = name,
-                       .file = "f.fnt",
-                       .bytes = std::move(text),
-                       .steps = "--open f.fnt --info",
-                       .beside = {{"f.png", std::move(png)}},
-                       .sharp = sharp});
+        all.push_back({".fnt",
+                       name,
+                       "f.fnt",
+                       std::move(text),
+                       "--open f.fnt --info",
+                       {{"f.png", std::move(png)}},
+                       sharp});
     };
     const std::string small = FlatPng(64, 64, 8, 6);
     add("the largest picture, glyphs over all of it", Head(380, 8192, 4096, 1) + Characters(380, 380, 1),
@@ -66,12 +55,10 @@ std::vector<Bomb> GameBombs() {
     add("XML in a megabyte of levels", Repeated("<font>", "<a>"), small);
     add("XML of a megabyte of attributes", Repeated("<font><char ", "id='1' ", "/></font>"), small);
     add("XML of a megabyte of entities", Repeated("<font><char id='", "&#65;", "'/></font>"), small);
-    add("JSON in a megabyte of levels", Repeated("{\"pages\":", "[", {}), small);
+    add("JSON in a megabyte of levels", Repeated("{\"pages\":", "["), small);
     add("JSON of a megabyte of objects", Repeated("{\"chars\":[{}", ",{}", "]}"), small, true);
-    std::string binary = "BMF\3";
-    while (binary.size() < room)
-        binary += "\5" + Little({{40, 4}, {65, 4}, {66, 4}, {0xFFFF, 2}}) + std::string(30, '\0');
-    add("binary, of many lists of pairs", binary, small);
+    const std::string pairs = "\5" + Little({{40, 4}, {65, 4}, {66, 4}, {0xFFFF, 2}}) + std::string(30, '\0');
+    add("binary, of many lists of pairs", Repeated("BMF\3", pairs), small);
     return all;
 }
 

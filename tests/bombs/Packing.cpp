@@ -1,8 +1,10 @@
 #include "bombs/Bombs.h"
 
+#include <glib.h>
 #include <zlib.h>
 
 #include <algorithm>
+#include <memory>
 #include <random>
 
 namespace bombs {
@@ -13,6 +15,13 @@ std::string Little(std::initializer_list<std::pair<std::uint64_t, int>> fields) 
         for (int i = 0; i < size; ++i)
             bytes.push_back(static_cast<char>(value >> (8 * i) & 0xFF));
     return bytes;
+}
+
+std::string Repeated(std::string_view start, std::string_view part, std::string_view end) {
+    std::string text(start);
+    while (text.size() + part.size() + end.size() < largestFile - 1000)
+        text += part;
+    return text.append(end);
 }
 
 std::string PackedRun(std::uint64_t count, char byte) {
@@ -53,20 +62,9 @@ std::string Gzip(const std::string& text) {
 }
 
 std::string Base64(const std::string& bytes) {
-    constexpr const char* letters = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
-    std::string text;
-    for (std::size_t i = 0; i < bytes.size(); i += 3) {
-        const auto byte = [&](std::size_t k) {
-            return k < bytes.size() ? static_cast<std::uint32_t>(static_cast<unsigned char>(bytes[k])) : 0U;
-        };
-        const std::uint32_t three = byte(i) << 16 | byte(i + 1) << 8 | byte(i + 2);
-        for (const int shift : {18, 12, 6, 0})
-            text += letters[three >> shift & 63];
-        if (text.size() % 76 == 0) text += '\n';
-    }
-    if (bytes.size() % 3 != 0)
-        text.replace(text.size() - (3 - bytes.size() % 3), 3 - bytes.size() % 3, "==", 3 - bytes.size() % 3);
-    return text + "\n";
+    const std::unique_ptr<gchar, decltype(&g_free)> text(
+        g_base64_encode(reinterpret_cast<const guchar*>(bytes.data()), bytes.size()), g_free);
+    return std::string(text.get()) + "\n";
 }
 
 std::string Noise(std::size_t count) {
@@ -80,10 +78,7 @@ std::string Noise(std::size_t count) {
 std::string PngChunk(const char* type, const std::string& bytes) {
     const std::string body = type + bytes;
     const uLong sum = crc32(0, reinterpret_cast<const Bytef*>(body.data()), static_cast<uInt>(body.size()));
-    return fonts::Bytes()
-        .U32(static_cast<std::int64_t>(bytes.size()))
-        .Add(body)
-        .U32(static_cast<std::int64_t>(sum));
+    return fonts::Bytes().U32(std::ssize(bytes)).Add(body).U32(static_cast<std::int64_t>(sum));
 }
 
 std::string FlatPng(std::uint32_t width, std::uint32_t height, int depth, int colourType, std::size_t total,

@@ -3,10 +3,13 @@
 #include "imaging/codecs/MByteStreams.h"
 #include "imaging/codecs/MCodec.h"
 
+#include <gif_lib.h>
+
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
+#include <memory>
 
 // The second of these needs the first.
 // clang-format off
@@ -27,12 +30,9 @@ const auto large = static_cast<std::uint32_t>(std::sqrt(static_cast<double>(Spar
 const auto deep = static_cast<std::uint32_t>(std::sqrt(static_cast<double>(SparePixels) / 2));
 
 std::string PngOfManyChunks() {
-    std::string png = FlatPng(64, 64, 8, 6);
+    const std::string png = FlatPng(64, 64, 8, 6);
     const std::size_t end = png.size() - 12;
-    std::string chunks;
-    for (int i = 0; i < 80'000; ++i)
-        chunks += PngChunk("IDAT", "");
-    return png.insert(end, chunks);
+    return Repeated(png.substr(0, end), PngChunk("IDAT", ""), png.substr(end));
 }
 
 std::string PngOfLargeText() {
@@ -60,14 +60,10 @@ std::string Jpeg(std::uint32_t width, std::uint32_t height, bool colours, int sc
     jpeg_set_defaults(&jpeg);
     for (int i = 0; i < jpeg.num_components; ++i)
         jpeg.comp_info[i].h_samp_factor = jpeg.comp_info[i].v_samp_factor = 1;
-    std::vector<jpeg_scan_info> script;
-    if (colours) {
-        script = {{3, {0, 1, 2, 0}, 0, 0, 0, 0}, {1, {2, 0, 0, 0}, 1, 63, 0, 0}};
-    } else {
-        script = {{1, {0, 0, 0, 0}, 0, 0, 0, 0}, {1, {0, 0, 0, 0}, 1, 63, 0, 0}};
-    }
-    jpeg.scan_info = script.data();
-    jpeg.num_scans = static_cast<int>(script.size());
+    const jpeg_scan_info script[] = {{colours ? 3 : 1, {0, 1, 2, 0}, 0, 0, 0, 0},
+                                     {1, {colours ? 2 : 0}, 1, 63, 0, 0}};
+    jpeg.scan_info = script;
+    jpeg.num_scans = 2;
     jpeg_start_compress(&jpeg, TRUE);
     std::vector<unsigned char> row(std::size_t{width} * 3, 128);
     JSAMPROW rows = row.data();
@@ -84,142 +80,76 @@ std::string Jpeg(std::uint32_t width, std::uint32_t height, bool colours, int sc
     return file + "\xFF\xD9";
 }
 
+// Where the first directory lies, if nothing is in front of it.
+const std::string tiffStart("II*\0\x08\0\0\0", 8);
+
+// Numbers of 32 bits each.
 struct TiffField {
-    int tag;
-    int type; // 3: 16 bits, 4: 32 bits
-    std::uint32_t count;
-    std::uint32_t value;
+    std::uint64_t tag;
+    std::uint64_t value;
+    std::uint64_t count = 1;
 };
 
-std::string TiffDirectory(const std::vector<TiffField>& fields, std::uint32_t next) {
+std::string TiffDirectory(std::vector<TiffField> fields, std::size_t next) {
+    std::ranges::sort(fields, {}, &TiffField::tag);
     std::string bytes = Little({{fields.size(), 2}});
-    for (const TiffField& f : fields)
-        bytes += Little({{static_cast<std::uint64_t>(f.tag), 2},
-                         {static_cast<std::uint64_t>(f.type), 2},
-                         {f.count, 4},
-                         {f.value, 4}});
+    for (const auto& [tag, value, count] : fields)
+        bytes += Little({{tag, 2}, {4, 2}, {count, 4}, {value, 4}});
     return bytes + Little({{next, 4}});
 }
 
-} // namespace
-
-std::string Tiff(std::uint32_t width, std::uint32_t height, int compression, int photometric, int bits,
-                 int samples, const std::string& data, std::size_t padding, std::uint32_t tile) {
-    const auto at = static_cast<std::uint32_t>(8 + padding);
-    std::vector<TiffField> fields = {{256, 4, 1, width},
-                                     {257, 4, 1, height},
-                                     {258, 3, 1, static_cast<std::uint32_t>(bits)},
-                                     {259, 3, 1, static_cast<std::uint32_t>(compression)},
-                                     {262, 3, 1, static_cast<std::uint32_t>(photometric)}};
-    const auto size = static_cast<std::uint32_t>(data.size());
-    if (tile == 0) fields.push_back({273, 4, 1, at});
-    fields.push_back({277, 3, 1, static_cast<std::uint32_t>(samples)});
-    if (tile == 0) {
-        fields.push_back({278, 4, 1, height});
-        fields.push_back({279, 4, 1, size});
-    } else {
-        for (const TiffField& f :
-             {TiffField{322, 4, 1, tile}, {323, 4, 1, tile}, {324, 4, 1, at}, {325, 4, 1, size}})
-            fields.push_back(f);
-    }
-    if (samples == 4) fields.push_back({338, 3, 1, 2});
-    const std::string start = "II*" + std::string(1, '\0') + Little({{at + data.size() + data.size() % 2, 4}});
-    return start + Noise(padding) + data + std::string(data.size() % 2, '\0') + TiffDirectory(fields, 0);
-}
-
-namespace {
-
 std::string TiffOfManyDirectories() {
-    std::string file("II*\0\x08\0\0\0", 8);
-    const std::vector<TiffField> fields = {
-        {256, 4, 1, 1}, {257, 4, 1, 1}, {262, 3, 1, 1}, {273, 4, 1, 8}, {279, 4, 1, 1}};
-    const std::size_t unit = 2 + fields.size() * 12 + 4;
-    const std::size_t count = (largestFile - 100) / unit;
-    for (std::size_t i = 0; i < count; ++i)
-        file += TiffDirectory(fields, i + 1 < count ? static_cast<std::uint32_t>(8 + (i + 1) * unit) : 0);
-    return file;
+    const std::vector<TiffField> fields = {{256, 1}, {257, 1}, {262, 1}, {273, 8}, {279, 1}};
+    std::string file = tiffStart;
+    while (file.size() < largestFile - 1000)
+        file += TiffDirectory(fields, file.size() + 2 + fields.size() * 12 + 4);
+    return file + TiffDirectory(fields, 0);
 }
 
 std::string TiffOfManyStrips() {
-    constexpr std::uint32_t strips = 120'000;
-    std::string file("II*\0\x08\0\0\0", 8);
-    const std::uint32_t offsets = 8 + 2 + 8 * 12 + 4;
-    file += TiffDirectory({{256, 4, 1, 1},
-                           {257, 4, 1, strips},
-                           {258, 3, 1, 8},
-                           {259, 3, 1, 5},
-                           {262, 3, 1, 1},
-                           {273, 4, strips, offsets},
-                           {278, 4, 1, 1},
-                           {279, 4, strips, offsets + strips * 4}},
-                          0);
-    for (std::uint32_t i = 0; i < strips; ++i)
-        file += Little({{8, 4}});
-    for (std::uint32_t i = 0; i < strips; ++i)
-        file += Little({{4, 4}});
+    constexpr std::uint64_t strips = 120'000;
+    constexpr std::uint64_t places = 8 + 2 + 8 * 12 + 4;
+    std::string file = tiffStart + TiffDirectory({{256, 1},
+                                                  {257, strips},
+                                                  {258, 8},
+                                                  {259, 5},
+                                                  {262, 1},
+                                                  {273, places, strips},
+                                                  {278, 1},
+                                                  {279, places + strips * 4, strips}},
+                                                 0);
+    for (const std::uint64_t number : {8U, 4U}) // each begins there, and is that long
+        for (std::uint64_t i = 0; i < strips; ++i)
+            file += Little({{number, 4}});
     return file;
 }
 
-// A flat picture: the codes of the LZW table in order of growth, each one longer than the last by a pixel.
-std::string GifData(std::uint64_t pixels) {
-    std::string packed;
-    std::uint32_t bits = 0;
-    int held = 0;
-    const auto put = [&](std::uint32_t code, int width) {
-        bits |= code << held;
-        held += width;
-        while (held >= 8) {
-            packed.push_back(static_cast<char>(bits & 0xFF));
-            bits >>= 8;
-            held -= 8;
-        }
+// Flat frames of this size, of which 10,000 rows are there at most. What is no picture makes the file larger.
+std::string Gif(int width, int height, int frames, std::size_t padding = 0) {
+    std::string file;
+    int error = 0;
+    const auto write = [](GifFileType* gif, const GifByteType* bytes, int count) {
+        static_cast<std::string*>(gif->UserData)
+            ->append(reinterpret_cast<const char*>(bytes), static_cast<std::size_t>(count));
+        return count;
     };
-    constexpr std::uint32_t clear = 4;
-    std::uint64_t done = 0;
-    while (done < pixels) {
-        put(clear, done == 0 ? 3 : 12);
-        std::uint32_t next = clear + 2;
-        int width = 3;
-        put(0, width);
-        ++done;
-        for (std::uint64_t run = 2; next < 4095 && done < pixels; ++run) {
-            put(next, width);
-            done += run;
-            ++next;
-            if (next == 1U << width && width < 12) ++width;
-        }
-        if (next >= 4095) width = 12;
+    GifFileType* const gif = EGifOpen(&file, write, &error);
+    const std::unique_ptr<ColorMapObject, decltype(&GifFreeMapObject)> colours(GifMakeMapObject(2, nullptr),
+                                                                               GifFreeMapObject);
+    EGifPutScreenDesc(gif, width, height, 1, 0, colours.get());
+    std::vector<GifByteType> row(static_cast<std::size_t>(width));
+    for (int frame = 0; frame < frames; ++frame) {
+        EGifPutImageDesc(gif, 0, 0, width, height, false, nullptr);
+        for (int y = 0; y < std::min(height, 10'000); ++y)
+            EGifPutLine(gif, row.data(), width);
     }
-    put(clear + 1, 12);
-    put(0, 8);
-    std::string blocks = "\x02";
-    for (std::size_t at = 0; at < packed.size(); at += 255) {
-        const std::string piece = packed.substr(at, 255);
-        blocks += static_cast<char>(piece.size());
-        blocks += piece;
-    }
-    return blocks + std::string(1, '\0');
-}
-
-std::string GifFrame(std::uint32_t width, std::uint32_t height, const std::string& data) {
-    return "," + Little({{0, 4}, {width, 2}, {height, 2}, {0, 1}}) + data;
-}
-
-std::string Gif(std::uint32_t width, std::uint32_t height, const std::string& frames) {
-    return "GIF89a" + Little({{width, 2}, {height, 2}, {0x80, 1}, {0, 2}}) + std::string(6, '\x7F') + frames +
-           ";";
-}
-
-std::string GifOfManyFrames() {
-    std::string frames;
-    const std::string frame = GifFrame(1, 1, std::string("\x02\x02\x44\x01\0", 5));
-    while (frames.size() + frame.size() < largestFile - 100)
-        frames += frame;
-    return Gif(1, 1, frames);
+    EGifPutComment(gif, Noise(padding).c_str());
+    EGifCloseFile(gif, &error);
+    return file;
 }
 
 std::string Box(const char* type, const std::string& content) {
-    return Bytes().U32(static_cast<std::int64_t>(content.size() + 8)).Add(type).Add(content);
+    return Bytes().U32(std::ssize(content) + 8).Add(type).Add(content);
 }
 
 // A grid that is made of one tile of 512 x 512 pixels over and over (ISO/IEC 23008-12, 6.6.2.3).
@@ -245,45 +175,27 @@ std::string HeifGrid(int columns, int rows, std::size_t padding) {
     for (int i = 0; i < columns * rows; ++i)
         reference.U16(2);
     const auto entry = [](int item, const char* type) {
-        return Box("infe", Bytes().U32(0x02000000).U16(item).U16(0).Add(type).U8(0));
+        return Box("infe", Bytes().U32(0x02000000).U16s({item, 0}).Add(type).U8(0));
     };
     const auto extent = [](int width, int height) {
         return Box("ispe", Bytes().U32(0).U32(width).U32(height));
     };
     const std::string properties =
-        Box("ipco", boxAt("hvcC") + extent(512, 512) + extent(columns * 512, rows * 512));
-    const std::string associations =
+        Box("ipco", boxAt("hvcC") + extent(512, 512) + extent(columns * 512, rows * 512)) +
         Box("ipma", Bytes().U32(0).U32(2).U16(1).U8(1).U8(3).U16(2).U8(2).U8(0x81).U8(2));
     const auto meta = [&](std::int64_t codedAt) {
-        const std::string locations = Box("iloc", Bytes()
-                                                      .U32(0x01000000)
-                                                      .U16(0x4400)
-                                                      .U16(2)
-                                                      .U16(1)
-                                                      .U16(1)
-                                                      .U16(0)
-                                                      .U16(1)
-                                                      .U32(0)
-                                                      .U32(static_cast<std::int64_t>(grid.size()))
-                                                      .U16(2)
-                                                      .U16(0)
-                                                      .U16(0)
-                                                      .U16(1)
-                                                      .U32(codedAt)
-                                                      .U32(static_cast<std::int64_t>(coded.size())));
-        return Box("meta",
-                   Bytes()
-                       .U32(0)
-                       .Add(Box("hdlr", Bytes().U32(0).U32(0).Add("pict").U32(0).U32(0).U32(0).U8(0)))
-                       .Add(Box("pitm", Bytes().U32(0).U16(1)))
-                       .Add(locations)
-                       .Add(Box("iinf", Bytes().U32(0).U16(2).Add(entry(1, "grid")).Add(entry(2, "hvc1"))))
-                       .Add(Box("iref", Bytes().U32(0).Add(Box("dimg", reference))))
-                       .Add(Box("iprp", properties + associations))
-                       .Add(Box("idat", grid)));
+        Bytes places = Bytes().U32(0x01000000).U16s({0x4400, 2});
+        places.U16s({1, 1, 0, 1}).U32(0).U32(std::ssize(grid));
+        places.U16s({2, 0, 0, 1}).U32(codedAt).U32(std::ssize(coded));
+        const std::string entries = Bytes().U32(0).U16(2).Add(entry(1, "grid")).Add(entry(2, "hvc1"));
+        return Box("meta", std::string(4, '\0') +
+                               Box("hdlr", Bytes().U32(0).U32(0).Add("pict") + std::string(13, '\0')) +
+                               Box("pitm", Bytes().U32(0).U16(1)) + Box("iloc", places) + Box("iinf", entries) +
+                               Box("iref", Bytes().U32(0).Add(Box("dimg", reference))) +
+                               Box("iprp", properties) + Box("idat", grid));
     };
     const std::string type = Box("ftyp", Bytes("heic").U32(0).Add("mif1heic"));
-    const auto codedAt = static_cast<std::int64_t>(type.size() + meta(0).size() + 8);
+    const std::int64_t codedAt = std::ssize(type) + std::ssize(meta(0)) + 8;
     return type + meta(codedAt) + Box("mdat", coded) + Box("free", Noise(padding));
 }
 
@@ -310,6 +222,23 @@ std::string Tga(std::uint32_t width, std::uint32_t height, std::size_t size) {
 
 } // namespace
 
+std::string Tiff(std::uint32_t width, std::uint32_t height, std::uint32_t compression,
+                 std::uint32_t photometric, std::uint32_t bits, std::uint32_t samples, const std::string& data,
+                 std::size_t padding, std::uint32_t tile) {
+    const std::size_t at = 8 + padding;
+    std::vector<TiffField> fields = {{256, width},       {257, height},      {258, bits},
+                                     {259, compression}, {262, photometric}, {277, samples}};
+    if (tile == 0) {
+        fields.insert(fields.end(), {{273, at}, {278, height}, {279, data.size()}});
+    } else {
+        fields.insert(fields.end(), {{322, tile}, {323, tile}, {324, at}, {325, data.size()}});
+    }
+    if (samples == 4) fields.push_back({338, 2});
+    const std::string even(data.size() % 2, '\0');
+    return tiffStart.substr(0, 4) + Little({{at + data.size() + even.size(), 4}}) + Noise(padding) + data +
+           even + TiffDirectory(fields, 0);
+}
+
 std::string Dds(std::uint32_t width, std::uint32_t height, const char* fourCc, std::uint32_t dxgi,
                 const std::string& data) {
     std::string file =
@@ -322,14 +251,9 @@ std::string Dds(std::uint32_t width, std::uint32_t height, const char* fourCc, s
 
 std::vector<Bomb> PictureBombs() {
     std::vector<Bomb> all;
-    const auto add = [&](const char* reader, const char* name, std::string file, std::string bytes,
+    const auto add = [&](const char* reader, const char* name, const std::string& file, std::string bytes,
                          bool sharp = false) {
-        all.push_back({.reader = reader,
-                       .name = name,
-                       .file = file,
-                       .bytes = std::move(bytes),
-                       .steps = "--picture A=" + file + " --info",
-                       .sharp = sharp});
+        all.push_back({reader, name, file, std::move(bytes), "--picture A=" + file + " --info", {}, sharp});
     };
     add("PNG", "20000 x 20000 in a few kB", "f.png", FlatPng(20000, 20000, 1, 0));
     add("PNG", "8 bits, the most that is read", "f.png", FlatPng(large, large, 8, 6, padded), true);
@@ -337,7 +261,7 @@ std::vector<Bomb> PictureBombs() {
     add("PNG", "interlaced, the most that is read", "f.png", FlatPng(deep, deep, 8, 6, padded, true));
     add("PNG", "one pixel high", "f.png", FlatPng(SparePixels, 1, 8, 6, padded));
     add("PNG", "one pixel wide", "f.png", FlatPng(1, SparePixels, 8, 6, padded));
-    add("PNG", "80,000 empty chunks", "f.png", PngOfManyChunks());
+    add("PNG", "as many empty chunks as it holds", "f.png", PngOfManyChunks());
     add("PNG", "text and profile of 450 MB", "f.png", PngOfLargeText());
 
     add("JPEG", "16,000 scans", "f.jpg", Jpeg(3000, 3000, false, 16000), true);
@@ -355,17 +279,10 @@ std::vector<Bomb> PictureBombs() {
     add("TIFF", "as many directories as it holds", "f.tif", TiffOfManyDirectories());
     add("TIFF", "120,000 strips", "f.tif", TiffOfManyStrips());
 
-    const std::uint64_t pixels = std::uint64_t{large} * large;
     add("GIF", "the most that is read", "f.gif",
-        Gif(
-            large, large, GifFrame(large, large, GifData(pixels)) + "!\xFE" + [] {
-                std::string comment;
-                for (int i = 0; i < 3600; ++i)
-                    comment += "\xFF" + Noise(255);
-                return comment + std::string(1, '\0');
-            }()));
-    add("GIF", "65535 x 65535", "f.gif", Gif(65535, 65535, GifFrame(65535, 65535, GifData(1'000'000'000))));
-    add("GIF", "as many frames as it holds", "f.gif", GifOfManyFrames());
+        Gif(static_cast<int>(large), static_cast<int>(large), 1, 920'000));
+    add("GIF", "65535 x 65535", "f.gif", Gif(65535, 65535, 1));
+    add("GIF", "as many frames as it holds", "f.gif", Gif(1, 1, 65'000));
 
     add("HEIF", "a grid of one tile, 8192 x 4096", "f.heic", HeifGrid(16, 8, padded));
     add("HEIF", "a grid of one tile, the most that is read", "f.heic", HeifGrid(8, 8, padded), true);

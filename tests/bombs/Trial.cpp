@@ -6,14 +6,14 @@
 #include <fcntl.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
-#include <time.h>
 #include <unistd.h>
 
-#include <cerrno>
+#include <algorithm>
+#include <chrono>
 #include <csignal>
 #include <cstdlib>
 #include <map>
-#include <sstream>
+#include <thread>
 
 namespace bombs {
 
@@ -23,23 +23,10 @@ double Seconds(const timeval& time) {
     return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) * 1e-6;
 }
 
-double Now() {
-    timespec time{};
-    clock_gettime(CLOCK_MONOTONIC, &time);
-    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) * 1e-9;
-}
-
 void Limit(__rlimit_resource resource, std::uint64_t most) {
     if (most == 0) return;
     const rlimit limit{most, most};
     setrlimit(resource, &limit);
-}
-
-std::string FirstLine(const std::string& path) {
-    std::ifstream file(path);
-    std::string line;
-    std::getline(file, line);
-    return line;
 }
 
 // The most memory that a process ever had, by proc(5).
@@ -101,15 +88,15 @@ Cost Try(const Bomb& bomb, const std::string& program, const Limits& limits) {
     std::map<pid_t, std::uint64_t> peaks;
     rusage usage{};
     int status = 0;
-    const double end = Now() + limits.seconds;
+    using Clock = std::chrono::steady_clock;
+    const auto end = Clock::now() + std::chrono::duration<double>(limits.seconds);
     while (wait4(process, &status, WNOHANG, &usage) == 0) {
         std::vector<pid_t> all = ChildrenOf(process);
         all.push_back(process);
         for (const pid_t each : all)
             if (const std::uint64_t peak = PeakOf(each); peak > 0) peaks[each] = peak;
-        if (Now() > end) kill(-process, SIGKILL);
-        const timespec pause{0, 2'000'000};
-        nanosleep(&pause, nullptr);
+        if (Clock::now() > end) kill(-process, SIGKILL);
+        std::this_thread::sleep_for(std::chrono::milliseconds(2));
     }
     // Helpers run one after another, so the largest of them counts.
     std::uint64_t helper = 0;
@@ -119,7 +106,8 @@ Cost Try(const Bomb& bomb, const std::string& program, const Limits& limits) {
     cost.memory = both - std::min(both, own);
     cost.seconds = Seconds(usage.ru_utime) + Seconds(usage.ru_stime);
     cost.status = WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status);
-    cost.error = FirstLine((folder.path / "error").string());
+    cost.error = folder.Read("error");
+    cost.error.resize(std::min(cost.error.find('\n'), cost.error.size()));
     return cost;
 }
 

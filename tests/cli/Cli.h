@@ -5,11 +5,13 @@
 #include "imaging/MPixelBudget.h"
 #include "imaging/Pictures.h"
 
+#include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
 #include <sys/wait.h>
 
 #include <cstdlib>
 #include <string>
+#include <vector>
 
 class Cli {
 public:
@@ -40,6 +42,18 @@ public:
     OwnedPicture Picture(const char* file) const {
         const MFontPictureScope largeOnesToo;
         return {MPicture(folder.File(file))};
+    }
+
+    struct Case {
+        std::string arguments;
+        int status;
+        const char* error; // that its standard error holds
+    };
+    void ExpectFailures(const std::vector<Case>& cases) {
+        for (const auto& [arguments, wanted, words] : cases) {
+            EXPECT_EQ(Run(arguments), wanted) << arguments;
+            EXPECT_THAT(error, testing::HasSubstr(words)) << arguments;
+        }
     }
 
     bool Has(const char* file) const { return std::filesystem::exists(folder.path / file); }

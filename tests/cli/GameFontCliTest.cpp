@@ -1,10 +1,6 @@
 // Fonts for games on the command line.
 
 #include "Cli.h"
-#include "formats/game/MGameEngines.h"
-
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 namespace {
 
@@ -51,11 +47,7 @@ TEST(GameFontCli, FailuresAndWrongUsage) {
     Cli cli;
     ASSERT_EQ(cli.Run(make + "--fnt-for libgdx --fnt f.fnt"), 0) << cli.error;
     cli.folder.Write("cut.fnt", cli.folder.Read("f.fnt").substr(0, 900));
-    const struct {
-        std::string arguments;
-        int status;
-        const char* error;
-    } cases[] = {
+    cli.ExpectFailures({
         {"--open cut.fnt", 1, "lettrino-cli: --open: cut.fnt: it tells of 27 characters and holds"},
         {make + "--fnt-for phaser --fnt-form text --fnt g.fnt", 1,
          "--fnt: g.fnt: Phaser doesn't read the text form; it reads xml"},
@@ -66,24 +58,13 @@ TEST(GameFontCli, FailuresAndWrongUsage) {
         {"--fnt-for nobody", 2, "--fnt-for"},
         {"--fnt-size any", 2, "--fnt-size"},
         {"--check any,nobody", 2, "--check"},
-    };
-    for (const auto& [arguments, status, error] : cases) {
-        EXPECT_EQ(cli.Run(arguments), status) << arguments;
-        EXPECT_THAT(cli.error, HasSubstr(error)) << arguments;
-    }
+    });
     EXPECT_FALSE(cli.Has("g.fnt") || cli.Has("g_0.png"));
     cli.folder.Write("many.fnt", "common lineHeight=9\npage id=0 file=f_0.png\nchar id=65 width=3 height=3\n"
                                  "char id=70000\nchar id=32 xadvance=3\n");
     EXPECT_EQ(cli.Run("--open many.fnt"), 0);
     EXPECT_EQ(cli.error,
               "lettrino-cli: --open: note: 1 character is left out (U+11170): codes end at U+FFFF here\n");
-}
-
-TEST(GameFontCli, TheHelpNamesAllEnginesAndForms) {
-    Cli cli;
-    cli.Run("--help");
-    for (const MGameEngine& engine : gameEngines)
-        EXPECT_THAT(cli.out, HasSubstr(std::string(engine.Name))) << engine.Name;
 }
 
 } // namespace

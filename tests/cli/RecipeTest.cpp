@@ -2,13 +2,11 @@
 
 #include "Cli.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <signal.h>
 
 #include <algorithm>
 #include <chrono>
-#include <fstream>
+#include <regex>
 #include <thread>
 
 namespace {
@@ -26,11 +24,9 @@ void WritePicture(const Cli& cli, const char* name, const MColour& colour, std::
 // Waits until it holds, for as long as a slow machine may take.
 template<typename Condition>
 bool Soon(const Condition& condition) {
-    for (int i = 0; i < 1000; ++i) {
-        if (condition()) return true;
+    for (int i = 0; i < 1000 && !condition(); ++i)
         std::this_thread::sleep_for(std::chrono::milliseconds(30));
-    }
-    return false;
+    return condition();
 }
 
 // lettrino-cli on its own until it is told to end.
@@ -49,17 +45,15 @@ public:
 
     std::string Log() const { return cli.folder.Read("watch.txt"); }
     // How many have come to an end, well or not.
-    int Runs() const {
+    std::ptrdiff_t Runs() const {
         const std::string log = Log();
-        int count = 0;
-        for (std::size_t at = 0; (at = log.find("; watching", at)) != std::string::npos; ++at)
-            ++count;
-        return count;
+        const std::regex end("; watching");
+        return std::distance(std::sregex_iterator(log.begin(), log.end(), end), {});
     }
     // After the change, which makes one run.
     template<typename Change>
     std::string After(const Change& change) {
-        const int before = Runs();
+        const auto before = Runs();
         const std::size_t start = Log().size();
         change();
         EXPECT_TRUE(Soon([&] { return Runs() > before; })) << Log();
@@ -122,11 +116,7 @@ TEST(Recipe, TwoFamiliesInThreeSizesAndFourForms) {
 TEST(Recipe, WhatIsWrongIsToldWithItsLine) {
     Cli cli;
     cli.folder.Write("other.steps", "info\n");
-    const struct {
-        const char* text;
-        int status;
-        const char* error;
-    } cases[] = {
+    const std::tuple<const char*, int, const char*> cases[] = {
         {"family A\nbake\n", 2, "r.steps:2: there is no step --bake"},
         {"\n\nsteps other.steps", 2, "r.steps:3: a recipe takes in no other"},
         {"generate now", 2, "r.steps:1: --generate takes nothing"},

@@ -2,9 +2,6 @@
 
 #include "Cli.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 namespace {
 
 using testing::HasSubstr;
@@ -61,11 +58,7 @@ TEST(SheetCli, CutsAsItIsTold) {
 TEST(SheetCli, FailuresAndWrongUsage) {
     Cli cli;
     MakeSheet(cli);
-    const struct {
-        const char* arguments;
-        int status;
-        const char* error;
-    } cases[] = {
+    cli.ExpectFailures({
         {"--sheet-text ABC --sheet-report r.png --sheet sheet.png --save f.sm", 1,
          "14 letters were found on the sheet, but the text has 3 characters"},
         {"--sheet-text @@x --sheet sheet.png", 1, "but the text has 2 characters"},
@@ -76,11 +69,7 @@ TEST(SheetCli, FailuresAndWrongUsage) {
         {"--sheet-grid 8", 2, "--sheet-grid"},
         {"--sheet-grid 0x8", 2, "--sheet-grid"},
         {"--sheet-ground blue", 2, "--sheet-ground"},
-    };
-    for (const auto& [arguments, status, error] : cases) {
-        EXPECT_EQ(cli.Run(arguments), status) << arguments;
-        EXPECT_THAT(cli.error, HasSubstr(error)) << arguments;
-    }
+    });
     EXPECT_TRUE(cli.Has("r.png")); // what helps most where it failed
     EXPECT_FALSE(cli.Has("f.sm"));
 }

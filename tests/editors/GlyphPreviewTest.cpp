@@ -53,12 +53,7 @@ TEST_F(GlyphPreviewTest, GuidesStandAroundTheGlyph) {
 }
 
 TEST_F(GlyphPreviewTest, TheButtonAndTheHalfChooseTheGuide) {
-    const struct {
-        bool right;
-        MPoint mouse;
-        MGuide guide;
-        std::int32_t value;
-    } cases[] = {
+    const std::tuple<bool, MPoint, MGuide, std::int32_t> cases[] = {
         {false, {314, 100}, MGuide::SpacingAfter, -9}, // (314 - 393) / 8 = -9.9
         {false, {409, 100}, MGuide::SpacingAfter, 2},
         {false, {313, 100}, MGuide::SpacingBefore, -10}, // in the middle: the left half
@@ -71,10 +66,10 @@ TEST_F(GlyphPreviewTest, TheButtonAndTheHalfChooseTheGuide) {
     };
     font.Baseline = 7;
     const MGlyph& glyph = Add(u'B', 20, 50);
-    for (const auto& c : cases) {
-        const MDraggedGuide dragged = DragGuide(area, 8, glyph, font, c.mouse, c.right);
-        EXPECT_EQ(dragged.Guide, c.guide) << c.mouse.x << ", " << c.mouse.y;
-        EXPECT_EQ(dragged.Value, c.value) << c.mouse.x << ", " << c.mouse.y;
+    for (const auto& [right, mouse, guide, value] : cases) {
+        const MDraggedGuide dragged = DragGuide(area, 8, glyph, font, mouse, right);
+        EXPECT_EQ(dragged.Guide, guide) << mouse.x << ", " << mouse.y;
+        EXPECT_EQ(dragged.Value, value) << mouse.x << ", " << mouse.y;
     }
     for (const std::int32_t baseline : {Least, Most}) {
         font.Baseline = baseline;

@@ -5,20 +5,14 @@
 
 namespace {
 
-using About = EditorTest;
-
-// Around all that is not white.
-Desktop::Rect InkOf(const Headless::Painting& painting) {
-    Desktop::Rect ink{painting.width, painting.height, 0, 0};
-    for (std::int32_t y = 0; y < painting.height; ++y) {
-        for (std::int32_t x = 0; x < painting.width; ++x) {
-            if (PixelAt(painting, x, y).b == 255) continue;
-            ink = {std::min(ink.left, x), std::min(ink.top, y), std::max(ink.right, x + 1),
-                   std::max(ink.bottom, y + 1)};
-        }
+class About : public EditorTest {
+protected:
+    // Of the last painting, which this makes.
+    static Desktop::Rect PaintedInk(MAbout& about) {
+        about.Paint(AnyWindow());
+        return InkOf(Headless::record.paintings.back(), [](const MColour& pixel) { return pixel.b != 255; });
     }
-    return ink;
-}
+};
 
 } // namespace
 
@@ -49,42 +43,30 @@ TEST_F(About, TextsStandAtTheRightOnWhite) {
     for (const float scale : {1.0F, 2.0F}) {
         MAbout about("", scale);
         about.Picture = "/none.png";
-        Headless::Reset();
-        about.Paint(AnyWindow());
-        ASSERT_EQ(Headless::record.paintings.size(), 1U);
-        EXPECT_EQ(Headless::record.paintings[0].width, about.Client().right);
-        const Desktop::Rect both = InkOf(Headless::record.paintings[0]);
+        const Desktop::Rect both = PaintedInk(about);
+        EXPECT_EQ(Headless::record.paintings.back().width, about.Client().right);
         EXPECT_NEAR(both.right, 660 * scale, 4 * scale);
         EXPECT_GT(both.left, 200 * scale);
         EXPECT_GT(both.top, 75 * scale);
         EXPECT_LT(both.bottom, 350 * scale) << "above the button";
         about.Heading = MString();
-        about.Paint(AnyWindow());
-        EXPECT_GT(InkOf(Headless::record.paintings[1]).top, 120 * scale);
+        EXPECT_GT(PaintedInk(about).top, 120 * scale);
         about.Body = MString();
-        about.Paint(AnyWindow());
-        EXPECT_LT(InkOf(Headless::record.paintings[2]).right, 1) << "empty texts are left out";
+        EXPECT_LT(PaintedInk(about).right, 1) << "empty texts are left out";
     }
 }
 
 // A small one is enlarged only with the density of the screen.
 TEST_F(About, ThePictureCoversTheGround) {
     const TemporaryFolder folder;
-    const struct {
-        std::uint32_t width, height;
-        float scale;
-        Desktop::Rect covered;
-    } cases[] = {{680, 420, 1, {0, 0, 680, 420}},
-                 {1360, 840, 1, {0, 0, 680, 420}},
-                 {1360, 840, 1.5F, {0, 0, 1020, 630}},
-                 {680, 420, 2, {0, 0, 1360, 840}},
-                 {68, 42, 1, {306, 189, 374, 231}}};
-    for (const auto& c : cases) {
-        MAbout about("", c.scale);
-        about.Picture = WritePicture(folder, "ground.png", c.width, c.height, MColour(0, 0, 0));
+    for (const auto& [width, scale, covered] : {std::tuple(680U, 1.0F, Desktop::Rect{0, 0, 680, 420}),
+                                                {1360U, 1.0F, {0, 0, 680, 420}},
+                                                {1360U, 1.5F, {0, 0, 1020, 630}},
+                                                {680U, 2.0F, {0, 0, 1360, 840}},
+                                                {68U, 1.0F, {306, 189, 374, 231}}}) {
+        MAbout about("", scale);
+        about.Picture = WritePicture(folder, "ground.png", width, width * 21 / 34, MColour(0, 0, 0));
         about.Heading = about.Body = MString();
-        Headless::Reset();
-        about.Paint(AnyWindow());
-        EXPECT_EQ(InkOf(Headless::record.paintings[0]), c.covered) << c.width << " at " << c.scale;
+        EXPECT_EQ(PaintedInk(about), covered) << width << " at " << scale;
     }
 }

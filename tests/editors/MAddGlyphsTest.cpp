@@ -22,14 +22,7 @@ protected:
     AddGlyphs& operator=(const AddGlyphs&) = delete;
 };
 
-std::vector<std::string> Narrow(const std::vector<MString>& texts) {
-    std::vector<std::string> narrow;
-    for (const MString& text : texts)
-        narrow.push_back(Narrow(text));
-    return narrow;
-}
-
-using Names = std::vector<std::string>;
+using Names = std::vector<MString>;
 
 } // namespace
 
@@ -38,9 +31,9 @@ TEST_F(AddGlyphs, OpensWithTheNearestFace) {
     settings.Italic = true;
     const MAddGlyphs dialog;
     // A name that differs in case only stands between the faces of the other.
-    EXPECT_EQ(Narrow(dialog.Families), (Names{"Alpha", "Gamma", "gamma", "Gamma"}));
+    EXPECT_EQ(dialog.Families, (Names{"Alpha", "Gamma", "gamma", "Gamma"}));
     EXPECT_EQ(dialog.FamilyIndex, 1);
-    EXPECT_EQ(Narrow(dialog.Styles), (Names{"Light", "Light", "Black"})) << "one name may stand for two faces";
+    EXPECT_EQ(dialog.Styles, (Names{"Light", "Light", "Black"})) << "one name may stand for two faces";
     EXPECT_EQ(dialog.StyleIndex, 1) << "290 from the second, 300 from the last";
     EXPECT_EQ(settings.Weight, 310) << "at once, also if the dialog is cancelled";
     EXPECT_FALSE(settings.Italic);
@@ -69,7 +62,7 @@ TEST_F(AddGlyphs, ChangesStandInTheSettingsAtOnce) {
     EXPECT_EQ(dialog.StyleIndex, 2);
     dialog.ChangeFamily(0);
     EXPECT_EQ(Narrow(settings.FontName), "Alpha");
-    EXPECT_EQ(Narrow(dialog.Styles), (Names{"Normal", "Bold Italic"}));
+    EXPECT_EQ(dialog.Styles, (Names{"Normal", "Bold Italic"}));
     EXPECT_EQ(settings.Weight, 400);
     EXPECT_EQ(dialog.StyleIndex, 0);
     dialog.ChangeStyle(1);

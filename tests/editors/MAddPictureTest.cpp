@@ -30,16 +30,13 @@ TEST_F(AddPictureDialog, BrowsingTellsTheCharacter) {
     MAddPicture dialog;
     EXPECT_FALSE(dialog.Browse(AnyWindow()));
     EXPECT_TRUE(dialog.Path.IsEmpty());
-    const struct {
-        const char* file;
-        const char* character;
-    } cases[] = {{"/p/font_B.png", "B"}, {"/p/glyph65.png", "A"}, {"/p/x32.png", "A"}};
-    for (const auto& c : cases) {
-        Headless::script.files = {c.file};
+    for (const auto& [file, character] :
+         {std::pair("/p/font_B.png", "B"), {"/p/glyph65.png", "A"}, {"/p/x32.png", "A"}}) {
+        Headless::script.files = {file};
         EXPECT_TRUE(dialog.Browse(AnyWindow()));
-        EXPECT_EQ(Narrow(dialog.Path), c.file);
-        EXPECT_EQ(Narrow(dialog.Character), c.character) << c.file;
-        EXPECT_EQ(Narrow(Remembered()), c.file) << "as by every file dialog";
+        EXPECT_EQ(Narrow(dialog.Path), file);
+        EXPECT_EQ(Narrow(dialog.Character), character) << file;
+        EXPECT_EQ(Narrow(Remembered()), file) << "as by every file dialog";
     }
     EXPECT_EQ(settings.Char, 35U);
     EXPECT_EQ(Narrow(Headless::record.fileDialogs.back().title), "Load Picture");

@@ -115,23 +115,21 @@ TEST_F(CharacterGrid, SelectedShade) {
 
 TEST_F(CharacterGrid, OnlyCodesOfGlyphsAreMarked) {
     for (const std::int32_t code : {-1, 32, 33, 127, 159, 255, 256}) {
-        const bool counts = code >= 33 && code <= 255;
-        EXPECT_EQ(MCharacterGrid::Mark(code, true), counts) << code;
-        EXPECT_FALSE(MCharacterGrid::Mark(code, true)) << code << " again";
-        EXPECT_EQ(MCharacterGrid::Mark(code, false), counts) << code;
+        for (const bool mark : {true, false})
+            EXPECT_EQ(MCharacterGrid::Mark(code, mark), code >= 33 && code <= 255) << code;
+        EXPECT_FALSE(MCharacterGrid::Mark(code, false)) << code << " again";
     }
 }
 
 TEST_F(CharacterGrid, TheCursorStaysInTheGrid) {
-    const struct {
-        std::int32_t from, columns, rows, to;
-    } cases[] = {{65, 1, 0, 66},  {65, 0, 1, 81},   {79, 1, 0, 79},   {64, -1, 0, 64}, {33, -1, 0, 33},
-                 {48, 0, -1, 48}, {255, 0, 1, 255}, {255, 1, 1, 255}, {33, 0, -1, 33}, {65, -99, 0, 64},
-                 {65, 99, 0, 79}, {65, 0, 99, 241}, {65, 0, -99, 33}};
-    for (const auto& c : cases) {
-        grid.Cursor = c.from;
-        grid.MoveCursor(c.columns, c.rows);
-        EXPECT_EQ(grid.Cursor, c.to) << c.from << " by " << c.columns << ", " << c.rows;
+    const std::tuple<std::int32_t, std::int32_t, std::int32_t, std::int32_t> cases[] = {
+        {65, 1, 0, 66},  {65, 0, 1, 81},   {79, 1, 0, 79},   {64, -1, 0, 64}, {33, -1, 0, 33},
+        {48, 0, -1, 48}, {255, 0, 1, 255}, {255, 1, 1, 255}, {33, 0, -1, 33}, {65, -99, 0, 64},
+        {65, 99, 0, 79}, {65, 0, 99, 241}, {65, 0, -99, 33}};
+    for (const auto& [from, columns, rows, to] : cases) {
+        grid.Cursor = from;
+        grid.MoveCursor(columns, rows);
+        EXPECT_EQ(grid.Cursor, to) << from << " by " << columns << ", " << rows;
     }
 }
 

@@ -2,8 +2,6 @@
 
 #include "EditorTest.h"
 
-#include <cstdlib>
-#include <optional>
 #include <tuple>
 
 namespace {
@@ -75,20 +73,11 @@ TEST_F(MGlyphEditorTest, DrawsTheGlyphAndTheGuidesInside) {
     // At scale 8 the glyph covers (153, 58) to (473, 458); a line lies on both sides of its place.
     const MColour blue{0, 0, 255};
     const MColour green{0, 255, 0};
-    const struct {
-        std::int32_t x, y;
-        std::optional<MColour> colour; // none: half red
-    } points[] = {
-        {9, 9, green},    {152, 100, green}, {153, 100, blue},  {300, 57, green}, {300, 58, blue},
-        {128, 100, {}},   {129, 100, {}},    {126, 100, green}, {456, 507, {}},   {457, 100, {}},
-        {459, 100, blue}, {472, 100, blue},  {473, 100, green}, {300, 401, {}},   {617, 402, {}},
-        {300, 162, {}},   {8, 161, {}},      {300, 165, blue},  {472, 457, blue}, {472, 458, green},
-    };
-    for (const auto& p : points) {
-        const MColour painted = Painted(p.x, p.y);
-        const bool right = p.colour ? painted == *p.colour : std::abs(painted.r - 128) <= 10;
-        EXPECT_TRUE(right) << p.x << ", " << p.y;
-    }
+    ExpectPainted({{9, 9, green},     {152, 100, green}, {153, 100, blue}, {300, 57, green},
+                   {300, 58, blue},   {128, 100, {}},    {129, 100, {}},   {126, 100, green},
+                   {456, 507, {}},    {457, 100, {}},    {459, 100, blue}, {472, 100, blue},
+                   {473, 100, green}, {300, 401, {}},    {617, 402, {}},   {300, 162, {}},
+                   {8, 161, {}},      {300, 165, blue},  {472, 457, blue}, {472, 458, green}});
     // Guides on the edge or outside are not drawn; their values stay.
     glyph.SpacingBefore = glyph.SpacingAfter = font.Baseline = Most;
     font.CapHeight = Least;
@@ -103,11 +92,10 @@ TEST_F(MGlyphEditorTest, NothingIsDrawnWithoutRoomOrPicture) {
     AddGlyph(font, u'0', 0, 50);
     MGlyphEditor editor(font);
     Place(editor);
-    editor.Area.right = editor.Area.left + 100;
-    editor.DrawPreview();
-    editor.Mouse({50, 50}, true, false);
-    Place(editor);
     editor.Show(u'0');
+    editor.Area.right = editor.Area.left + 100;
+    editor.Show(u'A');
+    editor.Mouse({50, 50}, true, false);
     EXPECT_EQ(Paintings(), 0U);
     EXPECT_EQ(font.GetGlyph(u'A')->SpacingBefore, 1);
 }
@@ -117,13 +105,8 @@ TEST_F(MGlyphEditorTest, FieldsChangeTheGlyphAndTheFont) {
     MGlyphEditor editor(font);
     Place(editor);
     const MGlyph& a = *font.GetGlyph(u'A');
-    const struct {
-        void (MGlyphEditor::*change)(const MString&);
-        const std::int32_t& value;
-        const char* text;
-        std::int32_t expected;
-        std::size_t drawn;
-    } cases[] = {
+    using Change = void (MGlyphEditor::*)(const MString&);
+    const std::tuple<Change, const std::int32_t&, const char*, std::int32_t, std::size_t> cases[] = {
         {&MGlyphEditor::SpacingBeforeChanged, a.SpacingBefore, "-3", -3, 1},
         {&MGlyphEditor::SpacingBeforeChanged, a.SpacingBefore, "-03", -3, 0},           // unchanged
         {&MGlyphEditor::SpacingAfterChanged, a.SpacingAfter, "0000000000000012", 1, 1}, // 15 characters count
@@ -131,11 +114,11 @@ TEST_F(MGlyphEditorTest, FieldsChangeTheGlyphAndTheFont) {
         {&MGlyphEditor::CapHeightChanged, font.CapHeight, "", 0, 1},
         {&MGlyphEditor::SpaceWidthChanged, font.SpaceWidth, "-40", -40, 0},
     };
-    for (const auto& c : cases) {
+    for (const auto& [change, value, text, expected, drawn] : cases) {
         const std::size_t before = Paintings();
-        (editor.*c.change)(c.text);
-        EXPECT_EQ(c.value, c.expected) << c.text;
-        EXPECT_EQ(Paintings() - before, c.drawn) << c.text;
+        (editor.*change)(text);
+        EXPECT_EQ(value, expected) << text;
+        EXPECT_EQ(Paintings() - before, drawn) << text;
     }
     // What was typed stays as long as it reads as the value; an empty field is filled.
     editor.Show(u'A');
@@ -177,20 +160,15 @@ TEST_F(MGlyphEditorTest, TheMouseDragsGuides) {
     AddUpTo(u'B');
     MGlyphEditor editor(font);
     Place(editor);
-    const struct {
-        MPoint mouse;
-        bool left, right;
-        const std::int32_t& value;
-        std::int32_t expected;
-    } cases[] = {
+    const std::tuple<MPoint, bool, bool, const std::int32_t&, std::int32_t> cases[] = {
         {{129, 300}, true, false, font.GetGlyph(u'A')->SpacingBefore, 3}, // it starts at 153, the scale is 8
         {{617, 300}, true, false, font.GetGlyph(u'A')->SpacingAfter, 18},
         {{100, 418}, true, true, font.Baseline, 5}, // the right button decides
         {{100, 58}, false, true, font.CapHeight, 45},
     };
-    for (const auto& c : cases) {
-        editor.Mouse(c.mouse, c.left, c.right);
-        EXPECT_EQ(c.value, c.expected) << c.mouse.x;
+    for (const auto& [mouse, left, right, value, expected] : cases) {
+        editor.Mouse(mouse, left, right);
+        EXPECT_EQ(value, expected) << mouse.x;
     }
     EXPECT_EQ(Narrow(editor.SpacingBefore), "3");
     EXPECT_EQ(Paintings(), 4U);

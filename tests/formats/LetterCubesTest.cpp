@@ -126,12 +126,6 @@ TEST_F(LetterCubesExportTest, StatisticsAreAskedAbout) {
     EXPECT_TRUE(std::filesystem::is_empty(folder.path));
 }
 
-TEST_F(LetterCubesExportTest, ThePathIsCutAtItsFirstDot) {
-    std::filesystem::create_directory(folder.path / "out.old");
-    ASSERT_TRUE(font.ExportLetterCubes(folder.File("out.old/cube.png")));
-    EXPECT_TRUE(FileExists(folder.File("out1.png")));
-}
-
 TEST_F(LetterCubesExportTest, Refusals) {
     const auto refused = [&](const char* names) {
         Headless::Reset();

@@ -179,11 +179,7 @@ TEST_F(PhotofontTest, PicturesAreCutOrPaddedToTheirBox) {
 TEST_F(PhotofontTest, ToldLosses) {
     const std::string whole = File(sample);
     const std::string imageA = "<image id=\"IMG_A\">\n";
-    const struct {
-        const char* what;
-        std::string text;
-        const char* codes;
-    } cases[] = {
+    const std::tuple<const char*, std::string, const char*> cases[] = {
         {"an image that no glyph uses stops all after it", ReplaceAll(whole, imageA, "<image id=\"nobody\">\n"),
          ""},
         {"a blank makes a line no data", ReplaceAll(whole, "\niVBOR", "\n iVBOR"), ""},
@@ -199,11 +195,11 @@ TEST_F(PhotofontTest, ToldLosses) {
         {"a wrapper that looks like an image", ReplaceAll(whole, "<data>", "<images>"), "103 "},
         {"not base64 at all", ReplaceAll(whole, "iVBOR", "!!!!!"), ""},
     };
-    for (const auto& c : cases) {
+    for (const auto& [what, text, codes] : cases) {
         settings.PaddingTop = settings.SpacingAfter = 5;
-        EXPECT_TRUE(Import(c.text)) << c.what;
-        EXPECT_EQ(settings.PaddingTop + settings.SpacingAfter, 0) << c.what;
-        EXPECT_EQ(Codes(), c.codes) << c.what;
+        EXPECT_TRUE(Import(text)) << what;
+        EXPECT_EQ(settings.PaddingTop + settings.SpacingAfter, 0) << what;
+        EXPECT_EQ(Codes(), codes) << what;
     }
     EXPECT_FALSE(MPhotofontImporter(nullptr).Import(folder.File("missing.phf"), &font));
     EXPECT_FALSE(MPhotofontImporter(nullptr).Import(folder.File("f.phf"), nullptr));

@@ -1,6 +1,10 @@
-// First inputs for the targets that read fonts, texts and tables.
+// First inputs of the fuzz targets.
 #pragma once
 
-#include <filesystem>
+#include <string_view>
 
-void WriteFontSeeds(const std::filesystem::path& root);
+// Adds one to those of a target.
+void AddSeed(std::string_view target, std::string_view bytes);
+
+// Fonts, texts and tables.
+void AddFontSeeds();

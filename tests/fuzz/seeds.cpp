@@ -6,48 +6,42 @@
 
 #include <cstdio>
 #include <filesystem>
+#include <map>
 
 namespace {
 
-class Corpus {
-public:
-    Corpus(const std::filesystem::path& root, std::string_view form) : folder(root / form) {
-        std::filesystem::create_directories(folder);
-    }
-    void Add(const Bytes& bytes) {
-        std::ofstream file(folder / std::to_string(count++), std::ios::binary);
-        file.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
-    }
+std::filesystem::path root;
 
-    int count = 0;
+// For the target of a codec, and for that which tells codecs apart.
+void AddPicture(const MCodec& codec, const Bytes& file) {
+    const std::string_view bytes(reinterpret_cast<const char*>(file.data()), file.size());
+    AddSeed("picture_" + std::string(codec.name), bytes);
+    AddSeed("sniff", bytes);
+}
 
-private:
-    std::filesystem::path folder;
-};
-
-void AddEncoded(const MCodec& codec, Corpus& corpus) {
-    for (MPixelFormat format = 1; format <= 9; ++format) {
+void AddEncoded(const MCodec& codec) {
+    for (MPixelFormat format = 1; codec.encode && format <= 9; ++format) {
         for (const auto& [width, height] : {std::pair(1U, 1U), std::pair(13U, 7U)}) {
             const Bytes file = Encoded(codec.name, RandomPicture(width, height, format, width));
-            if (!file.empty()) corpus.Add(file);
+            if (!file.empty()) AddPicture(codec, file);
         }
     }
 }
 
 // The files of the tests, which lie in folders with the names of the forms and in that of the refused ones.
-void AddData(const MCodec& codec, Corpus& corpus) {
+void AddData(const MCodec& codec) {
     std::string folder(codec.name);
     std::ranges::transform(folder, folder.begin(), [](char letter) { return static_cast<char>(letter | 32); });
     for (const std::string& name : DataFiles(folder))
-        corpus.Add(DataFile(folder + "/" + name));
+        AddPicture(codec, DataFile(folder + "/" + name));
     for (const std::string& name : DataFiles("refused")) {
         if (CodecForExtension(MString(name.c_str()).GetExtension()) == &codec)
-            corpus.Add(DataFile("refused/" + name));
+            AddPicture(codec, DataFile("refused/" + name));
     }
 }
 
 // One small font in each form; its page is the picture beside the fuzzer's input.
-void AddGameFonts(Corpus& corpus) {
+void AddGameFonts() {
     MBmFont font;
     font.Info.Face = "f";
     font.Common = {.LineHeight = 16, .Base = 12, .ScaleW = 64, .ScaleH = 32, .Pages = 1};
@@ -57,10 +51,8 @@ void AddGameFonts(Corpus& corpus) {
         {.Id = 65, .X = 1, .Y = 2, .Width = 9, .Height = 12, .XOffset = -1, .YOffset = 1, .XAdvance = 10},
         {.Id = 8364, .X = 20, .Y = 3, .Width = 8, .Height = 7, .YOffset = 4, .XAdvance = 9}};
     font.Kernings = {{65, 8364, -3}};
-    for (const MBmFormat& format : BmFormats()) {
-        const std::string bytes = format.Write(font);
-        corpus.Add(Bytes(bytes.begin(), bytes.end()));
-    }
+    for (const MBmFormat& format : BmFormats())
+        AddSeed("font_fnt", format.Write(font));
 }
 
 } // namespace
@@ -70,21 +62,23 @@ extern "C" const char* __lsan_default_suppressions() {
     return "leak:libx265\n";
 }
 
+void AddSeed(std::string_view target, std::string_view bytes) {
+    static std::map<std::string, int> counts;
+    const std::string name = "fuzz_" + std::string(target);
+    std::filesystem::create_directories(root / name);
+    std::ofstream(root / name / std::to_string(counts[name]++), std::ios::binary) << bytes;
+}
+
 int main(int count, char** arguments) {
     if (count != 2) {
         std::fputs("usage: seeds FOLDER\n", stderr);
         return 2;
     }
+    root = arguments[1];
     for (const MCodec& codec : Codecs()) {
-        Corpus corpus(arguments[1], "fuzz_picture_" + std::string(codec.name));
-        Corpus all(arguments[1], "fuzz_sniff");
-        all.count = static_cast<int>(&codec - Codecs().data()) * 1000;
-        for (Corpus* const each : {&corpus, &all}) {
-            if (codec.encode) AddEncoded(codec, *each);
-            AddData(codec, *each);
-        }
+        AddEncoded(codec);
+        AddData(codec);
     }
-    Corpus fonts(arguments[1], "fuzz_font_fnt");
-    AddGameFonts(fonts);
-    WriteFontSeeds(arguments[1]);
+    AddGameFonts();
+    AddFontSeeds();
 }

@@ -14,14 +14,6 @@ using Desktop::DialogId;
 class Program : public ShellTest {
 protected:
     static bool SettingsWritten() { return std::filesystem::exists(Home().path / SettingsFile()); }
-    // A texture font of the letter "A".
-    static MString SomeFont() {
-        MPicture picture(8, 8, FormatRGBA8);
-        picture.Fill(MColour(0, 0, 255));
-        EXPECT_TRUE(picture.Save(Home().File("some.png")));
-        picture.Free();
-        return Home().Write("some.sm", "Showmarquee TextureFont\nCHA\tA\t0\t0\t5\t100\n");
-    }
 };
 
 } // namespace
@@ -115,26 +107,27 @@ TEST_F(Program, WithoutAWindowNothingIsWritten) {
 }
 
 TEST_F(Program, OpensTheTextureFontItIsGiven) {
-    const MString font = SomeFont();
+    MPicture picture(8, 8, FormatRGBA8);
+    picture.Fill(MColour(0, 0, 255));
+    EXPECT_TRUE(picture.Save(Home().File("some.png")));
+    picture.Free();
+    Home().Write("some.sm", "Showmarquee TextureFont\nCHA\tA\t0\t0\t5\t100\n");
     Headless::script.dialogs[DialogId::About] = [] {
         EXPECT_EQ(CurrentFont, nullptr) << "the About box comes first";
         return true;
     };
-    const struct {
-        MString file;
-        std::int32_t glyphs; // -1: no font
-    } cases[] = {{font, 1},
-                 {Home().File("SOME.SM"), 1},
-                 {Home().File("none.sm"), 0},
-                 {Home().File("some.png"), -1},
-                 {Home().File("some.js"), -1}, // the import of scripts is a command of its own
-                 {{}, -1}};
-    for (const auto& [file, glyphs] : cases) {
+    // The import of scripts is a command of its own.
+    for (const auto& [name, glyphs] : {std::pair("some.sm", 1),
+                                       {"SOME.SM", 1},
+                                       {"none.sm", 0},
+                                       {"some.png", -1},
+                                       {"some.js", -1},
+                                       {nullptr, -1}}) {
+        const MString file = name ? Home().File(name) : MString();
         for (const bool dropped : {false, true}) {
-            SCOPED_TRACE(ToSystem(file));
-            Headless::script.messageLoop = [dropped, &file = file, glyphs = glyphs] {
+            Headless::script.messageLoop = [&, glyphs = glyphs] {
                 if (dropped) OpenDroppedFile(file);
-                EXPECT_EQ(CurrentFont ? CurrentFont->GlyphCount() : -1, glyphs);
+                EXPECT_EQ(CurrentFont ? CurrentFont->GlyphCount() : -1, glyphs) << ToSystem(file);
                 return 0;
             };
             RunProgram(dropped ? MString() : file);

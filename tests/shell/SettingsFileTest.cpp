@@ -57,9 +57,11 @@ TEST_F(SavedSettings, EveryLine) {
     EXPECT_EQ(Narrow(MTextFile::ReadWholeFile(s.SettingsFilePath())), text);
 }
 
-// A file has lines for game fonts only once something other than the defaults was chosen.
-TEST_F(SavedSettings, GameFonts) {
-    MSettings s = Loaded("Path9\t/games/a.fnt\nGameFont\tlove\ttext\t3\tpot\t512\t-1\n");
+// A file has these lines only once something other than the defaults was chosen.
+TEST_F(SavedSettings, GameFontsAndOpticalKerning) {
+    MSettings s = Loaded("Path9\t/games/a.fnt\nOpticalKerning\t\"Two words\"\t80\n"
+                         "GameFont\tlove\ttext\t3\tpot\t512\t-1\n");
+    EXPECT_EQ(std::pair(Narrow(s.KerningText), s.KerningStrength), std::pair(std::string("Two words"), 80));
     EXPECT_EQ(Narrow(s.Path(MPathKind::SaveGameFont)), "/games/a.fnt");
     EXPECT_EQ(std::tuple(Narrow(s.GameFont.Engine), Narrow(s.GameFont.Form), s.GameFont.Gap,
                          Narrow(s.GameFont.PageSize), s.GameFont.Largest, s.GameFont.Bleed),
@@ -67,6 +69,7 @@ TEST_F(SavedSettings, GameFonts) {
     s.Save();
     const std::string text = Narrow(MTextFile::ReadWholeFile(s.SettingsFilePath()));
     EXPECT_NE(text.find("\r\nPath9\t/games/a.fnt\r\nS33\t"), text.npos);
+    EXPECT_NE(text.find("\r\nOpticalKerning\t\"Two words\"\t80\r\n"), text.npos);
     EXPECT_TRUE(text.ends_with("\r\nGameFont\tlove\ttext\t3\tpot\t512\t-1\r\n"));
     s.GameFont = {};
     s.Save();
@@ -74,32 +77,23 @@ TEST_F(SavedSettings, GameFonts) {
 }
 
 TEST_F(SavedSettings, LenientReading) {
-    const struct {
-        const char* what;
-        const char* text;
-        bool (*holds)(const MSettings& settings);
-    } cases[] = {
-        {"missing fields are zeros", "Padding\t7\r\nWeight\r\nColour\t9\r\n",
-         [](const MSettings& s) {
-             return s.PaddingTop == 7 && s.PaddingBottom == 0 && s.Weight == 0 && s.Colour == MColour(9, 0, 0);
-         }},
-        {"unknown keys are passed over, in any order and encoding",
-         "Nonsense\t1\nS300\tY\nS32\tY\nweight\t5\nChar\t66",
-         [](const MSettings& s) { return s.Char == 66 && s.Weight == 400 && s.Selected[32] == 0; }},
-        {"huge numbers end at the limits", "GlyphHeight\t99999999999\nSpacingBefore\nPadding\t-99999999999",
-         [](const MSettings& s) { return s.GlyphHeight == INT32_MAX && s.PaddingTop == INT32_MIN; }},
-        {"a window outside of all screens comes back", "WindowRect\t-32000\t-32000\t-31840\t-31972",
-         [](const MSettings& s) { return s.WindowRect.left == 0 && s.WindowRect.right == 320; }},
-        {"a window of impossible size fits", "WindowRect\t-2147483648\t5\t2147483647\t1",
-         [](const MSettings& s) {
-             return s.WindowRect.left == 0 && s.WindowRect.right == 1920 && s.WindowRect.bottom == 245;
-         }},
-        {"bytes that are no text", std::string_view("\xFF\xFE\x41", 3).data(),
-         [](const MSettings& s) { return s.FileRead && s.GlyphHeight == 100; }},
-        {"an empty file", "", [](const MSettings& s) { return s.FileRead; }},
-    };
-    for (const auto& [what, text, holds] : cases)
-        EXPECT_TRUE(holds(Loaded(text))) << what;
+    MSettings s = Loaded("Padding\t7\r\nWeight\r\nColour\t9\r\n");
+    EXPECT_EQ(std::tuple(s.PaddingTop, s.PaddingBottom, s.Weight, s.Colour),
+              std::tuple(7, 0, 0, MColour(9, 0, 0)))
+        << "missing fields are zeros";
+    s = Loaded("Nonsense\t1\nS300\tY\nS32\tY\nweight\t5\nChar\t66");
+    EXPECT_EQ(std::tuple(s.Char, s.Weight, s.Selected[32]), std::tuple(66U, 400, 0))
+        << "unknown keys are passed over";
+    s = Loaded("GlyphHeight\t99999999999\nSpacingBefore\nPadding\t-99999999999");
+    EXPECT_EQ(std::tuple(s.GlyphHeight, s.PaddingTop), std::tuple(INT32_MAX, INT32_MIN));
+    s = Loaded("WindowRect\t-32000\t-32000\t-31840\t-31972");
+    EXPECT_EQ(std::tuple(s.WindowRect.left, s.WindowRect.right), std::tuple(0, 320)) << "back on the screen";
+    s = Loaded("WindowRect\t-2147483648\t5\t2147483647\t1");
+    EXPECT_EQ(s.WindowRect, (Desktop::Rect{0, 5, 1920, 245})) << "of impossible size";
+    for (const std::string_view text : {"", "\xFF\xFE\x41"}) {
+        s = Loaded(text);
+        EXPECT_TRUE(s.FileRead && s.GlyphHeight == 100) << "nothing, and what is no text";
+    }
 }
 
 TEST_F(SavedSettings, WhatCouldNotBeReadIsNeverOverwritten) {
@@ -126,17 +120,6 @@ TEST_F(SavedSettings, TellsIfItCannotBeWritten) {
     ASSERT_EQ(Headless::record.messages.size(), 1U);
     EXPECT_EQ(Headless::record.messages[0].text, "Could not open:\n\n\"" + settings.SettingsFilePath() + "\"");
     EXPECT_EQ(Headless::record.messages[0].icon, Desktop::Icon::Error);
-}
-
-TEST_F(SavedSettings, WhatTheOpticalKerningWasToldIsKept) {
-    MSettings settings = Loaded("");
-    settings.KerningText = "Two words";
-    settings.KerningStrength = 80;
-    settings.Save();
-    MSettings again;
-    again.Load();
-    EXPECT_EQ(std::pair(Narrow(again.KerningText), again.KerningStrength),
-              std::pair(std::string("Two words"), 80));
 }
 
 TEST_F(SavedSettings, ASmallScreenDoesNotShrinkTheWindowForALargeOne) {

@@ -32,24 +32,19 @@ TEST(TheDesktop, BlackCanBeReadOnItsButtonColour) {
 }
 
 TEST(TheDesktop, EnterTakesTheFirstButtonAndEscapeTheHarmlessOne) {
-    const struct {
-        Buttons buttons;
-        Answer enter;
-        Answer escape;
-    } cases[] = {{Buttons::Ok, Answer::Ok, Answer::Ok},
-                 {Buttons::OkCancel, Answer::Ok, Answer::Cancel},
-                 {Buttons::YesNo, Answer::Yes, Answer::No},
-                 {Buttons::YesNoCancel, Answer::Yes, Answer::Cancel}};
-    for (const auto& c : cases) {
-        for (const auto& [key, answer] :
-             {std::pair(Qt::Key_Return, c.enter), std::pair(Qt::Key_Escape, c.escape)}) {
-            const Answer given = WhileOpen(
+    for (const auto& [buttons, enter, escape] : {std::tuple(Buttons::Ok, Answer::Ok, Answer::Ok),
+                                                 {Buttons::OkCancel, Answer::Ok, Answer::Cancel},
+                                                 {Buttons::YesNo, Answer::Yes, Answer::No},
+                                                 {Buttons::YesNoCancel, Answer::Yes, Answer::Cancel}}) {
+        const auto answerTo = [&, shown = buttons](Qt::Key key) {
+            return WhileOpen(
                 [&] {
-                    return Desktop::ShowMessage(nullptr, "Text", "Caption", c.buttons, Desktop::Icon::Question);
+                    return Desktop::ShowMessage(nullptr, "Text", "Caption", shown, Desktop::Icon::Question);
                 },
-                [key = key](QWidget& box) { QTest::keyClick(&box, key); });
-            EXPECT_EQ(given, answer);
-        }
+                [&](QWidget& box) { QTest::keyClick(&box, key); });
+        };
+        EXPECT_EQ(answerTo(Qt::Key_Return), enter);
+        EXPECT_EQ(answerTo(Qt::Key_Escape), escape);
     }
 }
 

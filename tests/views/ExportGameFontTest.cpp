@@ -17,10 +17,8 @@ TEST_F(ExportGameFontWindow, TellsAtOnceWhatWillBeWrittenAndRemembersOnOk) {
         auto* const findings =
             Named<QPlainTextEdit>(dialog, "What of the font the engine doesn't take as it is");
         const auto summary = [&] {
-            for (auto* const label : dialog.findChildren<QLabel*>()) {
-                if (label->text().contains(';') || label->text().startsWith("Nothing")) return label->text();
-            }
-            return QString();
+            const QString tells = LabelWith(dialog, ";");
+            return tells.isEmpty() ? LabelWith(dialog, "Nothing") : tells;
         };
         auto* const engine = Named<QComboBox>(dialog, "Engine");
         auto* const form = Named<QComboBox>(dialog, "Form");

@@ -59,6 +59,14 @@ inline QRect Find(QWidget& window, QColor colour) {
         .toRect();
 }
 
+// The texts of fields, one behind the other.
+inline QString TextsOf(QWidget& dialog, std::initializer_list<const char*> fields) {
+    QStringList texts;
+    for (const char* const name : fields)
+        texts += Named<QLineEdit>(dialog, name)->text();
+    return texts.join('|');
+}
+
 // Alt and the letter of a button, which is seen to go down before it acts.
 inline void PressMnemonic(Qt::Key letter) {
     QTest::keyClick(QApplication::focusWidget(), letter, Qt::AltModifier);

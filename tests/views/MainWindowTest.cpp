@@ -124,6 +124,18 @@ protected:
                     }
                 }};
     }
+    // The characters dialog, in which one types a glyph height and takes the font.
+    static Person::Step AddCharacters(const char* height) {
+        return {"Add/Change characters", [height](QWidget& dialog) {
+                    QTest::keyClicks(Named<QComboBox>(dialog, "Font family"), "DejaVu Sans");
+                    TypeInto(Named<QLineEdit>(dialog, "Glyph height"), height);
+                    Click(dialog, "OK");
+                }};
+    }
+    static void CopyIcon(const char* name) {
+        std::filesystem::copy_file(ToSystemPath(GetProgramFolder() + "/Media/icons/lettrino-16.png"),
+                                   Home().path / name);
+    }
     static Person::Step Look(const std::function<void(QWidget&)>& look) { return {"", look}; }
 };
 
@@ -173,12 +185,7 @@ TEST_F(MainWindowTest, TheWholeRoad) {
     const MString saved = Home().File("road.sm");
     Run({}, {Key(Qt::Key_S, Qt::ControlModifier), // without a font nothing happens
              Key(Qt::Key_F2),
-             {"Add/Change characters",
-              [](QWidget& dialog) {
-                  QTest::keyClicks(Named<QComboBox>(dialog, "Font family"), "DejaVu Sans");
-                  TypeInto(Named<QLineEdit>(dialog, "Glyph height"), "64");
-                  Click(dialog, "OK");
-              }},
+             AddCharacters("64"),
              Look([](QWidget& window) {
                  EXPECT_TRUE(window.windowTitle().startsWith("Lettrino - 26 Glyphs ("))
                      << window.windowTitle().toStdString();
@@ -247,8 +254,7 @@ TEST_F(MainWindowTest, TheProgressWindowIsSeenAndMoves) {
 // A texture font is opened, on a picture letters are looked for, others are refused while they are still held.
 TEST_F(MainWindowTest, DroppedFilesAreOpened) {
     const MString font = Home().Write("drop.sm", "Showmarquee TextureFont\nCHA\tA\t0\t0\t20\t100\n");
-    std::filesystem::copy_file(ToSystemPath(GetProgramFolder() + "/Media/icons/lettrino-16.png"),
-                               Home().path / "drop.png");
+    CopyIcon("drop.png");
     const auto drop = [](QWidget& window, const QString& file) {
         QMimeData data;
         data.setUrls({QUrl::fromLocalFile(file), QUrl("http://x/second.sm")});
@@ -278,8 +284,7 @@ TEST_F(MainWindowTest, DroppedFilesAreOpened) {
 // By the window's own image: a grab would paint it anew and hide a picture that stayed.
 TEST_F(MainWindowTest, AnOpenThatFailedLeavesNoOldPicture) {
     const MString broken = Home().Write("broken.sm", "no font at all");
-    std::filesystem::copy_file(ToSystemPath(GetProgramFolder() + "/Media/icons/lettrino-16.png"),
-                               Home().path / "broken.png");
+    CopyIcon("broken.png");
     const auto isBlank = [](QWidget& window) {
         const QImage image = Shown(window);
         const QColor ground = image.pixelColor(image.width() / 2, image.height() - 2);
@@ -289,19 +294,11 @@ TEST_F(MainWindowTest, AnOpenThatFailedLeavesNoOldPicture) {
         }
         return true;
     };
-    Run({}, {Key(Qt::Key_F2),
-             {"Add/Change characters",
-              [](QWidget& dialog) {
-                  QTest::keyClicks(Named<QComboBox>(dialog, "Font family"), "DejaVu Sans");
-                  Click(dialog, "OK");
-              }},
-             Look([&](QWidget& window) {
+    Run({}, {Key(Qt::Key_F2), AddCharacters("100"), Look([&](QWidget& window) {
                  QTest::qWait(50);
                  EXPECT_FALSE(isBlank(window));
              }),
-             Key(Qt::Key_O, Qt::ControlModifier),
-             ChooseFile("Open Font", broken),
-             Look([&](QWidget& window) {
+             Key(Qt::Key_O, Qt::ControlModifier), ChooseFile("Open Font", broken), Look([&](QWidget& window) {
                  EXPECT_TRUE(QTest::qWaitFor([&] { return isBlank(window); }, 2000));
                  EXPECT_EQ(window.windowTitle().toStdString(), "Lettrino - 0 Glyphs");
              })});

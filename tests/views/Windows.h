@@ -78,6 +78,13 @@ Control* Named(QWidget& window, const QString& name) {
     return nullptr;
 }
 
+// What a label tells that has this in it and names no control.
+inline QString LabelWith(QWidget& dialog, const QString& part) {
+    for (const QLabel* const label : dialog.findChildren<QLabel*>())
+        if (label->text().contains(part) && !label->buddy()) return label->text();
+    return {};
+}
+
 inline void TypeInto(QLineEdit* field, const QString& text) {
     field->setFocus();
     QTest::keySequence(field, QKeySequence::SelectAll);

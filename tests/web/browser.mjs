@@ -9,6 +9,15 @@ import { chromium } from 'playwright-core';
 const types = { '.html': 'text/html; charset=utf-8', '.js': 'text/javascript', '.css': 'text/css', '.png': 'image/png' };
 const jQuery = readFileSync(new URL('./node_modules/jquery/dist/jquery.min.js', import.meta.url));
 
+// A picture beside those of the other tests, where they are kept.
+export function keep(png, name, folder = '') {
+    if (!process.env.LETTRINO_ARTEFACTS) return png;
+    const kept = join(process.env.LETTRINO_ARTEFACTS, folder);
+    mkdirSync(kept, { recursive: true });
+    writeFileSync(join(kept, `${name.replace(/[^\w.-]+/g, '-')}.png`), png);
+    return png;
+}
+
 export const launch = (...more) => chromium.launch({
     executablePath: process.env.CHROMIUM ?? '/usr/bin/chromium',
     args: ['--no-sandbox', '--disable-gpu', '--disable-quic', '--no-first-run', '--disable-background-networking',
@@ -39,18 +48,20 @@ export class Site {
         rmSync(this.folder, { recursive: true, force: true });
     }
 
-    // Runs lettrino-cli in the site's folder; what it prints, or throws.
-    cli(...args) {
+    // Runs lettrino-cli in the site's folder, or throws.
+    run(args) {
         const run = spawnSync(resolve(process.env.LETTRINO_CLI), args, { cwd: this.folder, encoding: 'utf8', maxBuffer: 1 << 28 });
         if (run.status !== 0) throw new Error(`lettrino-cli ${args.join(' ')}: ${run.stderr}`);
-        return run.stdout;
+        return run;
     }
+    // What it prints, and what it warns of.
+    cli(...args) { return this.run(args).stdout; }
+    warnings(...args) { return this.run(args).stderr; }
 
-    // What it says on standard error while it does what is told.
-    warnings(...args) {
-        const run = spawnSync(resolve(process.env.LETTRINO_CLI), args, { cwd: this.folder, encoding: 'utf8' });
-        if (run.status !== 0) throw new Error(`lettrino-cli ${args.join(' ')}: ${run.stderr}`);
-        return run.stderr;
+    // A line of text as it sets it.
+    lineOf(text, font = 'f.sm') {
+        this.cli('--open', font, '--text', text, 'line.png');
+        return readFileSync(join(this.folder, 'line.png'));
     }
 
     // A page of the site. Nothing else can be reached; errors of the page's scripts are kept in page.failures.
@@ -67,17 +78,6 @@ export class Site {
         });
         await page.goto(`http://127.0.0.1:${this.server.address().port}/${path}`);
         return page;
-    }
-
-    // A picture of the window, kept beside those of the other tests.
-    async shot(page, name, options) {
-        const png = await page.screenshot(options);
-        const folder = process.env.LETTRINO_ARTEFACTS;
-        if (folder) {
-            mkdirSync(folder, { recursive: true });
-            writeFileSync(join(folder, name + '.png'), png);
-        }
-        return png;
     }
 
     // Runs a function in a page of its own on the pixels of PNGs, each { data, width, height }, and on `more`.

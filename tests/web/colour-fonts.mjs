@@ -14,7 +14,6 @@ import fs from "node:fs";
 import path from "node:path";
 import { fileURLToPath } from "node:url";
 import { launch } from "./browser.mjs";
-import { glyphOf, readTables, svgDocument, unitsPerEm } from "./woff.mjs";
 
 const here = path.dirname(fileURLToPath(import.meta.url));
 const [sheet, paintFont, output, only] = process.argv.slice(2);
@@ -111,6 +110,18 @@ async function compare({ ours, font, family, codes, size, cell, perRow, pen, doc
     return { results, theirs: btoa(binary) };
 }
 
+// Of a font file: the units of an em, and of each character the glyph and the document with it.
+function svgDocuments(file, codes) {
+    const script = `
+import json, sys
+from fontTools.ttLib import TTFont
+font = TTFont(sys.argv[1])
+glyphs = [font.getGlyphID(font.getBestCmap()[int(code)]) for code in sys.argv[2:]]
+find = lambda glyph: next(entry[0] for entry in font['SVG '].docList if entry[1] <= glyph <= entry[2])
+print(json.dumps([font['head'].unitsPerEm, [[glyph, find(glyph)] for glyph in glyphs]]))`;
+    return JSON.parse(execFileSync("/usr/bin/python3", ["-c", script, file, ...codes.map(String)], { maxBuffer: 1 << 28 }));
+}
+
 // One glyph of a document, alone, where the text would have it.
 function glyphAlone(text, glyph, units, pen) {
     const scale = size / units;
@@ -134,11 +145,8 @@ try {
         const bytes = fs.readFileSync(file);
         let documents = null;
         if (font.documents) {
-            const tables = readTables(bytes);
-            documents = codes.map((code) => {
-                const glyph = glyphOf(tables, code);
-                return glyphAlone(svgDocument(tables, glyph), glyph, unitsPerEm(tables), pen);
-            });
+            const [units, found] = svgDocuments(file, codes);
+            documents = found.map(([glyph, text]) => glyphAlone(text, glyph, units, pen));
         }
         const { results, theirs } = await page.evaluate(compare, {
             ours: fs.readFileSync(png).toString("base64"), font: bytes.toString("base64"), family: font.family, codes,

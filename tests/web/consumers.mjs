@@ -4,7 +4,7 @@ import { spawnSync } from 'node:child_process';
 import { copyFileSync, existsSync, mkdirSync, readFileSync, writeFileSync } from 'node:fs';
 import { dirname, join } from 'node:path';
 import { fileURLToPath } from 'node:url';
-import { Jimp } from 'jimp';
+import { decode } from './pictures.mjs';
 
 const here = dirname(fileURLToPath(import.meta.url));
 const guide = readFileSync(join(here, '../../docs/engines.md'), 'utf8');
@@ -17,15 +17,6 @@ export function snippet(engine, text = line, size = 64) {
     const found = guide.match(new RegExp('```\\w+ ' + engine + '\\n([\\s\\S]*?)```'));
     if (!found) throw new Error(`the guide has no snippet for ${engine}`);
     return found[1].replaceAll(line, text).replaceAll('fontSize: 64', `fontSize: ${size}`);
-}
-
-export const decode = async (png) => (await Jimp.fromBuffer(png)).bitmap;
-
-export async function jimp(folder, file, text) {
-    const code = snippet('jimp', text).replaceAll('demo.fnt', join(folder, file)).replaceAll('line.png', join(folder, 'jimp.png'));
-    const run = spawnSync(process.execPath, ['--input-type=module', '-e', code], { cwd: here, encoding: 'utf8' });
-    if (run.status !== 0) throw new Error(`jimp: ${run.stderr.split('\n').find((part) => part.includes('Error')) ?? run.stderr}`);
-    return decode(readFileSync(join(folder, 'jimp.png')));
 }
 
 // An engine of the browser, in a page of its own.

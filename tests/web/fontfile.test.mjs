@@ -1,12 +1,12 @@
 // Font files whose glyphs are pictures, as web fonts in Chromium and in Firefox, on the style sheet that
 // --css-page writes: the same line as lettrino-cli sets it.
 import assert from 'node:assert/strict';
-import { mkdirSync, readFileSync, writeFileSync } from 'node:fs';
+import { readFileSync, writeFileSync } from 'node:fs';
 import { join } from 'node:path';
 import { after, before, test } from 'node:test';
-import { Jimp } from 'jimp';
-import { launch, Site } from './browser.mjs';
+import { keep, launch, Site } from './browser.mjs';
 import { Firefox } from './firefox.mjs';
+import { decode, drawPicture, pictureSteps } from './pictures.mjs';
 
 const site = new Site();
 const firefox = new Firefox();
@@ -24,48 +24,25 @@ const fonts = {
     tiles: { text: 'xxxxxxxxxxxx' },
 };
 
-async function drawPicture(name, width, alphaAt) {
-    const picture = new Jimp({ width, height: 48 });
-    for (let y = 0; y < 48; ++y) {
-        for (let x = 0; x < width; ++x) picture.bitmap.data.set([(x * 7 + width) % 256, (y * 5) % 256, (width * 11) % 256, alphaAt(x, y)], (y * width + x) * 4);
-    }
-    await picture.write(inFolder(name));
-}
-
-async function makePictures() {
-    const steps = [];
-    for (const [i, [character, spacing]] of [['A', '4,-10'], ['b', '-4,2'], ['U+0416', '-8,-4'], ['U+20AC', '0,-12'], ['U+3042', '-6,4']].entries()) {
-        const width = 28 + 6 * i;
-        await drawPicture(`glyph${i}.png`, width, (x, y) => {
-            const d = Math.hypot((x - width / 2) / (width / 2), (y - 24) / 20);
-            return d < 0.6 ? 255 : Math.max(Math.round((1 - d) * 637), 0);
-        });
-        steps.push('--spacing', spacing, '--picture', `${character}=glyph${i}.png`);
-    }
+function makePictures() {
+    const steps = pictureSteps(site.folder, (i) => 28 + 6 * i,
+        [['A', '4,-10'], ['b', '-4,2'], ['U+0416', '-8,-4'], ['U+20AC', '0,-12'], ['U+3042', '-6,4']]);
     fonts.pictures.make = [...steps, '--set-kerning', 'A,b,-6', '--set-kerning', 'U+0416,U+20AC,4'];
-    await drawPicture('tile.png', 32, () => 255);
+    drawPicture(inFolder('tile.png'), 32, 48, (x, y) => [(x * 7 + 32) % 256, (y * 5) % 256, 96, 255]);
     fonts.tiles.make = ['--trim', 'no', '--picture', 'x=tile.png'];
 }
 
 before(async () => {
-    await Promise.all([site.open(), makePictures()]);
+    makePictures();
+    await site.open();
     for (const [name, font] of Object.entries(fonts)) {
         site.cli(...font.make, '--save', `${name}.sm`, '--background', '203040', '--text', font.text, `${name}-line.png`, '--css-page', `${name}-page.html`);
-        font.line = await pixels(readFileSync(inFolder(`${name}-line.png`)));
+        font.line = decode(readFileSync(inFolder(`${name}-line.png`)));
         font.height = font.line.height;
     }
     await firefox.open();
 });
 after(() => Promise.all([site.close(), firefox.close(), dense?.close()]));
-
-const pixels = async (png) => (await Jimp.read(png)).bitmap;
-
-async function keep(png, name) {
-    const folder = process.env.LETTRINO_ARTEFACTS;
-    if (!folder) return;
-    mkdirSync(join(folder, 'font-files'), { recursive: true });
-    writeFileSync(join(folder, 'font-files', `${name}.png`), png);
-}
 
 // A page with the line at 20, 20 and below it the picture of the same line, both at `size` of their own.
 function writePage(name, size) {
@@ -111,8 +88,8 @@ const browsers = {
 
 async function drawn(browser, name, size, density) {
     const png = await browsers[browser](writePage(name, size), density);
-    await keep(png, `${name}-${browser}-${size}x${density}`);
-    return pixels(png);
+    keep(png, `${name}-${browser}-${size}x${density}`, 'font-files');
+    return decode(png);
 }
 
 // Of each channel of each pixel in the rectangle and in one of the same size elsewhere: the largest and the mean.
@@ -175,7 +152,7 @@ for (const browser of Object.keys(browsers)) {
 async function single(name, text) {
     fonts[name].text = text;
     site.cli('--open', `${name}.sm`, '--background', '203040', '--text', text, `${name}-line.png`);
-    return pixels(readFileSync(inFolder(`${name}-line.png`)));
+    return decode(readFileSync(inFolder(`${name}-line.png`)));
 }
 
 const words = 'The quick brown fox jumps over the lazy dog, and AVATARS wait. '.repeat(5).trim();
@@ -224,7 +201,7 @@ test('chromium wraps, justifies, selects, copies and finds', async () => {
     const page = await site.page(writeArticle());
     await page.evaluate(() => document.fonts.ready);
     assertArticle(await page.evaluate(`(() => {${tryArticle}})()`));
-    await keep(await page.screenshot(), 'article-chromium');
+    keep(await page.screenshot(), 'article-chromium', 'font-files');
     await page.context().grantPermissions(['clipboard-read', 'clipboard-write']);
     await page.keyboard.press('Control+C');
     assert.equal(await page.evaluate(() => navigator.clipboard.readText()), words.slice(0, 40));
@@ -235,5 +212,5 @@ test('firefox wraps, justifies, selects and finds', async () => {
     writeArticle();
     await browsers.firefox('article.html', 1);
     assertArticle(await firefox.run(tryArticle));
-    await keep(await firefox.shot(), 'article-firefox');
+    keep(await firefox.shot(), 'article-firefox', 'font-files');
 });

@@ -7,6 +7,7 @@ import { Tabs, ways } from './tabs.mjs';
 
 const tabs = new Tabs();
 const { site } = tabs;
+let large; // a line of it, from before its picture grew
 let size; // at which the font with capitals stands at its own size
 
 before(async () => {
@@ -16,7 +17,7 @@ before(async () => {
     site.cli(...make, 'A-Z', '--generate', '--save', 'large.sm', '--minimal-html', 'large.html');
     size = JSON.parse(site.cli('--open', 'large.sm', '--info')).capHeight / 0.7;
     const picture = join(site.folder, 'large.png');
-    site.cli('--open', 'large.sm', '--text', 'AVATAR', 'AVATAR.png');
+    large = site.lineOf('AVATAR', 'large.sm');
     const twice = await site.withPixels([readFileSync(picture)], () => {
         const [{ data, width, height }] = window.pictures;
         const context = Object.assign(document.createElement('canvas'), { width: 2 * width, height: 2 * height }).getContext('2d');
@@ -34,7 +35,7 @@ after(() => tabs.close());
 
 async function assertDrawn(way, text, font, fontSize, line) {
     const tab = await tabs.tab(way, tabs.write(`<p class="f">${text}</p>`, { font, size: fontSize }));
-    const { sizes: [[w1, h1], [w2, h2]], mean } = await site.compare(tabs.keep(await tab.shot(), `${font}-${way}`), readFileSync(line));
+    const { sizes: [[w1, h1], [w2, h2]], mean } = await site.compare(tabs.keep(await tab.shot(), `${font}-${way}`), line);
     // What the browser makes smaller has soft edges.
     assert.ok(Math.abs(w1 - w2) <= 2 && Math.abs(h1 - h2) <= 2 && mean < 12, `${w1} x ${h1} and ${w2} x ${h2}, mean ${mean}`);
     await tab.close();
@@ -42,12 +43,10 @@ async function assertDrawn(way, text, font, fontSize, line) {
 
 for (const way of ways) {
     test(`${way}: a font without a cap height has the size of its glyphs`, async () => {
-        const line = join(site.folder, 'small-line.png');
-        site.cli('--open', 'small.sm', '--text', 'wavy', line);
-        await assertDrawn(way, 'wavy', 'small', 100, line);
+        await assertDrawn(way, 'wavy', 'small', 100, site.lineOf('wavy', 'small.sm'));
     });
 
     test(`${way}: a picture of twice the size is drawn at the font's own`, async () => {
-        await assertDrawn(way, 'AVATAR', 'large', size, join(site.folder, 'AVATAR.png'));
+        await assertDrawn(way, 'AVATAR', 'large', size, large);
     });
 }

@@ -6,14 +6,14 @@ import { copyFileSync, writeFileSync } from 'node:fs';
 import { request } from 'node:http';
 import { join } from 'node:path';
 import { after, before, test } from 'node:test';
-import { Jimp } from 'jimp';
-import { Site } from './browser.mjs';
+import { keep, Site } from './browser.mjs';
+import { drawPicture } from './pictures.mjs';
 
 const site = new Site();
 let watching;
 let address;
 
-const draw = (colour) => new Jimp({ width: 40, height: 60, color: colour }).write(join(site.folder, 'A.png'));
+const draw = (...colour) => drawPicture(join(site.folder, 'A.png'), 40, 60, () => [...colour, 255]);
 
 const game = `<!DOCTYPE html><meta charset="utf-8"><body><script src="pixi.js"></script><script>
 (async () => {
@@ -29,7 +29,7 @@ const game = `<!DOCTYPE html><meta charset="utf-8"><body><script src="pixi.js"><
 
 before(async () => {
     await site.open();
-    await draw('#ff0000ff');
+    draw(255, 0, 0);
     writeFileSync(join(site.folder, 'demo.steps'), 'picture A=A.png\nhtml demo.html\nfnt-for pixi\nfnt demo.fnt\n');
     writeFileSync(join(site.folder, 'game.html'), game);
     copyFileSync(new URL('./node_modules/pixi.js/dist/pixi.min.js', import.meta.url), join(site.folder, 'pixi.js'));
@@ -62,7 +62,7 @@ async function openServed(path) {
 
 test('the try page shows a changed letter by itself', async () => {
     const page = await openServed('demo.html');
-    await reloads(page, () => draw('#0000ffff'));
+    await reloads(page, () => draw(0, 0, 255));
     const picture = await page.evaluate(async () => {
         const image = new Image();
         image.src = 'demo.png';
@@ -79,10 +79,10 @@ test('the try page shows a changed letter by itself', async () => {
 test('so does a game of PixiJS beside it', async () => {
     const page = await openServed('game.html');
     await page.waitForFunction(() => window.ready, { timeout: 20000 });
-    await reloads(page, () => draw('#00ff00ff'));
+    await reloads(page, () => draw(0, 255, 0));
     await page.waitForFunction(() => window.ready, { timeout: 20000 });
-    const png = await site.shot(page, 'served-game', { clip: { x: 8, y: 8, width: 200, height: 120 } });
-    assert.deepEqual(await site.colour(png, 0.2, 0.4), [0, 255, 0]);
+    const png = await page.screenshot({ clip: { x: 8, y: 8, width: 200, height: 120 } });
+    assert.deepEqual(await site.colour(keep(png, 'served-game'), 0.2, 0.4), [0, 255, 0]);
     await page.context().close();
 });
 

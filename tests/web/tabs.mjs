@@ -1,8 +1,8 @@
 // The same page in different ways: in Chromium and in Firefox, each also where a script may not read pixels. A tab
 // navigates, runs functions in the page and takes pictures of it.
-import { mkdirSync, readFileSync, writeFileSync } from 'node:fs';
+import { readFileSync, writeFileSync } from 'node:fs';
 import { join } from 'node:path';
-import { Site } from './browser.mjs';
+import { keep, Site } from './browser.mjs';
 import { Firefox } from './firefox.mjs';
 
 const jQueries = { '': 'jquery', '-1.9': 'jquery-1.9', '-4': 'jquery-4' };
@@ -100,13 +100,7 @@ export class Tabs {
         };
     }
 
-    keep(png, name) {
-        const folder = process.env.LETTRINO_ARTEFACTS;
-        if (!folder) return png;
-        mkdirSync(join(folder, 'web-page'), { recursive: true });
-        writeFileSync(join(folder, 'web-page', `${name.replace(/[^\w.-]+/g, '-')}.png`), png);
-        return png;
-    }
+    keep(png, name) { return keep(png, name, 'web-page'); }
 }
 
 export const browsers = ['chromium', 'firefox'];

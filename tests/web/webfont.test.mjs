@@ -1,7 +1,5 @@
 // The exported script and its run-time: the right glyphs in the right places, in every way a browser may draw them.
 import assert from 'node:assert/strict';
-import { readFileSync } from 'node:fs';
-import { join } from 'node:path';
 import { after, before, test } from 'node:test';
 import { browsers, Tabs, ways } from './tabs.mjs';
 
@@ -20,11 +18,6 @@ before(async () => {
 after(() => tabs.close());
 
 const open = (way, body, { head, jQuery, ...options } = {}) => tabs.tab(way, tabs.write(body, { head, jQuery, size }), options);
-
-function lineOf(text, font = 'f.sm') {
-    site.cli('--open', font, '--text', text, 'line.png');
-    return readFileSync(join(site.folder, 'line.png'));
-}
 
 function assertSame({ sizes: [[w1, h1], [w2, h2]], mean, off }, what, most = { mean: 0.5, off: 0.002 }) {
     assert.ok(Math.abs(w1 - w2) <= 1 && Math.abs(h1 - h2) <= 1, `${what}: ${w1} x ${h1} and ${w2} x ${h2}`);
@@ -62,7 +55,7 @@ for (const way of ways) {
             'Hello AVATAR': 'Hello <b style="font-weight:400">AV<i style="font-style:normal">AT</i>A</b>R', 'AVATAR To': '<span style="text-transform:uppercase">Avatar</span> To' };
         for (const [text, body] of Object.entries(bodies)) {
             const tab = await open(way, `<p class="f">${body ?? text}</p>`);
-            assertSame(await site.compare(tabs.keep(await tab.shot(), `line-${way}-${text}`), lineOf(text)), text);
+            assertSame(await site.compare(tabs.keep(await tab.shot(), `line-${way}-${text}`), site.lineOf(text)), text);
             const { whole, troubles } = await tab.run(() => ({ whole: !document.querySelector('lt-c'), troubles: window.troubles }));
             assert.deepEqual(troubles, []);
             assert.equal(whole, browsers.includes(way), 'drawn in the way that is meant');
@@ -94,7 +87,7 @@ for (const way of ways) {
         const tab = await open(way, `<p class="f" style="font-size:${size / 2}px">Hello World</p>`, { deviceScaleFactor: 2 });
         // Cuttings stand on whole pixels of the page.
         const most = way === 'chromium on a file' ? { mean: 8, off: 0.1 } : undefined;
-        assertSame(await site.compare(tabs.keep(await tab.shot(), `dense-${way}`), lineOf('Hello World')), 'dense', most);
+        assertSame(await site.compare(tabs.keep(await tab.shot(), `dense-${way}`), site.lineOf('Hello World')), 'dense', most);
         await tab.close();
     });
 
@@ -116,7 +109,7 @@ for (const way of ways) {
         await tab.run(() => new Promise((done) => { setTimeout(done, 200); }));
         assert.equal(await tab.run(() => document.querySelector('textarea').value), 'text');
         await tab.run(() => { for (const other of document.querySelectorAll('.f,#o,textarea')) other.remove(); });
-        assertSame(await site.compare(await tab.shot(), lineOf('AVATAR')), 'by hand');
+        assertSame(await site.compare(await tab.shot(), site.lineOf('AVATAR')), 'by hand');
         const globals = await tab.run(() => {
             const frame = document.body.appendChild(document.createElement('iframe'));
             return Object.keys(window).filter((name) => !(name in frame.contentWindow) && !/^(\$|jQuery\d*|demo|troubles|0)$/.test(name));
@@ -132,7 +125,7 @@ for (const browser of browsers) {
         await tab.run(() => document.head.append(Object.assign(document.createElement('style'),
             { textContent: 'p { display: none } body { margin: 20px; white-space: nowrap }' })));
         await tab.resize(1500, 300);
-        const line = lineOf('Render Colour Fonts With Lettrino', 'whole.sm');
+        const line = site.lineOf('Render Colour Fonts With Lettrino', 'whole.sm');
         assertSame(await site.compare(tabs.keep(await tab.shot(), `minimal-${browser}`), line), 'headline');
         await tab.close();
     });
@@ -140,7 +133,7 @@ for (const browser of browsers) {
     for (const jQuery of ['jquery-1.9.js', 'jquery-4.js', '']) {
         test(`${browser}: with ${jQuery || 'no jQuery'}`, async () => {
             const tab = await open(browser, '<p class="f">AVATAR</p>', { jQuery });
-            assertSame(await site.compare(await tab.shot(), lineOf('AVATAR')), 'line');
+            assertSame(await site.compare(await tab.shot(), site.lineOf('AVATAR')), 'line');
             await tab.resize(900, 700);
             assert.deepEqual(await tab.run(() => window.troubles), []);
             await tab.close();

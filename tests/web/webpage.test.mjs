@@ -22,13 +22,8 @@ after(() => tabs.close());
 
 const open = (way, body, { head, ...options } = {}) => tabs.tab(way, tabs.write(body, { head, size }), options);
 
-function lineOf(text) {
-    site.cli('--open', 'f.sm', '--text', text, 'line.png');
-    return readFileSync(inFolder('line.png'));
-}
-
 async function assertDrawn(tab, text, name, most = { mean: 0.5, off: 0.002 }) {
-    const { sizes, mean, off } = await site.compare(tabs.keep(await tab.shot(), name), lineOf(text));
+    const { sizes, mean, off } = await site.compare(tabs.keep(await tab.shot(), name), site.lineOf(text));
     assert.ok(mean <= most.mean && off <= most.off && Math.abs(sizes[0][0] - sizes[1][0]) <= 1, `${text}: ${JSON.stringify({ sizes, mean, off })}`);
 }
 

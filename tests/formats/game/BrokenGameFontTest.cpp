@@ -38,11 +38,7 @@ TEST_F(BrokenGameFont, EndsWithOneClearLine) {
     const std::string page = "file=\"f_0.png\"";
     const auto with = [&](const char* find, const char* put) { return ReplaceAll(text, find, put); };
     const std::string deep(200000, '[');
-    const struct {
-        const char* what;
-        std::string bytes;
-        const char* reason;
-    } cases[] = {
+    const std::tuple<const char*, std::string, const char*> cases[] = {
         {"empty", "", "it is empty"},
         {"another kind of file", "\x89PNG\r\n\x1A\n", "no font of a form"},
         {"zeros", std::string(5000, '\0'), "no font of a form"},

@@ -21,16 +21,7 @@ protected:
         ExpectSameGlyphs(font, back);
         EXPECT_EQ(std::tuple(back.Baseline, back.CapHeight, back.SpaceWidth, settings.GlyphHeight),
                   std::tuple(font.Baseline, font.CapHeight, font.SpaceWidth, 20));
-        EXPECT_EQ(PairsOf(back), PairsOf(font));
-    }
-
-    static std::vector<std::tuple<std::uint32_t, std::uint32_t, std::int32_t>>
-    PairsOf(const MColourFont& font) {
-        std::vector<std::tuple<std::uint32_t, std::uint32_t, std::int32_t>> pairs;
-        for (const MKerningPair& pair : font.Kerning)
-            pairs.emplace_back(pair.Left, pair.Right, pair.Amount);
-        std::ranges::sort(pairs);
-        return pairs;
+        EXPECT_THAT(PairsOf(back), testing::UnorderedElementsAreArray(PairsOf(font)));
     }
 
     // A page of 8 x 8 pixels that tell their place; grey where it is asked for.

@@ -28,11 +28,7 @@ TEST_F(GameFontCheck, EachRuleIsTold) {
               "ink-edge: the ink touches its cell's edge, where filtering shows what lies beside "
               "(U+0041); repaired: clear pixels, or its own edge repeated, keep other glyphs away\n");
     AddFont();
-    const struct {
-        const char* what;
-        std::string lines;
-        const char* holds;
-    } cases[] = {
+    const std::tuple<const char*, std::string, const char*> cases[] = {
         {"a byte of kerning", Lines("libgdx"),
          "kerning-byte: the engine keeps kerning as a signed byte (U+0062 U+20AC 300, "},
         {"which others don't mind", Lines("jimp"), ""},

@@ -2,8 +2,7 @@
 
 #include "formats/game/GameFontFile.h"
 #include "formats/webfont/MWebFontExport.h"
-#include "platform/text/MGlyphPainter.h"
-#include "platform_text/Canvas.h"
+#include "platform/text/MOpenFace.h"
 
 #include <ft2build.h>
 #include FT_FREETYPE_H
@@ -66,17 +65,6 @@ public:
     }
 };
 
-std::uint8_t Premultiplied(std::uint8_t value, std::uint8_t alpha) {
-    return static_cast<std::uint8_t>((value * alpha + 127) / 255);
-}
-
-void ExpectPixel(const MColour& wanted, std::array<int, 4> bgra, const std::string& where) {
-    const std::array<int, 4> expected{Premultiplied(wanted.b, wanted.a), Premultiplied(wanted.g, wanted.a),
-                                      Premultiplied(wanted.r, wanted.a), wanted.a};
-    for (std::size_t i = 0; i < 4; ++i)
-        ASSERT_NEAR(bgra[i], expected[i], 2) << where;
-}
-
 TEST_F(WebFonts, FreeTypeFindsTheMetricsAndEachPictureInItsPlace) {
     const Face face(Bytes(), height);
     EXPECT_EQ(face.face->size->metrics.ascender, 15 * 64);
@@ -95,7 +83,10 @@ TEST_F(WebFonts, FreeTypeFindsTheMetricsAndEachPictureInItsPlace) {
                 const unsigned char* const p = bitmap.buffer + y * bitmap.pitch + x * 4;
                 const MColour wanted =
                     glyph.Glyph->GetPixel(slot->bitmap_left - glyph.Before + x, 15 - slot->bitmap_top + y);
-                ExpectPixel(wanted, {p[0], p[1], p[2], p[3]}, std::to_string(glyph.Character));
+                const std::array<int, 4> bgra{wanted.b * wanted.a / 255, wanted.g * wanted.a / 255,
+                                              wanted.r * wanted.a / 255, wanted.a};
+                for (std::size_t i = 0; i < 4; ++i)
+                    ASSERT_NEAR(p[i], bgra[i], 2) << int{glyph.Character};
                 inked += wanted.a != 0;
             }
         }
@@ -103,32 +94,6 @@ TEST_F(WebFonts, FreeTypeFindsTheMetricsAndEachPictureInItsPlace) {
         for (std::int32_t i = 0; i < glyph.Width * height; ++i)
             all += glyph.Glyph->GetPixel(i % glyph.Width, i / glyph.Width).a != 0;
         EXPECT_EQ(inked, all) << "nothing is cut off";
-    }
-}
-
-TEST_F(WebFonts, OurOwnPainterDrawsTheSamePixels) {
-    const std::vector<std::uint8_t> bytes = Bytes();
-    folder.Write("own.ttf", std::string(bytes.begin(), bytes.end()));
-    MFontMatch match;
-    match.file = (folder.path / "own.ttf").string();
-    MGlyphPainter painter(match);
-    ASSERT_TRUE(painter.face.face);
-    for (const MGlyphDescription& glyph : Description().Glyphs) {
-        if (!glyph.Glyph) continue;
-        Canvas canvas(120, 40);
-        painter.Draw(canvas.context, painter.face.GlyphIndex(glyph.Character), 50, 25, height, MColour(0, 0, 0),
-                     true);
-        for (std::int32_t y = 0; y < 40; ++y) {
-            for (std::int32_t x = 0; x < 120; ++x) {
-                const std::uint32_t p = canvas.At(x, y);
-                const MColour wanted = glyph.Glyph->GetPixel(x - 50 - glyph.Before, y - 10);
-                ExpectPixel(wanted,
-                            {static_cast<int>(p & 0xFF), static_cast<int>(p >> 8 & 0xFF),
-                             static_cast<int>(p >> 16 & 0xFF), static_cast<int>(p >> 24)},
-                            std::to_string(glyph.Character) + " at " + std::to_string(x) + "," +
-                                std::to_string(y));
-            }
-        }
     }
 }
 
@@ -221,6 +186,11 @@ TEST_F(WebFonts, SmallerStrikesAreOfTheirOwnSize) {
 
 TEST_F(WebFonts, WhatTheTablesCannotHoldIsRefused) {
     const auto glyph = [&](char16_t character) -> MGlyph& { return *font.GetGlyph(character); };
+    const auto only = [&](std::u16string_view characters) {
+        font.Clear();
+        for (const char16_t character : characters)
+            AddInked(character, 1, 0, 0, 0, 1);
+    };
     const struct {
         std::function<void()> change;
         const char* reason; // empty: it is written
@@ -230,10 +200,7 @@ TEST_F(WebFonts, WhatTheTablesCannotHoldIsRefused) {
         {[&] { glyph(u'A').SpacingAfter = 2000; }, ""},
         {[&] { glyph(u'A').SpacingAfter = 70000; },
          "the glyph of code 65 advances by 70010 pixels, which is more"},
-        {[&] {
-             glyph(u'A').SpacingBefore = -32767;
-             glyph(u'A').SpacingAfter = 32767;
-         },
+        {[&] { glyph(u'A').SpacingBefore = -(glyph(u'A').SpacingAfter = 32767); },
          "the glyph of code 65 reaches to -32768"},
         {[&] { font.SetKerning('A', 'b', -40000); }, "the pair of codes 65 and 98 moves by -40000 pixels"},
         {[&] { font.Baseline = -5; }, ""},
@@ -241,29 +208,10 @@ TEST_F(WebFonts, WhatTheTablesCannotHoldIsRefused) {
         {[&] { settings.GlyphHeight = 0; }, "the font's glyph height is below 1"},
         {[&] { settings.GlyphHeight = 16384; }, ""},
         {[&] { settings.GlyphHeight = 16385; }, "the font is 16385 pixels high"},
-        {[&] { font.Clear(); }, "the font has no glyphs"},
-        {[&] {
-             font.Clear();
-             AddInked(u'.', 1, 0, 0, 0, 1);
-         },
-         ""}, // one pixel
-        {[&] {
-             font.Clear();
-             AddInked(u' ', 7, 0, 0, 0, 1);
-             AddInked(u'\xD83D', 7, 0, 0, 0, 1);
-         },
-         ""},
-        {[&] {
-             font.Clear();
-             AddInked(u'\uFFFF', 7, 0, 0, 0, 1);
-         },
-         "the font has no glyphs"},
-        {[&] {
-             font.Clear();
-             for (char16_t c = 33; c < 256; ++c)
-                 AddInked(c, 3, 0, 0, 0, 5);
-         },
-         ""}, // all, no pairs
+        {[&] { only(u""); }, "the font has no glyphs"},
+        {[&] { only(u"."); }, ""},
+        {[&] { only(u" \xD83D"); }, ""},
+        {[&] { only(u"\uFFFF"); }, "the font has no glyphs"},
     };
     int number = 0;
     for (const auto& [change, reason] : cases) {
@@ -273,10 +221,7 @@ TEST_F(WebFonts, WhatTheTablesCannotHoldIsRefused) {
         glyph(u'\u0416').SpacingAfter = 0;
         change();
         const std::string told = Reason(("f" + std::to_string(number++) + ".woff2").c_str());
-        if (*reason == 0)
-            EXPECT_EQ(told, "") << number;
-        else
-            EXPECT_THAT(told, HasSubstr(reason)) << number;
+        EXPECT_TRUE(*reason == 0 ? told.empty() : told.find(reason) != told.npos) << number << ": " << told;
     }
     // At the greatest height of the program: two thousand pixels at the usual precision, fewer units for more.
     font.Clear();
@@ -292,15 +237,13 @@ TEST_F(WebFonts, WhatTheTablesCannotHoldIsRefused) {
 }
 
 TEST_F(WebFonts, AnyNameIsAName) {
-    const struct {
-        const char16_t* name;
-        std::u16string family;
-    } cases[] = {{u"Demo", u"Demo"},
-                 {u"  \t\u0001 ", u"Lettrino"},
-                 {u"", u"Lettrino"},
-                 {u"a\nb\u007F\uFFFE", u"a b"},
-                 {u"\xD83D\xDE00 \xD83D", u"\xD83D\xDE00 \uFFFD"},
-                 {u"<\"&\\'%> \u65E5\u672C", u"<\"&\\'%> \u65E5\u672C"}};
+    const std::pair<const char16_t*, std::u16string> cases[] = {
+        {u"Demo", u"Demo"},
+        {u"  \t\u0001 ", u"Lettrino"},
+        {u"", u"Lettrino"},
+        {u"a\nb\u007F\uFFFE", u"a b"},
+        {u"\xD83D\xDE00 \xD83D", u"\xD83D\xDE00 \uFFFD"},
+        {u"<\"&\\'%> \u65E5\u672C", u"<\"&\\'%> \u65E5\u672C"}};
     for (const auto& [name, family] : cases)
         EXPECT_EQ(CleanFamilyName(name), family);
     EXPECT_EQ(CleanFamilyName(MString(std::u16string(999, u'x') + u"\xD83D\xDE00")).size(), 999U) << "no half";
