@@ -92,8 +92,6 @@ TEST_F(GdiSurface, DefaultsOfTextAndOneFontWhileNothingChanges) {
     const auto* font = surface.font.get();
     surface.DrawText(all, "B", MString(), 12.9F, 400, false, white, 1);
     EXPECT_EQ(surface.font.get(), font);
-    surface.DrawText(all, "B", MString(), 12, 700, false, white, 1);
-    EXPECT_EQ(surface.fontKey.weight, 700);
     for (const float size : {-3.0F, 0.4F, 1e30F})
         surface.DrawText(all, "A", family, size, 400, false, black, 0);
 }

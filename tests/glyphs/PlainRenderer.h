@@ -4,11 +4,16 @@
 #pragma once
 
 #include "imaging/MColour.h"
-#include "platform_text/RawFace.h"
+
+#include <ft2build.h>
 
 #include <cmath>
 #include <cstdint>
+#include <string>
 #include <vector>
+#include FT_FREETYPE_H
+#include FT_BBOX_H
+#include FT_TRUETYPE_TABLES_H
 
 struct PlainGlyph {
     int before = 0;
@@ -17,16 +22,25 @@ struct PlainGlyph {
     std::vector<MColour> pixels; // rows of `width`; none if there is no glyph
 };
 
-class PlainFace : public RawFace {
+class PlainFace {
 public:
+    FT_Face face = nullptr;
     int ascent = 0;
 
-    using RawFace::RawFace;
+    explicit PlainFace(const std::string& file) {
+        FT_Init_FreeType(&library);
+        FT_New_Face(library, file.c_str(), 0, &face);
+    }
+    PlainFace(const PlainFace&) = delete;
+    PlainFace& operator=(const PlainFace&) = delete;
+    ~PlainFace() { FT_Done_FreeType(library); }
 
     void SetHeight(int height) {
-        const auto em = static_cast<FT_F26Dot6>(std::floor(height * 64.0 * face->units_per_EM / Cell() + 0.5));
+        const auto& os2 = *static_cast<const TT_OS2*>(FT_Get_Sfnt_Table(face, FT_SFNT_OS2));
+        const double cell = os2.usWinAscent + os2.usWinDescent;
+        const auto em = static_cast<FT_F26Dot6>(std::floor(height * 64.0 * face->units_per_EM / cell + 0.5));
         FT_Set_Char_Size(face, 0, em, 72, 72);
-        ascent = static_cast<int>(std::floor(height * Ascent() / Cell() + 0.5));
+        ascent = static_cast<int>(std::floor(height * os2.usWinAscent / cell + 0.5));
     }
     void GetWidths(char16_t character, int& a, int& b, int& c) const {
         FT_Load_Char(face, character, FT_LOAD_NO_HINTING | FT_LOAD_NO_BITMAP);
@@ -37,6 +51,9 @@ public:
         c = static_cast<int>(std::floor(static_cast<double>(face->glyph->linearHoriAdvance) / 65536 + 0.5)) -
             a - b;
     }
+
+private:
+    FT_Library library = nullptr;
 };
 
 class PlainRenderer {
@@ -52,8 +69,7 @@ public:
     PlainRenderer(const std::string& file, int glyphHeight, int referenceTop, int referenceBottom)
         : height(glyphHeight), canvasWidth((glyphHeight * 3 + 3) / 4 * 4), canvasHeight(canvasWidth * 3 / 2),
           face(file), canvas(static_cast<std::size_t>(canvasWidth) * static_cast<std::size_t>(canvasHeight)) {
-        int top = -1;
-        int bottom = -1;
+        int top = -1, bottom = -1;
         face.SetHeight(height);
         MeasureRows(top, bottom);
         const auto extent = static_cast<float>(bottom - top + 1);
@@ -65,16 +81,14 @@ public:
     }
 
     PlainGlyph Render(char16_t character) {
-        int a = 0;
-        int b = 0;
-        int c = 0;
+        int a = 0, b = 0, c = 0;
         face.GetWidths(character, a, b, c);
         PlainGlyph glyph;
         glyph.before = static_cast<int>(std::ceil(static_cast<float>(a) / 2));
         glyph.width = static_cast<int>(std::ceil(static_cast<float>(b) / 2));
         glyph.after = static_cast<int>(std::ceil(static_cast<float>(c) / 2));
         if (glyph.width <= 1) return glyph;
-        Clear();
+        canvas.assign(canvas.size(), 0);
         DrawCharacter(character, -a, verticalOffset + face.ascent, 0);
         for (int y = 0; y < height; ++y)
             for (int x = 0; x < glyph.width; ++x)
@@ -86,7 +100,6 @@ private:
     PlainFace face;
     std::vector<std::uint8_t> canvas;
 
-    void Clear() { std::fill(canvas.begin(), canvas.end(), std::uint8_t{0}); }
     std::uint8_t& At(int x, int y) {
         return canvas[static_cast<std::size_t>(y % canvasHeight) * static_cast<std::size_t>(canvasWidth) +
                       static_cast<std::size_t>(x % canvasWidth)];
@@ -105,11 +118,9 @@ private:
         }
     }
     void MeasureRows(int& top, int& bottom) {
-        Clear();
+        canvas.assign(canvas.size(), 0);
         const int left = static_cast<int>(static_cast<float>(height) * 0.2F);
-        int a = 0;
-        int b = 0;
-        int c = 0;
+        int a = 0, b = 0, c = 0;
         face.GetWidths(u'I', a, b, c);
         DrawCharacter(u'I', left, face.ascent, left);
         DrawCharacter(u'j', left + a + b + c, face.ascent, left);

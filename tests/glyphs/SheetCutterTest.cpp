@@ -1,16 +1,14 @@
 #include "glyphs/SheetCutter.h"
 
+#include "DocumentFixture.h"
 #include "Text.h"
 #include "glyphs/SheetMaker.h"
 #include "imaging/Pictures.h"
-#include "platform/headless/Headless.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cmath>
-#include <cstring>
 #include <string>
 
 namespace {
@@ -31,16 +29,24 @@ double MeanDifference(const MColour& a, const MColour& b) {
 }
 
 OwnedPicture Blank(std::uint32_t width, std::uint32_t height, const MColour& colour) {
-    MPicture picture(width, height, FormatRGBA8);
+    OwnedPicture picture = BlankPicture(width, height, FormatRGBA8);
     picture.Fill(colour);
-    return {picture};
+    return picture;
 }
 
-void Block(const MPicture& picture, std::int32_t x, std::int32_t y, std::int32_t width, std::int32_t height,
+struct Margins {
+    std::uint32_t top = 0, right = 0, bottom = 0, left = 0;
+
+    explicit Margins(const MPicture& picture) { picture.GetMargins(top, right, bottom, left); }
+    std::int32_t Rows() const { return static_cast<std::int32_t>(top + bottom); }
+    std::int32_t Columns() const { return static_cast<std::int32_t>(left + right); }
+};
+
+void Block(MPicture& picture, std::int32_t x, std::int32_t y, std::int32_t width, std::int32_t height,
            const MColour& colour = {0, 0, 0}) {
     for (std::int32_t j = y; j < y + height; ++j)
         for (std::int32_t i = x; i < x + width; ++i)
-            std::memcpy(picture.PixelAddress(i, j), &colour, 4);
+            picture.SetPixel(i, j, colour);
 }
 
 // bench/sheet_faces.cpp looks at far more of them.
@@ -75,21 +81,18 @@ TEST(SheetCutter, GlyphsAreAsRenderedDirectly) {
     MColourFont cut(nullptr);
     ASSERT_EQ(AddSheetGlyphs(cut, true, sheet, made.picture, {}), "");
     EXPECT_EQ(cut.CapHeight, made.font.CapHeight);
-    double sum = 0;
-    double count = 0;
+    double sum = 0, count = 0;
     for (const MadeLetter& letter : made.letters) {
         const MGlyph& glyph = *cut.GetGlyph(letter.character);
         const MGlyph& direct = *made.font.GetGlyph(letter.character);
-        std::uint32_t top = 0, right = 0, bottom = 0, left = 0;
-        direct.Picture.GetMargins(top, right, bottom, left);
-        ASSERT_EQ(glyph.Width, direct.Width - static_cast<std::int32_t>(left + right))
-            << char(letter.character);
+        const Margins margins(direct.Picture);
+        ASSERT_EQ(glyph.Width, direct.Width - margins.Columns()) << char(letter.character);
         for (std::int32_t y = -cut.Baseline; y < glyph.Height - cut.Baseline; ++y) {
             for (std::int32_t x = 0; x < glyph.Width; ++x) {
                 // Rows counted up from the base line.
                 const int a = glyph.GetPixel(x, glyph.Height - cut.Baseline - y - 1).a;
                 const int b = direct
-                                  .GetPixel(x + static_cast<std::int32_t>(left),
+                                  .GetPixel(x + static_cast<std::int32_t>(margins.left),
                                             direct.Height - made.font.Baseline - y - 1)
                                   .a;
                 sum += std::abs(a - b);
@@ -97,7 +100,6 @@ TEST(SheetCutter, GlyphsAreAsRenderedDirectly) {
             }
         }
     }
-    RecordProperty("levels", std::to_string(sum / count));
     EXPECT_LT(sum / count, 0.5);
 }
 
@@ -107,45 +109,33 @@ TEST(SheetCutter, PaperGoesAndCanComeBack) {
         const MSheet sheet = FindSheetLetters(made.picture, made.text, {});
         MColourFont font(nullptr);
         ASSERT_EQ(AddSheetGlyphs(font, true, sheet, made.picture, {}), "");
-        double sum = 0;
-        double count = 0;
-        double visible = 0;
-        double fringe = 0;
+        double sum = 0, count = 0, visible = 0, fringe = 0;
         for (const MSheetBox& box : sheet.boxes) {
             const MGlyph& glyph = *font.GetGlyph(box.character);
-            std::uint32_t top = 0, right = 0, bottom = 0, left = 0;
-            glyph.Picture.GetMargins(top, right, bottom, left);
-            const std::int32_t base = static_cast<std::int32_t>(std::lround(sheet.lines[box.line].Base(0)));
+            const Margins margins(glyph.Picture);
+            const auto base = static_cast<std::int32_t>(std::lround(sheet.lines[box.line].Base(0)));
             const std::int32_t y0 = base - (glyph.Height - font.Baseline);
             // The soft edge may have widened the glyph by a pixel at its left.
             double best = 1e9;
             for (std::int32_t dx = -1; dx <= 0; ++dx) {
                 double all = 0;
-                for (std::int32_t y = 0; y < glyph.Height; ++y) {
-                    for (std::int32_t x = 0; x < glyph.Width; ++x) {
-                        const std::int32_t sx = box.box.left + dx + x;
-                        all += MeanDifference(Over(glyph.GetPixel(x, y), made.paper.GetPixel(sx, y0 + y)),
-                                              made.picture.GetPixel(sx, y0 + y));
-                    }
+                for (const auto& [x, y] : PlacesOf(glyph.Picture)) {
+                    const std::int32_t sx = box.box.left + dx + x;
+                    all += MeanDifference(Over(glyph.GetPixel(x, y), made.paper.GetPixel(sx, y0 + y)),
+                                          made.picture.GetPixel(sx, y0 + y));
                 }
                 best = std::min(best, all);
             }
             sum += best;
-            for (std::int32_t y = static_cast<std::int32_t>(top);
-                 y < glyph.Height - static_cast<std::int32_t>(bottom); ++y) {
-                for (std::int32_t x = 0; x < glyph.Width; ++x) {
-                    ++count;
-                    // A fringe would be lighter than the ink.
-                    const MColour pixel = glyph.GetPixel(x, y);
-                    visible += pixel.a;
-                    fringe += pixel.a * MeanDifference(pixel, MColour(15, 20, 64));
-                }
+            count += double(glyph.Width) * (glyph.Height - margins.Rows());
+            for (const auto& [x, y] : PlacesOf(glyph.Picture)) {
+                // A fringe would be lighter than the ink.
+                const MColour pixel = glyph.GetPixel(x, y);
+                visible += pixel.a;
+                fringe += pixel.a * MeanDifference(pixel, MColour(15, 20, 64));
             }
         }
-        RecordProperty(ground == Ground::White ? "white" : "paper", std::to_string(sum / count));
         EXPECT_LT(sum / count, 3) << int(ground);
-        RecordProperty(ground == Ground::White ? "white fringe" : "paper fringe",
-                       std::to_string(fringe / visible));
         EXPECT_LT(fringe / visible, 6) << int(ground);
     }
 }
@@ -153,23 +143,19 @@ TEST(SheetCutter, PaperGoesAndCanComeBack) {
 TEST(SheetCutter, WhatIsNoSheetIsTold) {
     const OwnedPicture empty = Blank(300, 200, {255, 255, 255});
     const OwnedPicture clear = Blank(300, 200, {0, 0, 0, 0});
-    const OwnedPicture block = Blank(300, 200, {250, 250, 240});
+    OwnedPicture block = Blank(300, 200, {250, 250, 240});
     Block(block, 50, 40, 200, 120);
-    const OwnedPicture specks = Blank(1200, 1200, {255, 255, 255});
+    OwnedPicture specks = Blank(1200, 1200, {255, 255, 255});
     for (std::int32_t i = 0; i < 10000; ++i)
         Block(specks, i % 100 * 12, i / 100 * 12, 2, 2);
-    const OwnedPicture photo = Blank(400, 300, {});
-    std::uint32_t state = 1;
-    for (std::int32_t y = 0; y < 300; ++y) {
-        for (std::int32_t x = 0; x < 400; ++x) {
-            state = state * 1664525 + 1013904223;
-            const auto level = [&](double phase) {
-                return static_cast<std::uint8_t>(
-                    128 + 90 * std::sin(x * 0.05 + phase) * std::cos(y * 0.07 - phase) + (state >> 24) % 37);
-            };
-            const MColour colour(level(0), level(1), level(2));
-            std::memcpy(photo.PixelAddress(x, y), &colour, 4);
-        }
+    OwnedPicture photo = Blank(400, 300, {});
+    Random random(1);
+    for (const auto& [x, y] : PlacesOf(photo)) {
+        const auto level = [x = x, y = y, noise = random() % 37](double phase) {
+            return static_cast<std::uint8_t>(
+                128 + 90 * std::sin(x * 0.05 + phase) * std::cos(y * 0.07 - phase) + noise);
+        };
+        photo.SetPixel(x, y, MColour(level(0), level(1), level(2)));
     }
     const std::pair<const MPicture*, const char*> cases[] = {
         {&empty, "is empty"},
@@ -222,23 +208,25 @@ TEST(SheetCutter, ChangesByHand) {
     MColourFont font(nullptr);
     ASSERT_EQ(AddSheetGlyphs(font, true, sheet, made.picture, {}), "");
     EXPECT_EQ(font.GlyphCount(), 3);
-    std::uint32_t top = 0, right = 0, bottom = 0, left = 0;
-    font.GetGlyph(u'o')->Picture.GetMargins(top, right, bottom, left);
-    EXPECT_EQ(font.GetGlyph(u'o')->Height - static_cast<std::int32_t>(top + bottom), upper.Height());
+    const auto ink = [&](char16_t c) {
+        return font.GetGlyph(c)->Height - Margins(font.GetGlyph(c)->Picture).Rows();
+    };
+    EXPECT_EQ(ink(u'o'), upper.Height());
     // Into a font that stands: its height, its cap height, its base line.
     MadeSheet large({.height = 150, .lines = {u"ABC"}});
     Settings->GlyphHeight = font.GetGlyph(u'H')->Height;
     const std::int32_t cap = font.CapHeight;
     ASSERT_EQ(AddSheetGlyphs(font, false, FindSheetLetters(large.picture, "ABC", {}), large.picture, {}), "");
     EXPECT_EQ(font.GetGlyph(u'B')->Height, font.GetGlyph(u'H')->Height);
-    font.GetGlyph(u'B')->Picture.GetMargins(top, right, bottom, left);
-    EXPECT_EQ(static_cast<std::int32_t>(bottom), font.Baseline);
-    EXPECT_NEAR(font.GetGlyph(u'B')->Height - static_cast<std::int32_t>(top + bottom), cap, 1);
+    EXPECT_EQ(static_cast<std::int32_t>(Margins(font.GetGlyph(u'B')->Picture).bottom), font.Baseline);
+    EXPECT_NEAR(ink(u'B'), cap, 1);
 }
 
+using SheetGrids = DocumentTest;
+
 // 8 x 10 cells whose letters are pieces that no shape tells apart.
-TEST(SheetCutter, Grids) {
-    const OwnedPicture picture = Blank(64, 20, {255, 255, 255});
+TEST_F(SheetGrids, AreFoundOrGiven) {
+    OwnedPicture picture = Blank(64, 20, {255, 255, 255});
     for (std::int32_t i = 0; i < 16; ++i) {
         if (i == 3) continue; // the space
         Block(picture, i % 8 * 8 + 1, i / 8 * 10 + 2, 2, 6);
@@ -254,22 +242,15 @@ TEST(SheetCutter, Grids) {
         EXPECT_EQ(sheet.boxes[3].character, u'D');
         EXPECT_EQ(sheet.boxes[3].box.left, 33);
         ASSERT_TRUE(sheet.grid);
-        EXPECT_EQ(sheet.grid->width, 8);
-        EXPECT_EQ(sheet.grid->height, 10);
+        EXPECT_EQ(std::pair(sheet.grid->width, sheet.grid->height), std::pair(8, 10));
         for (const bool trim : {true, false}) {
-            MSettings settings;
-            Settings = &settings;
-            {
-                MColourFont font(nullptr);
-                MSheetSpacing spacing;
-                spacing.trim = trim;
-                ASSERT_EQ(AddSheetGlyphs(font, true, sheet, picture, spacing), "");
-                const MGlyph& glyph = *font.GetGlyph(u'D');
-                const std::int32_t advance = glyph.SpacingBefore + glyph.Width + glyph.SpacingAfter;
-                EXPECT_EQ(glyph.Width, 6);
-                EXPECT_EQ(advance == 8, !trim);
-            }
-            Settings = nullptr;
+            MColourFont font(nullptr);
+            MSheetSpacing spacing;
+            spacing.trim = trim;
+            ASSERT_EQ(AddSheetGlyphs(font, true, sheet, picture, spacing), "");
+            const MGlyph& glyph = *font.GetGlyph(u'D');
+            EXPECT_EQ(glyph.Width, 6);
+            EXPECT_EQ(glyph.SpacingBefore + glyph.Width + glyph.SpacingAfter == 8, !trim);
         }
     }
 }

@@ -18,20 +18,17 @@ struct Layer {
     Layer(std::int32_t w, std::int32_t h)
         : width(w), height(h), pixels(static_cast<std::size_t>(w) * static_cast<std::size_t>(h)) {}
 
-    std::array<float, 4>& At(std::int32_t x, std::int32_t y) {
-        return pixels[static_cast<std::size_t>(y) * static_cast<std::size_t>(width) +
-                      static_cast<std::size_t>(x)];
+    bool Holds(std::int32_t x, std::int32_t y) const { return x >= 0 && y >= 0 && x < width && y < height; }
+    std::size_t At(std::int32_t x, std::int32_t y) const {
+        return static_cast<std::size_t>(y) * static_cast<std::size_t>(width) + static_cast<std::size_t>(x);
     }
     std::array<float, 4> Get(std::int32_t x, std::int32_t y) const {
-        if (x < 0 || y < 0 || x >= width || y >= height) return {};
-        return pixels[static_cast<std::size_t>(y) * static_cast<std::size_t>(width) +
-                      static_cast<std::size_t>(x)];
+        return Holds(x, y) ? pixels[At(x, y)] : std::array<float, 4>{};
     }
     void Over(std::int32_t x, std::int32_t y, const std::array<float, 4>& colour) {
-        if (x < 0 || y < 0 || x >= width || y >= height) return;
-        auto& pixel = At(x, y);
+        if (!Holds(x, y)) return;
         for (std::size_t c = 0; c < 4; ++c)
-            pixel[c] = colour[c] + pixel[c] * (1 - colour[3]);
+            pixels[At(x, y)][c] = colour[c] + pixels[At(x, y)][c] * (1 - colour[3]);
     }
 };
 
@@ -85,7 +82,7 @@ Layer Turned(const Layer& from, double degrees) {
                 const float above = std::lerp(from.Get(left, top)[i], from.Get(left + 1, top)[i], across);
                 const float below =
                     std::lerp(from.Get(left, top + 1)[i], from.Get(left + 1, top + 1)[i], across);
-                to.At(x, y)[i] = std::lerp(above, below, down);
+                to.pixels[to.At(x, y)][i] = std::lerp(above, below, down);
             }
         }
     }

@@ -44,7 +44,7 @@ public:
     MPicture picture; // format 7
     MPicture paper;   // the same without letters
     std::vector<MadeLetter> letters;
-    MString text; // with line breaks
+    MString text;       // with line breaks
     MSettings settings; // the program's while the sheet lives
 
 private:
