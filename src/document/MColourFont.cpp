@@ -125,11 +125,6 @@ MKerningPair* MColourFont::FindKerning(char16_t left, std::uint32_t right) const
     return pair == end ? nullptr : pair;
 }
 
-std::int32_t MColourFont::FindKerningIndex(char16_t left, std::uint32_t right) const {
-    const MKerningPair* const pair = FindKerning(left, right);
-    return pair ? static_cast<std::int32_t>(pair - Kerning.data) : -1;
-}
-
 void MColourFont::SortKerningByAmount() {
     std::ranges::stable_sort(Kerning, {}, &MKerningPair::Amount);
 }

@@ -76,7 +76,6 @@ public:
     bool SetKerning(std::int32_t left, std::uint32_t right, std::int32_t amount);
     void ChangeKerning(char16_t left, std::uint32_t right, std::int32_t amount); // an existing pair only
     MKerningPair* FindKerning(char16_t left, std::uint32_t right) const;         // null if there is none
-    std::int32_t FindKerningIndex(char16_t left, std::uint32_t right) const;     // -1 if there is none
     std::int32_t KerningCount() const { return Kerning.count; }
     void ClearKerning() { Kerning.Clear(); }
     // Ascending; pairs of equal amount keep their order.

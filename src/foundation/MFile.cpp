@@ -76,11 +76,6 @@ std::int64_t MFile::GetSize() {
     return end;
 }
 
-std::int64_t MFile::GetPosition() {
-    if (inMemory) return position;
-    return writing ? handle.tellp() : handle.tellg();
-}
-
 bool MFile::Read(void* data, std::uint32_t count) {
     if (!ok || !data || count == 0) return false;
     if (inMemory && (position < 0 || position + count > buffer.count)) return false;

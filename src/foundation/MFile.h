@@ -29,7 +29,6 @@ public:
     MFile(const MString& path, bool writing, bool preload);
 
     std::int64_t GetSize(); // 0 if not ok
-    std::int64_t GetPosition();
     // True only if exactly `count` bytes came. False for a null pointer or a count of 0.
     bool Read(void* data, std::uint32_t count);
     // As many bytes as there are, up to `count`; for readers that take the file in pieces of their own choice.

@@ -19,10 +19,6 @@ constexpr bool IsDigit(char16_t unit) {
     return unit >= u'0' && unit <= u'9';
 }
 
-constexpr bool IsPathSeparator(char16_t unit) {
-    return unit == u'/' || unit == u'\\' || unit == u':';
-}
-
 View UpToZero(const char16_t* text) {
     return text ? View(text) : View();
 }
@@ -37,21 +33,6 @@ constexpr char16_t FoldAscii(char16_t unit) {
 
 int Sign(int value) {
     return (value > 0) - (value < 0);
-}
-
-// Digits of `value` in `radix`, most significant first.
-std::u16string Digits(std::int32_t value, unsigned radix) {
-    const bool negative = radix == 10 && value < 0;
-    auto rest = static_cast<std::uint32_t>(value);
-    if (negative) rest = 0U - rest;
-    std::u16string digits;
-    do {
-        digits.push_back(u"0123456789abcdefghijklmnopqrstuvwxyz"[rest % radix]);
-        rest /= radix;
-    } while (rest != 0);
-    if (negative) digits.push_back(u'-');
-    std::ranges::reverse(digits);
-    return digits;
 }
 
 // The mapping of one code unit, or the unit itself where the mapping does not fit one unit.
@@ -115,20 +96,10 @@ MString::MString(const char16_t* text, std::int32_t first, std::int32_t last) {
     Assign(whole.substr(static_cast<std::size_t>(first), static_cast<std::size_t>(last - first) + 1));
 }
 
-MString::MString(std::int32_t value, int minDigits, int radix, char16_t separator) {
-    constexpr std::int32_t room = 25; // whatever the number; only the binary patterns of large ones need more
-    const std::int64_t base = radix;
-    std::u16string text = Digits(value, static_cast<unsigned>(radix));
-    if (minDigits == 2 && value < base) text.insert(0, u"0");
-    if (minDigits == 3) text.insert(0, value < base ? u"00" : value < base * base ? u"0" : u"");
-    if (separator != 0 && value > 999 && radix == 10) {
-        for (std::size_t place = text.size(); place > 3; place -= 3)
-            text.insert(place - 3, 1, separator);
-    }
-    Reserve(std::max(room, ToLength(text.size()) + 1), false);
-    std::ranges::copy(text, chars);
-    length = ToLength(text.size());
-    chars[length] = 0;
+MString::MString(std::int32_t value) {
+    constexpr std::int32_t room = 25; // whatever the number
+    Reserve(room, false);
+    *this = std::to_string(value).c_str();
 }
 
 MString& MString::operator=(const MString& other) {
@@ -299,22 +270,6 @@ bool MString::EndsWith(char16_t unit) const {
     return !IsEmpty() && chars[length - 1] == unit;
 }
 
-MString MString::GetFileName() const {
-    const std::size_t separator = View().find_last_of(u"/\\:");
-    return separator == ::View::npos ? *this : MString(View().substr(separator + 1));
-}
-
-MString MString::GetFolder() const {
-    MString folder = *this;
-    for (std::int32_t i = length - 1; i >= 0; --i) {
-        if (IsPathSeparator(chars[i])) {
-            folder.SetChar(i, 0);
-            break;
-        }
-    }
-    return folder;
-}
-
 MString MString::GetExtension() const {
     const ::View text = View();
     if (length < 3 || text.back() == u'/') return {};
@@ -329,24 +284,6 @@ MString MString::GetExtension() const {
     return extension;
 }
 
-void MString::SetExtension(MString extension) {
-    if (IsEmpty() || extension.IsEmpty()) return;
-    extension.RemoveChar(u'.');
-    const std::size_t stop = View().find_last_of(u"./\\:");
-    if (stop != ::View::npos && chars[stop] == u'.') SetChar(ToLength(stop), 0);
-    *this += u'.';
-    *this += extension;
-}
-
-void MString::RemoveLastPathPart() {
-    for (std::int32_t i = length - 1; i >= 2; --i) {
-        if (chars[i] == u'/' || chars[i] == u'\\') {
-            SetChar(i, 0);
-            return;
-        }
-    }
-}
-
 void MString::Truncate(std::int32_t count) {
     if (count < 1) {
         Release();
@@ -355,18 +292,8 @@ void MString::Truncate(std::int32_t count) {
     }
 }
 
-template<typename Map>
-void MString::MapUnits(std::int32_t count, Map map) {
-    if (count < 1 || IsEmpty()) return;
-    std::transform(chars, chars + std::min(count, length), chars, map);
-}
-
-void MString::ToLower(std::int32_t count) {
-    MapUnits(count, ToLowerUnit);
-}
-
-void MString::ToUpper(std::int32_t count) {
-    MapUnits(count, ToUpperUnit);
+void MString::ToUpper() {
+    std::ranges::transform(View(), chars, ToUpperUnit);
 }
 
 void MString::Trim() {
@@ -391,18 +318,6 @@ void MString::RemoveChar(char16_t unit) {
     chars[length] = 0;
 }
 
-void MString::RemoveFirst(const MString& find) {
-    ReplaceFirst(find, MString());
-}
-
-void MString::RemoveAll(const MString& find) {
-    if (find.length == 1) {
-        RemoveChar(find.chars[0]);
-    } else {
-        ReplaceAll(find, MString());
-    }
-}
-
 void MString::KeepBefore(const MString& find) {
     if (!Contains(find)) return;
     SetChar(ToLength(View().find(find.View())), 0);
@@ -411,13 +326,6 @@ void MString::KeepBefore(const MString& find) {
 void MString::KeepAfter(const MString& find) {
     if (!Contains(find)) return;
     *this = MString(View().substr(View().find(find.View()) + find.View().size()));
-}
-
-void MString::ReplaceFirst(const MString& find, const MString& with) {
-    if (!Contains(find) || find.Equals(with)) return;
-    std::u16string text(View());
-    text.replace(text.find(find.View()), find.View().size(), with.View());
-    Assign(text);
 }
 
 void MString::ReplaceAll(const MString& find, const MString& with) {
@@ -447,18 +355,6 @@ std::int32_t MString::ToInt() const {
         if (unit >= u'a' && unit <= u'f') value += static_cast<std::uint32_t>(unit - u'a' + 10);
     }
     return static_cast<std::int32_t>(value);
-}
-
-std::int32_t MString::CountLines() const {
-    if (IsEmpty()) return 0;
-    std::int32_t lines = 1;
-    for (std::int32_t i = 0; i < length; ++i) {
-        if (chars[i] != u'\r' && chars[i] != u'\n') continue;
-        ++lines;
-        const char16_t partner = chars[i] == u'\r' ? u'\n' : u'\r';
-        if (i + 1 < length && chars[i + 1] == partner) ++i;
-    }
-    return lines;
 }
 
 MString MString::WithoutTrailingZeros() const {

@@ -1,5 +1,4 @@
-// The program's text: UTF-16 code units, NUL-terminated, deep copies. Path and extension logic included, with
-// the odd corners that callers rely on.
+// The program's text: UTF-16 code units, NUL-terminated, deep copies.
 //
 // An empty string has two legal forms, which every operation treats alike: no buffer at all ("null form"), and
 // a buffer whose first unit is 0. So Chars() of an empty string may be null. No unit before `length` is 0.
@@ -26,10 +25,7 @@ public:
     // The units `first` to `last`, inclusive. `last` below 0 or past the end means the last unit; a `first`
     // outside the text, or a count below 1, gives the null form.
     MString(const char16_t* text, std::int32_t first, std::int32_t last);
-    // A number as text, in lower-case digits. Radix 10 prints a sign, any other radix the 32-bit pattern.
-    // `minDigits` 2 and 3 pad with zeros in front, sign or no sign; other values don't. A `separator` that is
-    // not 0 goes between groups of three digits, for radix 10 and values above 999.
-    explicit MString(std::int32_t value, int minDigits = 1, int radix = 10, char16_t separator = 0);
+    explicit MString(std::int32_t value); // in decimal
     ~MString() { delete[] chars; }
 
     MString& operator=(const MString& other);
@@ -71,27 +67,15 @@ public:
     bool Contains(char16_t unit) const;
     bool EndsWith(char16_t unit) const;
 
-    // Paths. The separators are '/', '\' and ':'.
-    MString GetFileName() const;
-    MString GetFolder() const; // the whole text when there is no separator
     // Upper case, without the dot; knows the query and the fragment of a URL. Texts below 3 units have none.
     MString GetExtension() const;
-    void SetExtension(MString extension);
-    // Cuts at the last '/' or '\' from index 2 on; ':' does not count here.
-    void RemoveLastPathPart();
 
     void Truncate(std::int32_t count);
-    // Map the first `count` units, one unit to one unit.
-    void ToLower(std::int32_t count);
-    void ToUpper(std::int32_t count);
-    void ToUpper() { ToUpper(length); }
-    void Trim(); // units up to 32, and 127, from both ends; a no-break space stays
+    void ToUpper(); // unit by unit, as by ToUpperUnit
+    void Trim();    // units up to 32, and 127, from both ends; a no-break space stays
     void RemoveChar(char16_t unit);
-    void RemoveFirst(const MString& find);
-    void RemoveAll(const MString& find); // also what a removal joins together
     void KeepBefore(const MString& find);
     void KeepAfter(const MString& find);
-    void ReplaceFirst(const MString& find, const MString& with);
     // Replaces the first occurrence until there is none, so text that a replacement forms takes part. Does
     // nothing if `with` contains `find`, which would run for ever.
     void ReplaceAll(const MString& find, const MString& with);
@@ -100,7 +84,6 @@ public:
 
     // Decimal as by ParseInt; after a lower-case 'x' hexadecimal, where what is no digit counts as 0.
     std::int32_t ToInt() const;
-    std::int32_t CountLines() const;
     // Without a trailing ".0", and without a second one.
     MString WithoutTrailingZeros() const;
 
@@ -108,8 +91,6 @@ private:
     void Assign(std::u16string_view text);
     void Append(std::u16string_view text);
     void Release();
-    template<typename Map>
-    void MapUnits(std::int32_t count, Map map);
 };
 
 // Leading white space, an optional sign, digits up to the first other unit. Saturates at the 32-bit limits;

