@@ -107,10 +107,6 @@ void MGlyph::Scale(float factor) {
     SpacingAfter = scaled(SpacingAfter);
 }
 
-bool MGlyph::SavePicture(const MString& path) {
-    return Picture.IsValid() && Picture.Save(path);
-}
-
 void MGlyph::ReplacePicture(const MPicture& picture) {
     Picture.Free();
     Picture = picture;

@@ -53,8 +53,6 @@ public:
     // Resizes the picture and multiplies the spacings, truncated toward zero. If the new picture can't be made
     // the old one stays, but the numbers change all the same.
     void Scale(float factor);
-    // Writes the glyph's own picture; false without one.
-    bool SavePicture(const MString& path);
 
 private:
     void ReplacePicture(const MPicture& picture);

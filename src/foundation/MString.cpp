@@ -125,12 +125,6 @@ MString& MString::operator=(MString&& other) noexcept {
     return *this;
 }
 
-MString& MString::operator=(const char16_t* text) {
-    if (text && text == chars) return *this;
-    const MString source(text); // a copy also of a part of the own buffer
-    return *this = source;
-}
-
 MString& MString::operator=(const char* text) {
     AssignNarrow(text, 0);
     return *this;
@@ -207,11 +201,6 @@ MString MString::operator+(const MString& other) const {
     return sum;
 }
 
-MString MString::operator+(char byte) const {
-    const char text[] = {byte, '\0'};
-    return *this + MString(text);
-}
-
 MString MString::operator+(const char* text) const {
     std::u16string units;
     if (text) {
@@ -232,10 +221,6 @@ MString& MString::operator+=(char byte) {
 }
 
 MString& MString::operator+=(const char* text) {
-    return *this += MString(text);
-}
-
-MString& MString::operator+=(const char16_t* text) {
     return *this += MString(text);
 }
 
@@ -294,22 +279,6 @@ void MString::Truncate(std::int32_t count) {
 
 void MString::ToUpper() {
     std::ranges::transform(View(), chars, ToUpperUnit);
-}
-
-void MString::Trim() {
-    if (IsEmpty()) return;
-    const auto isText = [](char16_t unit) { return unit > 32 && unit != 127; };
-    char16_t* const first = std::find_if(chars, chars + length, isText);
-    char16_t* last = chars + length;
-    if (first == last) {
-        Release();
-        return;
-    }
-    while (!isText(last[-1]))
-        --last;
-    length = static_cast<std::int32_t>(last - first);
-    std::copy(first, last, chars);
-    chars[length] = 0;
 }
 
 void MString::RemoveChar(char16_t unit) {

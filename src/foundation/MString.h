@@ -30,7 +30,6 @@ public:
 
     MString& operator=(const MString& other);
     MString& operator=(MString&& other) noexcept;
-    MString& operator=(const char16_t* text);
     MString& operator=(const char* text);
     // Code page 0: each byte becomes the unit of the same value. 65001: UTF-8, with U+FFFD for what is invalid.
     void AssignNarrow(const char* text, int codePage);
@@ -46,14 +45,12 @@ public:
     bool Reserve(std::int32_t newCapacity, bool keep);
 
     MString operator+(const MString& other) const;
-    MString operator+(char byte) const;
     // Each byte is sign-extended here, so 0x80 becomes 0xFF80, unlike on every other narrow path.
     MString operator+(const char* text) const;
     friend MString operator+(const char* text, const MString& other) { return MString(text) + other; }
     MString& operator+=(const MString& other);
     MString& operator+=(char byte);
     MString& operator+=(const char* text);
-    MString& operator+=(const char16_t* text);
     MString& operator+=(char16_t unit);
 
     bool Equals(const MString& other) const { return View() == other.View(); }
@@ -72,7 +69,6 @@ public:
 
     void Truncate(std::int32_t count);
     void ToUpper(); // unit by unit, as by ToUpperUnit
-    void Trim();    // units up to 32, and 127, from both ends; a no-break space stays
     void RemoveChar(char16_t unit);
     void KeepBefore(const MString& find);
     void KeepAfter(const MString& find);

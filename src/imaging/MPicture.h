@@ -81,8 +81,6 @@ public:
     bool FlipVertically();
     // Both ends included; coordinates wrap.
     void DrawLine(std::int32_t x0, std::int32_t y0, std::int32_t x1, std::int32_t y1, const MColour& colour);
-    // True if the format has alpha and any pixel's is below 255.
-    bool HasTransparency() const;
     // Gives fully transparent pixels near visible ones the colour of a neighbour, ring by ring, up to
     // max(max(Width, Height) / 64, 32) + 1 rings. No alpha changes.
     void BleedColours();

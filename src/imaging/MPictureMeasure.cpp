@@ -1,4 +1,4 @@
-// GetMargins and HasTransparency: what is read off the alpha channel, row by row.
+// GetMargins, read off the alpha channel row by row.
 #include "imaging/MPicture.h"
 #include "imaging/MPixelLayout.h"
 
@@ -75,18 +75,5 @@ void MPicture::GetMargins(std::uint32_t& top, std::uint32_t& right, std::uint32_
             bottom = static_cast<std::uint32_t>(Height - 1 - ink.bottom);
             left = static_cast<std::uint32_t>(ink.left);
         }
-    });
-}
-
-bool MPicture::HasTransparency() const {
-    if (!IsValid()) return false;
-    return pixels::WithFormat(Format, false, [&](auto constant) {
-        if constexpr (pixels::channelCount<constant()> == 4) {
-            for (std::size_t y = 0; y < Height; ++y) {
-                const auto below = [](std::uint8_t alpha) { return alpha < 255; };
-                if (AnyAlpha<constant()>(Pixels + y * Stride, Width, below)) return true;
-            }
-        }
-        return false;
     });
 }

@@ -140,16 +140,15 @@ TEST_F(OpticalKerningTest, LoosenessIsTheDistanceToTheDensityOfControlLetters) {
         const MGlyph& glyph = *font.GetGlyph(c);
         double least = 1e9;
         for (std::int32_t y = 0; y < glyph.Height; ++y) {
-            double coverage = 0, empty = 0;
-            for (std::int32_t x = 0; x < glyph.Width && coverage == 0; ++x) {
-                const double a = glyph.GetPixel(behind ? glyph.Width - 1 - x : x, y).a / 255.0;
-                empty += 1 - a;
-                if (a > 0) {
-                    coverage = 1;
-                    empty += (1 - a) * (1 - glyph.GetPixel(behind ? glyph.Width - 2 - x : x + 1, y).a / 255.0);
-                }
-            }
-            if (coverage > 0) least = std::min(least, empty + size / 10 + std::abs(y - row));
+            const auto alpha = [&](std::int32_t x) {
+                return glyph.GetPixel(behind ? glyph.Width - 1 - x : x, y).a / 255.0;
+            };
+            std::int32_t clear = 0; // pixels up to the first ink, which covers a part of its own
+            while (clear < glyph.Width && alpha(clear) == 0)
+                ++clear;
+            if (clear == glyph.Width) continue;
+            const double empty = clear + (1 - alpha(clear)) * (2 - alpha(clear + 1));
+            least = std::min(least, empty + size / 10 + std::abs(y - row));
         }
         return least;
     };

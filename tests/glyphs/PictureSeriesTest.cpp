@@ -90,12 +90,11 @@ TEST_F(ChosenPictures, TheFirstOfANewFontGivesTheHeight) {
     AddChosenPictures(font, true);
     EXPECT_EQ(settings.GlyphHeight, 30);
     EXPECT_EQ(Characters(), "bz") << "sorted";
-    EXPECT_EQ(font.GetGlyph(u'b')->Width, 17) << "trimmed";
-    EXPECT_EQ(font.GetGlyph(u'b')->SpacingBefore, 4);
-    EXPECT_EQ(font.GetGlyph(u'b')->SpacingAfter, 5);
+    const MGlyph& first = *font.GetGlyph(u'b');
+    EXPECT_EQ(std::tuple(first.Width, first.SpacingBefore, first.SpacingAfter), std::tuple(17, 4, 5))
+        << "trimmed";
     EXPECT_TRUE(font.Picture.IsValid()) << "repacked";
-    ASSERT_EQ(Headless::record.messages.size(), 1U);
-    const Headless::Message& question = Headless::record.messages[0];
+    const Headless::Message& question = Headless::record.messages.at(0);
     EXPECT_EQ(Narrow(question.text), "Would you like to add all successive pictures as well?");
     EXPECT_EQ(Narrow(question.caption), "Lettrino");
     EXPECT_EQ(question.buttons, Desktop::Buttons::YesNo);

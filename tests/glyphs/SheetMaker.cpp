@@ -1,5 +1,9 @@
 #include "glyphs/SheetMaker.h"
 
+#include "glyphs/MSurfaceBitmap.h"
+
+#include <cairo.h>
+
 #include <algorithm>
 #include <cmath>
 #include <cstring>
@@ -9,33 +13,10 @@
 
 namespace {
 
-// Premultiplied, so that it can be blurred and turned.
-struct Layer {
-    std::int32_t width;
-    std::int32_t height;
-    std::vector<std::array<float, 4>> pixels; // blue, green, red, alpha, 0 to 1
-
-    Layer(std::int32_t w, std::int32_t h)
-        : width(w), height(h), pixels(static_cast<std::size_t>(w) * static_cast<std::size_t>(h)) {}
-
-    bool Holds(std::int32_t x, std::int32_t y) const { return x >= 0 && y >= 0 && x < width && y < height; }
-    std::size_t At(std::int32_t x, std::int32_t y) const {
-        return static_cast<std::size_t>(y) * static_cast<std::size_t>(width) + static_cast<std::size_t>(x);
-    }
-    std::array<float, 4> Get(std::int32_t x, std::int32_t y) const {
-        return Holds(x, y) ? pixels[At(x, y)] : std::array<float, 4>{};
-    }
-    void Over(std::int32_t x, std::int32_t y, const std::array<float, 4>& colour) {
-        if (!Holds(x, y)) return;
-        for (std::size_t c = 0; c < 4; ++c)
-            pixels[At(x, y)][c] = colour[c] + pixels[At(x, y)][c] * (1 - colour[3]);
-    }
-};
-
-constexpr std::array<float, 3> ink{0.25F, 0.08F, 0.06F};
+const MColour ink(15, 20, 64);
 
 // What an effect makes of a glyph's alpha, at its place.
-void Draw(Layer& layer, const MGlyph& glyph, std::int32_t x, std::int32_t y, SheetLook::Effect effect) {
+void Draw(cairo_t* sheet, const MGlyph& glyph, std::int32_t x, std::int32_t y, SheetLook::Effect effect) {
     const auto alpha = [&](std::int32_t i, std::int32_t j) {
         return static_cast<float>(glyph.GetPixel(i, j).a) / 255.0F;
     };
@@ -53,40 +34,26 @@ void Draw(Layer& layer, const MGlyph& glyph, std::int32_t x, std::int32_t y, She
                 sum += alpha(i - 4 + dx, j - 4 + dy) / 9;
         return sum * 0.45F;
     };
-    for (std::int32_t j = -4; j < glyph.Height + 8; ++j) {
-        for (std::int32_t i = -4; i < glyph.Width + 8; ++i) {
-            if (effect == SheetLook::Effect::Shadow) layer.Over(x + i, y + j, {0, 0, 0, shade(i, j)});
-            const float a = effect == SheetLook::Effect::Outlined ? stroke(i, j) : alpha(i, j);
-            layer.Over(x + i, y + j, {ink[0] * a, ink[1] * a, ink[2] * a, a});
-        }
-    }
-}
-
-Layer Turned(const Layer& from, double degrees) {
-    if (degrees == 0) return from;
-    Layer to(from.width, from.height);
-    const double angle = degrees * std::numbers::pi / 180;
-    const double c = std::cos(angle);
-    const double s = std::sin(angle);
-    for (std::int32_t y = 0; y < to.height; ++y) {
-        for (std::int32_t x = 0; x < to.width; ++x) {
-            const double dx = x + 0.5 - to.width / 2.0;
-            const double dy = y + 0.5 - to.height / 2.0;
-            const double fx = c * dx + s * dy + to.width / 2.0 - 0.5;
-            const double fy = -s * dx + c * dy + to.height / 2.0 - 0.5;
-            const auto left = static_cast<std::int32_t>(std::floor(fx));
-            const auto top = static_cast<std::int32_t>(std::floor(fy));
-            const auto across = static_cast<float>(fx - left);
-            const auto down = static_cast<float>(fy - top);
-            for (std::size_t i = 0; i < 4; ++i) {
-                const float above = std::lerp(from.Get(left, top)[i], from.Get(left + 1, top)[i], across);
-                const float below =
-                    std::lerp(from.Get(left, top + 1)[i], from.Get(left + 1, top + 1)[i], across);
-                to.pixels[to.At(x, y)][i] = std::lerp(above, below, down);
+    constexpr std::int32_t reach = 4, most = 8; // of the effects, at the left and the right
+    const auto paint = [&](const MColour& colour, const auto& coverage) {
+        MPicture part(static_cast<std::uint32_t>(glyph.Width + reach + most),
+                      static_cast<std::uint32_t>(glyph.Height + reach + most), FormatRGBA8);
+        for (std::int32_t j = -reach; j < glyph.Height + most; ++j) {
+            for (std::int32_t i = -reach; i < glyph.Width + most; ++i) {
+                const auto a = static_cast<std::uint8_t>(std::lround(coverage(i, j) * 255));
+                part.SetPixel(i + reach, j + reach, {colour.r, colour.g, colour.b, a});
             }
         }
-    }
-    return to;
+        const MSurfaceBitmap bitmap(part);
+        part.Free();
+        cairo_set_source_surface(sheet, bitmap.image, x - reach, y - reach);
+        cairo_paint(sheet);
+    };
+    if (effect == SheetLook::Effect::Shadow) paint({0, 0, 0}, shade);
+    if (effect == SheetLook::Effect::Outlined)
+        paint(ink, stroke);
+    else
+        paint(ink, alpha);
 }
 
 // Uneven light over warm paper with grain.
@@ -145,7 +112,9 @@ MadeSheet::MadeSheet(const SheetLook& look) : before(std::exchange(Settings, &se
             width += advance(character);
         widest = std::max(widest, width);
     }
-    Layer layer(widest + 2 * margin, static_cast<std::int32_t>(look.lines.size()) * pitch + 2 * margin);
+    MSurfaceBitmap layer(widest + 2 * margin,
+                         static_cast<std::int32_t>(look.lines.size()) * pitch + 2 * margin);
+    cairo_t* const context = cairo_create(layer.image);
     const double angle = look.degrees * std::numbers::pi / 180;
     const auto turn = [&](double& x, double& y) {
         const double dx = x - layer.width / 2.0;
@@ -164,7 +133,7 @@ MadeSheet::MadeSheet(const SheetLook& look) : before(std::exchange(Settings, &se
         for (const char16_t character : look.lines[line]) {
             const MGlyph& glyph = *font.GetGlyph(character);
             const std::int32_t x = pen + glyph.SpacingBefore;
-            Draw(layer, glyph, x, top, look.effect);
+            Draw(context, glyph, x, top, look.effect);
             std::uint32_t above = 0, right = 0, below = 0, left = 0;
             glyph.Picture.GetMargins(above, right, below, left);
             const double inkLeft = x + static_cast<double>(left) - near;
@@ -186,25 +155,18 @@ MadeSheet::MadeSheet(const SheetLook& look) : before(std::exchange(Settings, &se
             pen += advance(character);
         }
     }
-    const Layer turned = Turned(layer, look.degrees);
-    const auto width = static_cast<std::uint32_t>(layer.width);
-    const auto height = static_cast<std::uint32_t>(layer.height);
-    picture = MPicture(width, height, FormatRGBA8);
-    paper = MPicture(width, height, FormatRGBA8);
+    cairo_destroy(context);
+    paper = MPicture(static_cast<std::uint32_t>(layer.width), static_cast<std::uint32_t>(layer.height),
+                     FormatRGBA8);
     PaintPaper(paper, look.ground);
-    for (std::size_t i = 0; i < turned.pixels.size(); ++i) {
-        const std::array<float, 4>& over = turned.pixels[i];
-        std::uint8_t* const to = picture.Pixels + i * 4;
-        const std::uint8_t* const under = paper.Pixels + i * 4;
-        const bool clear = look.ground == SheetLook::Ground::Transparent;
-        for (std::size_t c = 0; c < 3; ++c) {
-            const float straight = over[3] > 0 ? over[c] / over[3] : 0;
-            const float value =
-                clear ? straight * 255 : over[c] * 255 + static_cast<float>(under[c]) * (1 - over[3]);
-            to[c] = static_cast<std::uint8_t>(std::lround(std::clamp(value, 0.0F, 255.0F)));
-        }
-        to[3] = clear ? static_cast<std::uint8_t>(std::lround(over[3] * 255)) : 255;
-    }
+    const MSurfaceBitmap sheet(paper);
+    cairo_t* const turned = cairo_create(sheet.image);
+    cairo_translate(turned, layer.width / 2.0, layer.height / 2.0);
+    cairo_rotate(turned, angle);
+    cairo_set_source_surface(turned, layer.image, -layer.width / 2.0, -layer.height / 2.0);
+    cairo_paint(turned);
+    cairo_destroy(turned);
+    picture = sheet.ToPicture();
 }
 
 MadeSheet::~MadeSheet() {

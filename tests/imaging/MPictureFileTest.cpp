@@ -25,18 +25,15 @@ TEST(PictureFile, PngHoldsFloatsAsSixteenBits) {
 TEST(PictureFile, SavingInAnotherFormatGoesByCopyPixels) {
     const TemporaryFolder folder;
     OwnedPicture picture = RandomPicture(5, 4, FormatRGBA8, 15, 1.0);
-    ASSERT_TRUE(picture.Save(folder.File("a.png"), FormatRGB8));
-    const OwnedPicture opaque(MPicture(folder.File("a.png")));
-    EXPECT_EQ(opaque.Format, FormatRGB8);
-    EXPECT_EQ(opaque.GetPixel(4, 3).g, picture.GetPixel(4, 3).g);
-
     ASSERT_TRUE(picture.Save(folder.File("b.png"), FormatR16));
     const OwnedPicture grey(MPicture(folder.File("b.png")));
     EXPECT_TRUE(SamePicture(grey, BlankPicture(5, 4, FormatR16))) << "a pair that doesn't convert";
 
     OwnedPicture wide = RandomPicture(5, 4, FormatRGBA16, 15, 0.5);
     ASSERT_TRUE(wide.Save(folder.File("d.dds"), FormatRGB16));
-    EXPECT_FALSE(OwnedPicture(MPicture(folder.File("d.dds"))).HasTransparency());
+    const OwnedPicture loaded(MPicture(folder.File("d.dds")));
+    for (const auto& [x, y] : PlacesOf(loaded))
+        EXPECT_EQ(loaded.GetPixel(x, y).a, 255);
 
     OwnedPicture turned = DeepCopy(picture);
     turned.FlipVertically();

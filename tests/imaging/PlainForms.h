@@ -77,7 +77,6 @@ inline void Resample(const MPicture& source, MPicture& target) {
 
 // Ring by ring: what has a colour before the ring gives it to its neighbours that have none.
 inline void BleedColours(MPicture& picture) {
-    if (!picture.HasTransparency()) return;
     const auto width = static_cast<std::int32_t>(picture.Width);
     const auto height = static_cast<std::int32_t>(picture.Height);
     const auto at = [=](std::int32_t x, std::int32_t y) {

@@ -92,10 +92,7 @@ void AddCbdt(fonts::Font& font, const std::string& png) {
     fonts::Bytes data;
     data.U16(3).U16(0);
     data.U8(20).U8(20).U8(10).U8(20).U8(40).U32(static_cast<std::int64_t>(png.size())).Add(png);
-    fonts::Bytes metrics; // of lines
-    metrics.U8(80).U8(-20).U8(100);
-    for (int i = 0; i < 9; ++i)
-        metrics.U8(0);
+    const fonts::Bytes metrics = fonts::Bytes().U8(80).U8(-20).U8(100).Add(std::string(9, '\0')); // of lines
     fonts::Bytes index;
     index.U16(3).U16(0).U32(1).U32(56).U32(8 + 16).U32(1).U32(0).Add(metrics).Add(metrics);
     index.U16(1).U16(1).U8(100).U8(100).U8(32).U8(1);
@@ -190,9 +187,9 @@ TEST(GlyphPainter, EveryPaintIsDrawn) {
 }
 
 TEST(GlyphPainter, BeforeAHardFirstStopIsItsOwnColour) {
+    const fonts::Bytes line = fonts::ColourLine(0, {{0.5, 0}, {0.5, 1}, {1, 1}});
     for (const fonts::Bytes& gradient :
-         {fonts::Linear({300, 0, 700, 0, 300, 500}, fonts::ColourLine(0, {{0.5, 0}, {0.5, 1}, {1, 1}})),
-          fonts::Sweep(500, 0, 180, 0, fonts::ColourLine(0, {{0.5, 0}, {0.5, 1}, {1, 1}}))}) {
+         {fonts::Linear({300, 0, 700, 0, 300, 500}, line), fonts::Sweep(500, 0, 180, 0, line)}) {
         fonts::Font font = OneBox();
         AddPaint(font, fonts::Outline(1, gradient));
         const Drawing drawing(font, true);
@@ -219,17 +216,16 @@ TEST(GlyphPainter, GeometryThatSaysNothingPaintsNothing) {
 }
 
 TEST(GlyphPainter, AGradientTooSmallForTheImageLibraryHarmsNoOther) {
-    MPaint tiny;
-    tiny.kind = MPaintKind::Transform;
-    tiny.numbers = {0.0158691F, 0, 0, 0.0158691F, 2268.42F, 0.984131F};
-    MPaint gradient;
-    gradient.kind = MPaintKind::Radial;
-    gradient.numbers = {0, 16385, 1033, 256, 25, 20995};
-    gradient.stops = {{}};
     MPaintTree tree;
-    tree.paints = {tiny, tiny, gradient};
-    tree.paints[0].children = {1};
-    tree.paints[1].children = {2};
+    tree.paints.resize(3);
+    for (const std::uint32_t i : {0U, 1U}) {
+        tree.paints[i].kind = MPaintKind::Transform;
+        tree.paints[i].numbers = {0.0158691F, 0, 0, 0.0158691F, 2268.42F, 0.984131F};
+        tree.paints[i].children = {i + 1};
+    }
+    tree.paints[2].kind = MPaintKind::Radial;
+    tree.paints[2].numbers = {0, 16385, 1033, 256, 25, 20995};
+    tree.paints[2].stops = {{}};
 
     const Canvas canvas(24, 24);
     cairo_translate(canvas.context, 2, 20);

@@ -96,19 +96,11 @@ Bytes WordTiff(std::uint32_t photometric, const std::vector<std::uint32_t>& word
         Append(file, {{16, 2}}); // the bits of each sample
     const std::uint32_t entries = premultiplied ? 10 : 9;
     Append(file, {{entries, 2}});
-    const auto entry = [&](std::uint32_t tag, std::uint32_t kind, std::uint32_t count, std::uint32_t value) {
+    const std::array<std::uint32_t, 4> fields[] = {
+        {256, 4, 1, width}, {257, 4, 1, 1}, {258, 3, 4, 8 + size}, {259, 3, 1, 1},    {262, 3, 1, photometric},
+        {273, 4, 1, 8},     {277, 3, 1, 4}, {278, 4, 1, 1},        {279, 4, 1, size}, {338, 3, 1, 1}};
+    for (const auto& [tag, kind, count, value] : std::span(fields).first(entries))
         Append(file, {{tag, 2}, {kind, 2}, {count, 4}, {kind == 3 && count == 1 ? value << 16 : value, 4}});
-    };
-    entry(256, 4, 1, width);
-    entry(257, 4, 1, 1);
-    entry(258, 3, 4, 8 + size);
-    entry(259, 3, 1, 1);
-    entry(262, 3, 1, photometric);
-    entry(273, 4, 1, 8);
-    entry(277, 3, 1, 4);
-    entry(278, 4, 1, 1);
-    entry(279, 4, 1, size);
-    if (premultiplied) entry(338, 3, 1, 1);
     Append(file, {{0, 4}});
     return file;
 }
