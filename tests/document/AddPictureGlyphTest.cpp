@@ -67,6 +67,13 @@ TEST_F(AddPictureGlyphTest, ResamplesByPointSets) {
     }
 }
 
+TEST_F(AddPictureGlyphTest, APictureOfTheGlyphsSizeIsCopied) {
+    OwnedPicture picture = BlankPicture(50, 100, FormatRGBA8);
+    FillWithNoise(picture, 1);
+    ASSERT_TRUE(font.AddPictureGlyph(u'x', picture, 0, 0, false));
+    EXPECT_TRUE(SamePicture(font.GetGlyph(u'x')->Picture, picture));
+}
+
 TEST_F(AddPictureGlyphTest, LetterAIsMeasuredOnTheSource) {
     OwnedPicture picture = BlankPicture(10, 40, FormatRGBA8);
     for (std::int32_t y = 5; y < 30; ++y)
