@@ -44,8 +44,8 @@ public:
 
     PlainGlyph Render(char16_t character) {
         const Widths widths = WidthsOf(character);
-        const auto half = [](int full) { return static_cast<int>(std::ceil(static_cast<float>(full) / 2)); };
-        PlainGlyph glyph{half(widths.a), half(widths.b), half(widths.c), {}};
+        const auto halved = [](int full) { return static_cast<int>(std::ceil(static_cast<float>(full) / 2)); };
+        PlainGlyph glyph{halved(widths.a), halved(widths.b), halved(widths.c), {}};
         if (glyph.width <= 1) return glyph;
         Clear();
         DrawCharacter(character, -widths.a, verticalOffset + ascent, 0);

@@ -129,6 +129,12 @@ TEST(EveryForm, DamagedFiles) {
             EXPECT_FALSE(Decoded(codec.name, std::span(whole).first(length)).IsValid())
                 << codec.name << " cut to " << length;
         }
+        Random random(20);
+        for (int round = 0; round < 300; ++round) {
+            Bytes flipped = whole;
+            flipped[random() % flipped.size()] ^= static_cast<std::uint8_t>(1U << random() % 8);
+            Decoded(codec.name, flipped); // a picture or none, but no crash
+        }
         for (const MCodec& other : Codecs()) {
             if (&other != &codec) {
                 EXPECT_FALSE(Decoded(other.name, whole).IsValid()) << codec.name << " read as " << other.name;
