@@ -186,6 +186,23 @@ TEST(GlyphPainter, EveryPaintIsDrawn) {
     }
 }
 
+// What lies below a radius of 0 leaves the colour where it is 0: here the middle, half way from green to blue.
+TEST(GlyphPainter, RadiiBelow0) {
+    const auto around = [](int extend) {
+        return fonts::Radial({500, 350, 0, 500, 350, 300}, fonts::ColourLine(extend, {{-1, 0}, {1, 1}}));
+    };
+    for (const fonts::Bytes& gradient :
+         {around(0), around(1), around(2),
+          fonts::Radial({500, 350, 300, 500, 350, 0}, fonts::ColourLine(0, {{0, 0}, {1.99, 1}}))}) {
+        fonts::Font font = OneBox();
+        AddPaint(font, fonts::Outline(1, gradient));
+        const std::uint32_t pixel = Drawing(font, true).At(505, 355);
+        EXPECT_EQ(pixel >> 16, 0xFF00U);
+        EXPECT_NEAR(pixel >> 8 & 0xFF, 128, 8);
+        EXPECT_NEAR(pixel & 0xFF, 128, 8);
+    }
+}
+
 TEST(GlyphPainter, BeforeAHardFirstStopIsItsOwnColour) {
     const fonts::Bytes line = fonts::ColourLine(0, {{0.5, 0}, {0.5, 1}, {1, 1}});
     for (const fonts::Bytes& gradient :

@@ -86,8 +86,6 @@ struct PaintFont {
             Outline(ring, Linear({500, 0, 500, 800, 0, 0}, ColourLine(0, {{0, 1}, {0.5, 4}, {1, 0, 0.5}})));
         for (int mode = 0; mode < 28; ++mode)
             Add("composite " + std::to_string(mode), Composite(mode, source, backdrop));
-        Add("radial to below 0",
-            Outline(box, Radial({500, 400, 250, 500, 400, 50}, ColourLine(0, {{0, 2}, {1, 3}, {1.9, 0}}))));
         Add("composite in a glyph",
             Outline(box, Composite(5, source, Composite(23, backdrop, Outline(box, Solid(3))))));
 
