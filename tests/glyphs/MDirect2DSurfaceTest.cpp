@@ -133,9 +133,9 @@ TEST_F(Direct2DSurface, WeightAndSlant) {
                             false, true);
             return InkOf(tall).Width();
         };
-        const std::int32_t plain = columns(400, false);
-        EXPECT_GT(columns(700, false), plain) << name;
-        EXPECT_GT(columns(400, true), plain + 5) << name;
+        const std::int32_t plain = columns(400, false), bold = columns(700, false);
+        EXPECT_GT(bold, plain) << name;
+        EXPECT_GT(columns(700, true), bold + 5) << name;
     }
 }
 
