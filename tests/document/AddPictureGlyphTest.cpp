@@ -15,20 +15,17 @@ protected:
 
     // The rule, point by point in floats.
     MColour PlainPixel(const MPicture& picture, const MGlyph& glyph, std::int32_t x, std::int32_t y) const {
-        const std::int32_t pictureWidth = static_cast<std::int32_t>(picture.Width);
-        const std::int32_t pictureHeight = static_cast<std::int32_t>(picture.Height);
+        const auto pictureWidth = static_cast<std::int32_t>(picture.Width);
+        const auto pictureHeight = static_cast<std::int32_t>(picture.Height);
         const std::int32_t total = settings.PaddingTop + settings.PaddingBottom + pictureHeight;
         const std::int32_t h = settings.GlyphHeight;
         const std::int32_t n = std::clamp(total / h + 1, 2, 6);
         const std::int32_t baseX = x * pictureWidth / glyph.Width;
         const std::int32_t baseY = y * total / h - settings.PaddingTop;
         std::array<float, 4> sums{}; // red, green, blue, alpha
-        float all = 0;
-        float coloured = 0;
-        for (std::int32_t i = 0; i < n; ++i) {
-            for (std::int32_t j = 0; j < n; ++j) {
-                const std::int32_t px = baseX + i;
-                const std::int32_t py = baseY + j;
+        float all = 0, coloured = 0;
+        for (std::int32_t px = baseX; px < baseX + n; ++px) {
+            for (std::int32_t py = baseY; py < baseY + n; ++py) {
                 if (px < 0 || py < 0 || px >= pictureWidth || py >= pictureHeight) continue;
                 const MColour point = picture.GetPixel(px, py);
                 all += 1;
@@ -59,15 +56,13 @@ TEST_F(AddPictureGlyphTest, ResamplesByPointSets) {
             settings.PaddingBottom = pick(20);
             ASSERT_TRUE(font.AddPictureGlyph(u'x', picture, 3, -4, false));
             const MGlyph& glyph = *font.GetGlyph(u'x');
-            ASSERT_EQ(glyph.Width, settings.GlyphHeight * static_cast<std::int32_t>(picture.Width) /
-                                       (settings.PaddingTop + settings.PaddingBottom +
-                                        static_cast<std::int32_t>(picture.Height)));
+            const std::int32_t total =
+                settings.PaddingTop + settings.PaddingBottom + static_cast<std::int32_t>(picture.Height);
+            ASSERT_EQ(glyph.Width, settings.GlyphHeight * static_cast<std::int32_t>(picture.Width) / total);
             ASSERT_EQ(std::tuple(glyph.Height, glyph.SpacingBefore, glyph.SpacingAfter, glyph.FromPicture),
                       std::tuple(settings.GlyphHeight, 3, -4, true));
-            for (std::int32_t y = 0; y < glyph.Height; ++y) {
-                for (std::int32_t x = 0; x < glyph.Width; ++x)
-                    ASSERT_EQ(glyph.GetPixel(x, y), PlainPixel(picture, glyph, x, y));
-            }
+            for (const auto& [x, y] : PlacesOf(glyph.Picture))
+                ASSERT_EQ(glyph.GetPixel(x, y), PlainPixel(picture, glyph, x, y));
         }
     }
 }
@@ -76,8 +71,7 @@ TEST_F(AddPictureGlyphTest, APictureOfTheGlyphsSizeIsCopied) {
     OwnedPicture picture = BlankPicture(50, 100, FormatRGBA8);
     FillWithNoise(picture, 1);
     ASSERT_TRUE(font.AddPictureGlyph(u'x', picture, 0, 0, false));
-    for (std::int32_t i = 0; i < 50; ++i)
-        EXPECT_EQ(font.GetGlyph(u'x')->GetPixel(i, 2 * i), picture.GetPixel(i, 2 * i));
+    EXPECT_TRUE(SamePicture(font.GetGlyph(u'x')->Picture, picture));
 }
 
 TEST_F(AddPictureGlyphTest, LetterAIsMeasuredOnTheSource) {

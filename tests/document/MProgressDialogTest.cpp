@@ -4,8 +4,8 @@
 #include "Text.h"
 #include "platform/MLongWork.h"
 
+#include <algorithm>
 #include <cmath>
-#include <string>
 #include <vector>
 
 namespace {
@@ -29,10 +29,7 @@ TEST_F(ProgressDialogTest, TellsTheDesktopOfChangesOnly) {
     dialog.Open(); // starts clean, whatever was shown
     dialog.Close();
     EXPECT_EQ(Headless::record.progressPercents, (std::vector<std::int32_t>{0, 49, 100, 0, 0}));
-    std::vector<std::string> texts;
-    for (const MString& text : Headless::record.progressTexts)
-        texts.push_back(Narrow(text));
-    EXPECT_EQ(texts, (std::vector<std::string>{"", "A", "B", ""}));
+    EXPECT_TRUE(std::ranges::equal(Headless::record.progressTexts, std::vector<MString>{"", "A", "B", ""}));
 }
 
 } // namespace

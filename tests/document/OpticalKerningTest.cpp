@@ -27,16 +27,14 @@ const std::map<char16_t, Shape> capitals = {{u'H', box},   {u'I', box},  {u'N', 
                                             {u'A', point}, {u'T', roof}, {u'L', foot}, {u'V', pointDown}};
 
 // Capitals `size` pixels high with edges as soft as the share of a pixel that they cover.
-void Draw(MColourFont& font, const std::map<char16_t, Shape>& shapes, std::int32_t size,
-          bool mirrored = false) {
+void Draw(MColourFont& font, const std::map<char16_t, Shape>& shapes, std::int32_t size) {
     const std::int32_t top = size / 4;
     for (const auto& [character, shape] : shapes) {
         MGlyph& glyph = AddGlyph(font, character, size * 4 / 5, size * 3 / 2);
         glyph.SpacingBefore = size / 10;
         glyph.SpacingAfter = size / 10;
         for (std::int32_t row = 0; row < size; ++row) {
-            auto [left, right] = shape((row + 0.5) / size);
-            if (mirrored) std::tie(left, right) = std::pair(1 - right, 1 - left);
+            const auto [left, right] = shape((row + 0.5) / size);
             for (std::int32_t x = 0; x < glyph.Width; ++x) {
                 const double covered =
                     std::min(right * glyph.Width, x + 1.0) - std::max(left * glyph.Width, double(x));
@@ -66,26 +64,10 @@ TEST_F(OpticalKerningTest, LoosePairsComeCloserAndUprightOnesStay) {
         EXPECT_LT(amount, 0);
         EXPECT_GT(amount, -80) << "the ink never meets";
     }
-    for (const auto& pair :
-         {std::pair(u'A', u'V'), std::pair(u'V', u'A'), std::pair(u'L', u'T'), std::pair(u'T', u'A')})
+    for (const auto& pair : {std::pair(u'A', u'V'), {u'V', u'A'}, {u'L', u'T'}, {u'T', u'A'}})
         EXPECT_LT(amounts.contains(pair) ? amounts.at(pair) : 0, -12) << static_cast<char>(pair.first);
     for (const auto& pair : {std::pair(u'H', u'I'), std::pair(u'N', u'L')})
         EXPECT_GE(amounts.contains(pair) ? amounts.at(pair) : 0, -4) << static_cast<char>(pair.first);
-}
-
-TEST_F(OpticalKerningTest, MirroredLettersGiveMirroredPairs) {
-    MColourFont font(nullptr), mirror(nullptr);
-    Draw(font, capitals, 120);
-    Draw(mirror, capitals, 120, true);
-    const auto amounts = AmountsOf(MOpticalKerning(font).Pairs({}, {}));
-    const auto mirrored = AmountsOf(MOpticalKerning(mirror).Pairs({}, {}));
-    ASSERT_GT(amounts.size(), 10U);
-    EXPECT_EQ(amounts.size(), mirrored.size());
-    for (const auto& [pair, amount] : amounts) {
-        const auto other = mirrored.find({pair.second, pair.first});
-        ASSERT_NE(other, mirrored.end());
-        EXPECT_NEAR(other->second, amount, 1);
-    }
 }
 
 TEST_F(OpticalKerningTest, AmountsGrowWithTheFont) {
@@ -158,16 +140,15 @@ TEST_F(OpticalKerningTest, LoosenessIsTheDistanceToTheDensityOfControlLetters) {
         const MGlyph& glyph = *font.GetGlyph(c);
         double least = 1e9;
         for (std::int32_t y = 0; y < glyph.Height; ++y) {
-            double coverage = 0, empty = 0;
-            for (std::int32_t x = 0; x < glyph.Width && coverage == 0; ++x) {
-                const double a = glyph.GetPixel(behind ? glyph.Width - 1 - x : x, y).a / 255.0;
-                empty += 1 - a;
-                if (a > 0) {
-                    coverage = 1;
-                    empty += (1 - a) * (1 - glyph.GetPixel(behind ? glyph.Width - 2 - x : x + 1, y).a / 255.0);
-                }
-            }
-            if (coverage > 0) least = std::min(least, empty + size / 10 + std::abs(y - row));
+            const auto alpha = [&](std::int32_t x) {
+                return glyph.GetPixel(behind ? glyph.Width - 1 - x : x, y).a / 255.0;
+            };
+            std::int32_t clear = 0; // pixels up to the first ink, which covers a part of its own
+            while (clear < glyph.Width && alpha(clear) == 0)
+                ++clear;
+            if (clear == glyph.Width) continue;
+            const double empty = clear + (1 - alpha(clear)) * (2 - alpha(clear + 1));
+            least = std::min(least, empty + size / 10 + std::abs(y - row));
         }
         return least;
     };
@@ -186,7 +167,7 @@ TEST_F(OpticalKerningTest, LoosenessIsTheDistanceToTheDensityOfControlLetters) {
     }
     const MOpticalKerning optical(font);
     for (const auto& [l, r] :
-         {std::pair(u'A', u'V'), std::pair(u'T', u'A'), std::pair(u'H', u'H'), std::pair(u'O', u'O')}) {
+         {std::pair(u'A', u'V'), {u'T', u'A'}, {u'L', u'T'}, {u'T', u'L'}, {u'H', u'H'}, {u'O', u'O'}}) {
         double low = -0.1, high = 0.5;
         for (int i = 0; i < 30; ++i) {
             const double middle = (low + high) / 2;

@@ -1,7 +1,8 @@
 #include "DocumentFixture.h"
+#include "imaging/Pictures.h"
 
-#include <cstring>
 #include <tuple>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -12,29 +13,24 @@ using Sizes = std::vector<std::pair<std::int32_t, std::int32_t>>;
 struct PlainPacking {
     std::int32_t width = 128;
     std::int32_t height = 128;
-    MPicture picture;
+    OwnedPicture picture;
     std::vector<std::pair<std::int32_t, std::int32_t>> places;
 
     explicit PlainPacking(const MColourFont& font) {
         while (!Walk(font, false)) {
-            if (width * 2 <= height * 2) {
+            if (width <= height) {
                 width *= 2;
             } else {
-                const std::int32_t oldHeight = height;
-                height *= 2;
-                width = oldHeight;
+                width = std::exchange(height, height * 2);
             }
         }
-        picture = MPicture(static_cast<std::uint32_t>(width), static_cast<std::uint32_t>(height), FormatRGBA8);
-        picture.Fill(MColour(0, 0, 0, 0));
+        picture =
+            BlankPicture(static_cast<std::uint32_t>(width), static_cast<std::uint32_t>(height), FormatRGBA8);
         Walk(font, true);
     }
-    PlainPacking(const PlainPacking&) = delete;
-    ~PlainPacking() { picture.Free(); }
 
     bool Walk(const MColourFont& font, bool place) {
-        std::int32_t x = 16;
-        std::int32_t y = 16;
+        std::int32_t x = 16, y = 16;
         for (const auto& glyph : font.Glyphs) {
             if (!glyph || glyph->Width < 1 || glyph->Height < 1) continue;
             if (!(x + 16 + glyph->Width < width)) {
@@ -44,11 +40,9 @@ struct PlainPacking {
             if (!(y + 16 + glyph->Height < height)) return false;
             if (place) {
                 places.emplace_back(x, y);
-                for (std::int32_t c = 0; c < glyph->Width; ++c) {
-                    for (std::int32_t r = 0; r < glyph->Height; ++r) {
+                for (std::int32_t c = 0; c < glyph->Width; ++c)
+                    for (std::int32_t r = 0; r < glyph->Height; ++r)
                         picture.SetPixel(x + c, y + r, glyph->GetPixel(c, r));
-                    }
-                }
             }
             x += 16 + glyph->Width;
         }
@@ -61,8 +55,7 @@ protected:
     MColourFont font{nullptr};
 
     void Fill(const Sizes& sizes) {
-        char16_t character = 33;
-        for (const auto& [width, height] : sizes) {
+        for (char16_t character = 33; const auto& [width, height] : sizes) {
             FillWithNoise(AddGlyph(font, character, width, height).Picture, character);
             ++character;
         }
@@ -78,9 +71,7 @@ protected:
             if (!glyph || glyph->Width < 1 || glyph->Height < 1) continue;
             ASSERT_EQ(std::pair(glyph->X, glyph->Y), plain.places[placed++]);
         }
-        ASSERT_EQ(std::memcmp(font.Picture.Pixels, plain.picture.Pixels,
-                              std::size_t{plain.picture.Stride} * plain.picture.Height),
-                  0);
+        ASSERT_TRUE(SamePicture(font.Picture, plain.picture));
     }
 };
 

@@ -1,10 +1,7 @@
 #include "DocumentFixture.h"
-#include "foundation/MDebug.h"
 
-#include <algorithm>
 #include <limits>
 #include <tuple>
-#include <vector>
 
 namespace {
 
@@ -20,23 +17,19 @@ protected:
 };
 
 TEST_F(WholeFontEditsTest, ScaleTruncatesFloats) {
-    const struct {
-        float factor;
-        std::int32_t before, after;
-    } cases[] = {{0.5F, 33, 16}, {0.5F, -1, 0}, {0.5F, -3, -1}, {27.0F / 19.0F, 19, 26}, {2.0F, 3, 6}};
-    for (const auto& c : cases) {
+    const std::tuple<float, std::int32_t, std::int32_t> cases[] = {
+        {0.5F, 33, 16}, {0.5F, -1, 0}, {0.5F, -3, -1}, {27.0F / 19.0F, 19, 26}, {2.0F, 3, 6}};
+    for (const auto& [factor, before, after] : cases) {
         font.Clear();
         MGlyph& glyph = AddGlyph(font, u'A', 33, 20);
-        glyph.SpacingBefore = c.before;
-        glyph.SpacingAfter = -c.before;
-        font.SetKerning('A', 'A', c.before);
-        font.Baseline = font.CapHeight = font.SpaceWidth = c.before;
-        font.Scale(c.factor);
-        EXPECT_EQ(std::tuple(glyph.SpacingBefore, glyph.SpacingAfter), std::tuple(c.after, -c.after))
-            << c.before;
-        EXPECT_EQ(std::tuple(font.Baseline, font.CapHeight, font.SpaceWidth),
-                  std::tuple(c.after, c.after, c.after));
-        EXPECT_EQ(font.Kerning.data[0].Amount, c.after); // stays, also with amount 0
+        glyph.SpacingBefore = before;
+        glyph.SpacingAfter = -before;
+        font.SetKerning('A', 'A', before);
+        font.Baseline = font.CapHeight = font.SpaceWidth = before;
+        font.Scale(factor);
+        EXPECT_EQ(std::tuple(glyph.SpacingBefore, glyph.SpacingAfter), std::tuple(after, -after)) << before;
+        EXPECT_EQ(std::tuple(font.Baseline, font.CapHeight, font.SpaceWidth), std::tuple(after, after, after));
+        EXPECT_EQ(font.Kerning.data[0].Amount, after); // stays, also with amount 0
     }
     MGlyph& glyph = AddGlyph(font, u'B', 33, 20);
     for (std::int32_t pixel = 0; pixel < 33 * 20; ++pixel)

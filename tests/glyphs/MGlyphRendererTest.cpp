@@ -60,15 +60,7 @@ void ExpectSame(const MGlyph* actual, const PlainGlyph& expected) {
 
 } // namespace
 
-TEST_F(GlyphRenderer, CanvasIsThreeHeightsWideInSteps) {
-    for (const auto& [height, canvasWidth, canvasHeight] :
-         {std::array{100, 300, 450}, {101, 304, 456}, {16, 48, 72}, {1024, 3072, 4608}}) {
-        settings.GlyphHeight = height;
-        const MGlyphRenderer renderer(nullptr);
-        EXPECT_TRUE(renderer.ready) << height;
-        EXPECT_EQ(renderer.canvasWidth, canvasWidth) << height;
-        EXPECT_EQ(renderer.canvasHeight, canvasHeight) << height;
-    }
+TEST_F(GlyphRenderer, HeightsThatNoCanvasHas) {
     for (const std::int32_t height : {0, -1, INT32_MIN, INT32_MAX, 1'000'000}) {
         settings.GlyphHeight = height;
         EXPECT_FALSE(MGlyphRenderer(nullptr).ready) << height;
@@ -81,13 +73,14 @@ TEST_F(GlyphRenderer, GlyphsAreThoseOfTheWholeCanvas) {
         std::int32_t weight;
         bool italic;
         const char* file;
-        int height;
-        int step;
+        int height, step;
     };
-    for (const Case& c : {Case{"Liberation Sans", 400, false, "LiberationSans-Regular", 100, 1},
-                          Case{"Liberation Serif", 400, true, "LiberationSerif-Italic", 101, 1},
-                          Case{"DejaVu Sans", 700, false, "DejaVuSans-Bold", 16, 1},
-                          Case{"DejaVu Sans Mono", 400, false, "DejaVuSansMono", 1024, 40}}) {
+    for (const Case& c :
+         {Case{"Liberation Sans", 400, false, "LiberationSans-Regular", 100, 1},
+          Case{"Liberation Serif", 400, true, "LiberationSerif-Italic", 101, 1},
+          Case{"DejaVu Sans", 700, false, "DejaVuSans-Bold", 16, 1},
+          Case{"DejaVu Sans", 200, false, "DejaVuSans-ExtraLight", 16, 1}, // ink too thin for a glyph
+          Case{"DejaVu Sans Mono", 400, false, "DejaVuSansMono", 1024, 40}}) {
         settings.FontName = c.family;
         settings.Weight = c.weight;
         settings.Italic = c.italic;
@@ -95,35 +88,15 @@ TEST_F(GlyphRenderer, GlyphsAreThoseOfTheWholeCanvas) {
         MGlyphRenderer renderer(nullptr);
         ASSERT_TRUE(renderer.ready);
         PlainRenderer plain(FontPath(c.file), c.height, ReferenceTop(c.height), ReferenceBottom(c.height));
-        EXPECT_EQ(renderer.fontHeight, plain.fontHeight) << c.file;
-        EXPECT_EQ(renderer.verticalOffset, plain.verticalOffset) << c.file;
+        ASSERT_EQ(std::pair(renderer.canvasWidth, renderer.canvasHeight),
+                  std::pair(plain.canvasWidth, plain.canvasHeight));
         for (int code = 33; code < 256; code += c.step) {
             SCOPED_TRACE(testing::Message() << c.file << " " << c.height << " code " << code);
             const auto character = static_cast<char16_t>(code);
             const auto glyph = renderer.RenderGlyph(character);
             ExpectSame(glyph.get(), plain.Render(character));
-            if (glyph) {
-                EXPECT_EQ(glyph->Character, character);
-                EXPECT_EQ(glyph->Height, c.height);
-                EXPECT_FALSE(glyph->FromPicture);
-            }
+            EXPECT_TRUE(!glyph || (glyph->Height == c.height && !glyph->FromPicture));
         }
-    }
-}
-
-TEST_F(GlyphRenderer, AllFamiliesComeOutEquallyTall) {
-    settings.GlyphHeight = 300;
-    for (const char* family :
-         {"Liberation Sans", "Liberation Serif", "Liberation Mono", "Liberation Sans Narrow", "DejaVu Sans",
-          "DejaVu Serif", "DejaVu Sans Mono", "DejaVu Sans Condensed", "Arial Black", "No Such Family"}) {
-        settings.FontName = family;
-        MGlyphRenderer renderer(nullptr);
-        ASSERT_TRUE(renderer.ready) << family;
-        const auto capital = renderer.RenderGlyph(u'I');
-        const auto small = renderer.RenderGlyph(u'j');
-        ASSERT_TRUE(capital && small) << family;
-        EXPECT_NEAR(std::min(RowsOf(*capital).top, RowsOf(*small).top), ReferenceTop(300), 1) << family;
-        EXPECT_NEAR(RowsOf(*small).end - 1, ReferenceBottom(300), 1) << family;
     }
 }
 
@@ -156,34 +129,6 @@ TEST_F(GlyphRenderer, TheReferenceFamilyIsItsOwnMeasure) {
     settings.FontName = "Laboratory Sans";
     settings.Weight = 700;
     EXPECT_NEAR(MGlyphRenderer(nullptr).fontHeight, 50, 4) << "by the face of the same weight";
-}
-
-TEST_F(GlyphRenderer, SpacingsRoundUpAndThinInkIsNoGlyph) {
-    settings.FontName = "Liberation Serif";
-    settings.Italic = true;
-    MGlyphRenderer renderer(nullptr);
-    MInk ink;
-    ASSERT_TRUE(renderer.font->GetInk(u'j', ink));
-    ASSERT_LT(ink.a, 0);
-    const auto glyph = renderer.RenderGlyph(u'j');
-    ASSERT_TRUE(glyph);
-    EXPECT_EQ(glyph->SpacingBefore, -(-ink.a / 2)) << "toward zero for what is negative";
-    EXPECT_EQ(glyph->Width, (ink.b + 1) / 2);
-    bool firstColumn = false;
-    for (std::int32_t y = 0; y < glyph->Height; ++y)
-        firstColumn = firstColumn || glyph->GetPixel(0, y).a > 0;
-    EXPECT_TRUE(firstColumn) << "ink that hangs out to the left still begins at column 0";
-
-    EXPECT_EQ(renderer.RenderGlyph(u' '), nullptr);
-    settings.GlyphHeight = 16;
-    settings.FontName = "DejaVu Sans";
-    settings.Italic = false;
-    settings.Weight = 200;
-    MGlyphRenderer thin(nullptr);
-    ASSERT_TRUE(thin.font->GetInk(u'|', ink));
-    ASSERT_GT(ink.b, 0);
-    ASSERT_LE(ink.b, 2);
-    EXPECT_EQ(thin.RenderGlyph(u'|'), nullptr);
 }
 
 TEST_F(GlyphRenderer, SettingsAreReadAtEveryUse) {

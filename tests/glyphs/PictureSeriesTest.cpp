@@ -34,23 +34,20 @@ TEST(PictureSeries, GoesOnWhileFilesExist) {
         folder.Write(file, "x");
     }
     std::filesystem::create_directory(folder.path / "D.png");
-    const struct {
-        const char* start;
-        char16_t character;
-        const char* next; // empty for the end
-    } cases[] = {
+    const std::tuple<const char*, char16_t, std::string> cases[] = {
+        // empty for the end
         {"A.png", u'A', "B.PNG"},    {"B.png", u'B', "C.PNG"},    {"c.png", u'c', ""},
         {"x99.gif", 99, "x100.GIF"}, {"x065.png", 65, "x66.PNG"}, // leading zeros are not kept
         {"x66.png", 65, ""},         {"y.png", u'A', ""},         {"C.png", u'C', ""}, // a folder
         {"k_Y.tar.png", u'Y', ""},                                                     // asks for k_Z.PNG
     };
-    for (const auto& c : cases) {
-        MString path = folder.File(c.start);
-        char16_t character = c.character;
-        EXPECT_EQ(NextSuccessivePicture(path, character), c.next[0] != 0) << c.start;
-        if (c.next[0] == 0) continue;
-        EXPECT_EQ(Narrow(path.GetFileName()), c.next);
-        EXPECT_EQ(character, c.character + 1);
+    for (const auto& [start, of, next] : cases) {
+        MString path = folder.File(start);
+        char16_t character = of;
+        EXPECT_EQ(NextSuccessivePicture(path, character), !next.empty()) << start;
+        if (next.empty()) continue;
+        EXPECT_EQ(Narrow(FileNameOf(path)), next);
+        EXPECT_EQ(character, of + 1);
     }
     MString last = folder.File("x65535.png");
     char16_t character = 65535;
@@ -93,12 +90,11 @@ TEST_F(ChosenPictures, TheFirstOfANewFontGivesTheHeight) {
     AddChosenPictures(font, true);
     EXPECT_EQ(settings.GlyphHeight, 30);
     EXPECT_EQ(Characters(), "bz") << "sorted";
-    EXPECT_EQ(font.GetGlyph(u'b')->Width, 17) << "trimmed";
-    EXPECT_EQ(font.GetGlyph(u'b')->SpacingBefore, 4);
-    EXPECT_EQ(font.GetGlyph(u'b')->SpacingAfter, 5);
+    const MGlyph& first = *font.GetGlyph(u'b');
+    EXPECT_EQ(std::tuple(first.Width, first.SpacingBefore, first.SpacingAfter), std::tuple(17, 4, 5))
+        << "trimmed";
     EXPECT_TRUE(font.Picture.IsValid()) << "repacked";
-    ASSERT_EQ(Headless::record.messages.size(), 1U);
-    const Headless::Message& question = Headless::record.messages[0];
+    const Headless::Message& question = Headless::record.messages.at(0);
     EXPECT_EQ(Narrow(question.text), "Would you like to add all successive pictures as well?");
     EXPECT_EQ(Narrow(question.caption), "Lettrino");
     EXPECT_EQ(question.buttons, Desktop::Buttons::YesNo);
@@ -118,7 +114,7 @@ TEST_F(ChosenPictures, YesAddsTheRestOfTheSeries) {
     const MGlyph& last = *font.GetGlyph(u'd');
     EXPECT_EQ(std::tuple(last.Width, last.Height, last.SpacingBefore, last.SpacingAfter),
               std::tuple(40, 30, 4, 5));
-    EXPECT_EQ(Narrow(settings.Path(MPathKind::GlyphPicture).GetFileName()), "b.png") << "stays the chosen one";
+    EXPECT_EQ(settings.Path(MPathKind::GlyphPicture), folder.File("b.png")) << "stays the chosen one";
     EXPECT_EQ(settings.Char, std::uint32_t{'b'});
 
     folder.Write("c.png", "no picture");

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <tuple>
 #include <vector>
 
 namespace {
@@ -28,9 +29,8 @@ TEST(CopyPixels, EveryPairOfFormats) {
         for (MPixelFormat from = 1; from <= 9; ++from) {
             OwnedPicture target = RandomPicture(5, 4, to, 1);
             const OwnedPicture source = RandomPicture(5, 4, from, 2);
-            const OwnedPicture before = DeepCopy(target);
+            OwnedPicture expected = DeepCopy(target);
             EXPECT_TRUE(target.CopyPixels(source));
-            OwnedPicture expected = DeepCopy(before);
             if (Expected(to, from) == Outcome::Bits) {
                 std::memcpy(expected.Pixels, source.Pixels, std::size_t{source.Stride} * source.Height);
             }
@@ -48,23 +48,19 @@ TEST(CopyPixels, EveryPairOfFormats) {
 }
 
 TEST(CopyPixels, RowOrderIsHeededByHalfOfThePairs) {
-    struct Row {
-        MPixelFormat to, from;
-        bool turned;
-    };
-    for (const Row& row : {Row{7, 7, true}, Row{2, 2, true}, Row{4, 7, true}, Row{7, 4, true}, Row{5, 8, false},
-                           Row{8, 5, false}, Row{7, 8, false}, Row{4, 1, false}, Row{8, 9, false}}) {
-        OwnedPicture target = BlankPicture(3, 4, row.to);
-        OwnedPicture source = RandomPicture(3, 4, row.from, 3, 1.0);
-        OwnedPicture straight = BlankPicture(3, 4, row.to);
+    const std::tuple<MPixelFormat, MPixelFormat, bool> cases[] = {{7, 7, true},  {2, 2, true},  {4, 7, true},
+                                                                  {7, 4, true},  {5, 8, false}, {8, 5, false},
+                                                                  {7, 8, false}, {4, 1, false}, {8, 9, false}};
+    for (const auto& [to, from, turned] : cases) {
+        OwnedPicture target = BlankPicture(3, 4, to);
+        OwnedPicture source = RandomPicture(3, 4, from, 3, 1.0);
+        OwnedPicture straight = BlankPicture(3, 4, to);
         // Bits are copied in one order only; in another this pair has no conversion.
-        if (row.from != FormatRGBAHalf) {
-            ASSERT_TRUE(straight.CopyPixels(source));
-        }
+        if (from != FormatRGBAHalf) straight.CopyPixels(source);
         source.TopDown = false;
         ASSERT_TRUE(target.CopyPixels(source));
-        if (row.turned) straight.FlipVertically();
-        EXPECT_TRUE(SamePicture(target, straight)) << row.from << " into " << row.to;
+        if (turned) straight.FlipVertically();
+        EXPECT_TRUE(SamePicture(target, straight)) << from << " into " << to;
     }
 }
 
@@ -79,8 +75,38 @@ TEST(CopyPixels, IntoAViewWithLongerRows) {
 
 TEST(CopyPixels, NeedsTwoValidPicturesOfOneSize) {
     OwnedPicture picture = BlankPicture(3, 4, FormatRGBA8);
-    const OwnedPicture other = BlankPicture(4, 3, FormatRGBA8);
-    EXPECT_FALSE(picture.CopyPixels(other));
+    EXPECT_FALSE(picture.CopyPixels(BlankPicture(4, 3, FormatRGBA8)));
     EXPECT_FALSE(picture.CopyPixels(MPicture()));
-    EXPECT_FALSE(MPicture().CopyPixels(picture));
+}
+
+// By single pixels: a copy premultiplied through GetPixel and SetPixel, then CopyPixels.
+TEST(PictureBitmap, EveryFormat) {
+    for (MPixelFormat format = 1; format <= 9; ++format) {
+        OwnedPicture copy = RandomPicture(20, 10, format, 26);
+        const OwnedPicture bitmap(copy.CreateWicBitmap());
+        OwnedPicture expected = BlankPicture(20, 10, FormatRGBA8);
+        for (const auto& [x, y] : PlacesOf(copy)) {
+            const MColour colour = copy.GetPixel(x, y);
+            const auto times = [&](int channel) { return static_cast<std::uint8_t>(channel * colour.a >> 8); };
+            if (colour.a < 255)
+                copy.SetPixel(x, y, MColour(times(colour.r), times(colour.g), times(colour.b), colour.a));
+        }
+        expected.CopyPixels(copy);
+        EXPECT_TRUE(SamePicture(bitmap, expected)) << format;
+    }
+    EXPECT_FALSE(MPicture().CreateWicBitmap().IsValid());
+}
+
+TEST(PictureBitmap, BitmapsBecomeStraight) {
+    const std::vector<std::uint8_t> bytes = {25, 50, 100, 128, 1, 2, 3, 255, 99, 0,
+                                             0,  0,  0,   0,   9, 9, 9, 9,   99, 99};
+    MBitmapView view{bytes.data(), 2, 2, 10};
+    const OwnedPicture picture{MPicture(view)};
+    ASSERT_TRUE(picture.IsValid());
+    EXPECT_EQ(picture.GetPixel(0, 0), MColour(199, 100, 50, 128));
+    EXPECT_EQ(picture.GetPixel(1, 0), MColour(3, 2, 1, 255));
+    EXPECT_EQ(picture.GetPixel(0, 1), MColour(0, 0, 0, 0));
+    EXPECT_EQ(picture.GetPixel(1, 1), MColour(255, 255, 255, 9)) << "more than its alpha allows";
+    view.Pixels = nullptr;
+    EXPECT_EQ(MPicture(view).Width, 0U);
 }

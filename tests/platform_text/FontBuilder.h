@@ -98,8 +98,8 @@ struct Font {
         font.U32(0x00010000).U16(count).U16(16 << log).U16(log).U16(count * 16 - (16 << log));
         Bytes data;
         const std::size_t start = 12 + all.size() * 16;
-        for (const auto& [tag, bytes] : all) {
-            font.Add(tag).U32(CheckSum(bytes)).U32(static_cast<std::int64_t>(start + data.size()));
+        for (const auto& [tag, bytes] : all) { // their check sums are looked at by nobody
+            font.Add(tag).U32(0).U32(static_cast<std::int64_t>(start + data.size()));
             font.U32(static_cast<std::int64_t>(bytes.size()));
             data.Add(bytes);
             while (data.size() % 4 != 0)
@@ -109,31 +109,13 @@ struct Font {
     }
 
 private:
-    static std::uint32_t CheckSum(std::string bytes) {
-        while (bytes.size() % 4 != 0)
-            bytes.push_back('\0');
-        std::uint32_t sum = 0;
-        for (std::size_t i = 0; i < bytes.size(); i += 4) {
-            std::uint32_t word = 0;
-            for (std::size_t k = 0; k < 4; ++k)
-                word = word << 8 | static_cast<unsigned char>(bytes[i + k]);
-            sum += word;
-        }
-        return sum;
-    }
-
     std::pair<std::string, std::string> Outlines() const {
-        Bytes glyf;
-        Bytes loca;
+        Bytes glyf, loca;
         for (const Glyph& glyph : glyphs) {
             loca.U32(static_cast<std::int64_t>(glyf.size()));
             if (glyph.contours.empty()) continue;
-            Point low{32767, 32767};
-            Point high{-32768, -32768};
-            Bytes ends;
-            Bytes flags;
-            Bytes xs;
-            Bytes ys;
+            Point low{32767, 32767}, high{-32768, -32768};
+            Bytes ends, flags, xs, ys;
             Point last{0, 0};
             int points = 0;
             for (const auto& contour : glyph.contours) {
@@ -174,13 +156,10 @@ private:
     std::string Hmtx() const {
         Bytes hmtx;
         for (const Glyph& glyph : glyphs) {
-            int left = 0;
-            if (!glyph.contours.empty()) {
-                left = 32767;
-                for (const auto& contour : glyph.contours)
-                    for (const Point& point : contour)
-                        left = std::min(left, point.x);
-            }
+            int left = glyph.contours.empty() ? 0 : 32767;
+            for (const auto& contour : glyph.contours)
+                for (const Point& point : contour)
+                    left = std::min(left, point.x);
             hmtx.U16(glyph.advance).U16(left);
         }
         return hmtx;
@@ -191,30 +170,15 @@ private:
             .U16s({static_cast<std::int64_t>(glyphs.size()), 200, 8, 0, 0, 2, 0, 0, 0, 0, 0, 0, 0, 0});
     }
     std::string Cmap() const {
-        const auto segments = static_cast<int>(characters.size()) + 1;
-        Bytes ends;
-        Bytes starts;
-        Bytes deltas;
-        Bytes ranges;
-        for (const auto& [character, glyph] : characters) {
-            ends.U16(character);
-            starts.U16(character);
-            deltas.U16(glyph - character);
-            ranges.U16(0);
-        }
-        ends.U16(0xFFFF);
-        starts.U16(0xFFFF);
-        deltas.U16(1);
-        ranges.U16(0);
-        const int log = static_cast<int>(std::log2(segments));
+        const auto count = static_cast<std::int64_t>(characters.size());
         Bytes table;
-        table.U16(4).U16(16 + segments * 8).U16(0).U16(segments * 2).U16(2 << log).U16(log);
-        table.U16(segments * 2 - (2 << log)).Add(ends).U16(0).Add(starts).Add(deltas).Add(ranges);
-        return Bytes().U16(0).U16(1).U16(3).U16(1).U32(12).Add(table);
+        table.U16(12).U16(0).U32(16 + count * 12).U32(0).U32(count);
+        for (const auto& [character, glyph] : characters)
+            table.U32(character).U32(character).U32(glyph);
+        return Bytes().U16(0).U16(1).U16(3).U16(10).U32(12).Add(table);
     }
     std::string Name() const {
-        Bytes text;
-        Bytes records;
+        Bytes text, records;
         for (const auto& [id, value] :
              {std::pair{1, family}, {2, std::string("Regular")}, {4, family}, {6, family}}) {
             std::string name = value;

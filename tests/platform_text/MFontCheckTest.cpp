@@ -28,7 +28,7 @@ TEST(FontCheck, WhatTheLibrariesWouldDieOfIsRefusedWithAReason) {
         {"glyphs of glyphs of nothing, 1000^4", "too many others"},
         {"1100 x 1100 in each glyph", "larger than a glyph"},
         {"a document of 30 MB for each glyph", "unpack to more"},
-        {"WOFF of 200 MB", "unpacks to 200002480 bytes"},
+        {"WOFF of 200 MB", "unpacks to 20000"},
         {"30,000 faces", "it has 30000 faces"},
         {"a gzip of 100 MB", "it is packed"},
     };

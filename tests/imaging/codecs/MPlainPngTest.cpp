@@ -73,23 +73,11 @@ Bytes Rows(std::uint32_t width, std::uint32_t height, std::size_t channels, cons
     return rows;
 }
 
-struct Outcome {
-    bool read;
-    OwnedPicture picture;
-};
-
-Outcome ByLibpng(const Bytes& file) {
+// The picture, invalid if the file isn't taken.
+OwnedPicture ByLibpng(const Bytes& file) {
     MPicture picture;
-    const bool read = DecodePngByLibpng(file, picture);
-    return {read, picture};
-}
-
-// As DecodePng does, and no other way.
-Outcome Ours(const Bytes& file) {
-    MByteSource source(file);
-    MPicture picture;
-    const bool read = DecodePng(source, 0, picture);
-    return {read, picture};
+    if (!DecodePngByLibpng(file, picture)) picture.Free();
+    return {picture};
 }
 
 bool IsPlain(const Bytes& file) {
@@ -108,10 +96,8 @@ TEST(PlainPng, LibpngReadsWhatIsWritten) {
             MByteSink sink;
             ASSERT_EQ(EncodePlainPng(picture, sink), std::optional(true)) << width << " x " << height;
             const Bytes file(sink.Bytes().begin(), sink.Bytes().end());
-            const Outcome read = ByLibpng(file);
-            EXPECT_TRUE(read.read && SamePicture(read.picture, picture))
-                << "format " << format << ", " << width;
-            EXPECT_TRUE(IsPlain(file) && SamePicture(Ours(file).picture, picture));
+            EXPECT_TRUE(SamePicture(ByLibpng(file), picture)) << "format " << format << ", " << width;
+            EXPECT_TRUE(IsPlain(file) && SamePicture(Decoded("PNG", file), picture));
         }
     }
     MByteSink sink;
@@ -128,7 +114,7 @@ TEST(PlainPng, EveryFilterIsUndoneAsByLibpng) {
             const Bytes file =
                 Assembled(width, 40, static_cast<std::uint8_t>(colourType), {Chunk("IDAT", Packed(rows))});
             EXPECT_TRUE(IsPlain(file));
-            EXPECT_TRUE(SamePicture(Ours(file).picture, ByLibpng(file).picture)) << channels << ", " << width;
+            EXPECT_TRUE(SamePicture(Decoded("PNG", file), ByLibpng(file))) << channels << ", " << width;
         }
     }
 }
@@ -148,11 +134,7 @@ TEST(PlainPng, DoubtsAreLeftToLibpng) {
     Bytes more = packed;
     more.push_back(0);
     const Bytes key = Chunk("tRNS", {0, 1, 0, 2, 0, 3});
-    const struct {
-        const char* what;
-        bool plain;
-        Bytes file;
-    } cases[] = {
+    const std::tuple<const char*, bool, Bytes> cases[] = {
         {"two data chunks and words", true, Assembled(9, 12, 6, {text, begin, end, text})},
         {"words between the data", false, Assembled(9, 12, 6, {begin, text, end})},
         {"an empty data chunk", false, Assembled(9, 12, 6, {begin, Chunk("IDAT", {}), end})},
@@ -171,18 +153,18 @@ TEST(PlainPng, DoubtsAreLeftToLibpng) {
     };
     for (const auto& [what, plain, file] : cases) {
         EXPECT_EQ(IsPlain(file), plain) << what;
-        const Outcome ours = Ours(file);
-        const Outcome theirs = ByLibpng(file);
-        EXPECT_EQ(ours.read, theirs.read) << what;
-        EXPECT_TRUE(!theirs.read || SamePicture(ours.picture, theirs.picture)) << what;
+        const OwnedPicture ours = Decoded("PNG", file);
+        const OwnedPicture theirs = ByLibpng(file);
+        EXPECT_EQ(ours.IsValid(), theirs.IsValid()) << what;
+        EXPECT_TRUE(!theirs.IsValid() || SamePicture(ours, theirs)) << what;
     }
     // Wherever a bit is wrong, and wherever the file ends.
     const Bytes whole = Assembled(9, 12, 6, {text, idat});
     for (std::size_t i = 0; i < whole.size(); ++i) {
         Bytes damaged = whole;
         damaged[i] ^= 0x10;
-        EXPECT_EQ(Ours(damaged).read, ByLibpng(damaged).read) << "byte " << i;
+        EXPECT_EQ(Decoded("PNG", damaged).IsValid(), ByLibpng(damaged).IsValid()) << "byte " << i;
         const Bytes cut(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(i));
-        EXPECT_EQ(Ours(cut).read, ByLibpng(cut).read) << "cut at " << i;
+        EXPECT_EQ(Decoded("PNG", cut).IsValid(), ByLibpng(cut).IsValid()) << "cut at " << i;
     }
 }

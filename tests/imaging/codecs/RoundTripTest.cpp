@@ -3,6 +3,7 @@
 #include "imaging/codecs/Coding.h"
 
 #include <gtest/gtest.h>
+#include <zlib.h>
 
 #include <array>
 #include <cstdlib>
@@ -17,9 +18,9 @@ struct Form {
 
 // Floats pass through other steps on the way to bytes, hence the 1.
 constexpr Form forms[] = {
-    {"PNG", {1, 2, 2, 4, 5, 5, 7, 8, 8}, 1},
-    {"BMP", {7, 7, 7, 4, 4, 4, 7, 7, 7}, 0},   {"JPEG", {1, 1, 1, 4, 4, 4, 4, 4, 4}, 10},
-    {"HEIF", {4, 4, 4, 4, 4, 4, 7, 7, 7}, 14}, {"DDS", {7, 8, 9, 7, 8, 9, 7, 8, 9}, 14},
+    {"PNG", {1, 2, 2, 4, 5, 5, 7, 8, 8}, 1},   {"BMP", {7, 7, 7, 4, 4, 4, 7, 7, 7}, 0},
+    {"JPEG", {1, 1, 1, 4, 4, 4, 4, 4, 4}, 10}, {"HEIF", {4, 4, 4, 4, 4, 4, 7, 7, 7}, 14},
+    {"DDS", {7, 8, 9, 7, 8, 9, 7, 8, 9}, 14},
 };
 
 constexpr std::pair<std::uint32_t, std::uint32_t> awkwardSizes[] = {{1, 1}, {7, 1}, {1, 9}, {5, 6}, {301, 301}};
@@ -39,15 +40,12 @@ TEST(EveryForm, ComesBackInItsFormatAndSize) {
             for (const auto& [width, height] : awkwardSizes) {
                 const OwnedPicture picture = SmoothPicture(width, height, format);
                 const OwnedPicture loaded = Decoded(form.name, Encoded(form.name, picture));
-                const auto what = testing::Message()
-                                  << form.name << ", format " << format << ", " << width << " x " << height;
-                ASSERT_TRUE(loaded.IsValid()) << what;
-                EXPECT_EQ(loaded.Format, form.loadedAs[static_cast<std::size_t>(format - 1)]) << what;
-                ASSERT_EQ(loaded.Width, width) << what;
-                ASSERT_EQ(loaded.Height, height) << what;
-                EXPECT_LE(LargestDifference(picture, loaded), form.tolerance) << what;
-                EXPECT_EQ(loaded.FrameCount, 1) << what;
-                EXPECT_EQ(loaded.FrameDelay, 0) << what;
+                SCOPED_TRACE(testing::Message()
+                             << form.name << ", format " << format << ", " << width << " x " << height);
+                ASSERT_EQ(loaded.Format, form.loadedAs[static_cast<std::size_t>(format - 1)]);
+                ASSERT_EQ(std::pair(loaded.Width, loaded.Height), std::pair(width, height));
+                EXPECT_LE(LargestDifference(picture, loaded), form.tolerance);
+                EXPECT_EQ(std::pair(loaded.FrameCount, loaded.FrameDelay), std::pair(1, 0));
             }
         }
     }
@@ -68,14 +66,10 @@ TEST(EveryForm, KeepsEveryBitOfTheFormatsThatItHolds) {
 }
 
 TEST(EveryForm, KeepsAlphaWhereThereIsOne) {
-    OwnedPicture picture = SmoothPicture(64, 64, FormatRGBA8);
-    for (const auto& [x, y] : PlacesOf(picture)) {
-        MColour colour = picture.GetPixel(x, y);
-        colour.a = static_cast<std::uint8_t>(x * 4);
-        picture.SetPixel(x, y, colour);
-    }
-    const OwnedPicture heif = Decoded("HEIF", Encoded("HEIF", picture));
-    EXPECT_LE(LargestDifference(picture, heif), 20);
+    OwnedPicture picture = BlankPicture(64, 64, FormatRGBA8);
+    for (const auto& [x, y] : PlacesOf(picture))
+        picture.SetPixel(x, y, MColour(60, 90, 70, static_cast<std::uint8_t>(x * 4)));
+    EXPECT_LE(LargestDifference(picture, Decoded("HEIF", Encoded("HEIF", picture))), 20);
     const OwnedPicture dds = Decoded("DDS", Encoded("DDS", picture));
     for (std::int32_t x = 0; x < 64; ++x) {
         EXPECT_EQ(dds.GetPixel(x, 5).a, x * 4 < 128 ? 0 : 255)
@@ -93,22 +87,18 @@ TEST(EveryForm, NothingReachesTheTerminal) {
     testing::internal::CaptureStderr();
     for (const MCodec& codec : Codecs()) {
         if (!codec.encode) continue;
-        Bytes file = Encoded(codec.name, SmoothPicture(40, 40, FormatRGBA8));
-        Decoded(codec.name, file);
-        for (std::size_t i = file.size() / 3; i < file.size(); i += 7)
-            file[i] ^= 0x55;
+        const Bytes file = Encoded(codec.name, SmoothPicture(40, 40, FormatRGBA8));
         Decoded(codec.name, file);
         Decoded(codec.name, std::span(file).first(file.size() / 2));
-    }
 #if !defined(__SANITIZE_ADDRESS__) // whose reports need the stream that is turned away otherwise
-    const Bytes heif = Encoded("HEIF", SmoothPicture(40, 40, FormatRGBA8));
-    const std::size_t most = std::min<std::size_t>(heif.size(), 800); // the boxes and the parameter sets
-    for (std::size_t bit = 0; bit < most * 8; bit += 5) {
-        Bytes flipped = heif;
-        flipped[bit / 8] ^= static_cast<std::uint8_t>(1U << bit % 8);
-        Decoded("HEIF", flipped);
-    }
+        const std::size_t most = std::min<std::size_t>(file.size(), 800); // boxes, parameter sets, headers
+        for (std::size_t bit = 0; bit < most * 8; bit += 5) {
+            Bytes flipped = file;
+            flipped[bit / 8] ^= static_cast<std::uint8_t>(1U << bit % 8);
+            Decoded(codec.name, flipped);
+        }
 #endif
+    }
     EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
 }
@@ -123,16 +113,10 @@ Bytes Sample(const MCodec& codec) {
     return tga;
 }
 
-// The check sum of the first chunk (ISO/IEC 15948, annex D).
 void MendPngHeader(Bytes& png) {
-    std::uint32_t crc = 0xFFFFFFFF;
-    for (std::size_t i = 12; i < 29; ++i) {
-        crc ^= png[i];
-        for (int bit = 0; bit < 8; ++bit)
-            crc = crc & 1 ? crc >> 1 ^ 0xEDB88320U : crc >> 1;
-    }
-    for (std::size_t i = 0; i < 4; ++i)
-        png[29 + i] = static_cast<std::uint8_t>(~crc >> (24 - 8 * i));
+    Bytes sum;
+    Append(sum, {{static_cast<std::uint32_t>(crc32(0, png.data() + 12, 17)), 4}});
+    std::ranges::copy(sum, png.begin() + 29);
 }
 
 } // namespace
@@ -156,7 +140,7 @@ TEST(EveryForm, DamagedFiles) {
                 EXPECT_FALSE(Decoded(other.name, whole).IsValid()) << codec.name << " read as " << other.name;
             }
         }
-        EXPECT_FALSE(Decoded(codec.name, whole, codec.sniff ? 1 : -1).IsValid() && codec.sniff) << codec.name;
+        EXPECT_FALSE(codec.sniff && Decoded(codec.name, whole, 1).IsValid()) << codec.name;
     }
 }
 

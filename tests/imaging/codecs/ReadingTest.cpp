@@ -1,0 +1,145 @@
+// The files of data/ as these forms are read; its README tells what is in them.
+#include "imaging/codecs/Coding.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <tuple>
+
+namespace {
+
+MColour Named(char letter) {
+    const auto full = [&](char name) { return static_cast<std::uint8_t>(letter == name ? 255 : 0); };
+    return {full('r'), full('g'), full('b')};
+}
+
+} // namespace
+
+TEST(BmpCodec, ReadsEveryDepth) {
+    int files = 0;
+    for (const std::string& name : DataFiles("bmp")) {
+        // As in "1-bit.7rgg.bmp": of format 7, and red at the top left, green beside it and below.
+        const std::size_t told = name.find('.') + 1;
+        const OwnedPicture picture = Decoded("BMP", DataFile("bmp/" + name));
+        ASSERT_TRUE(picture.IsValid()) << name;
+        EXPECT_EQ(picture.Format, name[told] - '0') << name;
+        EXPECT_EQ(picture.GetPixel(0, 0), Named(name[told + 1])) << name;
+        EXPECT_EQ(picture.GetPixel(1, 0), Named(name[told + 2])) << name;
+        EXPECT_EQ(picture.GetPixel(0, 1), Named(name[told + 3])) << name;
+        ++files;
+    }
+    EXPECT_EQ(files, 13);
+}
+
+TEST(BmpCodec, AMaskOfItsOwnKeepsAlpha) {
+    const OwnedPicture picture = Decoded("BMP", DataFile("alpha-by-masks.bmp"));
+    ASSERT_EQ(picture.Format, FormatRGBA8);
+    EXPECT_EQ(picture.GetPixel(0, 0), MColour(255, 0, 0, 128));
+    EXPECT_EQ(picture.GetPixel(1, 0), MColour(0, 0, 255, 0));
+    EXPECT_EQ(picture.GetPixel(0, 1), MColour(0, 255, 0, 77));
+}
+
+TEST(JpegCodec, FormatsByKind) {
+    const std::tuple<std::string, MPixelFormat, MColour> cases[] = {
+        {"grey", FormatR8, {77, 77, 77}},
+        {"colour", FormatRGB8, {200, 100, 50}},
+        {"progressive", FormatRGB8, {200, 100, 50}},
+        {"inks-of-adobe", FormatRGBA8, {100, 50, 25}}, // stored inverted
+        {"plain-inks", FormatRGBA8, {100, 50, 25}},
+    };
+    for (const auto& [file, format, colour] : cases) {
+        const OwnedPicture picture = Decoded("JPEG", DataFile("jpeg/" + file + ".jpg"));
+        ASSERT_EQ(picture.Format, format) << file;
+        EXPECT_LE(Difference(picture.GetPixel(7, 9), colour), 2) << file;
+    }
+}
+
+TEST(JpegCodec, EndlessScansAreRefused) {
+    const Bytes file = DataFile("jpeg/progressive-grey.jpg");
+    // The last scan, repeated; it refines nothing, but each costs a walk over the picture.
+    const std::array<std::uint8_t, 2> mark = {0xFF, 0xDA};
+    const auto last = std::find_end(file.begin(), file.end(), mark.begin(), mark.end());
+    const auto repeated = [&](int count) {
+        Bytes longer(file.begin(), last);
+        for (int i = 0; i <= count; ++i)
+            Append(longer, Bytes(last, file.end() - 2));
+        Append(longer, Bytes{0xFF, 0xD9});
+        return longer;
+    };
+    EXPECT_TRUE(Decoded("JPEG", repeated(20)).IsValid());
+    EXPECT_FALSE(Decoded("JPEG", repeated(200)).IsValid());
+}
+
+TEST(PngCodec, KeepsTheDepthOfTheFile) {
+    // A file of data/png, its format, and the two leftmost pixels of the top row.
+    const std::tuple<const char*, MPixelFormat, MColour, MColour> rows[] = {
+        {"grey8", 1, {0, 0, 0}, {37, 37, 37}},
+        {"grey16", 2, {0x40, 0x40, 0x40}, {0x40, 0x40, 0x40}},
+        {"rgb8", 4, {0, 37, 74}, {111, 148, 185}},
+        {"rgb16", 5, {0x40, 0x40, 0x40}, {0x40, 0x40, 0x40}},
+        {"rgba8", 7, {0, 37, 74, 111}, {148, 185, 222, 3}},
+        {"rgba16", 8, {0x40, 0x40, 0x40, 0x40}, {0x40, 0x40, 0x40, 0x41}},
+        {"rgba8-interlaced", 7, {0, 37, 74, 111}, {148, 185, 222, 3}},
+        {"grey-alpha8", 7, {0, 0, 0, 37}, {74, 74, 74, 111}},
+        {"grey16-keyed", 8, {0x40, 0x40, 0x40}, {0x40, 0x40, 0x40}},
+        {"grey-alpha16", 8, {0x40, 0x40, 0x40, 0x40}, {0x40, 0x40, 0x40, 0x40}},
+        {"grey1", 7, {0, 0, 0}, {255, 255, 255}},
+        {"grey2", 7, {0, 0, 0}, {85, 85, 85}},
+        {"grey4", 7, {0, 0, 0}, {85, 85, 85}},
+        {"grey8-keyed", 7, {0, 0, 0, 0}, {37, 37, 37}},
+        {"grey4-keyed", 7, {0, 0, 0, 0}, {85, 85, 85}},
+        {"rgb8-keyed", 7, {0, 37, 74, 0}, {111, 148, 185}},
+        {"rgb16-keyed", 8, {0x40, 0x40, 0x40}, {0x40, 0x40, 0x40}},
+        {"palette1", 7, {0, 0, 0}, {1, 2, 3}},
+        {"palette4", 7, {0, 0, 0}, {5, 10, 15}},
+        {"palette8", 7, {0, 0, 0}, {37, 74, 111}},
+        {"palette8-keyed", 7, {0, 0, 0, 7}, {37, 74, 111}},
+    };
+    const auto decoded = [](const std::string& name) {
+        return Decoded("PNG", DataFile("png/" + name + ".png"));
+    };
+    for (const auto& [file, format, first, second] : rows) {
+        const OwnedPicture picture = decoded(file);
+        ASSERT_EQ(picture.Format, format) << file;
+        EXPECT_EQ(picture.GetPixel(0, 0), first) << file;
+        EXPECT_EQ(picture.GetPixel(1, 0), second) << file;
+    }
+    EXPECT_EQ(decoded("rgba16").GetPixel16(0, 0), (MColour16{0x4000, 0x4025, 0x404A, 0x406F}));
+    EXPECT_EQ(decoded("grey-alpha16").GetPixel16(1, 0), (MColour16{0x404A, 0x404A, 0x404A, 0x406F}));
+}
+
+TEST(PngCodec, TrailingBytesDoNotMatterButAMissingEndDoes) {
+    Bytes file = DataFile("png/rgb8.png");
+    file.push_back(0);
+    EXPECT_TRUE(Decoded("PNG", file).IsValid());
+    file.resize(file.size() - 2);
+    EXPECT_FALSE(Decoded("PNG", file).IsValid());
+}
+
+namespace {
+
+OwnedPicture DecodedFile(const std::string& name) {
+    return Decoded("TGA", DataFile("tga/" + name));
+}
+
+} // namespace
+
+TEST(TgaCodec, TrueColoursAreBottomUpWhateverTheDescriptorSays) {
+    const OwnedPicture picture = DecodedFile("24-bits.tga");
+    ASSERT_EQ(picture.Format, FormatRGB8);
+    EXPECT_EQ(picture.GetPixel(0, 1), MColour(2, 1, 0));
+    EXPECT_EQ(picture.GetPixel(1, 0), MColour(11, 10, 9));
+    const OwnedPicture alpha = DecodedFile("32-bits.tga");
+    EXPECT_EQ(alpha.Format, FormatRGBA8);
+    EXPECT_EQ(alpha.GetPixel(0, 1), MColour(2, 1, 0, 3));
+    EXPECT_EQ(DecodedFile("id-of-3-bytes.tga").GetPixel(0, 1), MColour(2, 1, 0)) << "the first pixel is the ID";
+}
+
+TEST(TgaCodec, PalettesAreTakenRedFirst) {
+    const OwnedPicture picture = DecodedFile("palette-of-24-bits.tga");
+    ASSERT_EQ(picture.Format, FormatRGB8);
+    EXPECT_EQ(picture.GetPixel(0, 1), MColour(40, 50, 60));
+    EXPECT_EQ(picture.GetPixel(1, 1), MColour(10, 20, 30));
+    EXPECT_EQ(picture.GetPixel(0, 0), MColour(0, 0, 0)) << "past the palette's end nothing is stored";
+    EXPECT_EQ(DecodedFile("palette-of-32-bits.tga").GetPixel(1, 0), MColour(10, 20, 30));
+}
