@@ -71,11 +71,18 @@ void MAddSheet::PathChanged(const MString& path) {
 void MAddSheet::TextChanged(const MString& text) {
     if (text.Equals(Text)) return;
     Text = text;
-    if (Editor.Edited) {
+    // What takes long enough to show its progress would do so at each key.
+    constexpr std::uint64_t slow = std::uint64_t{1} << 25;
+    if (Editor.Edited || std::uint64_t{picture.Width} * picture.Height >= slow) {
         Editor.UseText(Text);
+        unsearched = true;
     } else {
         Find(Window);
     }
+}
+
+void MAddSheet::TextDone() {
+    if (unsearched && !Editor.Edited) Find(Window);
 }
 
 void MAddSheet::ChoicesChanged() {
@@ -106,6 +113,7 @@ void MAddSheet::Load(Desktop::WindowHandle progressOwner) {
 
 void MAddSheet::Find(Desktop::WindowHandle progressOwner) {
     drag = Drag::Nothing;
+    unsearched = false;
     if (!picture.IsValid()) return Editor.Use({});
     MSheetWishes wishes{Ground, GroundColour, std::nullopt, progressOwner};
     const MSheetGrid grid{FieldNumber(CellWidth), FieldNumber(CellHeight)};
@@ -153,13 +161,17 @@ void MAddSheet::Pressed(MPoint point, bool join) {
         return Editor.MoveCut(at.x);
     }
     grip = GripAt(point);
-    const bool edge = grip.left || grip.top || grip.right || grip.bottom;
+    // Another box that reaches under an edge's grip is meant itself.
+    const bool other = box >= 0 && box != Editor.Selected;
+    const bool edge = !other && (grip.left || grip.top || grip.right || grip.bottom);
     if (!edge && box < 0) {
         drag = Drag::NewBox;
         return;
     }
-    if (!edge) Editor.Select(box);
-    grip.inside = !edge;
+    if (!edge) {
+        Editor.Select(box);
+        grip = {.left = false, .top = false, .right = false, .bottom = false, .inside = true};
+    }
     if (const MSheetBox* const held = Editor.SelectedBox()) {
         drag = Drag::Box;
         before = held->box;
@@ -193,12 +205,16 @@ void MAddSheet::Nudge(std::int32_t x, std::int32_t y, bool edges) {
     const MSheetBox* const box = Editor.SelectedBox();
     if (!box || Lens.Scale() <= 0) return;
     const auto step = std::max(1, static_cast<std::int32_t>(std::lround(1 / Lens.Scale())));
+    const MSheet& sheet = Editor.Sheet;
     Desktop::Rect place = box->box;
-    place.right += x * step;
-    place.bottom += y * step;
+    // All of it stays on the sheet, which would cut it.
+    const std::int32_t right = std::clamp(x * step, edges ? -step : -place.left, sheet.width - place.right);
+    const std::int32_t down = std::clamp(y * step, edges ? -step : -place.top, sheet.height - place.bottom);
+    place.right += right;
+    place.bottom += down;
     if (!edges) {
-        place.left += x * step;
-        place.top += y * step;
+        place.left += right;
+        place.top += down;
     }
     Editor.Move(place, false);
 }

@@ -50,6 +50,7 @@ public:
     bool Browse();
     void PathChanged(const MString& path);
     void TextChanged(const MString& text);
+    void TextDone();       // no key follows for now: large sheets are searched anew only here
     void ChoicesChanged(); // cells or ground: searches anew, and drops what was done by hand
 
     // In pixels of the dialog.
@@ -76,8 +77,9 @@ public:
     void Paint();
 
 private:
-    MPicture picture; // of format 7, owned
-    MString unread;   // why there is none
+    MPicture picture;        // of format 7, owned
+    MString unread;          // why there is none
+    bool unsearched = false; // the text has changed since the sheet was searched by it
     MWindowSurface surface;
     MPicture shown; // what the lens shows of the picture, owned
     Desktop::Rect shownPart;

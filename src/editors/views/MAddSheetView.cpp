@@ -124,6 +124,10 @@ void MAddSheetView::ConnectFields() {
         dialog.TextChanged(FromQt(typed));
         ShowControls();
     });
+    connect(&text, &QLineEdit::editingFinished, this, [this] {
+        dialog.TextDone();
+        ShowControls();
+    });
     for (QLineEdit* const field : {&cellWidth, &cellHeight}) {
         connect(field, &QLineEdit::textChanged, this, [this] {
             dialog.CellWidth = FromQt(cellWidth.text());
