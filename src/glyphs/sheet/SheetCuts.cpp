@@ -4,36 +4,61 @@
 
 #include <algorithm>
 #include <limits>
+#include <ranges>
 
 namespace {
 
-// All ink of the piece: each pixel goes to the core that is nearest in its row, or else nearest of all.
+using Runs = std::ranges::subrange<std::vector<MSheetRun>::const_iterator>;
+
+Runs RunsInRow(const MSheetPiece& piece, std::int32_t y) {
+    return std::ranges::equal_range(piece.runs, y, {}, &MSheetRun::y);
+}
+
+// The core that is nearest to a pixel in its row, or else nearest of all.
+std::size_t Nearest(const std::vector<MSheetPiece>& cores, const std::vector<Runs>& inRow, std::int32_t x,
+                    std::int32_t y) {
+    std::size_t nearest = 0;
+    std::int64_t nearestDistance = std::numeric_limits<std::int64_t>::max();
+    for (std::size_t i = 0; i < cores.size(); ++i) {
+        const Desktop::Rect& box = cores[i].box;
+        const std::int64_t down = std::max({box.top - y, y - box.bottom + 1, 0});
+        std::int64_t across = inRow[i].empty() ? std::max({box.left - x, x - box.right + 1, 0})
+                                               : std::numeric_limits<std::int32_t>::max();
+        for (const MSheetRun& run : inRow[i])
+            across = std::min<std::int64_t>(across, std::max({run.left - x, x - run.right + 1, 0}));
+        const std::int64_t distance = across * across + down * down;
+        if (distance >= nearestDistance) continue;
+        nearestDistance = distance;
+        nearest = i;
+    }
+    return nearest;
+}
+
+// All ink of the piece: each pixel goes to the nearest core.
 std::vector<MSheetPiece> GiveToNearest(const MSheetPiece& piece, const std::vector<MSheetPiece>& cores) {
     std::vector<MSheetPiece> parts(cores.size());
+    std::vector<Runs> inRow(cores.size());
+    std::vector<std::size_t> owners(static_cast<std::size_t>(piece.box.Width()));
+    const std::size_t nobody = cores.size();
+    std::int32_t y = -1;
     for (const MSheetRun& run : piece.runs) {
-        for (std::int32_t x = run.left; x < run.right; ++x) {
-            std::size_t nearest = 0;
-            std::int64_t nearestDistance = std::numeric_limits<std::int64_t>::max();
+        if (run.y != y) {
+            y = run.y;
+            std::ranges::fill(owners, nobody);
             for (std::size_t i = 0; i < cores.size(); ++i) {
-                const auto from = std::ranges::lower_bound(cores[i].runs, run.y, {}, &MSheetRun::y);
-                const auto& box = cores[i].box;
-                const std::int64_t down = std::max({box.top - run.y, run.y - box.bottom + 1, 0});
-                std::int64_t across = std::max({box.left - x, x - box.right + 1, 0});
-                for (auto core = from; core != cores[i].runs.end() && core->y == run.y; ++core) {
-                    const std::int64_t to = std::max({core->left - x, x - core->right + 1, 0});
-                    across = core == from ? to : std::min(across, to);
-                }
-                const std::int64_t distance = across * across + down * down;
-                if (distance < nearestDistance) {
-                    nearestDistance = distance;
-                    nearest = i;
-                }
+                inRow[i] = RunsInRow(cores[i], y);
+                for (const MSheetRun& own : inRow[i])
+                    std::fill(owners.begin() + (own.left - piece.box.left),
+                              owners.begin() + (own.right - piece.box.left), i);
             }
-            auto& runs = parts[nearest].runs;
-            if (!runs.empty() && runs.back().y == run.y && runs.back().right == x) {
+        }
+        for (std::int32_t x = run.left; x < run.right; ++x) {
+            const std::size_t owner = owners[static_cast<std::size_t>(x - piece.box.left)];
+            auto& runs = parts[owner == nobody ? Nearest(cores, inRow, x, y) : owner].runs;
+            if (!runs.empty() && runs.back().y == y && runs.back().right == x) {
                 ++runs.back().right;
             } else {
-                runs.push_back({run.y, x, x + 1});
+                runs.push_back({y, x, x + 1});
             }
         }
     }
@@ -67,11 +92,12 @@ std::vector<MSheetPiece> CoresOf(const MPicture& picture, const MSheetGround& gr
     return forest.Pieces();
 }
 
-std::int64_t LargestArea(const std::vector<MSheetPiece>& pieces) {
-    std::int64_t largest = 0;
-    for (const MSheetPiece& piece : pieces)
-        largest = std::max(largest, piece.area);
-    return largest;
+// As many as a letter's strokes and tips may be; grains of ink go with what is near.
+std::vector<MSheetPiece> LargestFirst(std::vector<MSheetPiece> cores) {
+    constexpr std::size_t most = 12;
+    std::ranges::sort(cores, std::ranges::greater{}, &MSheetPiece::area);
+    if (cores.size() > most) cores.resize(most);
+    return cores;
 }
 
 // What of it lies between two columns.
@@ -107,7 +133,9 @@ std::vector<MSheetPiece> SplitSheetPiece(const MPicture& picture, const MSheetGr
                                          const MSheetPiece& piece, std::int32_t threshold) {
     std::vector<MSheetPiece> cores =
         CoresOf(picture, ground, piece, threshold, piece.box.left, piece.box.right);
-    const std::int64_t largest = LargestArea(cores);
+    std::int64_t largest = 0;
+    for (const MSheetPiece& core : cores)
+        largest = std::max(largest, core.area);
     std::erase_if(cores, [&](const MSheetPiece& core) { return core.area * 12 < largest; });
     if (cores.size() < 2) return {piece};
     return GiveToNearest(piece, cores);
@@ -117,19 +145,19 @@ MSheetSides CutSheetPiece(const MPicture& picture, const MSheetGround& ground, c
                           std::int32_t column) {
     constexpr std::int64_t tip = 6; // a tip has at most this part of a stroke's ink
     constexpr std::int32_t dark = 128;
-    if (column <= piece.box.left || column >= piece.box.right)
-        return column <= piece.box.left ? MSheetSides{{}, piece} : MSheetSides{piece, {}};
+    if (column <= piece.box.left) return {{}, piece};
+    if (column >= piece.box.right) return {piece, {}};
     const std::int32_t threshold = std::max(ground.threshold, dark);
-    std::vector<MSheetPiece> cores = CoresOf(picture, ground, piece, threshold, piece.box.left, column);
-    const std::size_t lefts = cores.size();
-    std::vector<MSheetPiece> others = CoresOf(picture, ground, piece, threshold, column, piece.box.right);
-    const std::int64_t largestLeft = LargestArea(cores);
-    const std::int64_t largestRight = LargestArea(others);
-    cores.insert(cores.end(), others.begin(), others.end());
-    if (lefts == 0 || others.empty())
+    auto cores = LargestFirst(CoresOf(picture, ground, piece, threshold, piece.box.left, column));
+    const auto others = LargestFirst(CoresOf(picture, ground, piece, threshold, column, piece.box.right));
+    if (cores.empty() || others.empty())
         return {Clipped(piece, piece.box.left, column), Clipped(piece, column, piece.box.right)};
-    MSheetSides sides;
+    const std::int64_t largestLeft = cores[0].area;
+    const std::int64_t largestRight = others[0].area;
+    const std::size_t lefts = cores.size();
+    cores.insert(cores.end(), others.begin(), others.end());
     const std::vector<MSheetPiece> parts = GiveToNearest(piece, cores);
+    MSheetSides sides;
     for (std::size_t i = 0; i < parts.size(); ++i) {
         const bool isLeft = i < lefts;
         const bool touches = isLeft ? cores[i].box.right == column : cores[i].box.left == column;
