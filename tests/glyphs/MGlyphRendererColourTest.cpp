@@ -1,4 +1,5 @@
 #include "DocumentFixture.h"
+#include "glyphs/BoxColours.h"
 #include "glyphs/MGlyphRenderer.h"
 #include "glyphs/Pixels.h"
 #include "imaging/Pictures.h"
@@ -159,4 +160,14 @@ TEST_F(ColourGlyphs, TheSoftHyphenHasItsInk) {
         ASSERT_NE(glyph, nullptr);
         EXPECT_NEAR(RowsOf(*glyph).Count(), 4, 2) << static_cast<int>(hyphen);
     }
+}
+
+TEST(BoxColours, AGlyphLargerThanTheCanvasRepeatsIt) {
+    MSurfaceBitmap bitmap(96, 72);
+    MDirect2DSurface(bitmap).DrawPictureAt(RandomPicture(96, 72, FormatRGBA8, 1), 0, 0, false);
+    OwnedPicture canvas = BlankPicture(48, 36, FormatRGBA8), glyph = BlankPicture(70, 40, FormatRGBA8);
+    BoxDownColours(bitmap, canvas);
+    BoxDownColours(bitmap, glyph);
+    for (const auto& [x, y] : PlacesOf(glyph))
+        ASSERT_EQ(glyph.GetPixel(x, y), canvas.GetPixel(x, y)) << x << ", " << y;
 }

@@ -24,6 +24,7 @@ TEST(HeifCodec, DeepFilesKeepTheirDepthAndEachPictureIsAFrame) {
         ASSERT_EQ(picture.Format, FormatRGB16) << frame;
         const MColour16 pixel = picture.GetPixel16(5, 5);
         EXPECT_NEAR(pixel.r, reds[frame] << 6, 400) << frame;
+        EXPECT_NEAR(pixel.g, 512 << 6, 400) << frame;
         EXPECT_NEAR(pixel.b, 300 << 6, 400) << frame;
         EXPECT_EQ(std::pair(picture.FrameCount, picture.FrameDelay), std::pair(3, 100));
     }
