@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <memory>
 #include <random>
+#include <string>
 
 class DocumentTest : public testing::Test {
 protected:
@@ -32,6 +33,14 @@ inline MGlyph& AddGlyph(MColourFont& font, char16_t character, std::int32_t widt
     const auto slot = static_cast<std::size_t>(font.ClaimSlot(character));
     font.Glyphs[slot] = std::make_unique<MGlyph>(character, width, height, 1, 2, false);
     return *font.Glyphs[slot];
+}
+
+// The codes in slot order, "." for a hole, up to the last glyph.
+inline std::string SlotsOf(const MColourFont& font) {
+    std::string slots;
+    for (const auto& glyph : font.Glyphs)
+        slots += glyph ? static_cast<char>(glyph->Character) : '.';
+    return slots.substr(0, slots.find_last_not_of('.') + 1);
 }
 
 // Every pixel its own colour, some of them transparent.

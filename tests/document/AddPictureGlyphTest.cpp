@@ -2,8 +2,6 @@
 #include "imaging/Pictures.h"
 
 #include <algorithm>
-#include <array>
-#include <random>
 #include <tuple>
 #include <utility>
 
@@ -22,35 +20,31 @@ protected:
         const std::int32_t n = std::clamp(total / h + 1, 2, 6);
         const std::int32_t baseX = x * pictureWidth / glyph.Width;
         const std::int32_t baseY = y * total / h - settings.PaddingTop;
-        std::array<float, 4> sums{}; // red, green, blue, alpha
-        float all = 0, coloured = 0;
-        for (std::int32_t px = baseX; px < baseX + n; ++px) {
-            for (std::int32_t py = baseY; py < baseY + n; ++py) {
-                if (px < 0 || py < 0 || px >= pictureWidth || py >= pictureHeight) continue;
+        float r = 0, g = 0, b = 0, a = 0, all = 0, coloured = 0;
+        for (std::int32_t px = std::max(baseX, 0); px < std::min(baseX + n, pictureWidth); ++px) {
+            for (std::int32_t py = std::max(baseY, 0); py < std::min(baseY + n, pictureHeight); ++py) {
                 const MColour point = picture.GetPixel(px, py);
                 all += 1;
-                sums[3] += point.a;
+                a += point.a;
                 if (point.a == 0) continue;
                 coloured += 1;
-                sums[0] += point.r;
-                sums[1] += point.g;
-                sums[2] += point.b;
+                r += point.r;
+                g += point.g;
+                b += point.b;
             }
         }
         if (coloured == 0) return {0, 0, 0, 0};
         const auto mean = [](float sum, float count) { return static_cast<std::uint8_t>(sum / count); };
-        return {mean(sums[0], coloured), mean(sums[1], coloured), mean(sums[2], coloured), mean(sums[3], all)};
+        return {mean(r, coloured), mean(g, coloured), mean(b, coloured), mean(a, all)};
     }
 };
 
 TEST_F(AddPictureGlyphTest, ResamplesByPointSets) {
-    std::mt19937 random(3);
+    Random random(3);
     for (const MPixelFormat format : {FormatRGBA8, FormatRGB8, FormatR16, FormatRGBAHalf}) {
-        for (int round = 0; round < 25; ++round) {
+        for (unsigned round = 0; round < 25; ++round) {
             const auto pick = [&](unsigned most) { return static_cast<std::int32_t>(random() % most); };
-            OwnedPicture picture = BlankPicture(static_cast<std::uint32_t>(1 + pick(90)),
-                                                static_cast<std::uint32_t>(1 + pick(200)), format);
-            FillWithNoise(picture, static_cast<unsigned>(round));
+            const OwnedPicture picture = RandomPicture(1 + random() % 90, 1 + random() % 200, format, round);
             settings.GlyphHeight = 1 + pick(60);
             settings.PaddingTop = pick(20);
             settings.PaddingBottom = pick(20);
@@ -68,8 +62,7 @@ TEST_F(AddPictureGlyphTest, ResamplesByPointSets) {
 }
 
 TEST_F(AddPictureGlyphTest, APictureOfTheGlyphsSizeIsCopied) {
-    OwnedPicture picture = BlankPicture(50, 100, FormatRGBA8);
-    FillWithNoise(picture, 1);
+    const OwnedPicture picture = RandomPicture(50, 100, FormatRGBA8, 1);
     ASSERT_TRUE(font.AddPictureGlyph(u'x', picture, 0, 0, false));
     EXPECT_TRUE(SamePicture(font.GetGlyph(u'x')->Picture, picture));
 }

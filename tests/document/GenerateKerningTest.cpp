@@ -13,15 +13,12 @@ Pairs PlainKerning(const MColourFont& font) {
             if (!l || !r || l->Height != r->Height || l->Height <= 0) continue;
             std::int32_t smallest = 100000;
             for (std::int32_t y = 0; y < l->Height; ++y) {
-                std::int32_t gapL = -1;
-                for (std::int32_t x = l->Width - 1; x >= 0 && gapL < 0; --x) {
-                    if (l->GetPixel(x, y).a != 0) gapL = l->Width - x - 1;
-                }
-                std::int32_t gapR = -1;
-                for (std::int32_t x = 0; x < r->Width && gapR < 0; ++x) {
-                    if (r->GetPixel(x, y).a != 0) gapR = x;
-                }
-                if (gapL >= 0 && gapR >= 0) smallest = std::min(smallest, gapL + gapR);
+                std::int32_t gapL = 0, gapR = 0;
+                while (gapL < l->Width && l->GetPixel(l->Width - 1 - gapL, y).a == 0)
+                    ++gapL;
+                while (gapR < r->Width && r->GetPixel(gapR, y).a == 0)
+                    ++gapR;
+                if (gapL < l->Width && gapR < r->Width) smallest = std::min(smallest, gapL + gapR);
             }
             if (smallest == 0 || smallest >= 100000 || l->Character < 33 || r->Character < 33) continue;
             pairs.push_back({l->Character, r->Character, -smallest});

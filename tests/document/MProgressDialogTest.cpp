@@ -32,8 +32,6 @@ TEST_F(ProgressDialogTest, TellsTheDesktopOfChangesOnly) {
     EXPECT_TRUE(std::ranges::equal(Headless::record.progressTexts, std::vector<MString>{"", "A", "B", ""}));
 }
 
-} // namespace
-
 TEST_F(ProgressDialogTest, OnlyLongWorkIsShownAndTheOuterOneAlone) {
     constexpr std::uint64_t noticed = 1 << 25;
     Headless::record = {};
@@ -53,3 +51,5 @@ TEST_F(ProgressDialogTest, OnlyLongWorkIsShownAndTheOuterOneAlone) {
     EXPECT_EQ(Headless::record.progressPercents, (std::vector<std::int32_t>{0, 25}));
     EXPECT_EQ(Headless::record.progressTexts.back(), MString("Outer"));
 }
+
+} // namespace

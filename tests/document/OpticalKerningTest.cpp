@@ -136,7 +136,7 @@ TEST_F(OpticalKerningTest, LoosenessIsTheDistanceToTheDensityOfControlLetters) {
     Draw(font, capitals, size);
     const double em = size / 0.7;
     const auto white = [&](char16_t c, std::int32_t row, bool behind) {
-        // From the picture's shape itself: no row beyond a neighbour by more than one pixel.
+        // No row beyond a neighbour by more than one pixel.
         const MGlyph& glyph = *font.GetGlyph(c);
         double least = 1e9;
         for (std::int32_t y = 0; y < glyph.Height; ++y) {

@@ -15,7 +15,7 @@ protected:
     std::string FirstRow(const MString& text) const {
         const OwnedPicture picture(SetText(font, text, MColour(0, 0, 9)));
         std::string row;
-        for (std::int32_t x = 0; picture.IsValid() && x < static_cast<std::int32_t>(picture.Width); ++x) {
+        for (std::int32_t x = 0; x < static_cast<std::int32_t>(picture.Width); ++x) {
             const MColour pixel = picture.GetPixel(x, 0);
             row += pixel.r == 255 ? 'A' : pixel.g == 255 ? 'B' : pixel == MColour(0, 0, 9) ? '.' : '?';
         }

@@ -61,8 +61,6 @@ TEST_F(WholeFontEditsTest, TrimVertically) {
     EXPECT_EQ(std::tuple(settings.GlyphHeight, font.Baseline, font.CapHeight), std::tuple(22, 6, 15));
     EXPECT_EQ(font.GetGlyph(u'A')->Height, 22);
     EXPECT_NE(font.GetGlyph(u'A')->GetPixel(4, 0).a, 0);
-    font.TrimVertically();
-    EXPECT_EQ(settings.GlyphHeight, 22);
     font.GetGlyph(u'A')->SetPixel(4, 0, {0, 0, 0, 0});
     font.TrimVertically(); // at the top alone
     EXPECT_EQ(std::tuple(settings.GlyphHeight, font.Baseline), std::tuple(21, 6));
@@ -73,8 +71,7 @@ TEST_F(WholeFontEditsTest, TrimVertically) {
 
 TEST_F(WholeFontEditsTest, TrimmingAnEmptyFontTakes10000OnEitherSide) {
     font.TrimVertically();
-    EXPECT_EQ(settings.GlyphHeight, -19900);
-    EXPECT_EQ(font.Baseline, -10000);
+    EXPECT_EQ(std::pair(settings.GlyphHeight, font.Baseline), std::pair(-19900, -10000));
     settings.GlyphHeight = font.Baseline = std::numeric_limits<std::int32_t>::min();
     font.TrimVertically();
     EXPECT_EQ(settings.GlyphHeight, std::numeric_limits<std::int32_t>::min());

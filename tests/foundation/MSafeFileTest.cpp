@@ -120,22 +120,22 @@ TEST(SafeFile, WhatIsRefused) {
 TEST(SafeFile, WhatAKilledWriterLeftIsRemovedAndThatOfALivingOneIsNot) {
     const TemporaryFolder folder;
     const std::string longName(250, 'x');
-    for (const std::string& name : {std::string("a.txt"), longName}) {
+    for (int files = 1; const char* name : {"a.txt", longName.c_str()}) {
         const pid_t child = fork();
         if (child == 0) {
-            const MSafeFile first(folder.File(name.c_str()));
-            const MSafeFile second(folder.File(name.c_str()));
+            const MSafeFile first(folder.File(name)), second(folder.File(name));
             kill(getpid(), SIGKILL);
         }
         waitpid(child, nullptr, 0);
-        ASSERT_EQ(Entries(folder.path), name.size() > 9 ? 3 : 2);
-        MSafeFile living(folder.File(name.c_str()));
+        ASSERT_EQ(Entries(folder.path), files + 1);
+        MSafeFile living(folder.File(name));
         EXPECT_TRUE(living.WriteAt(0, "living", 6));
-        ASSERT_TRUE(Replace(folder.File(name.c_str()), "other"));
-        EXPECT_EQ(folder.Read(name.c_str()), "other");
+        ASSERT_TRUE(Replace(folder.File(name), "other"));
+        EXPECT_EQ(folder.Read(name), "other");
         ASSERT_TRUE(living.Place());
-        EXPECT_EQ(folder.Read(name.c_str()), "living");
-        EXPECT_EQ(Entries(folder.path), name.size() > 9 ? 2 : 1);
+        EXPECT_EQ(folder.Read(name), "living");
+        EXPECT_EQ(Entries(folder.path), files);
+        ++files;
     }
 }
 

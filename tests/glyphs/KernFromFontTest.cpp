@@ -6,6 +6,7 @@
 
 #include <hb.h>
 
+#include <array>
 #include <cmath>
 #include <map>
 
@@ -29,25 +30,22 @@ public:
     ~Shaper() { hb_font_destroy(font); }
 
     double Kerning(char16_t left, char16_t right) const {
-        return (Width(left, right, true) - Width(left, right, false)) / unitsPerEm;
+        return (Width(left, right, "kern") - Width(left, right, "-kern")) / unitsPerEm;
     }
 
 private:
     hb_font_t* font = nullptr;
     double unitsPerEm = 1;
 
-    double Width(char16_t left, char16_t right, bool kerned) const {
-        const auto feature = [](hb_tag_t tag, bool on) {
-            return hb_feature_t{tag, on, 0, HB_FEATURE_GLOBAL_END};
-        };
-        const hb_feature_t features[] = {feature(HB_TAG('k', 'e', 'r', 'n'), kerned),
-                                         feature(HB_TAG('l', 'i', 'g', 'a'), false),
-                                         feature(HB_TAG('c', 'a', 'l', 't'), false)};
+    double Width(char16_t left, char16_t right, const char* kerning) const {
+        std::array<hb_feature_t, 3> features{};
+        for (std::size_t i = 0; const char* name : {kerning, "-liga", "-calt"})
+            hb_feature_from_string(name, -1, &features[i++]);
         const std::uint16_t text[] = {left, right};
         hb_buffer_t* const buffer = hb_buffer_create();
         hb_buffer_add_utf16(buffer, text, 2, 0, 2);
         hb_buffer_guess_segment_properties(buffer);
-        hb_shape(font, buffer, features, std::size(features));
+        hb_shape(font, buffer, features.data(), features.size());
         unsigned count = 0;
         const auto* const positions = hb_buffer_get_glyph_positions(buffer, &count);
         double width = 0;
@@ -84,10 +82,8 @@ TEST_F(KernFromFontTest, EqualsTheAdvancesOfAShaperAtEveryHeight) {
             for (char16_t l = 33; l <= 255; ++l) {
                 for (char16_t r = 33; r <= 255; ++r) {
                     const double exact = shaper.Kerning(l, r) * em;
-                    const auto found = amounts.find({l, r});
-                    const std::int32_t amount = found == amounts.end() ? 0 : found->second;
-                    ASSERT_LE(std::abs(amount - exact), 0.5 + 1e-9)
-                        << family << " " << height << " " << int{l} << " " << int{r};
+                    const std::int32_t amount = amounts.contains({l, r}) ? amounts.at({l, r}) : 0;
+                    ASSERT_LE(std::abs(amount - exact), 0.5 + 1e-9) << height << " " << int{l} << " " << int{r};
                     kerned += amount != 0;
                 }
             }
@@ -97,8 +93,6 @@ TEST_F(KernFromFontTest, EqualsTheAdvancesOfAShaperAtEveryHeight) {
     }
 }
 
-// At the height at which the em is told, "H" of the rendered font has the height that the face's outline gives
-// it.
 TEST_F(KernFromFontTest, TheEmIsThatOfTheRenderedGlyphs) {
     settings.FontName = "DejaVu Sans";
     settings.GlyphHeight = 400;
@@ -106,6 +100,7 @@ TEST_F(KernFromFontTest, TheEmIsThatOfTheRenderedGlyphs) {
     settings.Selected[u'H'] = 1;
     MColourFont font(nullptr);
     ASSERT_TRUE(font.GenerateSelectedCharacters());
+    // In the face's outline it is 1493 of 2048 units high.
     EXPECT_NEAR(MGlyphRenderer(nullptr).EmPixels() * 1493 / 2048, RowsOf(*font.GetGlyph(u'H')).Count(), 1.5);
 }
 

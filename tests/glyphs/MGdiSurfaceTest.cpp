@@ -48,47 +48,45 @@ TEST_F(GdiSurface, FillsInItsOwnCoordinatesAndIsShownInOneGo) {
 TEST_F(GdiSurface, TheSizeOfTextIsThatOfItsCell) {
     // The cell of Liberation Sans is 2288 units high, 1854 of them above the baseline; "H" is 1409 high, 1479
     // wide.
-    const auto leading = InkOfText("H", {20, 10, 180, 90}, 64.9F);
-    EXPECT_EQ(surface.fontKey.size, 64);
+    const Desktop::Rect box{20, 10, 180, 90};
+    const auto leading = InkOfText("H", box, 64.9F), centre = InkOfText("H", box, 64, 0);
+    const auto trailing = InkOfText("H", box, 64, 1);
     EXPECT_EQ(leading.bottom, 10 + 52) << "the baseline";
     EXPECT_NEAR(leading.bottom - leading.top, 39.4, 1);
     EXPECT_NEAR(leading.left, 20 + 4.7, 1);
-    EXPECT_EQ(InkOfText("H", {20, 10, 180, 90}, 64, 0).bottom, 10 + 8 + 52);
-    EXPECT_NEAR(InkOfText("H", {20, 10, 180, 90}, 64, 0).left, 100 - 20.7 + 4.7, 1);
-    EXPECT_EQ(InkOfText("H", {20, 10, 180, 90}, 64, 1).bottom, 90 - 64 + 52);
-    EXPECT_NEAR(InkOfText("H", {20, 10, 180, 90}, 64, 1).right, 180 - 4.7, 1);
+    EXPECT_EQ(centre.bottom, 10 + 8 + 52);
+    EXPECT_NEAR(centre.left, 100 - 20.7 + 4.7, 1);
+    EXPECT_EQ(trailing.bottom, 90 - 64 + 52);
+    EXPECT_NEAR(trailing.right, 180 - 4.7, 1);
 }
 
 TEST_F(GdiSurface, TextIsCutAtItsRectangle) {
     const auto cut = InkOfText("HHHHHHHH", {30, 5, 70, 30}, 40);
     EXPECT_GE(cut.left, 30);
-    EXPECT_EQ(cut.right, 70);
-    EXPECT_EQ(cut.bottom, 30);
+    EXPECT_EQ(std::pair(cut.right, cut.bottom), std::pair(70, 30));
     EXPECT_NEAR(InkOfText("HHHH", {150, 0, 400, 100}, 40).right, 199, 1) << "and at the surface";
     EXPECT_TRUE(InkOfText("HHHH", {70, 0, 30, 100}, 40).IsEmpty());
-    const auto lines = InkOfText("H\n\nH", {0, 0, 200, 100}, 30, 1);
-    EXPECT_EQ(lines.bottom, 60 + InkOfText("H", {0, 0, 200, 30}, 30).bottom)
-        << "several lines start at the top";
+    const auto lines = InkOfText("H\n\nH", all, 30, 1);
+    EXPECT_EQ(lines.bottom, 60 + InkOfText("H", all, 30).bottom) << "several lines start at the top";
 }
 
 TEST_F(GdiSurface, CoverageBlends) {
     surface.FillRectangle(all, MColour(100, 0, 200));
     surface.DrawText(all, "H", family, 64, 400, false, MColour(255, 255, 255), -1);
-    std::int32_t mixed = 0;
+    bool mixed = false;
     for (std::int32_t x = 0; x < 60; ++x) {
         const MColour colour = PixelAt(*surface.bitmap, x, 30);
         // Red goes 155 of the way that green goes 255.
         EXPECT_NEAR((colour.r - 100) * 255, colour.g * 155, 255);
-        mixed += colour.g > 0 && colour.g < 255 ? 1 : 0;
+        mixed |= colour.g > 0 && colour.g < 255;
     }
-    EXPECT_GT(mixed, 0);
+    EXPECT_TRUE(mixed);
 }
 
 TEST_F(GdiSurface, DefaultsOfTextAndOneFontWhileNothingChanges) {
     surface.DrawText(all, "A", MString(), 0, 0, false, black, 0);
     EXPECT_TRUE(surface.fontKey.family.Equals(u"MS Shell Dlg"));
-    EXPECT_EQ(surface.fontKey.size, 12);
-    EXPECT_EQ(surface.fontKey.weight, 400);
+    EXPECT_EQ(std::pair(surface.fontKey.size, surface.fontKey.weight), std::pair(12, 400));
     const auto* font = surface.font.get();
     surface.DrawText(all, "B", MString(), 12.9F, 400, false, white, 1);
     EXPECT_EQ(surface.font.get(), font);

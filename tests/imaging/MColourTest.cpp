@@ -3,17 +3,11 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <tuple>
 #include <utility>
 
 TEST(Colour, FormatTable) {
-    struct Row {
-        MPixelFormat format;
-        const char* name;
-        std::uint32_t bytes;
-        int channelClass;
-        bool alpha;
-    };
-    constexpr Row rows[] = {
+    const std::tuple<MPixelFormat, const char*, std::uint32_t, int, bool> rows[] = {
         {1, "LDR 8 bpp R int", 1, 1, false},      {2, "HDR 16 bpp R int", 2, 2, false},
         {3, "HDR 16 bpp R float", 2, 3, false},   {4, "LDR 24 bpp RGB int", 3, 1, false},
         {5, "HDR 48 bpp RGB int", 6, 2, false},   {6, "HDR 48 bpp RGB float", 6, 3, false},
@@ -21,11 +15,11 @@ TEST(Colour, FormatTable) {
         {9, "HDR 64 bpp RGBA float", 8, 3, true}, {0, "Unknown format", 0, 0, false},
         {10, "Unknown format", 0, 0, false},      {-1, "Unknown format", 0, 0, false},
     };
-    for (const Row& row : rows) {
-        EXPECT_STREQ(FormatName(row.format), row.name);
-        EXPECT_EQ(BytesPerPixel(row.format), row.bytes) << row.format;
-        EXPECT_EQ(ChannelClass(row.format), row.channelClass) << row.format;
-        EXPECT_EQ(HasAlpha(row.format), row.alpha) << row.format;
+    for (const auto& [format, name, bytes, channelClass, alpha] : rows) {
+        EXPECT_STREQ(FormatName(format), name);
+        EXPECT_EQ(std::tuple(BytesPerPixel(format), ChannelClass(format), HasAlpha(format)),
+                  std::tuple(bytes, channelClass, alpha))
+            << format;
     }
 }
 
@@ -68,12 +62,8 @@ TEST(Pixel, ChangesClassChannelByChannel) {
 }
 
 TEST(Colour, Lerp) {
-    const MColour first(10, 200, 77, 0);
-    const MColour second(20, 100, 77, 255);
-    EXPECT_EQ(MColour::Lerp(first, second, 0.0F), first);
-    EXPECT_EQ(MColour::Lerp(first, second, 1.0F), second);
-    EXPECT_EQ(MColour::Lerp(first, second, 0.5F), MColour(15, 150, 77, 127));
-
+    EXPECT_EQ(MColour::Lerp(MColour(10, 200, 77, 0), MColour(20, 100, 77, 255), 0.5F),
+              MColour(15, 150, 77, 127));
     EXPECT_EQ(Lerp(7, 7, 0.3F), 7U);
     EXPECT_EQ(Lerp(0, 255, 0.5F), 127U);
     EXPECT_EQ(Lerp(4'000'000'000U, 3'000'000'000U, 0.5F), 3'500'000'000U);

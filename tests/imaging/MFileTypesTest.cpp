@@ -38,10 +38,6 @@ TEST(FileTypes, CategoriesAreSortedAndWithoutDoubles) {
         EXPECT_TRUE(std::ranges::is_sorted(names));
         EXPECT_EQ(std::ranges::adjacent_find(names), names.end());
     }
-    const auto pictures = Names(types.Extensions[14]);
-    const std::vector<std::u16string> expected = {u"BMP",  u"DDS", u"GIF", u"HEIC", u"HEIF", u"JFIF", u"JPE",
-                                                  u"JPEG", u"JPG", u"PNG", u"TGA",  u"TIF",  u"TIFF"};
-    EXPECT_EQ(pictures, expected);
     EXPECT_STREQ(MFileTypes::GetTypeName(20), "Picture and video files");
     for (const std::int32_t outside : {-1, 21})
         EXPECT_STREQ(MFileTypes::GetTypeName(outside), "?");
@@ -50,14 +46,10 @@ TEST(FileTypes, CategoriesAreSortedAndWithoutDoubles) {
 TEST(FileTypes, Additions) {
     MFileTypes types;
     types.AddExtension(14, "eps");
-    types.AddExtension(14, "abc");
-    types.AddExtension(14, "ABC");
-    types.AddExtension(9, "abc");
-    types.AddExtension(21, "abc");
-    types.AddExtension(-1, "abc");
-    EXPECT_EQ(Names(types.Extensions[14]), std::vector<std::u16string>{u"ABC"});
-    EXPECT_EQ(Names(types.Extensions[9]), std::vector<std::u16string>{u"ABC"});
-    EXPECT_EQ(Names(types.Extensions[20]), std::vector<std::u16string>{u"ABC"});
+    for (const std::int32_t category : {14, 14, 9, 21, -1})
+        types.AddExtension(category, "abc");
+    for (const std::size_t category : {14U, 9U, 20U})
+        EXPECT_EQ(Names(types.Extensions[category]), std::vector<std::u16string>{u"ABC"}) << category;
 }
 
 TEST(ListCodecs, HeadingNumbersAndExtensions) {
@@ -65,8 +57,7 @@ TEST(ListCodecs, HeadingNumbersAndExtensions) {
     ListCodecs(text, true, true);
     EXPECT_TRUE(text.Contains(MString(".jpg,.jpeg,.jpe,.jfif\n")));
     EXPECT_TRUE(text.Contains(MString(".tga\n")));
-    EXPECT_FALSE(text.Contains(MString("before")));
-    EXPECT_FALSE(text.Contains(MString("\t")));
+    EXPECT_FALSE(text.Contains(MString("before")) || text.Contains(MString("\t")));
     ListCodecs(text, false, false);
     EXPECT_EQ(text.View().substr(0, 29), u"WIC ENCODERS\n\n1\tPNG\t.png\n2\tJP");
     EXPECT_FALSE(text.Contains(MString("tga"))) << "it is only read";

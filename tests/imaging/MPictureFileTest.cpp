@@ -74,27 +74,23 @@ TEST(PictureFile, WhatCanNotBeWrittenMakesNoFile) {
     const TemporaryFolder folder;
     OwnedPicture picture = BlankPicture(3, 3, FormatRGBA8);
     EXPECT_FALSE(picture.Save(MString()));
-    EXPECT_FALSE(picture.Save(folder.File("nowhere/a.png")));
-    for (const char* name : {"a.webp", "a.tga", "a", "a.pn"}) {
+    for (const char* name : {"nowhere/a.png", "a.webp", "a.tga", "a", "a.pn"})
         EXPECT_FALSE(picture.Save(folder.File(name))) << name;
-        EXPECT_FALSE(FileExists(folder.File(name))) << name;
-    }
     EXPECT_FALSE(MPicture().Save(folder.File("invalid.png")));
-    EXPECT_FALSE(FileExists(folder.File("invalid.png")));
     SetMemoryLimit(30000);
     EXPECT_FALSE(picture.Save(folder.File("memory.png")));
     SetMemoryLimit(0);
-    EXPECT_FALSE(FileExists(folder.File("memory.png")));
+    EXPECT_TRUE(std::filesystem::is_empty(folder.path));
 }
 
 TEST(PictureFile, ContentDecidesNotTheName) {
     const TemporaryFolder folder;
     OwnedPicture picture = RandomPicture(4, 4, FormatRGBA8, 17);
     ASSERT_TRUE(picture.Save(folder.File("Real.png")));
-    const auto bytes = folder.Read("Real.png");
-    EXPECT_TRUE(SamePicture(OwnedPicture(MPicture(folder.Write("a.jpg", bytes))), picture));
-    EXPECT_TRUE(SamePicture(OwnedPicture(MPicture(folder.Write("noextension", bytes))), picture));
-    EXPECT_TRUE(SamePicture(OwnedPicture(MPicture(folder.File("REAL.PNG"))), picture)) << "case is ignored";
+    for (const char* copy : {"a.jpg", "noextension"})
+        folder.Write(copy, folder.Read("Real.png"));
+    for (const char* name : {"a.jpg", "noextension", "REAL.PNG"})
+        EXPECT_TRUE(SamePicture(OwnedPicture(MPicture(folder.File(name))), picture)) << name;
 }
 
 TEST(PictureFile, FailedLoadsLeaveNothing) {
@@ -107,9 +103,7 @@ TEST(PictureFile, FailedLoadsLeaveNothing) {
          {MPicture(folder.File("missing.png")), MPicture(folder.File("cut.png")), MPicture(folder.File("")),
           MPicture(MString()), MPicture(folder.Write("text.png", "text")), MPicture(folder.File("a.png"), 1),
           MPicture(folder.File("a.png"), -1)}) {
-        EXPECT_FALSE(failed.IsValid());
-        EXPECT_EQ(failed.Width, 0U);
-        EXPECT_EQ(failed.Height, 0U);
+        EXPECT_EQ(std::pair(failed.Width, failed.Height), std::pair(0U, 0U));
         EXPECT_EQ(failed.Format, FormatNone);
         EXPECT_EQ(failed.Pixels, nullptr);
     }
@@ -120,15 +114,11 @@ TEST(PictureFile, ScaledLoadFitsTheBox) {
     OwnedPicture picture = BlankPicture(40, 30, FormatRGB8);
     picture.Fill(MColour(9, 8, 7));
     ASSERT_TRUE(picture.Save(folder.File("a.png")));
-    struct Row {
-        std::int32_t maxWidth, maxHeight;
-        std::uint32_t width, height;
-    };
-    for (const Row& row : {Row{20, 20, 20, 15}, Row{13, 100, 13, 9}, Row{80, 80, 80, 60}, Row{0, 20, 40, 30},
-                           Row{20, -1, 40, 30}}) {
-        const OwnedPicture loaded(MPicture(folder.File("a.png"), 0, row.maxWidth, row.maxHeight));
-        EXPECT_EQ(loaded.Width, row.width);
-        EXPECT_EQ(loaded.Height, row.height);
+    const std::tuple<int, int, unsigned, unsigned> boxes[] = {
+        {20, 20, 20, 15}, {13, 100, 13, 9}, {80, 80, 80, 60}, {0, 20, 40, 30}, {20, -1, 40, 30}};
+    for (const auto& [maxWidth, maxHeight, width, height] : boxes) {
+        const OwnedPicture loaded(MPicture(folder.File("a.png"), 0, maxWidth, maxHeight));
+        EXPECT_EQ(std::pair(loaded.Width, loaded.Height), std::pair(width, height));
         EXPECT_EQ(loaded.GetPixel(3, 3), MColour(9, 8, 7));
     }
     ASSERT_TRUE(picture.Save(folder.File("a.dds")));

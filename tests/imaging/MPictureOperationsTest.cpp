@@ -13,16 +13,6 @@ namespace {
 
 using Pixels = std::set<std::pair<int, int>>;
 
-Pixels Line(std::int32_t x0, std::int32_t y0, std::int32_t x1, std::int32_t y1) {
-    OwnedPicture picture = BlankPicture(8, 8, FormatRGBA8);
-    picture.DrawLine(x0, y0, x1, y1, MColour(1, 1, 1));
-    Pixels drawn;
-    for (const auto& [x, y] : PlacesOf(picture)) {
-        if (picture.GetPixel(x, y).a != 0) drawn.emplace(x, y);
-    }
-    return drawn;
-}
-
 OwnedPicture Scaled(const MPicture& source, std::uint32_t width, std::uint32_t height, MPixelFormat format) {
     return {MPicture(source, width, height, format, true, false)};
 }
@@ -96,15 +86,15 @@ TEST(Resample, CropsAndPadsAtTheTopLeft) {
 
 TEST(Resample, UnchangedSizeIsACopyWithItsLimits) {
     const OwnedPicture halves = RandomPicture(4, 4, FormatRGBAHalf, 9);
-    const OwnedPicture words(MPicture(halves, 4, 4, FormatRGBA16, true, false));
+    const OwnedPicture words = Scaled(halves, 4, 4, FormatRGBA16);
     EXPECT_EQ(std::memcmp(words.Pixels, halves.Pixels, 4 * 4 * 8), 0);
 }
 
 TEST(Resample, WithoutMemoryIsInvalid) {
     const OwnedPicture source = BlankPicture(400, 4, FormatRGBA8);
     SetMemoryLimit(1000);
-    EXPECT_FALSE(MPicture(source, 8, 8, FormatRGBA8, true, false).IsValid());
-    EXPECT_FALSE(MPicture(source, 80, 8, FormatRGBA8, true, false).IsValid());
+    for (const std::uint32_t width : {8U, 80U})
+        EXPECT_FALSE(Scaled(source, width, 8, FormatRGBA8).IsValid()) << width;
     SetMemoryLimit(0);
 }
 
@@ -123,16 +113,26 @@ TEST(FlipVertically, SwapsRowsAndTurnsTheFlag) {
 }
 
 TEST(DrawLine, PlotsTheseExactPixels) {
-    EXPECT_EQ(Line(0, 0, 3, 1), (Pixels{{0, 0}, {1, 0}, {2, 1}, {3, 1}}));
-    EXPECT_EQ(Line(3, 1, 0, 0), Line(0, 0, 3, 1));
-    EXPECT_EQ(Line(0, 0, 1, 3), (Pixels{{0, 0}, {0, 1}, {1, 2}, {1, 3}}));
-    EXPECT_EQ(Line(3, 0, 2, 3), (Pixels{{3, 0}, {3, 1}, {2, 2}, {2, 3}}));
-    EXPECT_EQ(Line(5, 0, 0, 2), (Pixels{{5, 0}, {4, 0}, {3, 1}, {2, 1}, {1, 2}, {0, 2}}));
-    EXPECT_EQ(Line(2, 2, 4, 4), (Pixels{{2, 2}, {3, 3}, {4, 4}}));
-    EXPECT_EQ(Line(4, 1, 2, 1), (Pixels{{2, 1}, {3, 1}, {4, 1}}));
-    EXPECT_EQ(Line(1, 6, 1, 4), (Pixels{{1, 4}, {1, 5}, {1, 6}}));
-    EXPECT_EQ(Line(3, 3, 3, 3), (Pixels{{3, 3}}));
-    EXPECT_EQ(Line(-1, 0, 0, 0), (Pixels{{7, 0}, {0, 0}})) << "coordinates wrap";
+    const std::pair<std::array<int, 4>, Pixels> lines[] = {
+        {{0, 0, 3, 1}, {{0, 0}, {1, 0}, {2, 1}, {3, 1}}},
+        {{3, 1, 0, 0}, {{0, 0}, {1, 0}, {2, 1}, {3, 1}}},
+        {{0, 0, 1, 3}, {{0, 0}, {0, 1}, {1, 2}, {1, 3}}},
+        {{3, 0, 2, 3}, {{3, 0}, {3, 1}, {2, 2}, {2, 3}}},
+        {{5, 0, 0, 2}, {{5, 0}, {4, 0}, {3, 1}, {2, 1}, {1, 2}, {0, 2}}},
+        {{2, 2, 4, 4}, {{2, 2}, {3, 3}, {4, 4}}},
+        {{4, 1, 2, 1}, {{2, 1}, {3, 1}, {4, 1}}},
+        {{1, 6, 1, 4}, {{1, 4}, {1, 5}, {1, 6}}},
+        {{3, 3, 3, 3}, {{3, 3}}},
+        {{-1, 0, 0, 0}, {{7, 0}, {0, 0}}}, // coordinates wrap
+    };
+    for (const auto& [ends, expected] : lines) {
+        OwnedPicture picture = BlankPicture(8, 8, FormatRGBA8);
+        picture.DrawLine(ends[0], ends[1], ends[2], ends[3], MColour(1, 1, 1));
+        Pixels drawn;
+        for (const auto& [x, y] : PlacesOf(picture))
+            if (picture.GetPixel(x, y).a != 0) drawn.emplace(x, y);
+        EXPECT_EQ(drawn, expected) << testing::PrintToString(ends);
+    }
 }
 
 TEST(BleedColours, MatchesThePlainForm) {
@@ -149,8 +149,7 @@ TEST(BleedColours, MatchesThePlainForm) {
         const std::uint32_t width = 1 + random() % (large ? 300 : 140);
         const std::uint32_t height = 1 + random() % (large ? 300 : 60);
         constexpr double shares[] = {0.0, 0.0005, 0.01, 0.3, 0.9, 1.0};
-        OwnedPicture picture =
-            RandomPicture(width, height, format, random(), shares[random() % std::size(shares)]);
+        OwnedPicture picture = RandomPicture(width, height, format, random(), shares[random() % 6]);
         if (round % 6 == 0 && format == FormatRGBA16) // below one byte's step: transparent
             picture.SetPixel(0, 0, MPixel(MColour16{1, 2, 3, 200}, format));
         expectPlain(std::move(picture));

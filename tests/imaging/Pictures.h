@@ -85,11 +85,10 @@ inline OwnedPicture RandomPicture(std::uint32_t width, std::uint32_t height, MPi
         if (!shown || full) words[3] = shown ? 65535 : 0;
         const MColour16 colour{words[0], words[1], words[2], words[3]};
         MPixel pixel(colour, FormatRGBA16);
-        if (ChannelClass(format) == 3) {
-            const auto unit = [](std::uint16_t word) { return static_cast<float>(word) / 60000.0F; };
+        const auto unit = [](std::uint16_t word) { return static_cast<float>(word) / 60000.0F; };
+        if (ChannelClass(format) == 3)
             pixel = {MColourHalf(unit(colour.r), unit(colour.g), unit(colour.b), unit(colour.a)),
                      FormatRGBAHalf};
-        }
         picture.SetPixel(x, y, pixel);
     }
     return picture;
@@ -108,11 +107,10 @@ inline MPicture ViewOf(std::vector<std::uint8_t>& buffer, std::uint32_t width, s
 
 // Size, format and every byte of the rows.
 inline bool SamePicture(const MPicture& a, const MPicture& b) {
-    if (a.Width != b.Width || a.Height != b.Height || a.Format != b.Format || !a.IsValid() || !b.IsValid())
-        return false;
+    bool same =
+        a.IsValid() && b.IsValid() && a.Width == b.Width && a.Height == b.Height && a.Format == b.Format;
     const std::size_t rowBytes = std::size_t{a.Width} * BytesPerPixel(a.Format);
-    for (std::size_t y = 0; y < a.Height; ++y) {
-        if (std::memcmp(a.Pixels + y * a.Stride, b.Pixels + y * b.Stride, rowBytes) != 0) return false;
-    }
-    return true;
+    for (std::size_t y = 0; same && y < a.Height; ++y)
+        same = std::memcmp(a.Pixels + y * a.Stride, b.Pixels + y * b.Stride, rowBytes) == 0;
+    return same;
 }

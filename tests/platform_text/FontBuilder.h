@@ -140,18 +140,15 @@ private:
     }
 
     std::string Head() const {
-        return Bytes()
-            .U32(0x00010000)
-            .U32(0x00010000)
-            .U32(0)
-            .U32(0x5F0F3CF5)
-            .U16s({3, unitsPerEm, 0, 0, 0, 0, 0, 0, 0, 0, -1000, -1000, 2000, 2000, 0, 8, 2, 1, 0});
+        const Bytes start = Bytes().U32(0x00010000).U32(0x00010000).U32(0).U32(0x5F0F3CF5);
+        return Bytes(start).U16s(
+            {3, unitsPerEm, 0, 0, 0, 0, 0, 0, 0, 0, -1000, -1000, 2000, 2000, 0, 8, 2, 1, 0});
     }
     std::string Hhea() const {
+        const auto count = static_cast<std::int64_t>(glyphs.size());
         return Bytes()
             .U32(0x00010000)
-            .U16s({ascent, -descent, 0, 2000, 0, 0, 2000, 1, 0, 0, 0, 0, 0, 0, 0,
-                   static_cast<std::int64_t>(glyphs.size())});
+            .U16s({ascent, -descent, 0, 2000, 0, 0, 2000, 1, 0, 0, 0, 0, 0, 0, 0, count});
     }
     std::string Hmtx() const {
         Bytes hmtx;
@@ -165,9 +162,8 @@ private:
         return hmtx;
     }
     std::string Maxp() const {
-        return Bytes()
-            .U32(0x00010000)
-            .U16s({static_cast<std::int64_t>(glyphs.size()), 200, 8, 0, 0, 2, 0, 0, 0, 0, 0, 0, 0, 0});
+        const auto count = static_cast<std::int64_t>(glyphs.size());
+        return Bytes().U32(0x00010000).U16s({count, 200, 8, 0, 0, 2, 0, 0, 0, 0, 0, 0, 0, 0});
     }
     std::string Cmap() const {
         const auto count = static_cast<std::int64_t>(characters.size());

@@ -30,10 +30,10 @@ public:
     // The pixel at a place of the glyph in units of a thousandth of its em, y upwards.
     std::uint32_t At(int x, int y) const { return Canvas::At(penX + x / 10, penY - y / 10 - 1); }
     bool IsEmpty() const {
-        for (int i = 0; i < side * side; ++i) {
-            if (Canvas::At(i % side, i / side) != 0) return false;
-        }
-        return true;
+        std::uint32_t ink = 0;
+        for (int i = 0; i < side * side; ++i)
+            ink |= Canvas::At(i % side, i / side);
+        return ink == 0;
     }
 };
 
@@ -43,18 +43,19 @@ fonts::Font OneBox() {
     return font;
 }
 
-std::string SvgTable(const std::string& shape) {
-    const std::string document =
-        "<svg xmlns='http://www.w3.org/2000/svg'><g id='glyph1'>" + shape + "</g></svg>";
-    return fonts::SvgTable(document, 1, 1);
-}
-
 void AddPaint(fonts::Font& font, const fonts::Bytes& paint) {
     fonts::ColourTables tables;
     tables.palette = {{0, 255, 0, 255}, {0, 0, 255, 255}};
     tables.glyphs[1] = paint;
     font.tables["COLR"] = tables.Colr();
     font.tables["CPAL"] = tables.Cpal();
+}
+
+// One box whose outline has this paint.
+fonts::Font PaintedBox(const fonts::Bytes& paint) {
+    fonts::Font font = OneBox();
+    AddPaint(font, fonts::Outline(1, paint));
+    return font;
 }
 
 // A PNG of 20 by 20 pixels.
@@ -66,19 +67,16 @@ std::string Png(MColour colour) {
     return folder.Read("bitmap.png");
 }
 
-// Strikes of 20 and 200 pixels an em, whose glyph 1 is a bitmap of 20 by 20 pixels at (left, bottom).
-std::string SbixTable(const std::string& small, const std::string& large, int left, int bottom) {
-    std::vector<fonts::Bytes> strikes;
-    for (const auto& [size, png] : {std::pair{20, small}, {200, large}}) {
-        fonts::Bytes strike;
-        const auto end = static_cast<std::int64_t>(4 + 12 + 8 + png.size());
-        strike.U16(size).U16(72).U32(16).U32(16).U32(end);
-        strike.U16(left).U16(bottom).Add("png ").Add(png);
-        strikes.push_back(strike);
-    }
-    fonts::Bytes table;
-    table.U16(1).U16(1).U32(2).U32(16).U32(static_cast<std::int64_t>(16 + strikes[0].size()));
-    return table.Add(strikes[0]).Add(strikes[1]);
+// Strikes of 20 and 200 pixels an em, whose glyph 1 is a bitmap of 20 by 20 pixels.
+std::string SbixTable(const std::string& small, const std::string& large) {
+    const auto strike = [](int size, const std::string& png) {
+        fonts::Bytes bytes;
+        bytes.U16s({size, 72}).U32(16).U32(16).U32(static_cast<std::int64_t>(4 + 12 + 8 + png.size()));
+        return bytes.U16s({0, 0}).Add("png ").Add(png);
+    };
+    const fonts::Bytes first = strike(20, small);
+    const auto second = static_cast<std::int64_t>(16 + first.size());
+    return fonts::Bytes().U16s({1, 1}).U32(2).U32(16).U32(second).Add(first).Add(strike(200, large));
 }
 
 constexpr std::uint32_t white = 0xFFFFFFFF;
@@ -90,8 +88,8 @@ constexpr std::uint32_t blue = 0xFF0000FF;
 // baseline.
 void AddCbdt(fonts::Font& font, const std::string& png) {
     fonts::Bytes data;
-    data.U16(3).U16(0);
-    data.U8(20).U8(20).U8(10).U8(20).U8(40).U32(static_cast<std::int64_t>(png.size())).Add(png);
+    data.U16(3).U16(0).U8(20).U8(20).U8(10).U8(20).U8(40);
+    data.U32(static_cast<std::int64_t>(png.size())).Add(png);
     const fonts::Bytes metrics = fonts::Bytes().U8(80).U8(-20).U8(100).Add(std::string(9, '\0')); // of lines
     fonts::Bytes index;
     index.U16(3).U16(0).U32(1).U32(56).U32(8 + 16).U32(1).U32(0).Add(metrics).Add(metrics);
@@ -114,18 +112,17 @@ TEST(GlyphPainter, PlainGlyphsHaveTheColourOfTheText) {
 }
 
 TEST(GlyphPainter, FirstFormThatHasTheGlyphWins) {
-    const std::string redBox = "<rect y='-700' width='1000' height='700' fill='#f00'/>";
     fonts::Font font = OneBox();
-    font.tables["SVG "] = SvgTable(redBox);
+    font.tables["SVG "] = fonts::SvgTable("<svg xmlns='http://www.w3.org/2000/svg'><g id='glyph1'>"
+                                          "<rect y='-700' width='1000' height='700' fill='#f00'/></g></svg>",
+                                          1, 1);
     EXPECT_EQ(Drawing(font, true).At(500, 300), red);
     EXPECT_EQ(Drawing(font, false).At(500, 300), white) << "colours were not asked for";
 
     AddPaint(font, fonts::Outline(1, fonts::Solid(0)));
     EXPECT_EQ(Drawing(font, true).At(500, 300), green) << "paints before documents";
-
     AddPaint(font, fonts::Outline(1, fonts::Solid(fonts::foreground)));
     EXPECT_EQ(Drawing(font, true, MColour(0, 0, 255)).At(500, 300), blue) << "the colour of the text";
-
     AddPaint(font, fonts::ColrGlyph(1));
     EXPECT_EQ(Drawing(font, true).At(500, 300), red) << "paints that run in a circle";
     font.tables["SVG "] = "nothing that could be read";
@@ -134,14 +131,13 @@ TEST(GlyphPainter, FirstFormThatHasTheGlyphWins) {
 
 TEST(GlyphPainter, BitmapsComeFromTheNearestStrike) {
     fonts::Font font = OneBox();
-    font.tables["sbix"] = SbixTable(Png(MColour(255, 0, 0)), Png(MColour(0, 0, 255)), 0, 0);
+    font.tables["sbix"] = SbixTable(Png(MColour(255, 0, 0)), Png(MColour(0, 0, 255)));
     // The larger strike is shrunk to the em: a bitmap of 20 of 200 pixels is a tenth of it.
-    const Drawing drawing(font, true);
-    EXPECT_EQ(drawing.At(150, 50), blue) << "at the outline's left edge";
-    EXPECT_EQ(drawing.At(500, 300), 0U) << "not the outline";
+    EXPECT_EQ(Drawing(font, true).At(150, 50), blue) << "at the outline's left edge";
+    EXPECT_EQ(Drawing(font, true).At(500, 300), 0U) << "not the outline";
     EXPECT_EQ(Drawing(font, false).At(500, 300), white);
 
-    font.tables["sbix"] = SbixTable("broken", "broken", 0, 0);
+    font.tables["sbix"] = SbixTable("broken", "broken");
     EXPECT_EQ(Drawing(font, true).At(500, 300), white) << "no picture: the outline";
 }
 
@@ -194,9 +190,7 @@ TEST(GlyphPainter, RadiiBelow0) {
     for (const fonts::Bytes& gradient :
          {around(0), around(1), around(2),
           fonts::Radial({500, 350, 300, 500, 350, 0}, fonts::ColourLine(0, {{0, 0}, {1.99, 1}}))}) {
-        fonts::Font font = OneBox();
-        AddPaint(font, fonts::Outline(1, gradient));
-        const std::uint32_t pixel = Drawing(font, true).At(505, 355);
+        const std::uint32_t pixel = Drawing(PaintedBox(gradient), true).At(505, 355);
         EXPECT_EQ(pixel >> 16, 0xFF00U);
         EXPECT_NEAR(pixel >> 8 & 0xFF, 128, 8);
         EXPECT_NEAR(pixel & 0xFF, 128, 8);
@@ -207,9 +201,7 @@ TEST(GlyphPainter, BeforeAHardFirstStopIsItsOwnColour) {
     const fonts::Bytes line = fonts::ColourLine(0, {{0.5, 0}, {0.5, 1}, {1, 1}});
     for (const fonts::Bytes& gradient :
          {fonts::Linear({300, 0, 700, 0, 300, 500}, line), fonts::Sweep(500, 0, 180, 0, line)}) {
-        fonts::Font font = OneBox();
-        AddPaint(font, fonts::Outline(1, gradient));
-        const Drawing drawing(font, true);
+        const Drawing drawing(PaintedBox(gradient), true);
         EXPECT_EQ(drawing.At(400, 300), green) << int{gradient[0]};
         EXPECT_EQ(drawing.At(600, 300), blue) << int{gradient[0]};
     }
@@ -225,11 +217,8 @@ TEST(GlyphPainter, GeometryThatSaysNothingPaintsNothing) {
           fonts::Transform(16, {0, 1}, {}, fonts::Solid(0)),
           fonts::Transform(14, {}, {5000, 0}, fonts::Outline(1, fonts::Solid(0))),
           fonts::Radial({500, 350, 0, 500, 350, 9}, fonts::ColourLine(0, {{-1.5, 0}, {-1, 1}})),
-          fonts::Affine({1, 1, 1, 1, 0, 0}, fonts::Solid(0))}) {
-        fonts::Font font = OneBox();
-        AddPaint(font, fonts::Outline(1, paint));
-        EXPECT_TRUE(Drawing(font, true).IsEmpty()) << int{paint[0]};
-    }
+          fonts::Affine({1, 1, 1, 1, 0, 0}, fonts::Solid(0))})
+        EXPECT_TRUE(Drawing(PaintedBox(paint), true).IsEmpty()) << int{paint[0]};
 }
 
 TEST(GlyphPainter, AGradientTooSmallForTheImageLibraryHarmsNoOther) {
@@ -256,8 +245,7 @@ TEST(GlyphPainter, PaintsThatCostTooMuchAreNotPainted) {
     fonts::Bytes nested = fonts::Solid(0);
     for (int i = 0; i < 60; ++i)
         nested = fonts::Composite(3, nested, fonts::Solid(1));
-    fonts::Font font = OneBox();
-    AddPaint(font, fonts::Outline(1, nested));
+    fonts::Font font = PaintedBox(nested);
     EXPECT_EQ(Drawing(font, true).At(500, 300), white);
 
     fonts::ColourTables tables;

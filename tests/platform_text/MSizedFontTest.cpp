@@ -14,27 +14,25 @@ int Sum(std::span<const std::uint8_t> coverage) {
 std::vector<std::uint8_t> Draw(MSizedFont& font, char16_t character, std::int64_t x, std::int64_t y,
                                const MPixelRect& region) {
     if (region.IsEmpty()) return {};
-    struct Canvas {
-        std::size_t width;
-        std::vector<std::uint8_t> pixels;
-    } canvas{static_cast<std::size_t>(region.right - region.left), {}};
-    canvas.pixels.resize(canvas.width * static_cast<std::size_t>(region.bottom - region.top));
+    const auto width = static_cast<std::size_t>(region.right - region.left);
+    const auto height = static_cast<std::size_t>(region.bottom - region.top);
+    std::pair canvas(width, std::vector<std::uint8_t>(width * height));
     font.Draw(
         character, x, y, region,
         [](std::int32_t row, std::span<const MSpan> spans, void* context) {
-            auto& to = *static_cast<Canvas*>(context);
+            auto& [columns, pixels] = *static_cast<decltype(canvas)*>(context);
             for (const MSpan& span : spans) {
                 EXPECT_GT(span.coverage, 0);
                 for (int i = 0; i < span.length; ++i) {
-                    std::uint8_t& pixel = to.pixels.at(static_cast<std::size_t>(row) * to.width +
-                                                       static_cast<std::size_t>(span.x + i));
+                    const std::size_t at = static_cast<std::size_t>(row) * columns;
+                    std::uint8_t& pixel = pixels.at(at + static_cast<std::size_t>(span.x + i));
                     EXPECT_EQ(pixel, 0) << "told twice";
                     pixel = span.coverage;
                 }
             }
         },
         &canvas);
-    return canvas.pixels;
+    return canvas.second;
 }
 
 // The whole ink of a character.
@@ -52,9 +50,7 @@ TEST(SizedFont, CellIsAsHighAsAsked) {
     EXPECT_EQ(font.ascent, 1854);
     MInk ink;
     ASSERT_TRUE(font.GetInk(u'H', ink));
-    EXPECT_EQ(ink.above, 1409);
-    EXPECT_EQ(ink.below, 0);
-    EXPECT_EQ(ink.a + ink.b + ink.c, 1479);
+    EXPECT_EQ((std::array{ink.above, ink.below, ink.a + ink.b + ink.c}), (std::array{1409, 0, 1479}));
     ASSERT_TRUE(font.GetInk(u' ', ink));
     EXPECT_EQ((std::array{ink.a, ink.b, ink.c}), (std::array{0, 0, 569})) << "no ink, an advance only";
     EXPECT_EQ(Sum(Draw(font, u' ', 0, 0, {0, 0, 10, 10})), 0);

@@ -19,6 +19,13 @@ std::vector<std::uint8_t> Table(const std::string& document) {
     return {table.begin(), table.end()};
 }
 
+std::string Repeated(std::string_view text, int times) {
+    std::string all;
+    for (int i = 0; i < times; ++i)
+        all += text;
+    return all;
+}
+
 std::string Document(const std::string& content, const std::string& attributes = "") {
     return "<svg xmlns='http://www.w3.org/2000/svg' xmlns:xlink='http://www.w3.org/1999/xlink' " + attributes +
            ">" + content + "</svg>";
@@ -99,9 +106,7 @@ TEST(SvgGlyphs, NothingOutsideTheDocumentIsRead) {
 
 TEST(SvgGlyphs, HugeAndBrokenDocumentsHaveNoGlyphs) {
     const std::string shape = "<rect id='glyph3' width='1000' height='1000' y='-1000'/>";
-    std::string many;
-    for (int i = 0; i < 300'000; ++i)
-        many += "<g/>";
+    const std::string many = Repeated("<g/>", 300'000);
     const std::string bomb = bombs::Gzip(Document(shape + "<!--" + std::string(64 << 20, ' ') + "-->"));
     ASSERT_LT(bomb.size(), 100'000U);
     std::string cut = bombs::Gzip(Document(shape));
@@ -121,15 +126,11 @@ TEST(SvgGlyphs, ADocumentThatEndsItsRendererCostsNothingButItsGlyph) {
     const auto filter = [](const std::string& primitives) {
         return "<filter id='f' x='0' y='0' width='1' height='1'>" + primitives + "</filter>";
     };
-    std::string kernel;
-    for (int i = 0; i < 30 * 30; ++i)
-        kernel += "1 ";
+    const std::string kernel = Repeated("1 ", 30 * 30);
     std::string style = "<style>";
     for (int i = 0; i < 30'000; ++i)
         style += "g>g>g>.x" + std::to_string(i) + "{x:y}";
-    style += "</style>";
-    for (int i = 0; i < 30'000; ++i)
-        style += "<g class='x1'/>";
+    style += "</style>" + Repeated("<g class='x1'/>", 30'000);
     const std::tuple<const char*, std::string, bool> cases[] = {
         {"tile", filter("<feFlood x='0' y='0' width='0' height='0' result='e'/><feTile in='e'/>"), false},
         {"matrix", filter("<feConvolveMatrix order='30' kernelMatrix='" + kernel + "'/>"), true},
@@ -144,8 +145,8 @@ TEST(SvgGlyphs, ADocumentThatEndsItsRendererCostsNothingButItsGlyph) {
             {});
         LostGlyphs::Take();
         EXPECT_EQ(PixelOf(glyphs, 4, 50, 50), other) << name;
-        EXPECT_EQ(PixelOf(glyphs, 3, 50, 50), 0U) << name << ": drawn, and empty";
-        EXPECT_EQ(PixelOf(glyphs, 3, 50, 50), 0U) << name;
+        for (int time = 0; time < 2; ++time)
+            EXPECT_EQ(PixelOf(glyphs, 3, 50, 50), 0U) << name << ": drawn, and empty";
         EXPECT_EQ(LostGlyphs::Take(), takesAll ? 2 : 1) << name << ": each is counted once";
         EXPECT_EQ(PixelOf(glyphs, 4, 50, 50), other) << name << ": the others stay";
     }

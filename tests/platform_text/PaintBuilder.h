@@ -116,17 +116,15 @@ struct ColourTables {
                 flatLayers.U16(shape).U16(entry);
             count += static_cast<int>(parts.size());
         }
-        constexpr std::size_t header = 34;
-        const std::size_t layersAt = header + flatGlyphs.size();
-        const std::size_t baseAt = layersAt + flatLayers.size();
-        const std::size_t listAt = baseAt + base.size();
-        const std::size_t clipsAt = listAt + list.size();
-        const auto place = [](std::size_t at) { return static_cast<std::int64_t>(at); };
+        std::size_t end = 34; // of the header
+        const auto place = [&](const Bytes& part, bool empty) {
+            end += part.size();
+            return static_cast<std::int64_t>(empty ? 0 : end - part.size());
+        };
         Bytes colr;
-        colr.U16(1).U16(static_cast<int>(flat.size())).U32(place(flat.empty() ? 0 : header));
-        colr.U32(place(flat.empty() ? 0 : layersAt)).U16(count);
-        colr.U32(place(glyphs.empty() ? 0 : baseAt)).U32(place(layers.empty() ? 0 : listAt));
-        colr.U32(place(boxes.empty() ? 0 : clipsAt)).U32(0).U32(0);
+        colr.U16(1).U16(static_cast<int>(flat.size())).U32(place(flatGlyphs, flat.empty()));
+        colr.U32(place(flatLayers, flat.empty())).U16(count).U32(place(base, glyphs.empty()));
+        colr.U32(place(list, layers.empty())).U32(place(clips, boxes.empty())).U32(0).U32(0);
         return colr.Add(flatGlyphs).Add(flatLayers).Add(base).Add(list).Add(clips);
     }
     std::string Cpal() const {

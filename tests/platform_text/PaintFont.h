@@ -103,8 +103,7 @@ private:
         tables.glyphs[glyph] = paint;
         names.push_back(name);
         ColourTables one = tables;
-        std::erase_if(one.glyphs,
-                      [&](const auto& each) { return !names.empty() && each.first >= firstCharacter; });
+        std::erase_if(one.glyphs, [&](const auto& each) { return each.first >= firstCharacter; });
         one.glyphs[0] = paint;
         alone.push_back(one.Colr());
     }

@@ -19,11 +19,9 @@ TEST(Dds, ReadsTheListedFormats) {
         const auto channel = [&](int shift) { return static_cast<std::uint8_t>(rgba >> shift); };
         const MColour colour(channel(24), channel(16), channel(8), channel(0));
         const OwnedPicture picture = Decoded("DDS", DataFile("dds/" + name));
-        ASSERT_TRUE(picture.IsValid()) << name;
         EXPECT_EQ(picture.Format, name[told] - '0') << name;
         EXPECT_EQ(picture.GetPixel(3, 3), colour) << name;
         EXPECT_EQ(picture.GetPixel(1, 0), colour) << name;
-        EXPECT_TRUE(picture.TopDown);
         ++files;
     }
     EXPECT_EQ(files, 21);
@@ -76,9 +74,8 @@ TEST(Bc1, MatchesExactFractions) {
                 const int thirds[] = {3 * a, 3 * b, 2 * a + b, a + 2 * b};
                 const int halves[] = {2 * a, 2 * b, a + b, 0};
                 const bool four = first > second;
-                ASSERT_TRUE(isNearest(bc1[at + channel], 255 * (four ? thirds : halves)[index],
-                                      (four ? 3 : 2) * most[channel]))
-                    << a << " " << b << " " << index;
+                const int sum = (four ? thirds : halves)[index];
+                ASSERT_TRUE(isNearest(bc1[at + channel], 255 * sum, (four ? 3 : 2) * most[channel]));
                 ASSERT_TRUE(isNearest(bc2[at + channel], 255 * thirds[index], 3 * most[channel]));
                 ASSERT_EQ(bc3[at + channel], bc2[at + channel]);
             }
@@ -92,8 +89,7 @@ TEST(Bc1, MatchesExactFractions) {
                             : step == 1     ? block[1] * steps
                             : step <= steps ? block[0] * (steps - step + 1) + block[1] * (step - 1)
                                             : (step == 7 ? 255 * steps : 0);
-            ASSERT_TRUE(isNearest(bc3[at + 3], sum, steps))
-                << int{block[0]} << " " << int{block[1]} << " " << step;
+            ASSERT_TRUE(isNearest(bc3[at + 3], sum, steps)) << step;
         }
     }
 }
@@ -127,7 +123,7 @@ TEST(Bc7, MatchesAnotherDecoder) {
 
 TEST(Bc7, BlocksAtTheEdgesAreCut) {
     const OwnedPicture picture = Decoded("DDS", DataFile("BC7-white-5-by-7.dds"));
-    ASSERT_TRUE(picture.IsValid());
+    EXPECT_EQ(picture.Height, 7U);
     for (const auto& [x, y] : PlacesOf(picture))
         EXPECT_EQ(picture.GetPixel(x, y), MColour(255, 255, 255, 255));
 }

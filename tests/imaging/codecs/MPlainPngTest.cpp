@@ -10,8 +10,6 @@
 
 namespace {
 
-constexpr MPixelFormat plainFormats[] = {FormatR8, FormatRGB8, FormatRGBA8};
-
 // Blocks on clear ground, with soft edges.
 OwnedPicture Letters(std::uint32_t width, std::uint32_t height, MPixelFormat format) {
     OwnedPicture picture = BlankPicture(width, height, format);
@@ -26,15 +24,13 @@ OwnedPicture Letters(std::uint32_t width, std::uint32_t height, MPixelFormat for
 Bytes Chunk(const std::string& name, const Bytes& data) {
     Bytes chunk;
     Append(chunk, {{static_cast<std::uint32_t>(data.size()), 4}});
-    Bytes checked(name.begin(), name.end());
-    Append(checked, data);
-    Append(chunk, checked);
-    Append(chunk,
-           {{static_cast<std::uint32_t>(crc32(0, checked.data(), static_cast<uInt>(checked.size()))), 4}});
+    Append(chunk, Bytes(name.begin(), name.end()));
+    Append(chunk, data);
+    Append(chunk, {{static_cast<std::uint32_t>(crc32_z(0, chunk.data() + 4, chunk.size() - 4)), 4}});
     return chunk;
 }
 
-// Of 8 bits; by zlib with that window.
+// By zlib with that window.
 Bytes Packed(const Bytes& rows, int windowBits = 15) {
     z_stream stream{};
     deflateInit2(&stream, 6, Z_DEFLATED, windowBits, 8, Z_DEFAULT_STRATEGY);
@@ -90,19 +86,18 @@ bool IsPlain(const Bytes& file) {
 } // namespace
 
 TEST(PlainPng, LibpngReadsWhatIsWritten) {
-    for (const MPixelFormat format : plainFormats) {
+    for (const MPixelFormat format : {FormatR8, FormatRGB8, FormatRGBA8}) {
         for (const auto& [width, height] : {std::pair(400U, 300U), {1U, 70000U}, {70000U, 1U}, {255U, 301U}}) {
             const OwnedPicture picture = Letters(width, height, format);
             MByteSink sink;
-            ASSERT_EQ(EncodePlainPng(picture, sink), std::optional(true)) << width << " x " << height;
+            ASSERT_TRUE(EncodePlainPng(picture, sink).value_or(false)) << width << " x " << height;
             const Bytes file(sink.Bytes().begin(), sink.Bytes().end());
             EXPECT_TRUE(SamePicture(ByLibpng(file), picture)) << "format " << format << ", " << width;
             EXPECT_TRUE(IsPlain(file) && SamePicture(Decoded("PNG", file), picture));
         }
     }
     MByteSink sink;
-    EXPECT_FALSE(EncodePlainPng(RandomPicture(300, 300, FormatRGBA8, 1, 1), sink))
-        << "as large as a photograph";
+    EXPECT_FALSE(EncodePlainPng(RandomPicture(300, 300, FormatRGBA8, 1, 1), sink)) << "like a photograph";
     EXPECT_FALSE(EncodePlainPng(Letters(300, 300, FormatRGBA16), sink));
     EXPECT_EQ(sink.Size(), 0U);
 }

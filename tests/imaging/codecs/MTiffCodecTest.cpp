@@ -36,14 +36,12 @@ TEST(TiffCodec, KeepsTheDepthOfTheFile) {
             const bool grey = samples < 3;
             const auto alpha = samples % 2 == 0 ? ByteAt(x, y, samples - 1) : std::uint8_t{255};
             const MColour told(ByteAt(x, y, 0), ByteAt(x, y, grey ? 0 : 1), ByteAt(x, y, grey ? 0 : 2), alpha);
-            EXPECT_LE(Difference(picture.GetPixel(x, y), told), floats ? 1 : 0)
-                << name << " at " << x << ", " << y;
+            EXPECT_LE(Difference(picture.GetPixel(x, y), told), floats ? 1 : 0) << name << x << ", " << y;
         }
-        if (ChannelClass(picture.Format) == 2) {
-            EXPECT_EQ(picture.GetPixel16(3, 4).r, WordAt(3, 4, 0)) << name;
-        }
-        EXPECT_EQ(picture.FrameCount, pages) << name;
-        EXPECT_EQ(picture.FrameDelay, pages > 1 ? 100 : 0) << name;
+        const bool words = ChannelClass(picture.Format) == 2;
+        EXPECT_TRUE(!words || picture.GetPixel16(3, 4).r == WordAt(3, 4, 0)) << name;
+        EXPECT_EQ(std::pair(picture.FrameCount, picture.FrameDelay), std::pair(pages, pages > 1 ? 100 : 0))
+            << name;
     }
     EXPECT_EQ(files, 32);
     EXPECT_EQ(DecodedFile("white-is-0.tif").GetPixel(2, 3).r, 255 - ByteAt(2, 3, 0));
@@ -92,10 +90,8 @@ Bytes WordTiff(std::uint32_t photometric, const std::vector<std::uint32_t>& word
     Append(file, {{0x4D4D002A, 4}, {8 + size + 8, 4}});
     for (const std::uint32_t word : words)
         Append(file, {{word, 2}});
-    for (int i = 0; i < 4; ++i)
-        Append(file, {{16, 2}}); // the bits of each sample
     const std::uint32_t entries = premultiplied ? 10 : 9;
-    Append(file, {{entries, 2}});
+    Append(file, {{16, 2}, {16, 2}, {16, 2}, {16, 2}, {entries, 2}}); // the bits of each sample first
     const std::array<std::uint32_t, 4> fields[] = {
         {256, 4, 1, width}, {257, 4, 1, 1}, {258, 3, 4, 8 + size}, {259, 3, 1, 1},    {262, 3, 1, photometric},
         {273, 4, 1, 8},     {277, 3, 1, 4}, {278, 4, 1, 1},        {279, 4, 1, size}, {338, 3, 1, 1}};

@@ -29,14 +29,10 @@ TEST(BmpCodec, ReadsEveryDepth) {
         ++files;
     }
     EXPECT_EQ(files, 13);
-}
-
-TEST(BmpCodec, AMaskOfItsOwnKeepsAlpha) {
-    const OwnedPicture picture = Decoded("BMP", DataFile("alpha-by-masks.bmp"));
-    ASSERT_EQ(picture.Format, FormatRGBA8);
-    EXPECT_EQ(picture.GetPixel(0, 0), MColour(255, 0, 0, 128));
-    EXPECT_EQ(picture.GetPixel(1, 0), MColour(0, 0, 255, 0));
-    EXPECT_EQ(picture.GetPixel(0, 1), MColour(0, 255, 0, 77));
+    const OwnedPicture masks = Decoded("BMP", DataFile("alpha-by-masks.bmp"));
+    EXPECT_EQ(masks.GetPixel(0, 0), MColour(255, 0, 0, 128));
+    EXPECT_EQ(masks.GetPixel(1, 0), MColour(0, 0, 255, 0));
+    EXPECT_EQ(masks.GetPixel(0, 1), MColour(0, 255, 0, 77));
 }
 
 TEST(JpegCodec, FormatsByKind) {
@@ -116,30 +112,21 @@ TEST(PngCodec, TrailingBytesDoNotMatterButAMissingEndDoes) {
     EXPECT_FALSE(Decoded("PNG", file).IsValid());
 }
 
-namespace {
-
-OwnedPicture DecodedFile(const std::string& name) {
-    return Decoded("TGA", DataFile("tga/" + name));
-}
-
-} // namespace
-
-TEST(TgaCodec, TrueColoursAreBottomUpWhateverTheDescriptorSays) {
-    const OwnedPicture picture = DecodedFile("24-bits.tga");
-    ASSERT_EQ(picture.Format, FormatRGB8);
-    EXPECT_EQ(picture.GetPixel(0, 1), MColour(2, 1, 0));
-    EXPECT_EQ(picture.GetPixel(1, 0), MColour(11, 10, 9));
-    const OwnedPicture alpha = DecodedFile("32-bits.tga");
-    EXPECT_EQ(alpha.Format, FormatRGBA8);
-    EXPECT_EQ(alpha.GetPixel(0, 1), MColour(2, 1, 0, 3));
-    EXPECT_EQ(DecodedFile("id-of-3-bytes.tga").GetPixel(0, 1), MColour(2, 1, 0)) << "the first pixel is the ID";
-}
-
-TEST(TgaCodec, PalettesAreTakenRedFirst) {
-    const OwnedPicture picture = DecodedFile("palette-of-24-bits.tga");
-    ASSERT_EQ(picture.Format, FormatRGB8);
-    EXPECT_EQ(picture.GetPixel(0, 1), MColour(40, 50, 60));
-    EXPECT_EQ(picture.GetPixel(1, 1), MColour(10, 20, 30));
-    EXPECT_EQ(picture.GetPixel(0, 0), MColour(0, 0, 0)) << "past the palette's end nothing is stored";
-    EXPECT_EQ(DecodedFile("palette-of-32-bits.tga").GetPixel(1, 0), MColour(10, 20, 30));
+// True colours are bottom-up, whatever the descriptor says; palettes are taken red first.
+TEST(TgaCodec, ReadsEachKind) {
+    const std::tuple<const char*, MPixelFormat, Place, MColour> cases[] = {
+        {"24-bits", FormatRGB8, {0, 1}, {2, 1, 0}},
+        {"24-bits", FormatRGB8, {1, 0}, {11, 10, 9}},
+        {"32-bits", FormatRGBA8, {0, 1}, {2, 1, 0, 3}},
+        {"id-of-3-bytes", FormatRGB8, {0, 1}, {2, 1, 0}}, // the first pixel is the ID
+        {"palette-of-24-bits", FormatRGB8, {0, 1}, {40, 50, 60}},
+        {"palette-of-24-bits", FormatRGB8, {1, 1}, {10, 20, 30}},
+        {"palette-of-24-bits", FormatRGB8, {0, 0}, {0, 0, 0}}, // past its end nothing is stored
+        {"palette-of-32-bits", FormatRGB8, {1, 0}, {10, 20, 30}},
+    };
+    for (const auto& [name, format, place, colour] : cases) {
+        const OwnedPicture picture = Decoded("TGA", DataFile("tga/" + std::string(name) + ".tga"));
+        EXPECT_EQ(picture.Format, format) << name;
+        EXPECT_EQ(picture.GetPixel(place.x, place.y), colour) << name;
+    }
 }
