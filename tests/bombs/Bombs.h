@@ -41,6 +41,8 @@ std::vector<fonts::Font> OddFaces();
 std::string Repeated(std::string_view start, std::string_view part, std::string_view end = {});
 // Numbers with the least significant byte first.
 std::string Little(std::initializer_list<std::pair<std::uint64_t, int>> fields);
+// A number of the file with the most significant byte first.
+std::size_t NumberAt(const std::string& bytes, std::size_t place, std::size_t size);
 // A zlib stream of so many bytes, all alike.
 std::string PackedRun(std::uint64_t count, char byte = 0);
 // A PNG of one colour: 8 or 16 bits, grey (0) or with all channels (6). `padding` bytes that no reader needs

@@ -85,11 +85,8 @@ std::string Collection(int count) {
     // Tables lie at places of the whole file.
     const auto tables = static_cast<std::size_t>(face[5]);
     for (std::size_t i = 0; i < tables; ++i) {
-        std::size_t at = 12 + i * 16 + 8;
-        std::uint32_t place = 0;
-        for (std::size_t k = 0; k < 4; ++k)
-            place = place << 8 | static_cast<unsigned char>(face[at + k]);
-        face.replace(at, 4, Bytes().U32(place + header));
+        const std::size_t at = 12 + i * 16 + 8;
+        face.replace(at, 4, Bytes().U32(static_cast<std::int64_t>(NumberAt(face, at, 4)) + header));
     }
     // A collection must have 32 bytes for each of them.
     return file + face + Noise(static_cast<std::size_t>(count) * 28);
@@ -198,13 +195,6 @@ std::string Spare(std::size_t size) {
     font.Add(box);
     font.tables["zzzz"] = Noise(900'000) + std::string(size, '\0');
     return font.Build();
-}
-
-std::size_t NumberAt(const std::string& bytes, std::size_t place, std::size_t size) {
-    std::size_t value = 0;
-    for (std::size_t i = 0; i < size; ++i)
-        value = value << 8 | static_cast<unsigned char>(bytes[place + i]);
-    return value;
 }
 
 // As compressed for the web (WOFF File Format 1.0): each table a zlib stream. Of the last one, which is the

@@ -17,6 +17,13 @@ std::string Little(std::initializer_list<std::pair<std::uint64_t, int>> fields) 
     return bytes;
 }
 
+std::size_t NumberAt(const std::string& bytes, std::size_t place, std::size_t size) {
+    std::size_t value = 0;
+    for (std::size_t i = 0; i < size; ++i)
+        value = value << 8 | static_cast<unsigned char>(bytes[place + i]);
+    return value;
+}
+
 std::string Repeated(std::string_view start, std::string_view part, std::string_view end) {
     std::string text(start);
     while (text.size() + part.size() + end.size() < largestFile - 1000)

@@ -163,10 +163,7 @@ std::string HeifGrid(int columns, int rows, std::size_t padding) {
     const std::string tile(sink.Bytes().begin(), sink.Bytes().end());
     const auto boxAt = [&](const char* type) {
         const std::size_t at = tile.find(type) - 4;
-        std::size_t size = 0;
-        for (std::size_t i = 0; i < 4; ++i)
-            size = size << 8 | static_cast<unsigned char>(tile[at + i]);
-        return tile.substr(at, size);
+        return tile.substr(at, NumberAt(tile, at, 4));
     };
     const std::string coded = boxAt("mdat").substr(8);
     const Bytes grid = Bytes().U8(0).U8(1).U8(rows - 1).U8(columns - 1).U32(columns * 512).U32(rows * 512);

@@ -1,6 +1,7 @@
 #include "editors/MOpticalKerningEditor.h"
 
 #include "DocumentFixture.h"
+#include "glyphs/Pixels.h"
 
 #include <cmath>
 
@@ -34,9 +35,7 @@ TEST_F(OpticalKerningEditorTest, ALineThatIsDrawnMuchSmallerKeepsItsPlaces) {
     std::vector<double> middles;
     std::int32_t begin = -1;
     for (std::int32_t x = 0; x < painting.width; ++x) {
-        const std::uint8_t* const pixel =
-            painting.pixels.data() + static_cast<std::size_t>((816 * row + x) * 4);
-        const bool ink = pixel[2] < 160; // white has as much red as blue
+        const bool ink = PixelAt(painting, x, row).r < 160; // white has as much red as blue
         if (ink && begin < 0) begin = x;
         if (ink || begin < 0) continue;
         middles.push_back((begin + x) / 2.0);

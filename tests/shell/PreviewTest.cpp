@@ -1,5 +1,7 @@
 #include "shell/Preview.h"
 
+#include "DocumentFixture.h"
+#include "glyphs/Pixels.h"
 #include "shell/Program.h"
 #include "shell/ShellFixture.h"
 
@@ -21,9 +23,7 @@ protected:
         return font;
     }
     static MColour Shown(std::int32_t x, std::int32_t y) {
-        const Headless::Painting& painting = Headless::record.paintings.back();
-        const std::uint8_t* const pixel = painting.pixels.data() + std::ptrdiff_t{y * painting.width + x} * 4;
-        return {pixel[2], pixel[1], pixel[0]};
+        return PixelAt(Headless::record.paintings.back(), x, y);
     }
     static constexpr MColour red{255, 0, 0};
     static constexpr MColour green{0, 255, 0};
@@ -60,7 +60,7 @@ TEST_F(Preview, TheTitleCountsAndMeasures) {
     font.Draw();
     font.Repack();
     font.Draw();
-    AddBlock(font, u'A', 30, 100);
+    AddGlyph(font, u'A', 30, 100);
     font.Draw();
     font.Draw();
     using testing::ElementsAre;

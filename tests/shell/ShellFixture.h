@@ -9,8 +9,6 @@
 #include "shell/Shell.h"
 #include "shell/UserFolders.h"
 
-#include <memory>
-
 class ShellTest : public UserTest {
 protected:
     ShellTest() { Headless::Reset(); }
@@ -30,13 +28,5 @@ protected:
         DestroyCurrentFont();
         MainWindow = nullptr;
         Settings = nullptr;
-    }
-
-    // A glyph of one opaque colour.
-    static MGlyph& AddBlock(MColourFont& font, char16_t character, std::int32_t width, std::int32_t height) {
-        const auto slot = static_cast<std::size_t>(font.ClaimSlot(character));
-        font.Glyphs[slot] = std::make_unique<MGlyph>(character, width, height, 0, 0, false);
-        font.Glyphs[slot]->Picture.Fill(MColour(0, 0, 255));
-        return *font.Glyphs[slot];
     }
 };
