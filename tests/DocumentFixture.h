@@ -37,10 +37,10 @@ inline MGlyph& AddGlyph(MColourFont& font, char16_t character, std::int32_t widt
 
 // The codes in slot order, "." for a hole, up to the last glyph.
 inline std::string SlotsOf(const MColourFont& font) {
-    std::string slots;
+    std::string text;
     for (const auto& glyph : font.Glyphs)
-        slots += glyph ? static_cast<char>(glyph->Character) : '.';
-    return slots.substr(0, slots.find_last_not_of('.') + 1);
+        text += glyph ? static_cast<char>(glyph->Character) : '.';
+    return text.substr(0, text.find_last_not_of('.') + 1);
 }
 
 // Every pixel its own colour, some of them transparent.
