@@ -52,12 +52,13 @@ std::string WhyNotText(const MSheet& sheet) {
 void DropSpecks(MSheet& sheet) {
     const double height = SheetLetterHeight(sheet.pieces);
     const double least = std::max(2.0, 0.045 * height);
-    const auto specks = std::ranges::stable_partition(sheet.pieces, [&](const MSheetPiece& piece) {
+    const auto isPart = [&](const MSheetPiece& piece) {
         return std::max(piece.box.Width(), piece.box.Height()) >= least &&
                static_cast<double>(piece.area) >= std::max(3.0, 0.0015 * height * height);
-    });
-    sheet.specks.assign(std::move_iterator(specks.begin()), std::move_iterator(specks.end()));
-    sheet.pieces.erase(specks.begin(), specks.end());
+    };
+    const auto specks = std::stable_partition(sheet.pieces.begin(), sheet.pieces.end(), isPart);
+    sheet.specks.assign(std::move_iterator(specks), std::move_iterator(sheet.pieces.end()));
+    sheet.pieces.erase(specks, sheet.pieces.end());
 }
 
 void FindLetters(MSheet& sheet) {

@@ -4,14 +4,15 @@
 
 #include <algorithm>
 #include <limits>
-#include <ranges>
+#include <span>
 
 namespace {
 
-using Runs = std::ranges::subrange<std::vector<MSheetRun>::const_iterator>;
+using Runs = std::span<const MSheetRun>;
 
 Runs RunsInRow(const MSheetPiece& piece, std::int32_t y) {
-    return std::ranges::equal_range(piece.runs, y, {}, &MSheetRun::y);
+    const auto first = std::ranges::lower_bound(piece.runs, y, {}, &MSheetRun::y);
+    return {first, std::ranges::upper_bound(piece.runs, y, {}, &MSheetRun::y)};
 }
 
 // The core that is nearest to a pixel in its row, or else nearest of all.
