@@ -89,8 +89,7 @@ void MSheetEditor::Type(char16_t character) {
     MSheetBox& box = Sheet.boxes[static_cast<std::size_t>(Selected)];
     box.character = character;
     box.doubtful = box.leftOut = false;
-    Sheet.problem.clear();
-    Sheet.doubtAt = -1;
+    ForgetProblem();
     MeasureSheetLetters(Sheet);
     for (auto next = static_cast<std::size_t>(Selected) + 1; next < Sheet.boxes.size(); ++next) {
         if (!Sheet.boxes[next].leftOut) return Select(static_cast<std::int32_t>(next));
@@ -107,8 +106,7 @@ void MSheetEditor::Untype() {
         } while (Selected > 0 && SelectedBox()->leftOut);
     }
     Sheet.boxes[static_cast<std::size_t>(Selected)].character = 0;
-    Sheet.problem.clear();
-    Sheet.doubtAt = -1;
+    ForgetProblem();
 }
 
 void MSheetEditor::Join(std::int32_t other) {
@@ -212,11 +210,15 @@ void MSheetEditor::Remember(bool pieces) {
     if (pieces) history.back().pieces = Sheet.pieces;
 }
 
+void MSheetEditor::ForgetProblem() {
+    Sheet.problem.clear();
+    Sheet.doubtAt = -1;
+}
+
 void MSheetEditor::Rename() {
     Edited = true;
     if (typed) {
-        Sheet.problem.clear();
-        Sheet.doubtAt = -1;
+        ForgetProblem();
     } else {
         NameSheetBoxes(Sheet, MString(Sheet.text));
     }

@@ -62,5 +62,6 @@ private:
     bool typed = false; // a name was given by hand
 
     void Remember(bool pieces = false);
-    void Rename(); // after boxes were joined, cut, added or left out
+    void ForgetProblem(); // of a text that no longer names the boxes
+    void Rename();        // after boxes were joined, cut, added or left out
 };

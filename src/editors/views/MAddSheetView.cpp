@@ -3,11 +3,10 @@
 #include "foundation/MFolders.h"
 #include "foundation/Product.h"
 #include "imaging/MFileTypes.h"
-#include "platform/qt/QtText.h"
+#include "platform/qt/DraggedFile.h"
 
 #include <QDragEnterEvent>
 #include <QGuiApplication>
-#include <QMimeData>
 #include <QMouseEvent>
 
 namespace {
@@ -16,8 +15,7 @@ using Ground = MSheetWishes::Ground;
 
 // The local path of the first picture in what is dragged; empty if the first file is none.
 MString PictureIn(const QMimeData& data) {
-    if (data.urls().isEmpty()) return {};
-    const MString file = FromQt(data.urls().constFirst().toLocalFile());
+    const MString file = DraggedFile(data);
     return FileTypes.IsPicture(ExtensionOf(file)) ? file : MString();
 }
 

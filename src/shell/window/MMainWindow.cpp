@@ -2,6 +2,7 @@
 
 #include "foundation/MFolders.h"
 #include "imaging/MFileTypes.h"
+#include "platform/qt/DraggedFile.h"
 #include "platform/qt/MCursors.h"
 #include "platform/qt/QtText.h"
 #include "shell/Commands.h"
@@ -13,7 +14,6 @@
 #include <QApplication>
 #include <QDragEnterEvent>
 #include <QMenuBar>
-#include <QMimeData>
 #include <QWindow>
 #include <memory>
 
@@ -24,12 +24,9 @@ constexpr int settled = 150; // milliseconds without a new size, after which it 
 constexpr int frameKnown = 100; // milliseconds
 constexpr QSize smallestClient(240, 120);
 
-// The local path of the first file in what is dragged. Empty if there is none, and while a dialog works on the
-// font, which must not be replaced below it.
-QString FirstFile(const QMimeData& data) {
-    const QList<QUrl> urls = data.urls();
-    if (urls.isEmpty() || QApplication::activeModalWidget()) return {};
-    return urls.constFirst().toLocalFile();
+// The file that is dragged. Empty while a dialog works on the font, which must not be replaced below it.
+MString FileToOpen(const QMimeData& data) {
+    return QApplication::activeModalWidget() ? MString() : DraggedFile(data);
 }
 
 // A picture, which the window's title describes.
@@ -134,13 +131,13 @@ void MMainWindow::LeaveRoomForFrame() {
 
 void MMainWindow::dragEnterEvent(QDragEnterEvent* event) {
     // Others are refused while they are still held.
-    const MString extension = ExtensionOf(FromQt(FirstFile(*event->mimeData())));
+    const MString extension = ExtensionOf(FileToOpen(*event->mimeData()));
     if (extension.Equals("SM") || FileTypes.IsPicture(extension)) event->acceptProposedAction();
 }
 
 void MMainWindow::dropEvent(QDropEvent* event) {
     event->acceptProposedAction();
-    const auto open = [this, file = FromQt(FirstFile(*event->mimeData()))] {
+    const auto open = [this, file = FileToOpen(*event->mimeData())] {
         const MBusyCursor busy;
         OpenDroppedFile(file);
         preview.update();
