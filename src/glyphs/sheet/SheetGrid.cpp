@@ -22,16 +22,15 @@ bool UseSheetGrid(MSheet& sheet, const MSheetGrid& grid) {
     std::map<Place, MSheetPiece> cells;
     for (const MSheetPiece& piece : sheet.pieces) {
         for (const MSheetRun& run : piece.runs) {
-            if (cells.size() > MostSheetPieces) return false;
             for (std::int32_t left = run.left; left < run.right;) {
                 const std::int32_t column = left / grid.width;
                 const std::int32_t right = std::min(run.right, (column + 1) * grid.width);
                 cells[{run.y / grid.height, column}].runs.push_back({run.y, left, right});
                 left = right;
             }
+            if (cells.size() > MostSheetPieces) return false;
         }
     }
-    if (cells.size() > MostSheetPieces) return false;
     sheet.grid = grid;
     sheet.pieces.clear();
     sheet.boxes.clear();
