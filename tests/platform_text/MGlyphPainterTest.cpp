@@ -182,18 +182,23 @@ TEST(GlyphPainter, EveryPaintIsDrawn) {
     }
 }
 
-// What lies below a radius of 0 leaves the colour where it is 0: here the middle, half way from green to blue.
+// What lies below a radius of 0 is not drawn and moves no colour: the middle is half way from green to blue.
 TEST(GlyphPainter, RadiiBelow0) {
     const auto around = [](int extend) {
         return fonts::Radial({500, 350, 0, 500, 350, 300}, fonts::ColourLine(extend, {{-1, 0}, {1, 1}}));
     };
-    for (const fonts::Bytes& gradient :
-         {around(0), around(1), around(2),
-          fonts::Radial({500, 350, 300, 500, 350, 0}, fonts::ColourLine(0, {{0, 0}, {1.99, 1}}))}) {
-        const std::uint32_t pixel = Drawing(PaintedBox(gradient), true).At(505, 355);
-        EXPECT_EQ(pixel >> 16, 0xFF00U);
-        EXPECT_NEAR(pixel >> 8 & 0xFF, 128, 8);
-        EXPECT_NEAR(pixel & 0xFF, 128, 8);
+    const fonts::Bytes shrinking =
+        fonts::Radial({500, 350, 300, 500, 350, 0}, fonts::ColourLine(0, {{0, 0}, {1.99, 1}}));
+    for (const fonts::Bytes& gradient : {around(0), around(1), around(2), shrinking}) {
+        const Drawing drawing(PaintedBox(gradient), true);
+        for (const int distance : {5, 95, 195, 285}) {
+            const double t = distance / 300.0;
+            const double toBlue = gradient == shrinking ? (1 - t) / 1.99 : (t + 1) / 2;
+            const std::uint32_t pixel = drawing.At(500 + distance, 355);
+            EXPECT_EQ(pixel >> 16, 0xFF00U);
+            EXPECT_NEAR(pixel >> 8 & 0xFF, 255 * (1 - toBlue), 4) << distance;
+            EXPECT_NEAR(pixel & 0xFF, 255 * toBlue, 4) << distance;
+        }
     }
 }
 
