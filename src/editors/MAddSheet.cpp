@@ -240,7 +240,7 @@ void MAddSheet::Reveal() {
 
 MString MAddSheet::BoxText() const {
     const MSheetBox* const box = Editor.SelectedBox();
-    if (!box) return {};
+    if (!box) return Editor.Sheet.boxes.empty() ? MString() : MString("After the last box");
     MString text = "Box " + MString(Editor.Selected + 1) + " of " +
                    MString(static_cast<std::int32_t>(Editor.Sheet.boxes.size())) + ": ";
     if (Editor.Cut >= 0)

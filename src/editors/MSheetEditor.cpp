@@ -57,7 +57,7 @@ void MSheetEditor::Step(std::int32_t boxes) {
 
 void MSheetEditor::StepLine(std::int32_t lines) {
     const MSheetBox* const from = SelectedBox();
-    if (!from) return;
+    if (!from) return Select(Selected);
     const std::int32_t line = static_cast<std::int32_t>(from->line) + lines;
     const std::int32_t middle = MiddleX(from->box);
     std::int32_t nearest = -1;
@@ -91,16 +91,18 @@ void MSheetEditor::Type(char16_t character) {
     box.doubtful = box.leftOut = false;
     ForgetProblem();
     MeasureSheetLetters(Sheet);
-    for (auto next = static_cast<std::size_t>(Selected) + 1; next < Sheet.boxes.size(); ++next) {
-        if (!Sheet.boxes[next].leftOut) return Select(static_cast<std::int32_t>(next));
-    }
+    do {
+        ++Selected;
+    } while (SelectedBox() && SelectedBox()->leftOut);
+    Cut = -1;
 }
 
 void MSheetEditor::Untype() {
-    if (!SelectedBox()) return;
+    if (Sheet.boxes.empty()) return;
     Remember();
     typed = true;
-    if (SelectedBox()->character == 0 || SelectedBox()->leftOut) {
+    const MSheetBox* const box = SelectedBox();
+    if (!box || box->character == 0 || box->leftOut) {
         do {
             Step(-1);
         } while (Selected > 0 && SelectedBox()->leftOut);

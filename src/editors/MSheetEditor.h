@@ -11,7 +11,7 @@
 class MSheetEditor {
 public:
     MSheet Sheet;
-    std::int32_t Selected = -1; // the place of a box; -1 if there is none
+    std::int32_t Selected = -1; // the place of a box; -1 if there is none, past the last when that was named
     std::int32_t Cut = -1;      // the column where the selected box may be cut; -1 while nobody asks
     bool Edited = false;        // boxes are others than those that were found
 
@@ -28,7 +28,8 @@ public:
     void StepLine(std::int32_t lines); // to the nearest box of the next line up or down
     void StepToDoubt();                // the next box in doubt, or without a character, from the start again
 
-    // Names the selected box and goes to the next that isn't left out.
+    // Names the selected box and goes to the next that isn't left out. After the last none is selected, so that
+    // a letter too many names nothing.
     void Type(char16_t character);
     // The other way: goes back, and takes the name there away.
     void Untype();

@@ -98,6 +98,12 @@ TEST(MSheetEditor, NamesFollowTheTextUntilOneIsTypedAndAllCanBeTakenBack) {
     EXPECT_EQ(editor.Sheet.boxes.size(), 5U);
     EXPECT_FALSE(editor.CanUndo());
     EXPECT_EQ(editor.Sheet.pieces.size(), 5U);
+    editor.Step(9);
+    for (const char16_t letter : {u'y', u'z'})
+        editor.Type(letter);
+    EXPECT_EQ(Names(editor).back(), u'y') << "a letter too many names nothing";
+    editor.Untype();
+    EXPECT_EQ(Names(editor).back(), u'.');
 }
 
 TEST(MPictureLens, KeepsWhatIsUnderThePointerAndShowsWhatIsSelected) {

@@ -189,9 +189,11 @@ TEST_F(AddSheetWindow, BrokenLettersAreJoinedAndNamedByTyping) {
         QTest::keyClick(sheet, Qt::Key_Backspace); // of the next, which has no name, so back to the last
         QTest::keyClicks(sheet, "Haecnz");
         EXPECT_EQ(Label(dialog, "become glyphs"), "10 letters become glyphs.");
+        QTest::keyClick(sheet, Qt::Key_Backspace);
         QTest::keyClick(sheet, Qt::Key_A);
         EXPECT_EQ(Label(dialog, "Two boxes").left(18), "Two boxes are \"a\".");
-        QTest::keyClick(sheet, Qt::Key_Z, Qt::ControlModifier);
+        for (int i = 0; i < 2; ++i)
+            QTest::keyClick(sheet, Qt::Key_Z, Qt::ControlModifier);
         Screenshot(dialog, "add-sheet-typed");
         Click(dialog, "OK");
     }));
