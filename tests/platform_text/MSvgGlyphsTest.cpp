@@ -69,6 +69,45 @@ TEST(SvgGlyphs, DrawsTheElementOfTheGlyph) {
         << "a view box is as large as the em";
 }
 
+// The em is 50 pixels of the hundred here, and the shape stands in the em above it and to the right.
+TEST(SvgGlyphs, WhatNeedsAPictureInBetweenIsDrawnWhereverItStands) {
+    const std::string mask =
+        "<mask id='m' maskUnits='userSpaceOnUse' x='0' y='-2000' width='2000' height='2000'>"
+        "<rect y='-2000' width='2000' height='2000' fill='#fff'/></mask>";
+    const std::string filter = "<filter id='f'><feOffset dx='0' dy='0'/></filter>";
+    const std::string faded = "opacity='0.5'";
+    const std::string entity =
+        "<?xml version='1.0'?><!-- <svg> --><!DOCTYPE svg [<!-- ' --><!ENTITY a \"]><svg>\">]>";
+    const struct {
+        std::string before, attributes, definitions, group;
+        std::uint32_t alpha;
+    } rows[] = {
+        {"", "", "", faded, 0x80},
+        {"", "", mask, "mask='url(#m)'", 0xFF},
+        {"", "", filter, "filter='url(#f)'", 0xFF},
+        {"", "", "", "style='mix-blend-mode:multiply'", 0xFF},
+        {"", "", "<style>svg{isolation:isolate}</style>", "", 0xFF},
+        {entity, "", "", faded, 0x80},
+        {"", "x='9' y='9' width='10' height='10' style='overflow:hidden'", "", faded, 0x80},
+        {"", "viewBox='0 0 1000 1000' width='10'", "", faded, 0x80},
+    };
+    for (const auto& [before, attributes, definitions, group, alpha] : rows) {
+        MSvgGlyphs glyphs(Table(before + Document(definitions + "<g id='glyph3' " + group +
+                                                      "><rect x='1400' y='-1600' width='200' height='200' "
+                                                      "fill='#0f0'/></g>",
+                                                  attributes)),
+                          {});
+        const Canvas canvas(100, 100);
+        cairo_translate(canvas.context, 0, 100);
+        cairo_scale(canvas.context, 0.05, 0.05);
+        EXPECT_TRUE(glyphs.Draw(canvas.context, 3, units, {}));
+        const std::uint32_t pixel = canvas.At(75, 25);
+        EXPECT_NEAR(pixel >> 24, alpha, 1) << before << attributes << definitions << group;
+        EXPECT_EQ(pixel & 0xFFFFFF, (pixel >> 24) << 8);
+        EXPECT_EQ(canvas.At(69, 25) | canvas.At(75, 31), 0U);
+    }
+}
+
 TEST(SvgGlyphs, PaletteStandsForVariables) {
     fonts::ColourTables tables;
     tables.palette = {{1, 2, 3, 255}, {255, 128, 0, 51}};

@@ -2,6 +2,7 @@
 // platform/text/MSvgRenderer.h). Requests come by the socket that is its standard input. It sets its own limits
 // before it reads any of them, and a request that passes them ends it.
 
+#include "SvgPage.h"
 #include "platform/text/MSvgRenderer.h"
 
 #include <cairo.h>
@@ -16,6 +17,7 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -96,6 +98,7 @@ public:
             if (!SvgWire::Receive(STDIN_FILENO, text.data(), text.size())) return false;
             LimitTime(request.limit);
             began = ProcessorTime();
+            text = OnPage(std::move(text));
             // Without a base, no reference that leaves the document is followed.
             documents[request.document].handle =
                 rsvg_handle_new_from_data(reinterpret_cast<const guint8*>(text.data()), text.size(), nullptr);
@@ -119,8 +122,11 @@ private:
             return Reply({}, nullptr, 0);
         if (request.task == SvgWire::Task::HasElement) return Reply({.found = 1}, nullptr, 0);
 
+        const MPagePlace place = PlaceOnPage(request.matrix, request.width, request.height, request.viewport);
+        if (place.width <= 0 || place.height <= 0) return Reply({.found = 1}, nullptr, 0);
         // A style makes librsvg go through the whole document.
-        if (const std::string style = StyleOf(request); style != document.style) {
+        if (const std::string style = StyleOf(request) + StyleOfPage(place, request.viewport);
+            style != document.style) {
             rsvg_handle_set_stylesheet(document.handle, reinterpret_cast<const guint8*>(style.data()),
                                        style.size(), nullptr);
             document.style = style;
@@ -130,7 +136,8 @@ private:
         const auto& m = request.matrix;
         const cairo_matrix_t matrix{m[0], m[1], m[2], m[3], m[4], m[5]};
         cairo_set_matrix(context.get(), &matrix);
-        const RsvgRectangle viewport{0, 0, request.viewport, request.viewport};
+        cairo_translate(context.get(), -place.x, -place.y);
+        const RsvgRectangle viewport{0, 0, place.width, place.height};
         if (!rsvg_handle_render_layer(document.handle, context.get(), element.c_str(), &viewport, nullptr))
             return Reply({}, nullptr, 0);
         cairo_surface_flush(surface.get());
