@@ -158,15 +158,6 @@ TEST(BleedColours, MatchesThePlainForm) {
         expectPlain(RandomPicture(width, height, FormatRGBA8, width, 0.0001));
 }
 
-TEST(BleedColours, StopsAfterItsRings) {
-    OwnedPicture picture = BlankPicture(100, 100, FormatRGBA8);
-    picture.SetPixel(10, 50, MColour(1, 2, 3, 4));
-    picture.BleedColours();
-    EXPECT_EQ(picture.GetPixel(10, 50), MColour(1, 2, 3, 4));
-    EXPECT_EQ(picture.GetPixel(43, 83), MColour(1, 2, 3, 0));
-    EXPECT_EQ(picture.GetPixel(44, 50), MColour(0, 0, 0, 0));
-}
-
 TEST(BleedColours, WithoutMemoryLeavesThePictureAlone) {
     OwnedPicture picture = RandomPicture(64, 64, FormatRGBA8, 12);
     const OwnedPicture before = DeepCopy(picture);

@@ -93,14 +93,6 @@ TEST(Picture, StoresEveryColourInEveryFormat) {
     }
 }
 
-TEST(Picture, CoordinatesWrap) {
-    OwnedPicture picture = BlankPicture(5, 3, FormatRGBA8);
-    picture.SetPixel(4, 2, MColour(1, 2, 3, 4));
-    EXPECT_EQ(picture.GetPixel(-1, -1), MColour(1, 2, 3, 4));
-    EXPECT_EQ(picture.PixelAddress(5, 0), picture.PixelAddress(0, 0));
-    EXPECT_EQ(picture.PixelAddress(2'000'000'001, -2'000'000'000), picture.PixelAddress(1, 1));
-}
-
 TEST(Picture, InvalidOnesReadAsDefaultsAndIgnoreWrites) {
     MPicture picture;
     EXPECT_TRUE(picture.TopDown);

@@ -44,10 +44,6 @@ protected:
         font.SpaceWidth = 11;
     }
 
-    MGameFontPlan Plan(const MGameFontOptions& options, const MFontDescription& description) const {
-        return PlanGameFont(description, options, "f");
-    }
-
     // What is written at NAME; the reason if it can't be.
     std::string Export(const char* name, const MGameFontOptions& options) {
         const MFontDescription description = DescribeFont(font, settings.GlyphHeight);

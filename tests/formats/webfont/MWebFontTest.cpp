@@ -65,38 +65,6 @@ public:
     }
 };
 
-TEST_F(WebFonts, FreeTypeFindsTheMetricsAndEachPictureInItsPlace) {
-    const Face face(Bytes(), height);
-    EXPECT_EQ(face.face->size->metrics.ascender, 15 * 64);
-    EXPECT_EQ(face.face->size->metrics.descender, -5 * 64);
-    EXPECT_EQ(face.face->size->metrics.height, 20 * 64);
-    for (const MGlyphDescription& glyph : Description().Glyphs) {
-        const FT_GlyphSlot slot = face.Load(glyph.Character, FT_LOAD_COLOR);
-        EXPECT_EQ(slot->advance.x, glyph.Advance * 64) << int{glyph.Character};
-        if (glyph.Ink.IsEmpty()) continue;
-        ASSERT_EQ(slot->format, FT_GLYPH_FORMAT_BITMAP);
-        const FT_Bitmap& bitmap = slot->bitmap;
-        ASSERT_EQ(bitmap.pixel_mode, FT_PIXEL_MODE_BGRA);
-        std::int32_t inked = 0;
-        for (std::int32_t y = 0; y < static_cast<std::int32_t>(bitmap.rows); ++y) {
-            for (std::int32_t x = 0; x < static_cast<std::int32_t>(bitmap.width); ++x) {
-                const unsigned char* const p = bitmap.buffer + y * bitmap.pitch + x * 4;
-                const MColour wanted =
-                    glyph.Glyph->GetPixel(slot->bitmap_left - glyph.Before + x, 15 - slot->bitmap_top + y);
-                const std::array<int, 4> bgra{wanted.b * wanted.a / 255, wanted.g * wanted.a / 255,
-                                              wanted.r * wanted.a / 255, wanted.a};
-                for (std::size_t i = 0; i < 4; ++i)
-                    ASSERT_NEAR(p[i], bgra[i], 2) << int{glyph.Character};
-                inked += wanted.a != 0;
-            }
-        }
-        std::int32_t all = 0;
-        for (std::int32_t i = 0; i < glyph.Width * height; ++i)
-            all += glyph.Glyph->GetPixel(i % glyph.Width, i / glyph.Width).a != 0;
-        EXPECT_EQ(inked, all) << "nothing is cut off";
-    }
-}
-
 TEST_F(WebFonts, HarfBuzzMovesThePenAsTheDocumentDoesForAllPairs) {
     // More pairs than one subtable holds.
     for (char16_t left = 300; left < 460; ++left)
