@@ -130,7 +130,7 @@ std::vector<Bomb> DocumentBombs() {
     photofont("a line of a megabyte", Repeated("", "<glyph id=\"a\" "));
 
     const std::string cubes =
-        "--family 'DejaVu Sans' --height 16 --select a-z --generate --names names.txt --cubes c.png";
+        "--family 'DejaVu Sans' --height 16 --select A-Z --generate --names names.txt --cubes c.png";
     const auto names = [&](const char* name, std::string text) {
         all.push_back({"names", name, "names.txt", std::move(text), cubes});
     };

@@ -13,7 +13,6 @@ TEST(GameFontCli, WrittenCheckedAndOpened) {
     const auto made =
         cli.Info(make + "--set-kerning A,q,-3 --save font.sm --fnt-for pixi --fnt font --fnt-form xml "
                         "--fnt '8 bit.xml'");
-    ASSERT_EQ(cli.status, 0) << cli.error;
     EXPECT_TRUE(cli.Has("font.fnt") && cli.Has("font_0.png") && cli.Has("_8_bit_0.png"));
     EXPECT_THAT(cli.error,
                 HasSubstr("lettrino-cli: --fnt: note: pair-missing: a pair names a character that the "
@@ -28,7 +27,7 @@ TEST(GameFontCli, WrittenCheckedAndOpened) {
     }
     EXPECT_EQ(cli.Info("--open font.sm")["glyphs"], made["glyphs"]) << "the saved font keeps its own picture";
 
-    ASSERT_EQ(cli.Run("--open font.sm --check raylib,phaser"), 0);
+    cli.Do("--open font.sm --check raylib,phaser");
     const auto report = nlohmann::json::parse(cli.out);
     ASSERT_EQ(report["engines"].size(), 2U);
     EXPECT_EQ(report["engines"][1]["form"], "xml");
@@ -39,13 +38,13 @@ TEST(GameFontCli, WrittenCheckedAndOpened) {
     EXPECT_EQ(first["repaired"], true);
     EXPECT_EQ(report["engines"][0]["findings"][1]["rule"], "kerning-ignored");
     EXPECT_EQ(report["engines"][0]["findings"][1]["repaired"], false);
-    ASSERT_EQ(cli.Run("--open font.sm --check-form lines --check raylib"), 0);
+    cli.Do("--open font.sm --check-form lines --check raylib");
     EXPECT_THAT(cli.out, HasSubstr("raylib: kerning-ignored: the engine takes no notice of kerning ("));
 }
 
 TEST(GameFontCli, FailuresAndWrongUsage) {
     Cli cli;
-    ASSERT_EQ(cli.Run(make + "--fnt-for libgdx --fnt f.fnt"), 0) << cli.error;
+    cli.Do(make + "--fnt-for libgdx --fnt f.fnt");
     cli.folder.Write("cut.fnt", cli.folder.Read("f.fnt").substr(0, 900));
     cli.ExpectFailures({
         {"--open cut.fnt", 1, "lettrino-cli: --open: cut.fnt: it tells of 27 characters and holds"},
@@ -62,7 +61,7 @@ TEST(GameFontCli, FailuresAndWrongUsage) {
     EXPECT_FALSE(cli.Has("g.fnt") || cli.Has("g_0.png"));
     cli.folder.Write("many.fnt", "common lineHeight=9\npage id=0 file=f_0.png\nchar id=65 width=3 height=3\n"
                                  "char id=70000\nchar id=32 xadvance=3\n");
-    EXPECT_EQ(cli.Run("--open many.fnt"), 0);
+    cli.Do("--open many.fnt");
     EXPECT_EQ(cli.error,
               "lettrino-cli: --open: note: 1 character is left out (U+11170): codes end at U+FFFF here\n");
 }

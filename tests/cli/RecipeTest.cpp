@@ -93,11 +93,11 @@ TEST(Recipe, TwoFamiliesInThreeSizesAndFourForms) {
     cli.folder.Write("fonts/all.steps", text);
     cli.folder.Write("fonts/set.txt", "A-Z,a-z\n");
     // What it would do is what it does.
-    ASSERT_EQ(cli.Run("--steps fonts/all.steps --dry-run"), 0) << cli.error;
+    cli.Do("--steps fonts/all.steps --dry-run");
     const std::string promised = cli.out;
     EXPECT_THAT(promised,
                 HasSubstr("reads  fonts/all.steps\nreads  fonts/set.txt\nwrites fonts/DejaVu-3x.sm\n"));
-    ASSERT_EQ(cli.Run("--steps fonts/all.steps"), 0) << cli.error;
+    cli.Do("--steps fonts/all.steps");
     for (const auto& entry : std::filesystem::directory_iterator(cli.folder.path / "fonts")) {
         std::string file = "fonts/" + entry.path().filename().string();
         if (const auto page = file.find("_0.png"); page != std::string::npos) file.replace(page, 2, "_*");
@@ -106,7 +106,7 @@ TEST(Recipe, TwoFamiliesInThreeSizesAndFourForms) {
     // A size that was gone back for is the same as one that was made alone.
     const std::string alone =
         "--select A-Z,a-z --colour 204080 --family 'DejaVu Sans' --height 192 --generate --kern ";
-    ASSERT_EQ(cli.Run(alone + "--resize 64 --save alone.sm"), 0);
+    cli.Do(alone + "--resize 64 --save alone.sm");
     EXPECT_TRUE(cli.Info("--open fonts/DejaVu-1x.sm") == cli.Info("--open alone.sm"));
 
     EXPECT_TRUE(SamePicture(cli.Picture("fonts/DejaVu-1x.png"), cli.Picture("alone.png")));
@@ -174,7 +174,7 @@ TEST(Watch, APictureTheRecipeAndABrokenPictureInBetween) {
 // A font that is opened and saved over would start itself for ever.
 TEST(Watch, WhatARunWritesStartsNoOther) {
     Cli cli;
-    ASSERT_EQ(cli.Run("--family 'DejaVu Sans' --select A --generate --save f.sm"), 0);
+    cli.Do("--family 'DejaVu Sans' --select A --generate --save f.sm");
     Watching watching(cli, "--open f.sm --set-kerning A,A,-3 --save f.sm");
     std::this_thread::sleep_for(std::chrono::milliseconds(500));
     EXPECT_EQ(watching.Runs(), 1);

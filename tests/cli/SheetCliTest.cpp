@@ -8,10 +8,8 @@ using testing::HasSubstr;
 
 // A line of text, set by the program, is a sheet.
 void MakeSheet(Cli& cli) {
-    ASSERT_EQ(cli.Run("--family 'DejaVu Sans' --height 60 --colour 201040 --select A-Z,:,% --generate "
-                      "--background F0E8D8 --text 'A B C D E F G H I J K : L %' sheet.png"),
-              0)
-        << cli.error;
+    cli.Do("--family 'DejaVu Sans' --height 60 --colour 201040 --select A-Z,:,% --generate "
+           "--background F0E8D8 --text 'A B C D E F G H I J K : L %' sheet.png");
     cli.folder.Write("letters.txt", "\xEF\xBB\xBF"
                                     "ABCDEFG\r\nHIJK:L%\r\n");
 }
@@ -25,7 +23,6 @@ TEST(SheetCli, CutsAsItIsTold) {
           "--sheet-text @letters.txt --mark a --sheet-text x --sheet-ground alpha --back a",
           "--sheet-ground F0E8D8 --sheet-text 'A BCD EFGHIJK:L%'"}) {
         const nlohmann::json cut = cli.Info(text + " --sheet-report report.png --sheet sheet.png");
-        ASSERT_EQ(cli.status, 0) << cli.error;
         ASSERT_EQ(cut["glyphs"].size(), 14U);
         EXPECT_EQ(cut["capHeight"], direct["capHeight"]);
         EXPECT_EQ(cut["glyphs"][0]["code"], '%');
@@ -34,18 +31,16 @@ TEST(SheetCli, CutsAsItIsTold) {
     }
     // The report afterwards is the same one.
     const std::string before = cli.folder.Read("report.png");
-    ASSERT_EQ(cli.Run("--sheet-text @letters.txt --sheet sheet.png --sheet-report after.png"), 0) << cli.error;
+    cli.Do("--sheet-text @letters.txt --sheet sheet.png --sheet-report after.png");
     EXPECT_EQ(cli.folder.Read("after.png"), before);
     // An "A" is no full stop.
-    ASSERT_EQ(cli.Run("--sheet-text '.BCDEFGHIJK:L%' --sheet sheet.png"), 0);
+    cli.Do("--sheet-text '.BCDEFGHIJK:L%' --sheet sheet.png");
     EXPECT_THAT(cli.error, testing::EndsWith("may be cut or named wrongly: .\n"));
     const nlohmann::json selected =
         cli.Info("--family 'DejaVu Sans' --height 40 --select-text letters.txt --generate");
     EXPECT_EQ(selected["glyphs"].size(), 14U);
-    ASSERT_EQ(
-        cli.Run("--dry-run --select-text letters.txt --sheet-text @letters.txt --sheet-report r.png --sheet "
-                "sheet.png"),
-        0);
+    cli.Do("--dry-run --select-text letters.txt --sheet-text @letters.txt --sheet-report r.png --sheet "
+           "sheet.png");
     EXPECT_EQ(cli.out, "reads  letters.txt\nwrites r.png\nreads  sheet.png\n");
     // In a recipe as well, where "@" and a file's first character are no trap.
     cli.folder.Write("sub/letters.txt", "@BCDEFGHIJK:L%");

@@ -10,15 +10,12 @@ const std::string make = "--family 'DejaVu Sans' --height 32 --select A-Z,a-z --
 
 TEST(WebFontCli, OtherToolsTakeWhatIsWritten) {
     Cli cli;
-    ASSERT_EQ(cli.Run(make +
-                      "--font-name 'Demo <1>' --ttf f.ttf --woff2 f.woff2 --css-page page.html --strikes 16 "
-                      "--ttf strikes.ttf"),
-              0)
-        << cli.error;
+    cli.Do(make + "--font-name 'Demo <1>' --ttf f.ttf --woff2 f.woff2 --css-page page.html --strikes 16 "
+                  "--ttf strikes.ttf");
     EXPECT_THAT(cli.error, testing::MatchesRegex(
                                "lettrino-cli: --ttf: note: the pictures for 16 pixels take [0-9]+ bytes\n"));
     for (const std::string file : {"f.ttf", "f.woff2", "page.woff2", "strikes.ttf"})
-        EXPECT_EQ(cli.Run(file + " out.ttf", {}, "/usr/bin/ots-sanitize"), 0) << file << cli.out << cli.error;
+        cli.Do(file + " out.ttf", {}, "/usr/bin/ots-sanitize");
     EXPECT_THAT(cli.folder.Read("page.css"), HasSubstr("url(\"page.woff2\")"));
     EXPECT_THAT(cli.folder.Read("page.html"), HasSubstr("class=\"font-page\""));
     // Every table is understood, and the same after a way through text.
@@ -37,12 +34,12 @@ second.saveXML('g.ttx', quiet=True)
 keep = lambda f: [line for line in open(f) if not any(word in line for word in ('checkSumAdjustment', '<modified', 'indexToLocFormat'))]
 assert keep('f.ttx') == keep('g.ttx')
 )");
-    EXPECT_EQ(cli.Run("trip.py", {}, "/usr/bin/python3"), 0) << cli.error;
+    cli.Do("trip.py", {}, "/usr/bin/python3");
 }
 
 TEST(WebFontCli, FailuresAndWrongUsage) {
     Cli cli;
-    ASSERT_EQ(cli.Run(make + "--single-files . "), 0);
+    cli.Do(make + "--single-files . ");
     std::filesystem::rename(cli.folder.path / "C65.png", cli.folder.path / "A.png");
     std::filesystem::create_directory(cli.folder.path / "folder");
     cli.ExpectFailures({

@@ -2,7 +2,6 @@
 
 #include "DocumentFixture.h"
 #include "document/MKerningTable.h"
-#include "document/Pairs.h"
 
 #include <random>
 #include <vector>

@@ -299,4 +299,16 @@ TEST_F(FontPairTest, TheFolderIsLockedWhileFilesTakeTheirPlaces) {
     EXPECT_EQ(locked, 4) << "the second name, the text that names it, the picture, the text";
 }
 
+TEST_F(FontPairTest, AFileThatCantBeReplacedLeavesBothAsTheyAre) {
+    for (const char* blocked : {"f.sm", "f.png"}) {
+        Empty();
+        Save(0, "f.sm");
+        fs::permissions(folder.path / blocked, fs::perms::owner_read);
+        const MWriteFailures failures = Save(1, "f.sm");
+        ASSERT_EQ(failures.size(), 1U);
+        EXPECT_EQ(failures[0].path, folder.File(blocked));
+        EXPECT_EQ(ByText("f.sm"), 0U);
+    }
+}
+
 } // namespace

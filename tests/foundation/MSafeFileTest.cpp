@@ -10,6 +10,8 @@
 #include <unistd.h>
 
 #include <csignal>
+#include <future>
+#include <optional>
 #include <string>
 #include <tuple>
 
@@ -133,6 +135,16 @@ TEST(SafeFile, WhatAKilledWriterLeftIsRemovedAndThatOfALivingOneIsNot) {
     ASSERT_TRUE(living.Place());
     EXPECT_EQ(folder.Read(name.c_str()), "living");
     EXPECT_EQ(Entries(folder.path), 1);
+}
+
+TEST(FolderLock, MakesOthersWait) {
+    const TemporaryFolder folder;
+    std::optional<MFolderLock> lock(std::in_place, std::vector{folder.path, folder.path});
+    EXPECT_TRUE(lock->IsHeld());
+    auto other = std::async(std::launch::async, [&] { return MFolderLock({folder.path}).IsHeld(); });
+    EXPECT_EQ(other.wait_for(std::chrono::milliseconds(20)), std::future_status::timeout);
+    lock.reset();
+    EXPECT_TRUE(other.get());
 }
 
 } // namespace
