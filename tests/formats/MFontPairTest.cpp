@@ -78,7 +78,8 @@ protected:
         if (picture.parent_path() != folder.path)
             text = ReplaceAll(text, Utf16(picture.parent_path().string() + "/"), folderOfText);
         for (const unsigned which : {0U, 1U}) {
-            if (WithoutName(text, picture) == texts[which] && ReadAll(picture) == pictures[which]) return which;
+            if (WithoutName(text, picture) == texts[which] && folder.Read(picture.c_str()) == pictures[which])
+                return which;
         }
         return 2;
     }
@@ -91,11 +92,6 @@ protected:
         Make(which);
         ExpectSameGlyphs(font, loaded);
         return HasFailure() ? 2 : which;
-    }
-
-    static std::string ReadAll(const fs::path& path) {
-        std::ifstream file(path, std::ios::binary);
-        return {std::istreambuf_iterator<char>(file), {}};
     }
 
     static bool HasLeftovers(const fs::path& where) {

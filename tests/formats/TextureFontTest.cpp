@@ -177,6 +177,15 @@ TEST_F(TextureFontTest, HostileNumbers) {
     SetMemoryLimit(0);
 }
 
+// A picture of 4 x 4 pixels, of which the records make gigabytes.
+TEST_F(TextureFontTest, ClaimsWithoutPixelsAreNotPacked) {
+    std::string records = "TEX\tx\t4\t4\r\n";
+    for (const char c : {'A', 'B', 'C', 'D', 'E', 'F', 'G'})
+        records += std::string("CHA\t") + c + "\t0\t0\t16000\t4000\t0\t0\r\n";
+    ASSERT_TRUE(font.Load(WriteFont(records)));
+    EXPECT_FALSE(font.Repack());
+}
+
 TEST_F(TextureFontTest, SingleFiles) {
     EXPECT_FALSE(font.ExportSingleFiles(folder.File("any.png")));
     MakeFont(u'A', u'B');

@@ -124,6 +124,7 @@ TEST(DrawLine, PlotsTheseExactPixels) {
         {{1, 6, 1, 4}, {{1, 4}, {1, 5}, {1, 6}}},
         {{3, 3, 3, 3}, {{3, 3}}},
         {{-1, 0, 0, 0}, {{7, 0}, {0, 0}}}, // coordinates wrap
+        {{9, -2, 9, -1}, {{1, 6}, {1, 7}}},
     };
     for (const auto& [ends, expected] : lines) {
         OwnedPicture picture = BlankPicture(8, 8, FormatRGBA8);

@@ -35,6 +35,13 @@ TEST(Dds, AnImageWhoseSizeCanNotBeCountedIsRefused) {
     EXPECT_FALSE(LoadDds(source, image));
 }
 
+TEST(Dds, HalvesWithoutAlphaAreOpaque) {
+    for (const MPixelFormat format : {FormatRHalf, FormatRGBHalf}) {
+        const OwnedPicture halves = Decoded("DDS", Encoded("DDS", SmoothPicture(2, 2, format)));
+        EXPECT_EQ(halves.GetPixelHalf(0, 0).a, Imath::half(1.0F)) << format;
+    }
+}
+
 // Random blocks by exact fractions of whole numbers, each rounded to the nearest byte. Halfway between two end
 // points there may be two.
 TEST(Bc1, MatchesExactFractions) {
