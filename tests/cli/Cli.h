@@ -13,7 +13,7 @@
 #include <string>
 #include <vector>
 
-class Cli {
+class Cli : public testing::Test {
 public:
     TemporaryFolder folder;
     int status = -1;
