@@ -40,6 +40,17 @@ TEST_F(ColourFontTest, SlotsArePlacesAndNotCharacters) {
     EXPECT_EQ(font.GlyphCount(), 2);
 }
 
+TEST_F(ColourFontTest, ClearKeepsTheNumbers) {
+    AddGlyph(font, u'A', 10, 10);
+    font.SetKerning('A', 'V', -1);
+    font.Baseline = 3;
+    ASSERT_TRUE(font.Repack());
+    font.Clear();
+    EXPECT_EQ(font.GlyphCount() + font.KerningCount(), 0);
+    EXPECT_FALSE(font.Picture.IsValid());
+    EXPECT_EQ(std::pair(font.PictureWidth, font.Baseline), std::pair(128, 3));
+}
+
 TEST_F(ColourFontTest, KerningPairs) {
     for (const auto& [left, right] : {std::pair(32, 'A'), {'A', 32}, {-40, 'A'}})
         EXPECT_FALSE(font.SetKerning(left, static_cast<std::uint32_t>(right), 1)) << left;
