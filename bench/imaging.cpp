@@ -96,14 +96,6 @@ void Margins(benchmark::State& state) {
     }
 }
 BENCHMARK(Margins)->Unit(benchmark::kMicrosecond);
-void MarginsPlain(benchmark::State& state) {
-    for (auto _ : state) {
-        std::array<std::uint32_t, 4> margins{};
-        plain::GetMargins(Sparse(), margins);
-        benchmark::DoNotOptimize(margins);
-    }
-}
-BENCHMARK(MarginsPlain)->Unit(benchmark::kMicrosecond);
 
 MString BenchFile(const char* name) {
     return MString((std::filesystem::temp_directory_path() / name).c_str());

@@ -9,8 +9,10 @@
 
 #include <cstdint>
 #include <memory>
+#include <ostream>
 #include <random>
 #include <string>
+#include <vector>
 
 class DocumentTest : public testing::Test {
 protected:
@@ -50,4 +52,15 @@ inline void FillWithNoise(MPicture& picture, unsigned seed) {
         const auto value = random();
         picture.Pixels[i] = static_cast<std::uint8_t>(value % 3 == 0 ? 0 : value >> 8);
     }
+}
+
+// A font's kerning as tests compare it.
+using Pairs = std::vector<MKerningPair>;
+
+inline Pairs PairsOf(const MColourFont& font) {
+    return {font.Kerning.begin(), font.Kerning.end()};
+}
+
+inline std::ostream& operator<<(std::ostream& out, const MKerningPair& pair) {
+    return out << pair.Left << ' ' << pair.Right << ' ' << pair.Amount;
 }

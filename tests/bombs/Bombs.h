@@ -17,8 +17,7 @@ struct Bomb {
     std::string name;
     std::string file; // its name, and that of the picture beside it if there is one
     std::string bytes;
-    // What lettrino-cli is asked to do in the folder of the files, as typed in a shell. Empty for a file that
-    // only the window reads.
+    // What lettrino-cli is asked to do in the folder of the files, as typed in a shell.
     std::string steps;
     std::vector<std::pair<std::string, std::string>> beside{}; // further files: name and bytes
     bool sharp = false;                                        // tried in every test run
@@ -29,7 +28,7 @@ inline constexpr std::size_t largestFile = 1 << 20;
 std::vector<Bomb> PictureBombs();
 std::vector<Bomb> FaceBombs();     // files with the faces of a font
 std::vector<Bomb> ColourBombs();   // the same with glyphs in colour
-std::vector<Bomb> DocumentBombs(); // texture fonts, scripts, Photofonts, names, settings
+std::vector<Bomb> DocumentBombs(); // texture fonts, scripts, Photofonts, names
 std::vector<Bomb> GameBombs();     // game fonts of every form
 std::vector<Bomb> AllBombs();
 // Fonts that are harmless, of every kind, called Built Sans.

@@ -130,7 +130,7 @@ std::vector<Bomb> DocumentBombs() {
     photofont("a line of a megabyte", Repeated("", "<glyph id=\"a\" "));
 
     const std::string cubes =
-        "--family 'DejaVu Sans' --height 16 --select a-z --generate --names names.txt --cubes c.png";
+        "--family 'DejaVu Sans' --height 16 --select A-Z --generate --names names.txt --cubes c.png";
     const auto names = [&](const char* name, std::string text) {
         all.push_back({"names", name, "names.txt", std::move(text), cubes});
     };
@@ -142,12 +142,6 @@ std::vector<Bomb> DocumentBombs() {
             words += static_cast<char>('a' + number % 26);
     names("a megabyte of different names", words);
 
-    const auto settings = [&](const char* name, std::string text) {
-        all.push_back({"settings", name, "Lettrino.txt", std::move(text), {}});
-    };
-    settings("a megabyte of lines", Repeated("", "S65\tY\n"));
-    settings("a line of a megabyte", Repeated("Keys\t", "\"a\" "));
-    settings("a path of a megabyte", Repeated("Path1\t", "a/"));
     return all;
 }
 

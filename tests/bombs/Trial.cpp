@@ -1,7 +1,6 @@
 #include "bombs/Trial.h"
 
 #include "TemporaryFolder.h"
-#include "document/MSettings.h"
 
 #include <fcntl.h>
 #include <sys/resource.h>
@@ -59,15 +58,6 @@ std::vector<pid_t> ChildrenOf(pid_t process) {
     Limit(RLIMIT_FSIZE, std::uint64_t{4} << 30);
     setenv("HOME", folder.path.c_str(), 1);
     setenv("XDG_CONFIG_HOME", folder.path.c_str(), 1);
-    if (bomb.steps.empty()) {
-        const std::filesystem::path place(ToSystemPath(MSettings::SettingsFilePath()));
-        std::filesystem::create_directories(place.parent_path());
-        std::filesystem::copy_file(folder.path / bomb.file, place);
-        MSettings settings;
-        settings.Load();
-        settings.ClampWindowRect();
-        _exit(settings.FileRead ? 0 : 1);
-    }
     const std::string command = "exec '" + program + "' " + bomb.steps;
     execl("/bin/sh", "sh", "-c", command.c_str(), nullptr);
     _exit(127);
@@ -83,8 +73,6 @@ Cost Try(const Bomb& bomb, const std::string& program, const Limits& limits) {
     const pid_t process = fork();
     if (process == 0) Child(bomb, program, folder, limits);
     Cost cost;
-    // A new process starts with the memory of this one until it runs its own program.
-    const std::uint64_t own = bomb.steps.empty() ? PeakOf(getpid()) : 0;
     std::map<pid_t, std::uint64_t> peaks;
     rusage usage{};
     int status = 0;
@@ -102,8 +90,7 @@ Cost Try(const Bomb& bomb, const std::string& program, const Limits& limits) {
     std::uint64_t helper = 0;
     for (const auto& [id, peak] : peaks)
         if (id != process) helper = std::max(helper, peak);
-    const std::uint64_t both = peaks[process] + helper;
-    cost.memory = both - std::min(both, own);
+    cost.memory = peaks[process] + helper;
     cost.seconds = Seconds(usage.ru_utime) + Seconds(usage.ru_stime);
     cost.status = WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status);
     cost.error = folder.Read("error");

@@ -13,7 +13,7 @@
 #include <string>
 #include <vector>
 
-class Cli {
+class Cli : public testing::Test {
 public:
     TemporaryFolder folder;
     int status = -1;
@@ -33,9 +33,14 @@ public:
         return status;
     }
 
+    // The same for what must succeed.
+    void Do(const std::string& arguments, const std::string& below = {}, const char* program = LETTRINO_CLI) {
+        EXPECT_EQ(Run(arguments, below, program), 0) << arguments << '\n' << out << error;
+    }
+
     // What --info prints after these steps.
     nlohmann::json Info(const std::string& arguments) {
-        Run(arguments + " --info");
+        Do(arguments + " --info");
         return nlohmann::json::parse(out, nullptr, false);
     }
 

@@ -14,7 +14,7 @@ namespace {
 using testing::HasSubstr;
 
 // Every kind of face and every size comes back as it was written.
-TEST(Cli, RoundTrips) {
+TEST_F(Cli, RoundTrips) {
     const std::pair<const char*, int> fonts[] = {
         {"--family 'DejaVu Sans' --weight 200", 16}, // an extra light face
         {"--family 'DejaVu Sans'", 1024},
@@ -25,48 +25,42 @@ TEST(Cli, RoundTrips) {
     };
     for (const auto& [face, height] : fonts) {
         SCOPED_TRACE(face);
-        Cli cli;
-        const auto made = cli.Info(std::string(face) + " --height " + std::to_string(height) +
-                                   " --select all --generate --kern --save f.sm");
-        ASSERT_EQ(cli.status, 0) << cli.error;
-        EXPECT_EQ(cli.error, "");
+        const auto made = Info(std::string(face) + " --height " + std::to_string(height) +
+                               " --select all --generate --kern --save f.sm");
+        EXPECT_EQ(error, "");
         EXPECT_GT(made["glyphs"].size(), 180U);
         for (const auto& glyph : made["glyphs"])
             ASSERT_EQ(glyph["height"], height);
         EXPECT_GT(made["capHeight"], height / 3);
-        EXPECT_EQ(cli.Info("--open f.sm --save g.sm"), made);
-        EXPECT_TRUE(SamePicture(cli.Picture("f.png"), cli.Picture("g.png")));
-        EXPECT_FALSE(cli.Has("home")) << "the user's folders play no part";
+        EXPECT_EQ(Info("--open f.sm --save g.sm"), made);
+        EXPECT_TRUE(SamePicture(Picture("f.png"), Picture("g.png")));
+        EXPECT_FALSE(Has("home")) << "the user's folders play no part";
     }
 }
 
-TEST(Cli, EditsTheFont) {
-    Cli cli;
-    const auto info = cli.Info("--family 'DejaVu Sans' --select A,V,x --generate --kern --set-kerning A,V,-9 "
-                               "--set-kerning x,U+20AC,3 --remove x");
-    ASSERT_EQ(cli.status, 0) << cli.error;
+TEST_F(Cli, EditsTheFont) {
+    const auto info = Info("--family 'DejaVu Sans' --select A,V,x --generate --kern --set-kerning A,V,-9 "
+                           "--set-kerning x,U+20AC,3 --remove x");
     EXPECT_EQ(info["glyphs"].size(), 2U);
     const nlohmann::json pair{{"left", 'A'}, {"right", 'V'}, {"amount", -9}};
     EXPECT_EQ(std::ranges::count(info["kerning"], pair), 1);
     for (const auto& each : info["kerning"])
         EXPECT_TRUE(each["left"] != 'x' && each["right"] != 'x');
-    EXPECT_EQ(cli.Info("--select A --generate --select B --generate")["glyphs"].size(), 2U);
+    EXPECT_EQ(Info("--select A --generate --select B --generate")["glyphs"].size(), 2U);
 }
 
-TEST(Cli, TheDebugChannelIsHeardWhenAsked) {
-    Cli cli;
+TEST_F(Cli, TheDebugChannelIsHeardWhenAsked) {
     for (const bool asked : {false, true}) {
         if (asked) setenv("LETTRINO_DEBUG", "1", 1);
-        cli.Run("--family 'DejaVu Sans' --select A --generate --trim-rows");
-        EXPECT_EQ(cli.error.find("Trimming Vertically: ") != std::string::npos, asked);
+        Run("--family 'DejaVu Sans' --select A --generate --trim-rows");
+        EXPECT_EQ(error.find("Trimming Vertically: ") != std::string::npos, asked);
     }
     unsetenv("LETTRINO_DEBUG");
 }
 
-TEST(Cli, KernsForText) {
-    Cli cli;
+TEST_F(Cli, KernsForText) {
     const auto amount = [&](const std::string& steps) {
-        const auto info = cli.Info("--family 'DejaVu Sans' --height 200 --select A-Z,a-z --generate " + steps);
+        const auto info = Info("--family 'DejaVu Sans' --height 200 --select A-Z,a-z --generate " + steps);
         for (const auto& pair : info["kerning"])
             if (pair["left"] == 'A' && pair["right"] == 'V') return pair["amount"].get<int>();
         return 0;
@@ -78,45 +72,42 @@ TEST(Cli, KernsForText) {
     EXPECT_EQ(amount("--kern-optical 0"), 0);
     EXPECT_EQ(amount("--model-pairs 'A,V,-3;T,o,2' --kern-optical"), -3);
     EXPECT_NEAR(amount("--kern-from-font"), optical, 4) << "as the designer has it";
-    cli.Run("--family 'DejaVu Sans' --select A,V --generate --kern-optical");
-    EXPECT_EQ(cli.status, 1);
-    EXPECT_THAT(cli.error, HasSubstr("--kern-optical: the font has none of the letters"));
+    Run("--family 'DejaVu Sans' --select A,V --generate --kern-optical");
+    EXPECT_EQ(status, 1);
+    EXPECT_THAT(error, HasSubstr("--kern-optical: the font has none of the letters"));
     for (const char* const steps : {"--kern-optical 301", "--kern-optical x", "--model-pairs A,V"})
-        EXPECT_EQ(cli.Run(steps), 2) << steps;
-    EXPECT_EQ(cli.Run("--model-pairs 'A,V,1;'"), 0);
+        EXPECT_EQ(Run(steps), 2) << steps;
+    Do("--model-pairs 'A,V,1;'");
 }
 
 // A plain family comes out in the chosen colour; on the path of colour fonts it is white, whatever the colour.
-TEST(Cli, GlyphsCarryTheirColour) {
-    Cli cli;
+TEST_F(Cli, GlyphsCarryTheirColour) {
     const std::string make = "--family 'DejaVu Sans' --height 100 --colour 2060C0 --select H,48-57 ";
-    ASSERT_EQ(cli.Run(make + "--generate --single-files ."), 0) << cli.error;
-    EXPECT_TRUE(cli.Has("C57.png"));
-    const auto middle = static_cast<std::int32_t>(cli.Picture("C72.png").Width) / 2;
-    EXPECT_EQ(cli.Picture("C72.png").GetPixel(middle, 0), MColour(0x20, 0x60, 0xC0, 0));
-    ASSERT_EQ(cli.Run(make + "--colour-font --generate --single-files ."), 0) << cli.error;
-    EXPECT_EQ(cli.Picture("C72.png").GetPixel(2, 50), MColour(255, 255, 255, 255));
-    EXPECT_EQ(cli.Info("--family 'Noto Color Emoji' --colour-font --select 0-9 --generate")["glyphs"].size(),
-              10U);
+    Do(make + "--generate --single-files .");
+    EXPECT_TRUE(Has("C57.png"));
+    const auto middle = static_cast<std::int32_t>(Picture("C72.png").Width) / 2;
+    EXPECT_EQ(Picture("C72.png").GetPixel(middle, 0), MColour(0x20, 0x60, 0xC0, 0));
+    Do(make + "--colour-font --generate --single-files .");
+    EXPECT_EQ(Picture("C72.png").GetPixel(2, 50), MColour(255, 255, 255, 255));
+    EXPECT_EQ(Info("--family 'Noto Color Emoji' --colour-font --select 0-9 --generate")["glyphs"].size(), 10U);
 }
 
 // Status 1 and one line that names the step, the file and the reason; nothing half-made stays.
-TEST(Cli, FailuresNameStepFileAndReason) {
-    Cli cli;
-    ASSERT_EQ(cli.Run("--family 'DejaVu Sans' --select A --generate --save good.sm"), 0);
-    const std::string text = cli.folder.Read("good.sm");
-    const std::string png = cli.folder.Read("good.png");
-    cli.folder.Write("alone.sm", text);
-    cli.folder.Write("cut.sm", text);
-    cli.folder.Write("cut.png", png.substr(0, png.size() / 2));
-    cli.folder.Write("other.sm", "Another TextureFont 1.0\r\n");
-    cli.folder.Write("other.png", png);
-    cli.folder.Write("empty.sm", "");
-    cli.folder.Write("empty.png", png);
-    std::filesystem::create_directory(cli.folder.path / "folder.sm");
+TEST_F(Cli, FailuresNameStepFileAndReason) {
+    Do("--family 'DejaVu Sans' --select A --generate --save good.sm");
+    const std::string text = folder.Read("good.sm");
+    const std::string png = folder.Read("good.png");
+    folder.Write("alone.sm", text);
+    folder.Write("cut.sm", text);
+    folder.Write("cut.png", png.substr(0, png.size() / 2));
+    folder.Write("other.sm", "Another TextureFont 1.0\r\n");
+    folder.Write("other.png", png);
+    folder.Write("empty.sm", "");
+    folder.Write("empty.png", png);
+    std::filesystem::create_directory(folder.path / "folder.sm");
     // Read-only for the administrator too.
-    cli.folder.Write("kept.png", png);
-    std::filesystem::permissions(cli.folder.path / "kept.png", std::filesystem::perms::owner_read);
+    folder.Write("kept.png", png);
+    std::filesystem::permissions(folder.path / "kept.png", std::filesystem::perms::owner_read);
     const std::tuple<const char*, const char*, const char*> cases[] = {
         {"--open good.sm --save kept.sm", "--save: kept.sm: ", "kept.png can't be written over"},
         {"--open good.sm --html kept.html", "--html: kept.html: ", "kept.png can't be written over"},
@@ -141,117 +132,109 @@ TEST(Cli, FailuresNameStepFileAndReason) {
         {"--font-file missing.ttf", "--font-file: missing.ttf: ", "no such file"},
     };
     for (const auto& [arguments, names, reason] : cases) {
-        EXPECT_EQ(cli.Run(arguments), 1) << arguments;
-        EXPECT_EQ(cli.out, "");
-        EXPECT_THAT(cli.error, testing::StartsWith("lettrino-cli: " + std::string(names))) << arguments;
-        EXPECT_THAT(cli.error, HasSubstr(reason)) << arguments;
-        EXPECT_EQ(std::ranges::count(cli.error, '\n'), 1) << cli.error;
+        EXPECT_EQ(Run(arguments), 1) << arguments;
+        EXPECT_EQ(out, "");
+        EXPECT_THAT(error, testing::StartsWith("lettrino-cli: " + std::string(names))) << arguments;
+        EXPECT_THAT(error, HasSubstr(reason)) << arguments;
+        EXPECT_EQ(std::ranges::count(error, '\n'), 1) << error;
     }
-    EXPECT_FALSE(cli.Has("f.sm"));
-    EXPECT_TRUE(cli.Has("kept.png"));
-    EXPECT_FALSE(cli.Has("kept.sm"));
+    EXPECT_FALSE(Has("f.sm"));
+    EXPECT_TRUE(Has("kept.png"));
+    EXPECT_FALSE(Has("kept.sm"));
 }
 
 // Every file that could not be written has its line, and the others are whole; the old ones stay.
-TEST(Cli, FullDisks) {
-    Cli cli;
+TEST_F(Cli, FullDisks) {
     const std::string font = "--family 'DejaVu Sans' --height 200 --select A-Z --generate ";
-    ASSERT_EQ(cli.Run(font + "--save f.sm --minimal-html p.html --single-files . --cubes cube.png"), 0)
-        << cli.error;
-    const std::string script = cli.folder.Read("p.js");
+    Do(font + "--save f.sm --minimal-html p.html --single-files . --cubes cube.png");
+    const std::string script = folder.Read("p.js");
     const std::string limited = "-c 'ulimit -f 1 && exec \"$0\" \"$@\"' '" LETTRINO_CLI "' ";
     for (const auto& [steps, names, several] : {std::tuple("--single-files .", "--single-files: .: ", true),
                                                 {"--cubes cube.png", "--cubes: cube.png: ", true},
                                                 {"--save f.sm", "--save: f.sm: ", false},
                                                 {"--minimal-html p.html", "--minimal-html: p.html: ", false},
                                                 {"--text AAAA line.png", "--text: line.png: ", false}}) {
-        EXPECT_EQ(cli.Run(limited + font + steps, {}, "bash"), 1) << steps;
-        EXPECT_EQ(std::ranges::count(cli.error, '\n') > 1, several) << cli.error;
-        EXPECT_THAT(cli.error, testing::StartsWith(std::string("lettrino-cli: ") + names));
-        EXPECT_THAT(cli.error, HasSubstr("File too large"));
+        EXPECT_EQ(Run(limited + font + steps, {}, "bash"), 1) << steps;
+        EXPECT_EQ(std::ranges::count(error, '\n') > 1, several) << error;
+        EXPECT_THAT(error, testing::StartsWith(std::string("lettrino-cli: ") + names));
+        EXPECT_THAT(error, HasSubstr("File too large"));
     }
     for (const char* picture : {"f.png", "p.png", "C65.png", "C73.png", "cube1.png"})
-        EXPECT_TRUE(cli.Picture(picture).IsValid()) << picture;
-    EXPECT_EQ(cli.folder.Read("p.js"), script);
-    EXPECT_FALSE(cli.Has("line.png"));
-    EXPECT_EQ(cli.Run("--open f.sm"), 0);
+        EXPECT_TRUE(Picture(picture).IsValid()) << picture;
+    EXPECT_EQ(folder.Read("p.js"), script);
+    EXPECT_FALSE(Has("line.png"));
+    Do("--open f.sm");
 }
 
 // Files that can't be what they are named: told, and neither waited for nor died of.
-TEST(Cli, PipesAndOtherOddFiles) {
-    Cli cli;
-    ASSERT_EQ(cli.Run("--family 'DejaVu Sans' --select A-Z --generate --save a.sm"), 0);
+TEST_F(Cli, PipesAndOtherOddFiles) {
+    Do("--family 'DejaVu Sans' --select A-Z --generate --save a.sm");
     for (const char* name : {"f.sm", "f.png", "f.phf", "f.js", "f.ttf", "f.txt"})
-        ASSERT_EQ(mkfifo((cli.folder.path / name).c_str(), 0600), 0);
-    cli.folder.Write("p.phf", "<PhF>\n");
-    cli.folder.Write("names.txt", std::string(3 << 20, 'A'));
-    cli.folder.Write("long.js", cli.folder.Read("a.sm") + std::string(40 << 20, 'A'));
+        ASSERT_EQ(mkfifo((folder.path / name).c_str(), 0600), 0);
+    folder.Write("p.phf", "<PhF>\n");
+    folder.Write("names.txt", std::string(3 << 20, 'A'));
+    folder.Write("long.js", folder.Read("a.sm") + std::string(40 << 20, 'A'));
     setenv("TMPDIR", "/no/such/folder", 1);
     for (const char* steps :
          {"--open f.sm", "--open f.phf", "--open f.js", "--picture A=f.png", "--font-file f.ttf",
           "--open a.sm --names f.txt --cubes x.png", "--open a.sm --save f.sm", "--open p.phf",
           "--open a.sm --html f.html", "--open a.sm --text A f.png", "--open long.js",
           "--open a.sm --names names.txt --cubes x.png"}) {
-        EXPECT_EQ(cli.Run(steps), 1) << steps;
-        EXPECT_EQ(std::ranges::count(cli.error, '\n'), 1) << cli.error;
+        EXPECT_EQ(Run(steps), 1) << steps;
+        EXPECT_EQ(std::ranges::count(error, '\n'), 1) << error;
     }
     unsetenv("TMPDIR");
 }
 
-TEST(Cli, WebNamesThatCouldRunAreRefused) {
-    Cli cli;
-    ASSERT_EQ(cli.Run("--family 'DejaVu Sans' --select A --generate --save a.sm"), 0);
-    const auto entries = [&] {
-        return std::distance(std::filesystem::directory_iterator(cli.folder.path), {});
-    };
+TEST_F(Cli, WebNamesThatCouldRunAreRefused) {
+    Do("--family 'DejaVu Sans' --select A --generate --save a.sm");
+    const auto entries = [&] { return std::distance(std::filesystem::directory_iterator(folder.path), {}); };
     const auto before = entries();
     for (const char* name : {"x=document['title']='t'.html", "<b>.html", "a.\";alert(1);\".html", "a%41.html",
                              "a(1).html", "a;b.html", "a\tb.html", "\xC4\xBC.html"}) {
-        EXPECT_EQ(cli.Run("--open a.sm --minimal-html '" + ReplaceAll(name, "'", "'\\''") + "'"), 1) << name;
-        EXPECT_THAT(cli.error, HasSubstr("script or markup")) << name;
+        EXPECT_EQ(Run("--open a.sm --minimal-html '" + ReplaceAll(name, "'", "'\\''") + "'"), 1) << name;
+        EXPECT_THAT(error, HasSubstr("script or markup")) << name;
         EXPECT_EQ(entries(), before) << name;
     }
     // Harmless, but dead: the letter has a NUL for its low byte.
-    EXPECT_EQ(cli.Run("--open a.sm --minimal-html 'a\xC4\x80.html'"), 0);
-    EXPECT_THAT(cli.error, HasSubstr("warning: the name '"));
-    EXPECT_TRUE(cli.Has("a\xC4\x80.html"));
-    EXPECT_EQ(cli.Run("--open a.sm --minimal-html x_1.html"), 0);
-    EXPECT_EQ(cli.error, "");
+    Do("--open a.sm --minimal-html 'a\xC4\x80.html'");
+    EXPECT_THAT(error, HasSubstr("warning: the name '"));
+    EXPECT_TRUE(Has("a\xC4\x80.html"));
+    Do("--open a.sm --minimal-html x_1.html");
+    EXPECT_EQ(error, "");
 }
 
 // A path that doesn't tell all the folders above the file, or whose folders have dots, is one like any other.
-TEST(Cli, PathsAreRelativeToTheWorkingFolder) {
-    Cli cli;
+TEST_F(Cli, PathsAreRelativeToTheWorkingFolder) {
     for (const char* name : {"Fonts", "Textures", "my.cubes"})
-        std::filesystem::create_directory(cli.folder.path / name);
-    ASSERT_EQ(cli.Run("--family 'DejaVu Sans' --select A-Z --generate --save Fonts/f.sm"), 0) << cli.error;
-    std::filesystem::rename(cli.folder.path / "Fonts/f.png", cli.folder.path / "Textures/f.png");
-    EXPECT_EQ(cli.Run("--open Fonts/f.sm"), 0) << cli.error;
-    EXPECT_EQ(cli.Run("--open f.sm", "Fonts"), 0) << cli.error;
-    EXPECT_EQ(cli.Run("--open ../Fonts/f.sm --cubes cube.png", "my.cubes"), 0) << cli.error;
-    EXPECT_TRUE(cli.Has("my.cubes/cube1.png"));
-    EXPECT_EQ(cli.Run("--open Fonts/f.sm --cubes my.cubes/cube.png"), 0) << cli.error;
-    EXPECT_TRUE(cli.Has("my1.png")); // cut at the first dot of what was typed
-    EXPECT_EQ(cli.Run("--open ./f.sm --cubes ./here.png", "Fonts"), 0) << cli.error;
-    EXPECT_EQ(cli.Run("--open f.sm --cubes ../above.png", "Fonts"), 0) << cli.error;
-    EXPECT_TRUE(cli.Has("Fonts/here1.png") && cli.Has("above1.png"));
+        std::filesystem::create_directory(folder.path / name);
+    Do("--family 'DejaVu Sans' --select A-Z --generate --save Fonts/f.sm");
+    std::filesystem::rename(folder.path / "Fonts/f.png", folder.path / "Textures/f.png");
+    Do("--open Fonts/f.sm");
+    Do("--open f.sm", "Fonts");
+    Do("--open ../Fonts/f.sm --cubes cube.png", "my.cubes");
+    EXPECT_TRUE(Has("my.cubes/cube1.png"));
+    Do("--open Fonts/f.sm --cubes my.cubes/cube.png");
+    EXPECT_TRUE(Has("my1.png")); // cut at the first dot of what was typed
+    Do("--open ./f.sm --cubes ./here.png", "Fonts");
+    Do("--open f.sm --cubes ../above.png", "Fonts");
+    EXPECT_TRUE(Has("Fonts/here1.png") && Has("above1.png"));
 }
 
-TEST(Cli, WrongUsageDoesNothing) {
-    Cli cli;
+TEST_F(Cli, WrongUsageDoesNothing) {
     const std::string make = "--family 'DejaVu Sans' --select A --generate --save made.sm ";
     for (const char* arguments :
          {"--nonsense", "--height", "--height tall", "--colour red", "--colour 12345G", "--select A-",
           "--select Z-A", "--select U+20AC", "--select A,,B", "--set-kerning A,B", "--remove AB",
           "--generate=no", "stray", "--resize", "--resize-normalised big", "--weight 9999999999"}) {
-        EXPECT_EQ(cli.Run(make + arguments), 2) << arguments;
-        EXPECT_FALSE(cli.Has("made.sm")) << arguments;
-        EXPECT_EQ(std::ranges::count(cli.error, '\n'), 1) << cli.error;
+        EXPECT_EQ(Run(make + arguments), 2) << arguments;
+        EXPECT_FALSE(Has("made.sm")) << arguments;
+        EXPECT_EQ(std::ranges::count(error, '\n'), 1) << error;
     }
-    EXPECT_EQ(cli.Run(""), 2);
+    EXPECT_EQ(Run(""), 2);
 }
 
-TEST(Cli, UnderstandsSelections) {
+TEST_F(Cli, UnderstandsSelections) {
     const std::pair<const char*, std::vector<int>> cases[] = {
         {"A-C,x", {65, 66, 67, 120}},    {"48-50,5", {48, 49, 50, 53}},
         {"U+00E9,\xC3\xA8", {232, 233}}, {"U+0041-U+0043", {65, 66, 67}},
@@ -259,20 +242,17 @@ TEST(Cli, UnderstandsSelections) {
         {"+--", {43, 44, 45}},           {"'", {39}},
     };
     for (const auto& [set, expected] : cases) {
-        Cli cli;
-        const auto info = cli.Info(std::string("--family 'DejaVu Sans' --select \"") + set + "\" --generate");
+        const auto info = Info(std::string("--family 'DejaVu Sans' --select \"") + set + "\" --generate");
         std::vector<int> codes;
         for (const auto& glyph : info["glyphs"])
             codes.push_back(glyph["code"]);
-        EXPECT_THAT(codes, testing::UnorderedElementsAreArray(expected)) << set << cli.error;
+        EXPECT_THAT(codes, testing::UnorderedElementsAreArray(expected)) << set << error;
     }
 }
 
-TEST(Cli, ChangesTheGlyphHeight) {
-    Cli cli;
+TEST_F(Cli, ChangesTheGlyphHeight) {
     const std::string family = "--family 'DejaVu Sans' ";
-    const auto made = cli.Info(family + "--height 100 --select A,V --generate --kern --save f.sm");
-    ASSERT_EQ(cli.status, 0) << cli.error;
+    const auto made = Info(family + "--height 100 --select A,V --generate --kern --save f.sm");
     const std::pair<const char*, int> cases[] = {
         {"--open f.sm --resize 50", 50},
         {"--open f.sm --resize 5", 16}, // limited, as in the dialogs
@@ -285,30 +265,27 @@ TEST(Cli, ChangesTheGlyphHeight) {
         {"--select V --generate --resize-normalised 50", 50},
     };
     for (const auto& [steps, height] : cases) {
-        const auto info = cli.Info(family + steps);
+        const auto info = Info(family + steps);
         EXPECT_EQ(info["glyphHeight"], height) << steps;
         EXPECT_GE(info["picture"]["height"], height) << steps;
     }
-    EXPECT_NEAR(cli.Info("--open f.sm --resize-normalised 200")["capHeight"], 140, 2);
-    EXPECT_EQ(cli.Info("--open f.sm --resize 100"), made);
+    EXPECT_NEAR(Info("--open f.sm --resize-normalised 200")["capHeight"], 140, 2);
+    EXPECT_EQ(Info("--open f.sm --resize 100"), made);
     // An answer to a question that was not asked goes to no later one.
-    cli.folder.Write("names.txt", "AV");
-    EXPECT_EQ(cli.Run(family + "--select B-Z --generate --resize 50 --select A --height 50 --generate "
-                               "--names names.txt --cubes cube.png"),
-              0)
-        << cli.error;
+    folder.Write("names.txt", "AV");
+    Do(family + "--select B-Z --generate --resize 50 --select A --height 50 --generate "
+                "--names names.txt --cubes cube.png");
 }
 
-TEST(Cli, HelpVersionAndFonts) {
-    Cli cli;
-    EXPECT_EQ(cli.Run("--help"), 0);
-    EXPECT_THAT(cli.out, HasSubstr("--single-files FOLDER"));
+TEST_F(Cli, HelpVersionAndFonts) {
+    Do("--help");
+    EXPECT_THAT(out, HasSubstr("--single-files FOLDER"));
     for (const MGameEngine& engine : gameEngines)
-        EXPECT_THAT(cli.out, HasSubstr(std::string(engine.Name)));
-    EXPECT_EQ(cli.Run("--version"), 0);
-    EXPECT_EQ(cli.out, "Lettrino 4.0.0.8\n");
-    EXPECT_EQ(cli.Run("--list-fonts"), 0);
-    const auto fonts = nlohmann::json::parse(cli.out);
+        EXPECT_THAT(out, HasSubstr(std::string(engine.Name)));
+    Do("--version");
+    EXPECT_EQ(out, "Lettrino 4.0.0.8\n");
+    Do("--list-fonts");
+    const auto fonts = nlohmann::json::parse(out);
     EXPECT_EQ(std::ranges::count(fonts, nlohmann::json{{"family", "Liberation Sans"},
                                                        {"weight", 700},
                                                        {"italic", false},
@@ -319,64 +296,59 @@ TEST(Cli, HelpVersionAndFonts) {
         EXPECT_EQ(face["colour"].size(), face["family"] == "Noto Color Emoji" ? 1U : 0U) << face["family"];
 }
 
-TEST(Cli, PicturesBecomeGlyphs) {
-    Cli cli;
-    std::filesystem::create_directory(cli.folder.path / "set");
+TEST_F(Cli, PicturesBecomeGlyphs) {
+    std::filesystem::create_directory(folder.path / "set");
     for (const char* name : {"set/A.png", "set/B.PNG", "set/C.png", "set/E.png"}) {
         OwnedPicture picture = BlankPicture(30, 48, FormatRGBA8);
         for (std::int32_t y = 8; y < 40; ++y)
             picture.SetPixel(5, y, MColour(1, 2, 3));
-        ASSERT_TRUE(picture.Save(cli.folder.File(name)));
+        ASSERT_TRUE(picture.Save(folder.File(name)));
     }
-    auto info = cli.Info("--pictures A=set/A.png --save x.sm");
-    ASSERT_EQ(cli.status, 0) << cli.error;
+    auto info = Info("--pictures A=set/A.png --save x.sm");
     EXPECT_EQ(info["glyphs"].size(), 3U);
     // The height is that of the first picture; the glyph is trimmed to its ink and one column.
     EXPECT_EQ(std::tuple(info["glyphHeight"], info["capHeight"], info["baseline"], info["glyphs"][0]["width"]),
               std::tuple(48, 32, 8, 2));
-    info = cli.Info("--padding 10,6 --spacing 3,-4 --trim no --picture U+20AC=set/E.png");
+    info = Info("--padding 10,6 --spacing 3,-4 --trim no --picture U+20AC=set/E.png");
     const auto& glyph = info["glyphs"][0];
     EXPECT_EQ(std::tuple(glyph["code"], glyph["width"], glyph["after"]), std::tuple(0x20AC, 48 * 30 / 64, -4));
-    EXPECT_EQ(cli.Run("--picture A=set"), 1);
-    EXPECT_EQ(cli.Run("--padding -1,0 --picture A=set/A.png"), 1);
-    EXPECT_EQ(cli.Run("--picture set/A.png"), 2);
+    EXPECT_EQ(Run("--picture A=set"), 1);
+    EXPECT_EQ(Run("--padding -1,0 --picture A=set/A.png"), 1);
+    EXPECT_EQ(Run("--picture set/A.png"), 2);
 }
 
-TEST(Cli, WholeFontEditsWebAndCubes) {
-    Cli cli;
+TEST_F(Cli, WholeFontEditsWebAndCubes) {
     const std::string make = "--family 'DejaVu Sans' --height 40 --select A-Z,U+00C9,U+00E9 --generate ";
-    EXPECT_EQ(cli.Info(make + "--ascii-only")["glyphs"].size(), 26U);
-    EXPECT_LT(cli.Info(make + "--trim-rows")["glyphHeight"], 40);
-    EXPECT_EQ(cli.Run(make + "--html demo.html"), 0) << cli.error;
+    EXPECT_EQ(Info(make + "--ascii-only")["glyphs"].size(), 26U);
+    EXPECT_LT(Info(make + "--trim-rows")["glyphHeight"], 40);
+    Do(make + "--html demo.html");
     for (const char* file :
          {"demo.html", "demo.js", "demo.png", "lettrino-1.0.js", "try.js", "try.css", "colourpicker.png"})
-        EXPECT_TRUE(cli.Has(file)) << file;
-    EXPECT_EQ(cli.Info("--open demo.js")["glyphs"].size(), 28U) << cli.error;
-    cli.folder.Write("names.txt", "Anna\nB\xC3\xA9"
-                                  "a\n"); // UTF-8 without its mark
-    cli.folder.Write("digit.txt", "X5\n");
-    EXPECT_EQ(cli.Run(make + "--background 102030 --text 'ABC AB' line.png --names names.txt --cubes cube.png"),
-              0);
-    EXPECT_THAT(cli.out, testing::StartsWith("Number of names:\t3\n"));
-    EXPECT_TRUE(cli.Has("cube4.png"));
-    EXPECT_EQ(cli.Picture("line.png").GetPixel(0, 0), MColour(0x10, 0x20, 0x30));
-    cli.folder.Write("none.txt", "\n");
-    std::filesystem::create_directory(cli.folder.path / "no1.png"); // would be in the way of a cube
-    EXPECT_EQ(cli.Run(make + "--names none.txt --cubes no.png"), 0) << cli.error;
-    cli.folder.Write("head",
-                     "<unicode_mapping>\n<map id=\"A\" unc=\"65\"/>\n</unicode_mapping>\n<glyph id=\"A\">\n"
-                     "<shape embedded=\"I\"/>\n<bbox width=\"9\" height=\"9\"/>\n<base y=\"9\"/>\n</glyph>\n"
-                     "</glyphs>\n<image id=\"I\">\nbase64\n");
-    cli.folder.Write("end", "</image>\n");
-    ASSERT_EQ(cli.Run("-c 'base64 line.png | cat head - end > a.phf'", {}, "bash"), 0);
-    EXPECT_EQ(cli.Info("--open a.phf")["glyphs"].size(), 1U) << cli.error;
-    cli.folder.Write("empty.phf", "<PhF>\n");
-    EXPECT_EQ(cli.Info(make + "--open empty.phf")["glyphs"].size(), 0U)
-        << "nothing of the font before it stays";
+        EXPECT_TRUE(Has(file)) << file;
+    EXPECT_EQ(Info("--open demo.js")["glyphs"].size(), 28U) << error;
+    folder.Write("names.txt", "Anna\nB\xC3\xA9"
+                              "a\n"); // UTF-8 without its mark
+    folder.Write("digit.txt", "X5\n");
+    Do(make + "--background 102030 --text 'ABC AB' line.png --names names.txt --cubes cube.png");
+    EXPECT_THAT(out, testing::StartsWith("Number of names:\t3\n"));
+    EXPECT_TRUE(Has("cube4.png"));
+    EXPECT_EQ(Picture("line.png").GetPixel(0, 0), MColour(0x10, 0x20, 0x30));
+    folder.Write("none.txt", "\n");
+    std::filesystem::create_directory(folder.path / "no1.png"); // would be in the way of a cube
+    Do(make + "--names none.txt --cubes no.png");
+    folder.Write("head",
+                 "<unicode_mapping>\n<map id=\"A\" unc=\"65\"/>\n</unicode_mapping>\n<glyph id=\"A\">\n"
+                 "<shape embedded=\"I\"/>\n<bbox width=\"9\" height=\"9\"/>\n<base y=\"9\"/>\n</glyph>\n"
+                 "</glyphs>\n<image id=\"I\">\nbase64\n");
+    folder.Write("end", "</image>\n");
+    Do("-c 'base64 line.png | cat head - end > a.phf'", {}, "bash");
+    EXPECT_EQ(Info("--open a.phf")["glyphs"].size(), 1U) << error;
+    folder.Write("empty.phf", "<PhF>\n");
+    EXPECT_EQ(Info(make + "--open empty.phf")["glyphs"].size(), 0U) << "nothing of the font before it stays";
     for (const char* steps :
          {"--html 'my font.html'", "--html no/font.html", "--names digit.txt --cubes cube.png"})
-        EXPECT_EQ(cli.Run(make + steps), 1) << steps;
-    EXPECT_THAT(cli.error, HasSubstr("letter 5"));
+        EXPECT_EQ(Run(make + steps), 1) << steps;
+    EXPECT_THAT(error, HasSubstr("letter 5"));
 }
 
 } // namespace

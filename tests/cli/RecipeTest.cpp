@@ -11,6 +11,8 @@
 namespace {
 
 using testing::HasSubstr;
+using Recipe = Cli;
+using Watch = Cli;
 
 // A block of one colour on clear ground.
 void WritePicture(const Cli& cli, const char* name, const MColour& colour, std::uint32_t width) {
@@ -75,8 +77,7 @@ private:
 
 } // namespace
 
-TEST(Recipe, TwoFamiliesInThreeSizesAndFourForms) {
-    Cli cli;
+TEST_F(Recipe, TwoFamiliesInThreeSizesAndFourForms) {
     std::string text = "\xEF\xBB\xBF# Two families.\r\n\r\n  --select @set.txt\r\ncolour 204080\n";
     for (const std::string family : {"DejaVu Sans", "Liberation Serif"}) {
         const std::string name = family.substr(0, family.find(' '));
@@ -89,16 +90,16 @@ TEST(Recipe, TwoFamiliesInThreeSizesAndFourForms) {
         }
         text += "text \"To Va\" " + name + ".png\n";
     }
-    std::filesystem::create_directory(cli.folder.path / "fonts");
-    cli.folder.Write("fonts/all.steps", text);
-    cli.folder.Write("fonts/set.txt", "A-Z,a-z\n");
+    std::filesystem::create_directory(folder.path / "fonts");
+    folder.Write("fonts/all.steps", text);
+    folder.Write("fonts/set.txt", "A-Z,a-z\n");
     // What it would do is what it does.
-    ASSERT_EQ(cli.Run("--steps fonts/all.steps --dry-run"), 0) << cli.error;
-    const std::string promised = cli.out;
+    Do("--steps fonts/all.steps --dry-run");
+    const std::string promised = out;
     EXPECT_THAT(promised,
                 HasSubstr("reads  fonts/all.steps\nreads  fonts/set.txt\nwrites fonts/DejaVu-3x.sm\n"));
-    ASSERT_EQ(cli.Run("--steps fonts/all.steps"), 0) << cli.error;
-    for (const auto& entry : std::filesystem::directory_iterator(cli.folder.path / "fonts")) {
+    Do("--steps fonts/all.steps");
+    for (const auto& entry : std::filesystem::directory_iterator(folder.path / "fonts")) {
         std::string file = "fonts/" + entry.path().filename().string();
         if (const auto page = file.find("_0.png"); page != std::string::npos) file.replace(page, 2, "_*");
         EXPECT_THAT(promised, HasSubstr(" " + file + "\n"));
@@ -106,17 +107,15 @@ TEST(Recipe, TwoFamiliesInThreeSizesAndFourForms) {
     // A size that was gone back for is the same as one that was made alone.
     const std::string alone =
         "--select A-Z,a-z --colour 204080 --family 'DejaVu Sans' --height 192 --generate --kern ";
-    ASSERT_EQ(cli.Run(alone + "--resize 64 --save alone.sm"), 0);
-    EXPECT_TRUE(cli.Info("--open fonts/DejaVu-1x.sm") == cli.Info("--open alone.sm"));
+    Do(alone + "--resize 64 --save alone.sm");
+    EXPECT_TRUE(Info("--open fonts/DejaVu-1x.sm") == Info("--open alone.sm"));
 
-    EXPECT_TRUE(SamePicture(cli.Picture("fonts/DejaVu-1x.png"), cli.Picture("alone.png")));
-    EXPECT_TRUE(cli.Info("--steps fonts/all.steps --back DejaVu") == cli.Info(alone))
-        << "the line goes on after it";
+    EXPECT_TRUE(SamePicture(Picture("fonts/DejaVu-1x.png"), Picture("alone.png")));
+    EXPECT_TRUE(Info("--steps fonts/all.steps --back DejaVu") == Info(alone)) << "the line goes on after it";
 }
 
-TEST(Recipe, WhatIsWrongIsToldWithItsLine) {
-    Cli cli;
-    cli.folder.Write("other.steps", "info\n");
+TEST_F(Recipe, WhatIsWrongIsToldWithItsLine) {
+    folder.Write("other.steps", "info\n");
     const std::tuple<const char*, int, const char*> cases[] = {
         {"family A\nbake\n", 2, "r.steps:2: there is no step --bake"},
         {"\n\nsteps other.steps", 2, "r.steps:3: a recipe takes in no other"},
@@ -130,41 +129,40 @@ TEST(Recipe, WhatIsWrongIsToldWithItsLine) {
         {"family DejaVu Sans\nselect A\ngenerate\nsave none/a.sm\nsave b.sm", 1,
          "r.steps:4: --save: none/a.sm: "},
     };
-    for (const auto& [text, status, error] : cases) {
-        cli.folder.Write("r.steps", text);
-        EXPECT_EQ(cli.Run("--steps r.steps"), status) << text;
-        EXPECT_THAT(cli.error, HasSubstr(error));
+    for (const auto& [text, wanted, words] : cases) {
+        folder.Write("r.steps", text);
+        EXPECT_EQ(Run("--steps r.steps"), wanted) << text;
+        EXPECT_THAT(error, HasSubstr(words));
     }
-    EXPECT_FALSE(cli.Has("b.sm"));
-    EXPECT_EQ(cli.Run("--steps none.steps"), 2);
-    EXPECT_EQ(cli.Run("--info --serve 0"), 2);
+    EXPECT_FALSE(Has("b.sm"));
+    EXPECT_EQ(Run("--steps none.steps"), 2);
+    EXPECT_EQ(Run("--info --serve 0"), 2);
 }
 
-TEST(Watch, APictureTheRecipeAndABrokenPictureInBetween) {
-    Cli cli;
-    WritePicture(cli, "A.png", MColour(200, 0, 0), 10);
-    WritePicture(cli, "B.png", MColour(0, 200, 0), 12);
-    cli.folder.Write("r.steps", "pictures A=A.png\nsave out.sm\n");
-    Watching watching(cli, "--steps r.steps");
-    const auto glyphs = [&] { return cli.Info("--open out.sm")["glyphs"]; };
+TEST_F(Watch, APictureTheRecipeAndABrokenPictureInBetween) {
+    WritePicture(*this, "A.png", MColour(200, 0, 0), 10);
+    WritePicture(*this, "B.png", MColour(0, 200, 0), 12);
+    folder.Write("r.steps", "pictures A=A.png\nsave out.sm\n");
+    Watching watching(*this, "--steps r.steps");
+    const auto glyphs = [&] { return Info("--open out.sm")["glyphs"]; };
     EXPECT_EQ(glyphs().size(), 2U);
 
-    EXPECT_THAT(watching.After([&] { WritePicture(cli, "A.png", MColour(0, 0, 200), 20); }),
+    EXPECT_THAT(watching.After([&] { WritePicture(*this, "A.png", MColour(0, 0, 200), 20); }),
                 HasSubstr("A.png changed"));
     EXPECT_EQ(glyphs()[0]["width"], 20);
     // The series goes on with a file that was not there.
-    EXPECT_THAT(watching.After([&] { WritePicture(cli, "C.png", MColour(9, 9, 9), 30); }),
+    EXPECT_THAT(watching.After([&] { WritePicture(*this, "C.png", MColour(9, 9, 9), 30); }),
                 HasSubstr("C.PNG is there"));
     EXPECT_EQ(glyphs().size(), 3U);
     // A picture that is none leaves the last good result.
-    const std::string broken = watching.After([&] { cli.folder.Write("A.png", "no picture"); });
+    const std::string broken = watching.After([&] { folder.Write("A.png", "no picture"); });
     EXPECT_THAT(broken, HasSubstr("r.steps:1: --pictures: "));
     EXPECT_THAT(broken, HasSubstr("failed after"));
     EXPECT_EQ(glyphs().size(), 3U);
-    watching.After([&] { WritePicture(cli, "A.png", MColour(0, 0, 200), 20); });
-    EXPECT_THAT(watching.After([&] { cli.folder.Write("r.steps", "pictures A=A.png\nbake\n"); }),
+    watching.After([&] { WritePicture(*this, "A.png", MColour(0, 0, 200), 20); });
+    EXPECT_THAT(watching.After([&] { folder.Write("r.steps", "pictures A=A.png\nbake\n"); }),
                 HasSubstr("r.steps:2: there is no step --bake"));
-    watching.After([&] { cli.folder.Write("r.steps", "pictures A=A.png\nremove B\nsave out.sm\n"); });
+    watching.After([&] { folder.Write("r.steps", "pictures A=A.png\nremove B\nsave out.sm\n"); });
     EXPECT_EQ(glyphs().size(), 2U);
     EXPECT_EQ(watching.Runs(), 7) << "one for each change, and none for what a run itself wrote";
     EXPECT_EQ(watching.End(), 0);
@@ -172,10 +170,9 @@ TEST(Watch, APictureTheRecipeAndABrokenPictureInBetween) {
 }
 
 // A font that is opened and saved over would start itself for ever.
-TEST(Watch, WhatARunWritesStartsNoOther) {
-    Cli cli;
-    ASSERT_EQ(cli.Run("--family 'DejaVu Sans' --select A --generate --save f.sm"), 0);
-    Watching watching(cli, "--open f.sm --set-kerning A,A,-3 --save f.sm");
+TEST_F(Watch, WhatARunWritesStartsNoOther) {
+    Do("--family 'DejaVu Sans' --select A --generate --save f.sm");
+    Watching watching(*this, "--open f.sm --set-kerning A,A,-3 --save f.sm");
     std::this_thread::sleep_for(std::chrono::milliseconds(500));
     EXPECT_EQ(watching.Runs(), 1);
 }

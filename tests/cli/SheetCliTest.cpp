@@ -5,60 +5,54 @@
 namespace {
 
 using testing::HasSubstr;
+using SheetCli = Cli;
 
 // A line of text, set by the program, is a sheet.
 void MakeSheet(Cli& cli) {
-    ASSERT_EQ(cli.Run("--family 'DejaVu Sans' --height 60 --colour 201040 --select A-Z,:,% --generate "
-                      "--background F0E8D8 --text 'A B C D E F G H I J K : L %' sheet.png"),
-              0)
-        << cli.error;
+    cli.Do("--family 'DejaVu Sans' --height 60 --colour 201040 --select A-Z,:,% --generate "
+           "--background F0E8D8 --text 'A B C D E F G H I J K : L %' sheet.png");
     cli.folder.Write("letters.txt", "\xEF\xBB\xBF"
                                     "ABCDEFG\r\nHIJK:L%\r\n");
 }
 
-TEST(SheetCli, CutsAsItIsTold) {
-    Cli cli;
-    MakeSheet(cli);
-    const nlohmann::json direct = cli.Info("--family 'DejaVu Sans' --height 60 --select A-L --generate");
+TEST_F(SheetCli, CutsAsItIsTold) {
+    MakeSheet(*this);
+    const nlohmann::json direct = Info("--family 'DejaVu Sans' --height 60 --select A-L --generate");
     for (const std::string text :
          {"--sheet-text ABCDEFGHIJK:L%", "--sheet-text @letters.txt",
           "--sheet-text @letters.txt --mark a --sheet-text x --sheet-ground alpha --back a",
           "--sheet-ground F0E8D8 --sheet-text 'A BCD EFGHIJK:L%'"}) {
-        const nlohmann::json cut = cli.Info(text + " --sheet-report report.png --sheet sheet.png");
-        ASSERT_EQ(cli.status, 0) << cli.error;
+        const nlohmann::json cut = Info(text + " --sheet-report report.png --sheet sheet.png");
         ASSERT_EQ(cut["glyphs"].size(), 14U);
         EXPECT_EQ(cut["capHeight"], direct["capHeight"]);
         EXPECT_EQ(cut["glyphs"][0]["code"], '%');
-        EXPECT_TRUE(cli.Has("report.png"));
-        EXPECT_EQ(cli.Picture("report.png").Width, cli.Picture("sheet.png").Width);
+        EXPECT_TRUE(Has("report.png"));
+        EXPECT_EQ(Picture("report.png").Width, Picture("sheet.png").Width);
     }
     // The report afterwards is the same one.
-    const std::string before = cli.folder.Read("report.png");
-    ASSERT_EQ(cli.Run("--sheet-text @letters.txt --sheet sheet.png --sheet-report after.png"), 0) << cli.error;
-    EXPECT_EQ(cli.folder.Read("after.png"), before);
+    const std::string before = folder.Read("report.png");
+    Do("--sheet-text @letters.txt --sheet sheet.png --sheet-report after.png");
+    EXPECT_EQ(folder.Read("after.png"), before);
     // An "A" is no full stop.
-    ASSERT_EQ(cli.Run("--sheet-text '.BCDEFGHIJK:L%' --sheet sheet.png"), 0);
-    EXPECT_THAT(cli.error, testing::EndsWith("may be cut or named wrongly: .\n"));
+    Do("--sheet-text '.BCDEFGHIJK:L%' --sheet sheet.png");
+    EXPECT_THAT(error, testing::EndsWith("may be cut or named wrongly: .\n"));
     const nlohmann::json selected =
-        cli.Info("--family 'DejaVu Sans' --height 40 --select-text letters.txt --generate");
+        Info("--family 'DejaVu Sans' --height 40 --select-text letters.txt --generate");
     EXPECT_EQ(selected["glyphs"].size(), 14U);
-    ASSERT_EQ(
-        cli.Run("--dry-run --select-text letters.txt --sheet-text @letters.txt --sheet-report r.png --sheet "
-                "sheet.png"),
-        0);
-    EXPECT_EQ(cli.out, "reads  letters.txt\nwrites r.png\nreads  sheet.png\n");
+    Do("--dry-run --select-text letters.txt --sheet-text @letters.txt --sheet-report r.png --sheet "
+       "sheet.png");
+    EXPECT_EQ(out, "reads  letters.txt\nwrites r.png\nreads  sheet.png\n");
     // In a recipe as well, where "@" and a file's first character are no trap.
-    cli.folder.Write("sub/letters.txt", "@BCDEFGHIJK:L%");
-    cli.folder.Write("sub/a.steps", "sheet-text @letters.txt\nsheet ../sheet.png\n");
-    EXPECT_EQ(cli.Info("--steps sub/a.steps")["glyphs"][2]["code"], '@') << cli.error;
-    cli.folder.Write("sub/a.steps", "sheet-text @@BCDEFGHIJK:L%\nsheet ../sheet.png\n");
-    EXPECT_EQ(cli.Info("--steps sub/a.steps")["glyphs"][2]["code"], '@') << cli.error;
+    folder.Write("sub/letters.txt", "@BCDEFGHIJK:L%");
+    folder.Write("sub/a.steps", "sheet-text @letters.txt\nsheet ../sheet.png\n");
+    EXPECT_EQ(Info("--steps sub/a.steps")["glyphs"][2]["code"], '@') << error;
+    folder.Write("sub/a.steps", "sheet-text @@BCDEFGHIJK:L%\nsheet ../sheet.png\n");
+    EXPECT_EQ(Info("--steps sub/a.steps")["glyphs"][2]["code"], '@') << error;
 }
 
-TEST(SheetCli, FailuresAndWrongUsage) {
-    Cli cli;
-    MakeSheet(cli);
-    cli.ExpectFailures({
+TEST_F(SheetCli, FailuresAndWrongUsage) {
+    MakeSheet(*this);
+    ExpectFailures({
         {"--sheet-text ABC --sheet-report r.png --sheet sheet.png --save f.sm", 1,
          "14 letters were found on the sheet, but the text has 3 characters"},
         {"--sheet-text @@x --sheet sheet.png", 1, "but the text has 2 characters"},
@@ -70,8 +64,8 @@ TEST(SheetCli, FailuresAndWrongUsage) {
         {"--sheet-grid 0x8", 2, "--sheet-grid"},
         {"--sheet-ground blue", 2, "--sheet-ground"},
     });
-    EXPECT_TRUE(cli.Has("r.png")); // what helps most where it failed
-    EXPECT_FALSE(cli.Has("f.sm"));
+    EXPECT_TRUE(Has("r.png")); // what helps most where it failed
+    EXPECT_FALSE(Has("f.sm"));
 }
 
 } // namespace

@@ -5,24 +5,21 @@
 namespace {
 
 using testing::HasSubstr;
+using WebFontCli = Cli;
 
 const std::string make = "--family 'DejaVu Sans' --height 32 --select A-Z,a-z --generate --kern ";
 
-TEST(WebFontCli, OtherToolsTakeWhatIsWritten) {
-    Cli cli;
-    ASSERT_EQ(cli.Run(make +
-                      "--font-name 'Demo <1>' --ttf f.ttf --woff2 f.woff2 --css-page page.html --strikes 16 "
-                      "--ttf strikes.ttf"),
-              0)
-        << cli.error;
-    EXPECT_THAT(cli.error, testing::MatchesRegex(
-                               "lettrino-cli: --ttf: note: the pictures for 16 pixels take [0-9]+ bytes\n"));
+TEST_F(WebFontCli, OtherToolsTakeWhatIsWritten) {
+    Do(make + "--font-name 'Demo <1>' --ttf f.ttf --woff2 f.woff2 --css-page page.html --strikes 16 "
+              "--ttf strikes.ttf");
+    EXPECT_THAT(error, testing::MatchesRegex(
+                           "lettrino-cli: --ttf: note: the pictures for 16 pixels take [0-9]+ bytes\n"));
     for (const std::string file : {"f.ttf", "f.woff2", "page.woff2", "strikes.ttf"})
-        EXPECT_EQ(cli.Run(file + " out.ttf", {}, "/usr/bin/ots-sanitize"), 0) << file << cli.out << cli.error;
-    EXPECT_THAT(cli.folder.Read("page.css"), HasSubstr("url(\"page.woff2\")"));
-    EXPECT_THAT(cli.folder.Read("page.html"), HasSubstr("class=\"font-page\""));
+        Do(file + " out.ttf", {}, "/usr/bin/ots-sanitize");
+    EXPECT_THAT(folder.Read("page.css"), HasSubstr("url(\"page.woff2\")"));
+    EXPECT_THAT(folder.Read("page.html"), HasSubstr("class=\"font-page\""));
     // Every table is understood, and the same after a way through text.
-    cli.folder.Write("trip.py", R"(
+    folder.Write("trip.py", R"(
 from fontTools.ttLib import TTFont
 first = TTFont('strikes.ttf')
 assert 'CBDT' not in first and {'GPOS', 'SVG ', 'sbix', 'glyf'} <= set(first.keys())
@@ -37,15 +34,14 @@ second.saveXML('g.ttx', quiet=True)
 keep = lambda f: [line for line in open(f) if not any(word in line for word in ('checkSumAdjustment', '<modified', 'indexToLocFormat'))]
 assert keep('f.ttx') == keep('g.ttx')
 )");
-    EXPECT_EQ(cli.Run("trip.py", {}, "/usr/bin/python3"), 0) << cli.error;
+    Do("trip.py", {}, "/usr/bin/python3");
 }
 
-TEST(WebFontCli, FailuresAndWrongUsage) {
-    Cli cli;
-    ASSERT_EQ(cli.Run(make + "--single-files . "), 0);
-    std::filesystem::rename(cli.folder.path / "C65.png", cli.folder.path / "A.png");
-    std::filesystem::create_directory(cli.folder.path / "folder");
-    cli.ExpectFailures({
+TEST_F(WebFontCli, FailuresAndWrongUsage) {
+    Do(make + "--single-files . ");
+    std::filesystem::rename(folder.path / "C65.png", folder.path / "A.png");
+    std::filesystem::create_directory(folder.path / "folder");
+    ExpectFailures({
         {"--ttf f.ttf", 1, "--ttf: there is no font yet"},
         {make + "--remove A --spacing 0,-900 --trim no --picture A=A.png --woff2 f.woff2", 1,
          "--woff2: f.woff2: the glyph of code 65 moves the pen back by"},
@@ -55,7 +51,7 @@ TEST(WebFontCli, FailuresAndWrongUsage) {
         {"--strikes 0", 2, "--strikes"},
         {"--strikes a", 2, "--strikes"},
     });
-    EXPECT_FALSE(cli.Has("f.ttf") || cli.Has("f.woff2") || cli.Has("f.html"));
+    EXPECT_FALSE(Has("f.ttf") || Has("f.woff2") || Has("f.html"));
 }
 
 } // namespace

@@ -1,5 +1,4 @@
 #include "DocumentFixture.h"
-#include "document/Pairs.h"
 
 #include <algorithm>
 #include <array>

@@ -50,18 +50,4 @@ TEST(Glyph, TrimKeepsOneEmptyColumnAtTheRight) {
     }
 }
 
-TEST(Glyph, TrimRowsTakesFromBothEnds) {
-    MGlyph glyph(u'A', 2, 10, 0, 0, false);
-    for (std::int32_t y = 0; y < 10; ++y)
-        glyph.SetPixel(1, y, {static_cast<std::uint8_t>(y), 0, 0});
-    glyph.TrimRows(6, 4); // nothing would be left
-    glyph.TrimRows(0xFFFFFFFF, 5);
-    glyph.TrimRows(0, 0); // a copy
-    EXPECT_EQ(glyph.Height, 10);
-    glyph.TrimRows(3, 2);
-    EXPECT_EQ(std::pair(glyph.Height, glyph.Picture.Height), std::pair(5, 5U));
-    EXPECT_EQ(glyph.GetPixel(1, 0).r, 3);
-    EXPECT_EQ(glyph.GetPixel(1, 4).r, 7);
-}
-
 } // namespace

@@ -56,29 +56,6 @@ using OpticalKerningTest = DocumentTest;
 
 } // namespace
 
-TEST_F(OpticalKerningTest, LoosePairsComeCloserAndUprightOnesStay) {
-    MColourFont font(nullptr);
-    Draw(font, capitals, 200);
-    const auto amounts = AmountsOf(MOpticalKerning(font).Pairs({}, {}));
-    for (const auto& [pair, amount] : amounts) {
-        EXPECT_LT(amount, 0);
-        EXPECT_GT(amount, -80) << "the ink never meets";
-    }
-    for (const auto& pair : {std::pair(u'A', u'V'), {u'V', u'A'}, {u'L', u'T'}, {u'T', u'A'}})
-        EXPECT_LT(amounts.contains(pair) ? amounts.at(pair) : 0, -12) << static_cast<char>(pair.first);
-    for (const auto& pair : {std::pair(u'H', u'I'), std::pair(u'N', u'L')})
-        EXPECT_GE(amounts.contains(pair) ? amounts.at(pair) : 0, -4) << static_cast<char>(pair.first);
-}
-
-TEST_F(OpticalKerningTest, AmountsGrowWithTheFont) {
-    MColourFont font(nullptr), large(nullptr);
-    Draw(font, capitals, 100);
-    Draw(large, capitals, 400);
-    const auto amounts = AmountsOf(MOpticalKerning(font).Pairs({}, {}));
-    for (const auto& [pair, amount] : AmountsOf(MOpticalKerning(large).Pairs({}, {})))
-        EXPECT_NEAR(amounts.contains(pair) ? amounts.at(pair) : 0, amount / 4.0, 1.3);
-}
-
 TEST_F(OpticalKerningTest, TellsWhatItCanNotMeasure) {
     MColourFont font(nullptr);
     EXPECT_EQ(MOpticalKerning(font).state, MOpticalKerning::State::NoInk);

@@ -1,4 +1,5 @@
 #include "DocumentFixture.h"
+#include "foundation/MMemory.h"
 
 #include <limits>
 #include <tuple>
@@ -44,7 +45,11 @@ TEST_F(WholeFontEditsTest, ScaleTruncatesFloats) {
 
 TEST_F(WholeFontEditsTest, AFailedResizeKeepsThePictureButNotTheNumbers) {
     MGlyph& glyph = AddGlyph(font, u'A', 10, 10);
-    font.Scale(0.05F);
+    SetMemoryLimit(1000);
+    font.Scale(5);
+    SetMemoryLimit(0);
+    EXPECT_EQ(std::pair(glyph.Width, glyph.Picture.Width), std::pair(50, 10U));
+    font.Scale(0.01F);
     EXPECT_EQ(std::pair(glyph.Width, glyph.Height), std::pair(0, 0));
     EXPECT_EQ(glyph.Picture.Width, 10U);
     font.Scale(std::numeric_limits<float>::infinity());

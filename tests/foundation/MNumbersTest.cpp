@@ -16,10 +16,3 @@ TEST(Numbers, FloatToIntegerIsDefinedForEveryInput) {
         EXPECT_EQ(ToInteger(static_cast<float>(outside)), lowest) << outside;
     }
 }
-
-TEST(Numbers, WrapIsTheRemainderThatIsNotNegative) {
-    EXPECT_EQ(Wrap(-1, 10), 9U);
-    EXPECT_EQ(Wrap(-20, 10), 0U);
-    EXPECT_EQ(Wrap(std::numeric_limits<std::int32_t>::min(), 7), 5U);
-    EXPECT_EQ(Wrap(2'000'000'000, 1), 0U);
-}

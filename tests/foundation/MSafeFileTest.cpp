@@ -10,6 +10,8 @@
 #include <unistd.h>
 
 #include <csignal>
+#include <future>
+#include <optional>
 #include <string>
 #include <tuple>
 
@@ -119,65 +121,30 @@ TEST(SafeFile, WhatIsRefused) {
 
 TEST(SafeFile, WhatAKilledWriterLeftIsRemovedAndThatOfALivingOneIsNot) {
     const TemporaryFolder folder;
-    const std::string longName(250, 'x');
-    for (int files = 1; const char* name : {"a.txt", longName.c_str()}) {
-        const pid_t child = fork();
-        if (child == 0) {
-            const MSafeFile first(folder.File(name)), second(folder.File(name));
-            kill(getpid(), SIGKILL);
-        }
-        waitpid(child, nullptr, 0);
-        ASSERT_EQ(Entries(folder.path), files + 1);
-        MSafeFile living(folder.File(name));
-        EXPECT_TRUE(living.WriteAt(0, "living", 6));
-        ASSERT_TRUE(Replace(folder.File(name), "other"));
-        EXPECT_EQ(folder.Read(name), "other");
-        ASSERT_TRUE(living.Place());
-        EXPECT_EQ(folder.Read(name), "living");
-        EXPECT_EQ(Entries(folder.path), files);
-        ++files;
-    }
-}
-
-TEST(SafeFile, OfManyTheOthersArePlaced) {
-    const TemporaryFolder folder;
-    std::vector<MSafeFile> files;
-    for (const char* name : {"a", "no/b", "c"}) {
-        files.emplace_back(folder.File(name));
-        files.back().WriteAt(0, name, 1);
-    }
-    MWriteFailures failures;
-    EXPECT_EQ(PlaceAll(files, &failures), 2U);
-    ASSERT_EQ(failures.size(), 1U);
-    EXPECT_EQ(failures[0].path, folder.File("no/b"));
-    EXPECT_EQ(folder.Read("a") + folder.Read("c"), "ac");
-}
-
-TEST(FolderLock, KeepsOthersOut) {
-    const TemporaryFolder folder;
-    int ready[2];
-    ASSERT_EQ(pipe(ready), 0);
+    const std::string name(250, 'x'); // longer than what stands beside it may be
     const pid_t child = fork();
     if (child == 0) {
-        const MFolderLock lock({folder.path, folder.path});
-        [[maybe_unused]] const ssize_t told = write(ready[1], lock.IsHeld() ? "y" : "n", 1);
-        pause();
+        const MSafeFile first(folder.File(name.c_str())), second(folder.File(name.c_str()));
+        kill(getpid(), SIGKILL);
     }
-    char held = 0;
-    EXPECT_EQ(read(ready[0], &held, 1), 1);
-    EXPECT_EQ(held, 'y');
-    const pid_t second = fork();
-    if (second == 0) {
-        const MFolderLock lock({folder.path});
-        _exit(lock.IsHeld() ? 0 : 1);
-    }
-    usleep(20000);
-    EXPECT_EQ(waitpid(second, nullptr, WNOHANG), 0) << "it waits";
-    kill(child, SIGKILL);
     waitpid(child, nullptr, 0);
-    int status = 0;
-    waitpid(second, &status, 0);
-    EXPECT_EQ(WEXITSTATUS(status), 0) << "given up by the one that was killed";
+    ASSERT_EQ(Entries(folder.path), 2);
+    MSafeFile living(folder.File(name.c_str()));
+    EXPECT_TRUE(living.WriteAt(0, "living", 6));
+    ASSERT_TRUE(Replace(folder.File(name.c_str()), "other"));
+    ASSERT_TRUE(living.Place());
+    EXPECT_EQ(folder.Read(name.c_str()), "living");
+    EXPECT_EQ(Entries(folder.path), 1);
+}
+
+TEST(FolderLock, MakesOthersWait) {
+    const TemporaryFolder folder;
+    std::optional<MFolderLock> lock(std::in_place, std::vector{folder.path, folder.path});
+    EXPECT_TRUE(lock->IsHeld());
+    auto other = std::async(std::launch::async, [&] { return MFolderLock({folder.path}).IsHeld(); });
+    EXPECT_EQ(other.wait_for(std::chrono::milliseconds(20)), std::future_status::timeout);
+    lock.reset();
+    EXPECT_TRUE(other.get());
 }
 
 } // namespace

@@ -7,8 +7,11 @@
 
 #include <gtest/gtest.h>
 
-TEST(PictureFile, PngHoldsFloatsAsSixteenBits) {
+struct PictureFile : testing::Test {
     const TemporaryFolder folder;
+};
+
+TEST_F(PictureFile, PngHoldsFloatsAsSixteenBits) {
     for (const MPixelFormat format : {3, 6, 9}) {
         OwnedPicture picture = RandomPicture(7, 5, format, 14);
         ASSERT_TRUE(picture.Save(folder.File("picture.png")));
@@ -22,8 +25,7 @@ TEST(PictureFile, PngHoldsFloatsAsSixteenBits) {
     }
 }
 
-TEST(PictureFile, SavingInAnotherFormatGoesByCopyPixels) {
-    const TemporaryFolder folder;
+TEST_F(PictureFile, SavingInAnotherFormatGoesByCopyPixels) {
     OwnedPicture picture = RandomPicture(5, 4, FormatRGBA8, 15, 1.0);
     ASSERT_TRUE(picture.Save(folder.File("a.png"), FormatRGB8));
     const OwnedPicture opaque(MPicture(folder.File("a.png")));
@@ -46,8 +48,7 @@ TEST(PictureFile, SavingInAnotherFormatGoesByCopyPixels) {
     EXPECT_TRUE(SamePicture(OwnedPicture(MPicture(folder.File("c.png"))), picture));
 }
 
-TEST(PictureFile, SavingBleedsThePictureItself) {
-    const TemporaryFolder folder;
+TEST_F(PictureFile, SavingBleedsThePictureItself) {
     OwnedPicture picture = RandomPicture(40, 40, FormatRGBA8, 16, 0.1);
     OwnedPicture bled = DeepCopy(picture);
     bled.BleedColours();
@@ -57,8 +58,7 @@ TEST(PictureFile, SavingBleedsThePictureItself) {
     EXPECT_EQ(folder.Read("first.png"), folder.Read("second.png"));
 }
 
-TEST(PictureFile, ReportTellsWhatWasWritten) {
-    const TemporaryFolder folder;
+TEST_F(PictureFile, ReportTellsWhatWasWritten) {
     const MString path = folder.File("report.png");
     OwnedPicture picture = BlankPicture(30, 20, FormatRGB8);
     MString report("before");
@@ -70,8 +70,7 @@ TEST(PictureFile, ReportTellsWhatWasWritten) {
     EXPECT_TRUE(report.IsEmpty());
 }
 
-TEST(PictureFile, WhatCanNotBeWrittenMakesNoFile) {
-    const TemporaryFolder folder;
+TEST_F(PictureFile, WhatCanNotBeWrittenMakesNoFile) {
     OwnedPicture picture = BlankPicture(3, 3, FormatRGBA8);
     EXPECT_FALSE(picture.Save(MString()));
     for (const char* name : {"nowhere/a.png", "a.webp", "a.tga", "a", "a.pn"})
@@ -83,8 +82,7 @@ TEST(PictureFile, WhatCanNotBeWrittenMakesNoFile) {
     EXPECT_TRUE(std::filesystem::is_empty(folder.path));
 }
 
-TEST(PictureFile, ContentDecidesNotTheName) {
-    const TemporaryFolder folder;
+TEST_F(PictureFile, ContentDecidesNotTheName) {
     OwnedPicture picture = RandomPicture(4, 4, FormatRGBA8, 17);
     ASSERT_TRUE(picture.Save(folder.File("Real.png")));
     for (const char* copy : {"a.jpg", "noextension"})
@@ -93,8 +91,7 @@ TEST(PictureFile, ContentDecidesNotTheName) {
         EXPECT_TRUE(SamePicture(OwnedPicture(MPicture(folder.File(name))), picture)) << name;
 }
 
-TEST(PictureFile, FailedLoadsLeaveNothing) {
-    const TemporaryFolder folder;
+TEST_F(PictureFile, FailedLoadsLeaveNothing) {
     OwnedPicture picture = RandomPicture(4, 4, FormatRGBA8, 18);
     ASSERT_TRUE(picture.Save(folder.File("a.png")));
     const std::string whole = folder.Read("a.png");
@@ -109,8 +106,7 @@ TEST(PictureFile, FailedLoadsLeaveNothing) {
     }
 }
 
-TEST(PictureFile, ScaledLoadFitsTheBox) {
-    const TemporaryFolder folder;
+TEST_F(PictureFile, ScaledLoadFitsTheBox) {
     OwnedPicture picture = BlankPicture(40, 30, FormatRGB8);
     picture.Fill(MColour(9, 8, 7));
     ASSERT_TRUE(picture.Save(folder.File("a.png")));

@@ -124,6 +124,7 @@ TEST(DrawLine, PlotsTheseExactPixels) {
         {{1, 6, 1, 4}, {{1, 4}, {1, 5}, {1, 6}}},
         {{3, 3, 3, 3}, {{3, 3}}},
         {{-1, 0, 0, 0}, {{7, 0}, {0, 0}}}, // coordinates wrap
+        {{9, -2, 9, -1}, {{1, 6}, {1, 7}}},
     };
     for (const auto& [ends, expected] : lines) {
         OwnedPicture picture = BlankPicture(8, 8, FormatRGBA8);
@@ -156,15 +157,6 @@ TEST(BleedColours, MatchesThePlainForm) {
     }
     for (const auto& [width, height] : {std::pair(4500U, 24U), std::pair(24U, 4500U)}) // many rings
         expectPlain(RandomPicture(width, height, FormatRGBA8, width, 0.0001));
-}
-
-TEST(BleedColours, StopsAfterItsRings) {
-    OwnedPicture picture = BlankPicture(100, 100, FormatRGBA8);
-    picture.SetPixel(10, 50, MColour(1, 2, 3, 4));
-    picture.BleedColours();
-    EXPECT_EQ(picture.GetPixel(10, 50), MColour(1, 2, 3, 4));
-    EXPECT_EQ(picture.GetPixel(43, 83), MColour(1, 2, 3, 0));
-    EXPECT_EQ(picture.GetPixel(44, 50), MColour(0, 0, 0, 0));
 }
 
 TEST(BleedColours, WithoutMemoryLeavesThePictureAlone) {

@@ -109,20 +109,4 @@ inline void BleedColours(MPicture& picture) {
     }
 }
 
-// Top, right, bottom and left; all 0 without ink.
-inline void GetMargins(const MPicture& picture, std::array<std::uint32_t, 4>& margins) {
-    std::uint32_t left = picture.Width, top = picture.Height, right = 0, bottom = 0;
-    for (std::uint32_t y = 0; y < picture.Height; ++y) {
-        for (std::uint32_t x = 0; x < picture.Width; ++x) {
-            if (picture.GetPixel(static_cast<std::int32_t>(x), static_cast<std::int32_t>(y)).a == 0) continue;
-            left = std::min(left, x);
-            right = std::max(right, x + 1);
-            top = std::min(top, y);
-            bottom = std::max(bottom, y + 1);
-        }
-    }
-    margins = {};
-    if (right > 0) margins = {top, picture.Width - right, picture.Height - bottom, left};
-}
-
 } // namespace plain

@@ -1,6 +1,5 @@
 // The kerning editor as a user has it.
 
-#include "document/Pairs.h"
 #include "platform/qt/MClientArea.h"
 #include "views/Fonts.h"
 

@@ -2,7 +2,6 @@
 
 #include "document/OpticalKerning.h"
 
-#include "document/Pairs.h"
 #include "foundation/MString.h"
 #include "views/Fonts.h"
 

@@ -14,10 +14,9 @@ protected:
     // A glyph as high as the line, inked on `ink` rows from `top` on and on all columns but the last `clear`.
     MGlyph& AddInked(char16_t character, std::int32_t width, std::int32_t before, std::int32_t after,
                      std::int32_t top = 3, std::int32_t ink = 12, std::int32_t clear = 0) {
-        const auto slot = static_cast<std::size_t>(font.ClaimSlot(character));
-        font.Glyphs[slot] =
-            std::make_unique<MGlyph>(character, width, settings.GlyphHeight, before, after, true);
-        MGlyph& glyph = *font.Glyphs[slot];
+        MGlyph& glyph = AddGlyph(font, character, width, settings.GlyphHeight);
+        glyph.SpacingBefore = before;
+        glyph.SpacingAfter = after;
         for (std::int32_t y = top; y < top + ink; ++y) {
             for (std::int32_t x = 0; x < width - clear; ++x)
                 glyph.SetPixel(x, y,
@@ -42,10 +41,6 @@ protected:
         font.Baseline = 5;
         font.CapHeight = 12;
         font.SpaceWidth = 11;
-    }
-
-    MGameFontPlan Plan(const MGameFontOptions& options, const MFontDescription& description) const {
-        return PlanGameFont(description, options, "f");
     }
 
     // What is written at NAME; the reason if it can't be.

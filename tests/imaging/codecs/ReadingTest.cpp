@@ -3,7 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <array>
 #include <tuple>
 
 namespace {
@@ -48,22 +47,6 @@ TEST(JpegCodec, FormatsByKind) {
         ASSERT_EQ(picture.Format, format) << file;
         EXPECT_LE(Difference(picture.GetPixel(7, 9), colour), 2) << file;
     }
-}
-
-TEST(JpegCodec, EndlessScansAreRefused) {
-    const Bytes file = DataFile("jpeg/progressive-grey.jpg");
-    // The last scan, repeated; it refines nothing, but each costs a walk over the picture.
-    const std::array<std::uint8_t, 2> mark = {0xFF, 0xDA};
-    const auto last = std::find_end(file.begin(), file.end(), mark.begin(), mark.end());
-    const auto repeated = [&](int count) {
-        Bytes longer(file.begin(), last);
-        for (int i = 0; i <= count; ++i)
-            Append(longer, Bytes(last, file.end() - 2));
-        Append(longer, Bytes{0xFF, 0xD9});
-        return longer;
-    };
-    EXPECT_TRUE(Decoded("JPEG", repeated(20)).IsValid());
-    EXPECT_FALSE(Decoded("JPEG", repeated(200)).IsValid());
 }
 
 TEST(PngCodec, KeepsTheDepthOfTheFile) {
