@@ -50,6 +50,7 @@ TEST(SheetCutter, FindsNamesAndMeasuresLetters) {
         {.family = "Liberation Serif", .italic = true, .ground = Ground::Paper, .degrees = -2},
         {.family = "Liberation Sans", .weight = 700, .effect = Effect::Outlined, .ground = Ground::Paper},
         {.family = "DejaVu Serif", .weight = 700, .effect = Effect::Shadow, .degrees = 1.2},
+        {.family = "DejaVu Serif", .ground = Ground::Paper, .degrees = 1, .wander = 6},
     };
     for (const SheetLook& look : looks) {
         SCOPED_TRACE(look.family);

@@ -94,6 +94,9 @@ TEST_F(GlyphEditor, DeletingAndEscape) {
     RunAnd(DialogId::GlyphEditor, [&](QWidget& dialog) {
         EXPECT_EQ(Shown(dialog), "|||||||");
         Screenshot(dialog, "glyph-editor-empty");
+        Drag(dialog, Qt::LeftButton, {Preview(dialog).center()});
+        PressMnemonic(Qt::Key_D); // there is nothing to delete
+        QTest::keyClick(&dialog, Qt::Key_Escape);
     });
 }
 

@@ -26,12 +26,10 @@ const letters = [...range(65, 90), ...range(97, 104), ...range(48, 57)];
 const packaged = (scope, name, file) => path.join(here, "node_modules", scope, name, "files", file);
 const fonts = [
     { name: "bungee-tint", family: "Bungee Tint", file: "bungee-tint-latin-400-normal.woff2" },
-    { name: "cairo-play", family: "Cairo Play", file: "cairo-play-latin-400-normal.woff2" },
     { name: "honk", family: "Honk", file: "honk-latin-400-normal.woff" },
     { name: "foldit", family: "Foldit Thin", file: "foldit-latin-700-normal.woff2" },
     { name: "kalnia-glaze", family: "Kalnia Glaze Thin", file: "kalnia-glaze-latin-400-normal.woff2" },
     { name: "nabla", family: "Nabla", file: "nabla-latin-400-normal.woff", documents: true },
-    { name: "bungee-spice", family: "Bungee Spice", file: "bungee-spice-latin-400-normal.woff", documents: true },
     { name: "nabla-variable", scope: "@fontsource-variable", folder: "nabla", family: "Nabla",
       file: "nabla-latin-full-normal.woff2" },
     { name: "noto-emoji", family: "Noto Color Emoji", path: "/usr/share/fonts/truetype/noto/NotoColorEmoji.ttf",

@@ -1,6 +1,8 @@
 // The exported script and its run-time: the right glyphs in the right places, in every way a browser may draw them.
 import assert from 'node:assert/strict';
 import { after, before, test } from 'node:test';
+import { compare } from './browser.mjs';
+import { count } from './pictures.mjs';
 import { browsers, Tabs, ways } from './tabs.mjs';
 
 const tabs = new Tabs();
@@ -55,7 +57,7 @@ for (const way of ways) {
             'Hello AVATAR': 'Hello <b style="font-weight:400">AV<i style="font-style:normal">AT</i>A</b>R', 'AVATAR To': '<span style="text-transform:uppercase">Avatar</span> To' };
         for (const [text, body] of Object.entries(bodies)) {
             const tab = await open(way, `<p class="f">${body ?? text}</p>`);
-            assertSame(await site.compare(tabs.keep(await tab.shot(), `line-${way}-${text}`), site.lineOf(text)), text);
+            assertSame(compare(tabs.keep(await tab.shot(), `line-${way}-${text}`), site.lineOf(text)), text);
             const { whole, troubles } = await tab.run(() => ({ whole: !document.querySelector('lt-c'), troubles: window.troubles }));
             assert.deepEqual(troubles, []);
             assert.equal(whole, browsers.includes(way), 'drawn in the way that is meant');
@@ -87,7 +89,7 @@ for (const way of ways) {
         const tab = await open(way, `<p class="f" style="font-size:${size / 2}px">Hello World</p>`, { deviceScaleFactor: 2 });
         // Cuttings stand on whole pixels of the page.
         const most = way === 'chromium on a file' ? { mean: 8, off: 0.1 } : undefined;
-        assertSame(await site.compare(tabs.keep(await tab.shot(), `dense-${way}`), site.lineOf('Hello World')), 'dense', most);
+        assertSame(compare(tabs.keep(await tab.shot(), `dense-${way}`), site.lineOf('Hello World')), 'dense', most);
         await tab.close();
     });
 
@@ -95,10 +97,7 @@ for (const way of ways) {
         const text = 'na\u00EFve \u20AC5 \u4F60 \u{1F600}';
         const tab = await open(way, `<p class="f" style="color:rgb(200,0,0);font-size:60px">${text}</p>`);
         assert.equal(await tab.run(() => document.querySelector('.f').textContent), text);
-        const red = await site.withPixels([tabs.keep(await tab.shot(), `lacking-${way}`)], () => {
-            const { data } = window.pictures[0];
-            return data.filter((value, i) => i % 4 === 0 && value > 150 && data[i + 1] < 60 && data[i + 2] < 60).length;
-        });
+        const red = count(tabs.keep(await tab.shot(), `lacking-${way}`), (r, g, b) => r > 150 && g < 60 && b < 60);
         assert.ok(red > 300, `${red} red pixels`);
         await tab.close();
     });
@@ -109,7 +108,7 @@ for (const way of ways) {
         await tab.run(() => new Promise((done) => { setTimeout(done, 200); }));
         assert.equal(await tab.run(() => document.querySelector('textarea').value), 'text');
         await tab.run(() => { for (const other of document.querySelectorAll('.f,#o,textarea')) other.remove(); });
-        assertSame(await site.compare(await tab.shot(), site.lineOf('AVATAR')), 'by hand');
+        assertSame(compare(await tab.shot(), site.lineOf('AVATAR')), 'by hand');
         const globals = await tab.run(() => {
             const frame = document.body.appendChild(document.createElement('iframe'));
             return Object.keys(window).filter((name) => !(name in frame.contentWindow) && !/^(\$|jQuery\d*|demo|troubles|0)$/.test(name));
@@ -126,14 +125,14 @@ for (const browser of browsers) {
             { textContent: 'p { display: none } body { margin: 20px; white-space: nowrap }' })));
         await tab.resize(1500, 300);
         const line = site.lineOf('Render Colour Fonts With Lettrino', 'whole.sm');
-        assertSame(await site.compare(tabs.keep(await tab.shot(), `minimal-${browser}`), line), 'headline');
+        assertSame(compare(tabs.keep(await tab.shot(), `minimal-${browser}`), line), 'headline');
         await tab.close();
     });
 
     for (const jQuery of ['jquery-1.9.js', 'jquery-4.js', '']) {
         test(`${browser}: with ${jQuery || 'no jQuery'}`, async () => {
             const tab = await open(browser, '<p class="f">AVATAR</p>', { jQuery });
-            assertSame(await site.compare(await tab.shot(), site.lineOf('AVATAR')), 'line');
+            assertSame(compare(await tab.shot(), site.lineOf('AVATAR')), 'line');
             await tab.resize(900, 700);
             assert.deepEqual(await tab.run(() => window.troubles), []);
             await tab.close();
