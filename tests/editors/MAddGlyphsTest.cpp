@@ -53,6 +53,8 @@ TEST_F(AddGlyphs, AFamilyThatIsNotInstalledStays) {
     MAddGlyphs::Accept("", 100, false);
     EXPECT_EQ(Narrow(settings.FontName), "Arial Black");
     EXPECT_EQ(settings.Weight, 650);
+    MAddGlyphs::Accept("Alpha", 100, false);
+    EXPECT_EQ(Narrow(settings.FontName), "Alpha");
 }
 
 TEST_F(AddGlyphs, ChangesStandInTheSettingsAtOnce) {

@@ -53,7 +53,7 @@ TEST_F(AddPictureDialog, ThePreviewIsThePictureOnTheBackground) {
     EXPECT_FALSE(dialog.Browse(AnyWindow()));
     Headless::script.files = {WritePicture(folder, "none.png", 10, 10, green)}; // the same name
     ASSERT_TRUE(dialog.Browse(AnyWindow()));
-    EXPECT_EQ(Narrow(dialog.Character), "#") << "which the name doesn't tell";
+    EXPECT_EQ(Narrow(dialog.Character), "e") << "by the name";
     EXPECT_EQ(painted(72), green);
     EXPECT_EQ(painted(62), settings.BackgroundColour) << "not enlarged";
 }

@@ -64,7 +64,7 @@ TEST(SheetCutter, FindsNamesAndMeasuresLetters) {
             EXPECT_EQ(sheet.boxes[i].character, letter.character);
             EXPECT_NEAR((box.left + box.right) / 2.0, letter.x, 3.5) << char(letter.character);
             EXPECT_NEAR(box.Width(), letter.width, 5.5) << char(letter.character);
-            EXPECT_NEAR(sheet.lines[sheet.boxes[i].line].Base(letter.x), letter.base, 1)
+            EXPECT_NEAR(sheet.lines[sheet.boxes[i].line].Base(letter.x), letter.base, 1 + look.wander)
                 << char(letter.character);
         }
     }
@@ -98,7 +98,6 @@ TEST(SheetCutter, GlyphsAreAsRenderedDirectly) {
             }
         }
     }
-    RecordProperty("levels", std::to_string(sum / count));
     EXPECT_LT(sum / count, 0.5);
 }
 
@@ -143,10 +142,7 @@ TEST(SheetCutter, PaperGoesAndCanComeBack) {
                 }
             }
         }
-        RecordProperty(ground == Ground::White ? "white" : "paper", std::to_string(sum / count));
         EXPECT_LT(sum / count, 3) << int(ground);
-        RecordProperty(ground == Ground::White ? "white fringe" : "paper fringe",
-                       std::to_string(fringe / visible));
         EXPECT_LT(fringe / visible, 6) << int(ground);
     }
 }
