@@ -1,6 +1,7 @@
 #include "glyphs/SheetCutter.h"
 
 #include "Text.h"
+#include "foundation/MFolders.h"
 #include "glyphs/SheetMaker.h"
 #include "imaging/Pictures.h"
 #include "platform/headless/Headless.h"
@@ -64,7 +65,7 @@ TEST(SheetCutter, FindsNamesAndMeasuresLetters) {
             EXPECT_EQ(sheet.boxes[i].character, letter.character);
             EXPECT_NEAR((box.left + box.right) / 2.0, letter.x, 3.5) << char(letter.character);
             EXPECT_NEAR(box.Width(), letter.width, 5.5) << char(letter.character);
-            EXPECT_NEAR(sheet.lines[sheet.boxes[i].line].Base(letter.x), letter.base, 1 + look.wander)
+            EXPECT_NEAR(sheet.lines[sheet.boxes[i].line].Base(letter.x), letter.base, 1 + 1.5 * look.wander)
                 << char(letter.character);
         }
     }
@@ -155,25 +156,14 @@ TEST(SheetCutter, WhatIsNoSheetIsTold) {
     const OwnedPicture specks = Blank(1200, 1200, {255, 255, 255});
     for (std::int32_t i = 0; i < 10000; ++i)
         Block(specks, i % 100 * 12, i / 100 * 12, 2, 2);
-    const OwnedPicture photo = Blank(400, 300, {});
-    std::uint32_t state = 1;
-    for (std::int32_t y = 0; y < 300; ++y) {
-        for (std::int32_t x = 0; x < 400; ++x) {
-            state = state * 1664525 + 1013904223;
-            const auto level = [&](double phase) {
-                return static_cast<std::uint8_t>(
-                    128 + 90 * std::sin(x * 0.05 + phase) * std::cos(y * 0.07 - phase) + (state >> 24) % 37);
-            };
-            const MColour colour(level(0), level(1), level(2));
-            std::memcpy(photo.PixelAddress(x, y), &colour, 4);
-        }
-    }
+    const OwnedPicture painting(MPicture(GetProgramFolder() + "/Media/skins/About.png"));
+    ASSERT_TRUE(painting.IsValid());
     const std::pair<const MPicture*, const char*> cases[] = {
         {&empty, "is empty"},
         {&clear, "is empty"},
         {&block, "1 letter was found on the sheet, but the text has 3 characters"},
         {&specks, "10000 pieces of ink"},
-        {&photo, ""},
+        {&painting, ""},
     };
     for (const auto& [picture, problem] : cases) {
         const MSheet sheet = FindSheetLetters(*picture, "ABC", {});

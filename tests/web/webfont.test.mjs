@@ -26,25 +26,16 @@ function assertSame({ sizes: [[w1, h1], [w2, h2]], mean, off }, what, most = { m
     assert.ok(mean <= most.mean && off <= most.off, `${what}: mean ${mean}, off ${off}`);
 }
 
-// Of each line of a paragraph the words on it and its edges.
-const linesOf = (tab) => tab.run(() => {
-    const found = new Map();
-    const walker = document.createTreeWalker(document.querySelector('.f'), NodeFilter.SHOW_TEXT);
-    const range = document.createRange();
-    for (let node = walker.nextNode(); node; node = walker.nextNode()) {
-        for (const word of node.data.matchAll(/\S+/g)) {
-            range.setStart(node, word.index);
-            range.setEnd(node, word.index + word[0].length);
-            const box = range.getBoundingClientRect();
-            const line = found.get(Math.round(box.top)) ?? { words: [], left: box.left, right: box.right };
-            line.words.push(word[0]);
-            line.left = Math.min(line.left, box.left);
-            line.right = Math.max(line.right, box.right);
-            found.set(Math.round(box.top), line);
-        }
+// The edges of each line of a paragraph, without its blanks.
+async function linesOf(tab) {
+    const lines = {};
+    for (const { character, left, right, top } of await tab.rects('.f')) {
+        if (character === ' ') continue;
+        const line = (lines[Math.round(top)] ??= { left, right });
+        Object.assign(line, { left: Math.min(line.left, left), right: Math.max(line.right, right) });
     }
-    return [...found.values()];
-});
+    return Object.values(lines);
+}
 const widthsOf = (tab) => tab.run(() => [...document.querySelectorAll('.f')].map((element) => {
     const range = document.createRange();
     range.selectNodeContents(element);
