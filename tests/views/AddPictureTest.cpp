@@ -53,6 +53,16 @@ TEST_F(AddPictureWindow, LooksAsAUserExpects) {
     EXPECT_TRUE(Path().Equals(folder.File("glyph_R.png")));
 }
 
+TEST_F(AddPictureWindow, AcceptsARelativePath) {
+    std::filesystem::current_path(ToSystemPath(GetProgramFolder()));
+    Path() = "Media/icons/lettrino-256.png";
+    settings.BackgroundColour = MColour(244, 240, 232);
+    EXPECT_FALSE(RunAnd(DialogId::AddPicture, [&](QWidget& dialog) {
+        Screenshot(dialog, "add-picture");
+        EXPECT_FALSE(Find(dialog, QColor(38, 48, 74)).isEmpty()) << "the ground of the icon";
+    }));
+}
+
 TEST_F(AddPictureWindow, OkTakesWhatIsThere) {
     EXPECT_TRUE(RunAnd(DialogId::AddPicture, [&](QWidget& dialog) {
         const char* typed[] = {"3", "-4", "x", "1234567890123456"};
