@@ -93,14 +93,3 @@ TEST_F(AddGlyphs, DragsMarkAndUnmark) {
     EXPECT_TRUE(dialog.ToggleAtCursor());
     EXPECT_EQ(settings.Selected[34], 0);
 }
-
-TEST_F(AddGlyphs, TheSwatchShowsTheTextColour) {
-    EXPECT_FALSE(MAddGlyphs::ChooseColour(AnyWindow()));
-    Headless::script.colours = {MColour(1, 2, 3)};
-    EXPECT_TRUE(MAddGlyphs::ChooseColour(AnyWindow()));
-    EXPECT_EQ(Headless::record.colourDialogs.back(), MColour(255, 0, 0)) << "as long as none was chosen";
-    EXPECT_EQ(settings.Colour, MColour(1, 2, 3));
-    MAddGlyphs::PaintSwatch(AnyWindow(), {5, 5, 10, 10});
-    EXPECT_EQ(Painted(5, 5), MColour(1, 2, 3));
-    EXPECT_EQ(Painted(9, 9), MColour(1, 2, 3));
-}

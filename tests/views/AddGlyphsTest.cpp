@@ -159,6 +159,7 @@ TEST_F(AddGlyphsWindow, TheSwatchOpensTheChoiceOfColours) {
         auto* const chooser = qobject_cast<QColorDialog*>(&colours);
         ASSERT_TRUE(chooser);
         EXPECT_EQ(QColorDialog::customColor(0), QColor(Qt::white));
+        EXPECT_EQ(chooser->currentColor(), QColor(9, 9, 9));
         chooser->setCurrentColor(QColor(1, 200, 3));
         chooser->accept();
     };

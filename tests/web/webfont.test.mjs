@@ -65,16 +65,6 @@ for (const way of ways) {
         await tab.close();
     });
 
-    test(`${way}: a size that follows the window is drawn anew`, async () => {
-        const tab = await open(way, '<p class="f" style="font-size:10vw">Hamburg</p>');
-        const [before] = await widthsOf(tab);
-        const from = await tab.run(() => innerWidth);
-        await tab.resize(600, 700);
-        const [now] = await widthsOf(tab);
-        assert.ok(Math.abs(now - before * await tab.run(() => innerWidth) / from) < 1, `${now} of ${before}`);
-        await tab.close();
-    });
-
     test(`${way}: sharp on a dense screen`, async () => {
         // At half its size on a screen of two pixels to one, every pixel of the font is a pixel of the screen.
         const tab = await open(way, `<p class="f" style="font-size:${size / 2}px">Hello World</p>`, { deviceScaleFactor: 2 });
