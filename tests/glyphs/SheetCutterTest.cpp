@@ -243,6 +243,8 @@ TEST(SheetCutter, Grids) {
         Block(picture, i % 8 * 8 + 1, i / 8 * 10 + 2, 2, 6);
         Block(picture, i % 8 * 8 + 5, i / 8 * 10 + 2 + i % 3, 2, 2);
     }
+    MSettings settings;
+    Settings = &settings;
     MSheetWishes given;
     given.grid = {1, 1};
     const OwnedPicture block = Blank(200, 100, {255, 255, 255});
@@ -260,21 +262,16 @@ TEST(SheetCutter, Grids) {
         EXPECT_EQ(sheet.grid->width, 8);
         EXPECT_EQ(sheet.grid->height, 10);
         for (const bool trim : {true, false}) {
-            MSettings settings;
-            Settings = &settings;
-            {
-                MColourFont font(nullptr);
-                MSheetSpacing spacing;
-                spacing.trim = trim;
-                ASSERT_EQ(AddSheetGlyphs(font, true, sheet, picture, spacing), "");
-                const MGlyph& glyph = *font.GetGlyph(u'D');
-                const std::int32_t advance = glyph.SpacingBefore + glyph.Width + glyph.SpacingAfter;
-                EXPECT_EQ(glyph.Width, 6);
-                EXPECT_EQ(advance == 8, !trim);
-            }
-            Settings = nullptr;
+            MColourFont font(nullptr);
+            MSheetSpacing spacing;
+            spacing.trim = trim;
+            ASSERT_EQ(AddSheetGlyphs(font, true, sheet, picture, spacing), "");
+            const MGlyph& glyph = *font.GetGlyph(u'D');
+            EXPECT_EQ(glyph.Width, 6);
+            EXPECT_EQ(glyph.SpacingBefore + glyph.Width + glyph.SpacingAfter == 8, !trim);
         }
     }
+    Settings = nullptr;
 }
 
 } // namespace

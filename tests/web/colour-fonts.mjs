@@ -1,7 +1,7 @@
 // Draws the same characters of the same colour fonts at the same size with colour_sheet and with headless Chromium,
 // and compares the pictures, character by character:
 //
-//     node colour-fonts.mjs COLOUR_SHEET PAINT_FONT OUTPUT_FOLDER [FONT]
+//     node colour-fonts.mjs COLOUR_SHEET PAINT_FONT OUTPUT_FOLDER
 //
 // A character agrees if, over the pixels that either of the two inked, the mean difference of a colour channel is at
 // most `mean` levels and the share of pixels with a channel more than 32 levels off at most `share`. Edges always
@@ -17,7 +17,7 @@ import { launch } from "./browser.mjs";
 import { decode } from "./pictures.mjs";
 
 const here = path.dirname(fileURLToPath(import.meta.url));
-const [sheet, paintFont, output, only] = process.argv.slice(2);
+const [sheet, paintFont, output] = process.argv.slice(2);
 const size = 100;
 const cell = 240;
 const perRow = 16;
@@ -126,7 +126,6 @@ let failed = 0;
 try {
     const page = await (await browser.newContext()).newPage();
     for (const font of fonts) {
-        if (only && only !== font.name) continue;
         const file = font.path ?? packaged(font.scope ?? "@fontsource", font.folder ?? font.name, font.file);
         const codes = font.codes ?? letters;
         const png = path.join(output, `${font.name}.png`);
