@@ -1,5 +1,6 @@
 #include "glyphs/MDirect2DSurface.h"
 
+#include "foundation/MFolders.h"
 #include "glyphs/MWindowSurface.h"
 #include "glyphs/Pixels.h"
 #include "imaging/Pictures.h"
@@ -220,6 +221,7 @@ TEST(Direct2DSurfaces, InvalidOnesDoNothing) {
         surface->DrawRectangle({0, 0, 5, 5}, red, true, 1, true);
         surface->DrawPictureAt(picture, 0, 0, true);
         surface->DrawPictureFitted(picture, {0, 0, 5, 5}, true);
+        surface->DrawPictureFile(GetProgramFolder() + "/Media/skins/About.png", {0, 0, 5, 5}, true);
         surface->PopClip();
         surface->End();
     }
