@@ -118,6 +118,23 @@ TEST_F(Direct2DSurface, AnotherFontStepsInOnTheSameBaseline) {
     EXPECT_NEAR(other.bottom, InkOfText("H", all, 40).bottom, 2);
 }
 
+TEST_F(Direct2DSurface, WeightAndSlant) {
+    // The second has neither a bold nor an italic face, and a baseline far down.
+    for (const char* name : {"Liberation Sans", "DejaVu Math TeX Gyre"}) {
+        MSurfaceBitmap tall(300, 600);
+        MDirect2DSurface onTall(tall);
+        const auto columns = [&](std::int32_t weight, bool italic) {
+            onTall.Clear(nothing);
+            onTall.DrawText({50, 0, 300, 600}, "I", name, 80, weight, italic, black, -1, -1, false, false,
+                            false, true);
+            return InkOf(tall).Width();
+        };
+        const std::int32_t bold = columns(700, false);
+        EXPECT_GT(bold, columns(400, false)) << name;
+        EXPECT_GT(columns(700, true), bold + 5) << name;
+    }
+}
+
 TEST_F(Direct2DSurface, RectanglesAndLines) {
     surface.DrawRectangle({10, 20, 30, 40}, red, true, 0, false);
     EXPECT_EQ(InkOf(bitmap), (Desktop::Rect{10, 20, 30, 40}));
