@@ -7,7 +7,6 @@
 #include "foundation/MNumbers.h"
 #include "glyphs/Pixels.h"
 
-#include <functional>
 #include <limits>
 #include <optional>
 
@@ -44,19 +43,6 @@ protected:
             const MColour painted = Painted(x, y);
             EXPECT_TRUE(colour ? painted == *colour : std::abs(painted.r - 128) <= 10) << x << ", " << y;
         }
-    }
-
-    // Around the pixels of a painting for which this holds.
-    static Desktop::Rect InkOf(const Headless::Painting& painting,
-                               const std::function<bool(const MColour&)>& isInk) {
-        Desktop::Rect ink{painting.width, painting.height, 0, 0};
-        for (std::int32_t y = 0; y < painting.height; ++y) {
-            for (std::int32_t x = 0; x < painting.width; ++x) {
-                if (!isInk(PixelAt(painting, x, y))) continue;
-                ink = {std::min(ink.left, x), std::min(ink.top, y), std::max(ink.right, x + 1), y + 1};
-            }
-        }
-        return ink;
     }
 
     static std::size_t Paintings() { return Headless::record.paintings.size(); }

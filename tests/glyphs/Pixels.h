@@ -6,6 +6,7 @@
 #include "platform/headless/Headless.h"
 
 #include <algorithm>
+#include <concepts>
 #include <cstring>
 #include <ostream>
 
@@ -33,18 +34,22 @@ inline std::ostream& operator<<(std::ostream& out, const Rect& r) {
 }
 } // namespace Desktop
 
-// Around all pixels that differ from the ground; empty if there are none.
-template<typename Pixels>
-Desktop::Rect InkOf(const Pixels& pixels, MColour ground = {0, 0, 0, 0}) {
+// Around all pixels for which this holds; empty if there are none.
+template<typename Pixels, std::predicate<MColour> IsInk>
+Desktop::Rect InkOf(const Pixels& pixels, const IsInk& isInk) {
     Desktop::Rect ink{pixels.width, pixels.height, 0, 0};
     for (std::int32_t y = 0; y < pixels.height; ++y) {
         for (std::int32_t x = 0; x < pixels.width; ++x) {
-            if (PixelAt(pixels, x, y) == ground) continue;
-            ink = {std::min(ink.left, x), std::min(ink.top, y), std::max(ink.right, x + 1),
-                   std::max(ink.bottom, y + 1)};
+            if (!isInk(PixelAt(pixels, x, y))) continue;
+            ink = {std::min(ink.left, x), std::min(ink.top, y), std::max(ink.right, x + 1), y + 1};
         }
     }
     return ink.IsEmpty() ? Desktop::Rect{} : ink;
+}
+// Around all that differ from the ground.
+template<typename Pixels>
+Desktop::Rect InkOf(const Pixels& pixels, MColour ground = {0, 0, 0, 0}) {
+    return InkOf(pixels, [&](const MColour& pixel) { return pixel != ground; });
 }
 
 // The inked rows of a glyph, from `top` up to but not including `end`.

@@ -50,6 +50,7 @@ TEST(SheetCutter, FindsNamesAndMeasuresLetters) {
         {.family = "Liberation Serif", .italic = true, .ground = Ground::Paper, .degrees = -2},
         {.family = "Liberation Sans", .weight = 700, .effect = Effect::Outlined, .ground = Ground::Paper},
         {.family = "DejaVu Serif", .weight = 700, .effect = Effect::Shadow, .degrees = 1.2},
+        {.family = "DejaVu Serif", .ground = Ground::Paper, .degrees = 1, .wander = 6},
     };
     for (const SheetLook& look : looks) {
         SCOPED_TRACE(look.family);
@@ -63,7 +64,7 @@ TEST(SheetCutter, FindsNamesAndMeasuresLetters) {
             EXPECT_EQ(sheet.boxes[i].character, letter.character);
             EXPECT_NEAR((box.left + box.right) / 2.0, letter.x, 3.5) << char(letter.character);
             EXPECT_NEAR(box.Width(), letter.width, 5.5) << char(letter.character);
-            EXPECT_NEAR(sheet.lines[sheet.boxes[i].line].Base(letter.x), letter.base, 1)
+            EXPECT_NEAR(sheet.lines[sheet.boxes[i].line].Base(letter.x), letter.base, 1 + 1.5 * look.wander)
                 << char(letter.character);
         }
     }
@@ -97,7 +98,6 @@ TEST(SheetCutter, GlyphsAreAsRenderedDirectly) {
             }
         }
     }
-    RecordProperty("levels", std::to_string(sum / count));
     EXPECT_LT(sum / count, 0.5);
 }
 
@@ -142,10 +142,7 @@ TEST(SheetCutter, PaperGoesAndCanComeBack) {
                 }
             }
         }
-        RecordProperty(ground == Ground::White ? "white" : "paper", std::to_string(sum / count));
         EXPECT_LT(sum / count, 3) << int(ground);
-        RecordProperty(ground == Ground::White ? "white fringe" : "paper fringe",
-                       std::to_string(fringe / visible));
         EXPECT_LT(fringe / visible, 6) << int(ground);
     }
 }
@@ -158,25 +155,13 @@ TEST(SheetCutter, WhatIsNoSheetIsTold) {
     const OwnedPicture specks = Blank(1200, 1200, {255, 255, 255});
     for (std::int32_t i = 0; i < 10000; ++i)
         Block(specks, i % 100 * 12, i / 100 * 12, 2, 2);
-    const OwnedPicture photo = Blank(400, 300, {});
-    std::uint32_t state = 1;
-    for (std::int32_t y = 0; y < 300; ++y) {
-        for (std::int32_t x = 0; x < 400; ++x) {
-            state = state * 1664525 + 1013904223;
-            const auto level = [&](double phase) {
-                return static_cast<std::uint8_t>(
-                    128 + 90 * std::sin(x * 0.05 + phase) * std::cos(y * 0.07 - phase) + (state >> 24) % 37);
-            };
-            const MColour colour(level(0), level(1), level(2));
-            std::memcpy(photo.PixelAddress(x, y), &colour, 4);
-        }
-    }
+    const OwnedPicture noise = RandomPicture(256, 256, FormatRGB8, 1);
     const std::pair<const MPicture*, const char*> cases[] = {
         {&empty, "is empty"},
         {&clear, "is empty"},
         {&block, "1 letter was found on the sheet, but the text has 3 characters"},
         {&specks, "10000 pieces of ink"},
-        {&photo, ""},
+        {&noise, "has no even ground: only"},
     };
     for (const auto& [picture, problem] : cases) {
         const MSheet sheet = FindSheetLetters(*picture, "ABC", {});
@@ -256,6 +241,8 @@ TEST(SheetCutter, Grids) {
         Block(picture, i % 8 * 8 + 1, i / 8 * 10 + 2, 2, 6);
         Block(picture, i % 8 * 8 + 5, i / 8 * 10 + 2 + i % 3, 2, 2);
     }
+    MSettings settings;
+    Settings = &settings;
     MSheetWishes given;
     given.grid = {1, 1};
     const OwnedPicture block = Blank(200, 100, {255, 255, 255});
@@ -273,21 +260,16 @@ TEST(SheetCutter, Grids) {
         EXPECT_EQ(sheet.grid->width, 8);
         EXPECT_EQ(sheet.grid->height, 10);
         for (const bool trim : {true, false}) {
-            MSettings settings;
-            Settings = &settings;
-            {
-                MColourFont font(nullptr);
-                MSheetSpacing spacing;
-                spacing.trim = trim;
-                ASSERT_EQ(AddSheetGlyphs(font, true, sheet, picture, spacing), "");
-                const MGlyph& glyph = *font.GetGlyph(u'D');
-                const std::int32_t advance = glyph.SpacingBefore + glyph.Width + glyph.SpacingAfter;
-                EXPECT_EQ(glyph.Width, 6);
-                EXPECT_EQ(advance == 8, !trim);
-            }
-            Settings = nullptr;
+            MColourFont font(nullptr);
+            MSheetSpacing spacing;
+            spacing.trim = trim;
+            ASSERT_EQ(AddSheetGlyphs(font, true, sheet, picture, spacing), "");
+            const MGlyph& glyph = *font.GetGlyph(u'D');
+            EXPECT_EQ(glyph.Width, 6);
+            EXPECT_EQ(glyph.SpacingBefore + glyph.Width + glyph.SpacingAfter == 8, !trim);
         }
     }
+    Settings = nullptr;
 }
 
 } // namespace

@@ -1,5 +1,7 @@
 #include "glyphs/SheetMaker.h"
 
+#include "platform_text/Canvas.h"
+
 #include <algorithm>
 #include <cmath>
 #include <cstring>
@@ -9,36 +11,8 @@
 
 namespace {
 
-// Premultiplied, so that it can be blurred and turned.
-struct Layer {
-    std::int32_t width;
-    std::int32_t height;
-    std::vector<std::array<float, 4>> pixels; // blue, green, red, alpha, 0 to 1
-
-    Layer(std::int32_t w, std::int32_t h)
-        : width(w), height(h), pixels(static_cast<std::size_t>(w) * static_cast<std::size_t>(h)) {}
-
-    std::array<float, 4>& At(std::int32_t x, std::int32_t y) {
-        return pixels[static_cast<std::size_t>(y) * static_cast<std::size_t>(width) +
-                      static_cast<std::size_t>(x)];
-    }
-    std::array<float, 4> Get(std::int32_t x, std::int32_t y) const {
-        if (x < 0 || y < 0 || x >= width || y >= height) return {};
-        return pixels[static_cast<std::size_t>(y) * static_cast<std::size_t>(width) +
-                      static_cast<std::size_t>(x)];
-    }
-    void Over(std::int32_t x, std::int32_t y, const std::array<float, 4>& colour) {
-        if (x < 0 || y < 0 || x >= width || y >= height) return;
-        auto& pixel = At(x, y);
-        for (std::size_t c = 0; c < 4; ++c)
-            pixel[c] = colour[c] + pixel[c] * (1 - colour[3]);
-    }
-};
-
-constexpr std::array<float, 3> ink{0.25F, 0.08F, 0.06F};
-
 // What an effect makes of a glyph's alpha, at its place.
-void Draw(Layer& layer, const MGlyph& glyph, std::int32_t x, std::int32_t y, SheetLook::Effect effect) {
+void Draw(const Canvas& layer, const MGlyph& glyph, std::int32_t x, std::int32_t y, SheetLook::Effect effect) {
     const auto alpha = [&](std::int32_t i, std::int32_t j) {
         return static_cast<float>(glyph.GetPixel(i, j).a) / 255.0F;
     };
@@ -56,40 +30,20 @@ void Draw(Layer& layer, const MGlyph& glyph, std::int32_t x, std::int32_t y, She
                 sum += alpha(i - 4 + dx, j - 4 + dy) / 9;
         return sum * 0.45F;
     };
-    for (std::int32_t j = -4; j < glyph.Height + 8; ++j) {
-        for (std::int32_t i = -4; i < glyph.Width + 8; ++i) {
-            if (effect == SheetLook::Effect::Shadow) layer.Over(x + i, y + j, {0, 0, 0, shade(i, j)});
-            const float a = effect == SheetLook::Effect::Outlined ? stroke(i, j) : alpha(i, j);
-            layer.Over(x + i, y + j, {ink[0] * a, ink[1] * a, ink[2] * a, a});
-        }
-    }
-}
-
-Layer Turned(const Layer& from, double degrees) {
-    if (degrees == 0) return from;
-    Layer to(from.width, from.height);
-    const double angle = degrees * std::numbers::pi / 180;
-    const double c = std::cos(angle);
-    const double s = std::sin(angle);
-    for (std::int32_t y = 0; y < to.height; ++y) {
-        for (std::int32_t x = 0; x < to.width; ++x) {
-            const double dx = x + 0.5 - to.width / 2.0;
-            const double dy = y + 0.5 - to.height / 2.0;
-            const double fx = c * dx + s * dy + to.width / 2.0 - 0.5;
-            const double fy = -s * dx + c * dy + to.height / 2.0 - 0.5;
-            const auto left = static_cast<std::int32_t>(std::floor(fx));
-            const auto top = static_cast<std::int32_t>(std::floor(fy));
-            const auto across = static_cast<float>(fx - left);
-            const auto down = static_cast<float>(fy - top);
-            for (std::size_t i = 0; i < 4; ++i) {
-                const float above = std::lerp(from.Get(left, top)[i], from.Get(left + 1, top)[i], across);
-                const float below =
-                    std::lerp(from.Get(left, top + 1)[i], from.Get(left + 1, top + 1)[i], across);
-                to.At(x, y)[i] = std::lerp(above, below, down);
-            }
-        }
-    }
-    return to;
+    // A colour, as far as `coverage` tells at each place of the glyph and around it.
+    const auto stamp = [&](double red, double green, double blue, const auto& coverage) {
+        const Canvas mask(glyph.Width + 12, glyph.Height + 12);
+        for (std::int32_t j = 0; j < glyph.Height + 12; ++j)
+            for (std::int32_t i = 0; i < glyph.Width + 12; ++i)
+                mask.Put(i, j, static_cast<std::uint32_t>(std::lround(coverage(i - 4, j - 4) * 255)) << 24);
+        cairo_set_source_rgb(layer.context, red, green, blue);
+        cairo_mask_surface(layer.context, mask.image, x - 4, y - 4);
+    };
+    if (effect == SheetLook::Effect::Shadow) stamp(0, 0, 0, shade);
+    if (effect == SheetLook::Effect::Outlined)
+        stamp(0.06, 0.08, 0.25, stroke);
+    else
+        stamp(0.06, 0.08, 0.25, alpha);
 }
 
 // Uneven light over warm paper with grain.
@@ -148,13 +102,16 @@ MadeSheet::MadeSheet(const SheetLook& look) : before(std::exchange(Settings, &se
             width += advance(character);
         widest = std::max(widest, width);
     }
-    Layer layer(widest + 2 * margin, static_cast<std::int32_t>(look.lines.size()) * pitch + 2 * margin);
+    const std::int32_t width = widest + 2 * margin;
+    const std::int32_t height = static_cast<std::int32_t>(look.lines.size()) * pitch + 2 * margin;
+    const Canvas layer(width, height);
+    const Canvas turned(width, height);
     const double angle = look.degrees * std::numbers::pi / 180;
     const auto turn = [&](double& x, double& y) {
-        const double dx = x - layer.width / 2.0;
-        const double dy = y - layer.height / 2.0;
-        x = std::cos(angle) * dx - std::sin(angle) * dy + layer.width / 2.0;
-        y = std::sin(angle) * dx + std::cos(angle) * dy + layer.height / 2.0;
+        const double dx = x - width / 2.0;
+        const double dy = y - height / 2.0;
+        x = std::cos(angle) * dx - std::sin(angle) * dy + width / 2.0;
+        y = std::sin(angle) * dx + std::cos(angle) * dy + height / 2.0;
     };
     // How far the effects reach beyond the letter: left and above, right and below.
     const bool outlined = look.effect == SheetLook::Effect::Outlined;
@@ -193,24 +150,28 @@ MadeSheet::MadeSheet(const SheetLook& look) : before(std::exchange(Settings, &se
             pen += advance(character);
         }
     }
-    const Layer turned = Turned(layer, look.degrees);
-    const auto width = static_cast<std::uint32_t>(layer.width);
-    const auto height = static_cast<std::uint32_t>(layer.height);
-    picture = MPicture(width, height, FormatRGBA8);
-    paper = MPicture(width, height, FormatRGBA8);
+    cairo_translate(turned.context, width / 2.0, height / 2.0);
+    cairo_rotate(turned.context, angle);
+    cairo_set_source_surface(turned.context, layer.image, -width / 2.0, -height / 2.0);
+    cairo_paint(turned.context);
+    picture = MPicture(static_cast<std::uint32_t>(width), static_cast<std::uint32_t>(height), FormatRGBA8);
+    paper = MPicture(picture.Width, picture.Height, FormatRGBA8);
     PaintPaper(paper, look.ground);
-    for (std::size_t i = 0; i < turned.pixels.size(); ++i) {
-        const std::array<float, 4>& over = turned.pixels[i];
-        std::uint8_t* const to = picture.Pixels + i * 4;
-        const std::uint8_t* const under = paper.Pixels + i * 4;
-        const bool clear = look.ground == SheetLook::Ground::Transparent;
-        for (std::size_t c = 0; c < 3; ++c) {
-            const float straight = over[3] > 0 ? over[c] / over[3] : 0;
-            const float value =
-                clear ? straight * 255 : over[c] * 255 + static_cast<float>(under[c]) * (1 - over[3]);
-            to[c] = static_cast<std::uint8_t>(std::lround(std::clamp(value, 0.0F, 255.0F)));
+    const bool clear = look.ground == SheetLook::Ground::Transparent;
+    for (std::int32_t y = 0; y < height; ++y) {
+        for (std::int32_t x = 0; x < width; ++x) {
+            const std::uint32_t over = turned.At(x, y);
+            const std::uint32_t alpha = over >> 24;
+            const MColour under = paper.GetPixel(x, y);
+            const auto mix = [&](std::uint32_t premultiplied, std::uint8_t below) {
+                const std::uint32_t straight = alpha > 0 ? premultiplied * 255 / alpha : 0;
+                return static_cast<std::uint8_t>(clear ? straight
+                                                       : premultiplied + below * (255 - alpha) / 255);
+            };
+            picture.SetPixel(x, y,
+                             MColour(mix(over >> 16 & 255, under.r), mix(over >> 8 & 255, under.g),
+                                     mix(over & 255, under.b), clear ? static_cast<std::uint8_t>(alpha) : 255));
         }
-        to[3] = clear ? static_cast<std::uint8_t>(std::lround(over[3] * 255)) : 255;
     }
 }
 

@@ -26,11 +26,19 @@ public:
 
     // Alpha, red, green and blue from the highest byte on; premultiplied.
     std::uint32_t At(int x, int y) const {
-        cairo_surface_flush(image);
-        const unsigned char* const row =
-            cairo_image_surface_get_data(image) + std::ptrdiff_t{y} * cairo_image_surface_get_stride(image);
         std::uint32_t pixel = 0;
-        std::memcpy(&pixel, row + std::ptrdiff_t{x} * 4, sizeof pixel);
+        std::memcpy(&pixel, Address(x, y), sizeof pixel);
         return pixel;
+    }
+    void Put(int x, int y, std::uint32_t pixel) const {
+        std::memcpy(Address(x, y), &pixel, sizeof pixel);
+        cairo_surface_mark_dirty_rectangle(image, x, y, 1, 1);
+    }
+
+private:
+    unsigned char* Address(int x, int y) const {
+        cairo_surface_flush(image);
+        return cairo_image_surface_get_data(image) + std::ptrdiff_t{y} * cairo_image_surface_get_stride(image) +
+               std::ptrdiff_t{x} * 4;
     }
 };

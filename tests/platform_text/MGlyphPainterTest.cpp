@@ -101,23 +101,13 @@ void AddCbdt(fonts::Font& font, const std::string& png) {
 
 } // namespace
 
-TEST(GlyphPainter, PlainGlyphsHaveTheColourOfTheText) {
-    for (const bool colours : {false, true}) {
-        const Drawing drawing(OneBox(), colours, MColour(255, 0, 0));
-        EXPECT_EQ(drawing.At(500, 300), red);
-        EXPECT_EQ(drawing.At(50, 300), 0U);
-        EXPECT_EQ(drawing.At(500, 750), 0U);
-    }
-    EXPECT_TRUE(Drawing("/no/such/font.ttf", u'A', true).IsEmpty());
-}
-
 TEST(GlyphPainter, FirstFormThatHasTheGlyphWins) {
     fonts::Font font = OneBox();
     font.tables["SVG "] = fonts::SvgTable("<svg xmlns='http://www.w3.org/2000/svg'><g id='glyph1'>"
                                           "<rect y='-700' width='1000' height='700' fill='#f00'/></g></svg>",
                                           1, 1);
     EXPECT_EQ(Drawing(font, true).At(500, 300), red);
-    EXPECT_EQ(Drawing(font, false).At(500, 300), white) << "colours were not asked for";
+    EXPECT_EQ(Drawing(font, false, MColour(0, 255, 0)).At(500, 300), green) << "colours were not asked for";
 
     AddPaint(font, fonts::Outline(1, fonts::Solid(0)));
     EXPECT_EQ(Drawing(font, true).At(500, 300), green) << "paints before documents";
@@ -127,6 +117,8 @@ TEST(GlyphPainter, FirstFormThatHasTheGlyphWins) {
     EXPECT_EQ(Drawing(font, true).At(500, 300), red) << "paints that run in a circle";
     font.tables["SVG "] = "nothing that could be read";
     EXPECT_EQ(Drawing(font, true).At(500, 300), white) << "and nothing else";
+    EXPECT_EQ(Drawing(font, true).At(500, 750), 0U) << "above it";
+    EXPECT_TRUE(Drawing("/no/such/font.ttf", u'A', true).IsEmpty());
 }
 
 TEST(GlyphPainter, BitmapsComeFromTheNearestStrike) {

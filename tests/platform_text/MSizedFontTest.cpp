@@ -43,21 +43,6 @@ std::vector<std::uint8_t> DrawAll(MSizedFont& font, char16_t character, MInk& in
 
 } // namespace
 
-TEST(SizedFont, CellIsAsHighAsAsked) {
-    // usWinAscent 1854 and usWinDescent 434 of 2048 units.
-    MSizedFont font("Liberation Sans", 400, false);
-    ASSERT_TRUE(font.SetHeight(2288));
-    EXPECT_EQ(font.ascent, 1854);
-    MInk ink;
-    ASSERT_TRUE(font.GetInk(u'H', ink));
-    EXPECT_EQ((std::array{ink.above, ink.below, ink.a + ink.b + ink.c}), (std::array{1409, 0, 1479}));
-    ASSERT_TRUE(font.GetInk(u' ', ink));
-    EXPECT_EQ((std::array{ink.a, ink.b, ink.c}), (std::array{0, 0, 569})) << "no ink, an advance only";
-    EXPECT_EQ(Sum(Draw(font, u' ', 0, 0, {0, 0, 10, 10})), 0);
-    ASSERT_TRUE(font.SetHeight(100));
-    EXPECT_EQ(font.ascent, 81);
-}
-
 TEST(SizedFont, WhatTheFaceLacksIsItsOwnBox) {
     MSizedFont font("Liberation Sans", 400, false);
     ASSERT_TRUE(font.SetHeight(200));
@@ -69,30 +54,6 @@ TEST(SizedFont, WhatTheFaceLacksIsItsOwnBox) {
         MInk ink;
         EXPECT_EQ(DrawAll(font, code, ink), drawn) << int{code};
     }
-}
-
-TEST(SizedFont, RegionsAreCutsOfOneDrawing) {
-    MSizedFont font("Liberation Serif", 400, true);
-    ASSERT_TRUE(font.SetHeight(150));
-    MInk ink;
-    const auto whole = DrawAll(font, u'j', ink);
-    EXPECT_LT(ink.a, 0);
-    const auto width = static_cast<std::size_t>(ink.b);
-    for (const auto& row : {std::size_t{0}, whole.size() / width - 1})
-        EXPECT_GT(Sum(std::span(whole).subspan(row * width, width)), 0) << "an outermost row is inked";
-
-    // One column and row inside on the left and top, two and three beyond on the right and bottom.
-    const MPixelRect region{101, 203, 100 + ink.b + 2, 200 + ink.above + ink.below + 3};
-    const auto cut = Draw(font, u'j', 100 - ink.a, 200 + ink.above, region);
-    ASSERT_EQ(cut.size(), (width + 1) * static_cast<std::size_t>(region.bottom - region.top));
-    for (std::size_t i = 0; i < cut.size(); ++i) {
-        const std::size_t x = i % (width + 1) + 1;
-        const std::size_t y = i / (width + 1) + 3;
-        const int expected = x < width && y * width < whole.size() ? whole[y * width + x] : 0;
-        ASSERT_EQ(int{cut[i]}, expected) << x << ", " << y;
-    }
-    EXPECT_EQ(Sum(Draw(font, u'j', 1'000'000'000'000, 0, {0, 0, 8, 8})), 0);
-    EXPECT_EQ(Sum(Draw(font, u'j', 0, 0, {8, 8, 0, 0})), 0);
 }
 
 TEST(SizedFont, MadeBoldIsHeavierAndMadeItalicLeans) {
@@ -121,6 +82,12 @@ TEST(SizedFont, SizesThatNoFontHas) {
         EXPECT_FALSE(font.GetInk(u'A', ink)) << height;
         EXPECT_EQ(Sum(Draw(font, u'A', 0, 0, {0, 0, 10, 10})), 0) << height;
     }
+    ASSERT_TRUE(font.SetHeight(2288)); // the unit of this face
+    EXPECT_EQ(font.ascent, 1854);
+    EXPECT_EQ(Sum(Draw(font, u'j', 1'000'000'000'000, 0, {0, 0, 8, 8})), 0) << "far outside";
+    EXPECT_EQ(Sum(Draw(font, u'j', 0, 0, {8, 8, 0, 0})), 0);
+    ASSERT_TRUE(font.GetInk(u' ', ink));
+    EXPECT_EQ((std::array{ink.a, ink.b, ink.c}), (std::array{0, 0, 569})) << "no ink, an advance only";
     EXPECT_TRUE(font.SetHeight(30'000));
     ASSERT_TRUE(font.GetInk(u'I', ink));
     EXPECT_GT(ink.above, 10'000);

@@ -160,20 +160,17 @@ TEST(SvgGlyphs, HugeAndBrokenDocumentsHaveNoGlyphs) {
     EXPECT_TRUE(MSvgGlyphs({}, {}).IsEmpty());
 }
 
-// Each of these ends the library's process or holds it up, two of them while they are read.
+// The one ends the library's process while it draws, the other holds it up while it is read.
 TEST(SvgGlyphs, ADocumentThatEndsItsRendererCostsNothingButItsGlyph) {
     const auto filter = [](const std::string& primitives) {
         return "<filter id='f' x='0' y='0' width='1' height='1'>" + primitives + "</filter>";
     };
-    const std::string kernel = Repeated("1 ", 30 * 30);
     std::string style = "<style>";
     for (int i = 0; i < 30'000; ++i)
         style += "g>g>g>.x" + std::to_string(i) + "{x:y}";
     style += "</style>" + Repeated("<g class='x1'/>", 30'000);
     const std::tuple<const char*, std::string, bool> cases[] = {
         {"tile", filter("<feFlood x='0' y='0' width='0' height='0' result='e'/><feTile in='e'/>"), false},
-        {"matrix", filter("<feConvolveMatrix order='30' kernelMatrix='" + kernel + "'/>"), true},
-        {"octaves", filter("<feTurbulence baseFrequency='0.1' numOctaves='1000000'/>"), false},
         {"style", style, true}};
     for (const auto& [name, definitions, takesAll] : cases) {
         const std::uint32_t other = takesAll ? 0U : 0xFF00FF00U;

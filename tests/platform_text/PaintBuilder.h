@@ -16,13 +16,11 @@ struct Stop {
     double alpha = 1;
 };
 
-inline Bytes ColourLine(int extend, const std::vector<Stop>& stops, bool varies = false) {
+inline Bytes ColourLine(int extend, const std::vector<Stop>& stops) {
     Bytes line;
     line.U8(extend).U16(static_cast<int>(stops.size()));
-    for (const Stop& stop : stops) {
+    for (const Stop& stop : stops)
         line.F2Dot14(stop.offset).U16(stop.entry).F2Dot14(stop.alpha);
-        if (varies) line.U32(0xFFFFFFFF);
-    }
     return line;
 }
 

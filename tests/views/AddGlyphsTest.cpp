@@ -1,6 +1,5 @@
 // The choice of font and characters as a user has it.
 
-#include "editors/MCharacterGrid.h"
 #include "glyphs/MFontList.h"
 #include "views/Fonts.h"
 
@@ -24,10 +23,6 @@ protected:
         WindowTest::TearDown();
     }
 
-    static void ChooseFamily(QWidget& dialog, const QString& name) {
-        auto* const family = Named<QComboBox>(dialog, "Font family");
-        family->setCurrentIndex(family->findText(name));
-    }
     // Where a character stands in the grid.
     static QPoint CellOf(QWidget& dialog, char16_t character) {
         const QRect grid = Named<QWidget>(dialog, "Characters")->geometry();
@@ -61,23 +56,15 @@ TEST_F(AddGlyphsWindow, LooksAsAUserExpects) {
         const QRect grid = Named<QWidget>(dialog, "Characters")->geometry();
         EXPECT_EQ(grid.topLeft(), QPoint(10, 10));
         EXPECT_EQ(grid.right() + 1, family->x() - 10);
-        // The marked letters stand on their shade, red shows the colour.
-        const MColour face = Desktop::ButtonColour();
-        const MColour shade = MCharacterGrid::SelectedShade(face);
-        for (const auto& [letter, ground] : {std::pair(u'A', shade), std::pair(u'a', face)}) {
-            EXPECT_EQ(ColourAt(dialog, CellOf(dialog, letter) - QPoint(grid.width() / 32 - 3, 0)),
-                      QColor(ground.r, ground.g, ground.b));
-        }
         EXPECT_EQ(ColourAt(dialog, Named<QWidget>(dialog, "Colour")->geometry().center()), QColor(255, 0, 0));
     }));
 }
 
 TEST_F(AddGlyphsWindow, ChangesStayAfterCancelButTheHeight) {
     EXPECT_FALSE(RunAnd(DialogId::AddGlyphs, [&](QWidget& dialog) {
-        const QImage before = Shown(dialog);
-        EXPECT_TRUE(GridPaintsAnew(dialog, [&] { ChooseFamily(dialog, "Liberation Serif"); }));
+        EXPECT_TRUE(GridPaintsAnew(
+            dialog, [&] { Named<QComboBox>(dialog, "Font family")->setCurrentText("Liberation Serif"); }));
         EXPECT_TRUE(settings.FontName.Equals(u"Liberation Serif"));
-        EXPECT_NE(Shown(dialog), before);
         auto* const style = Named<QComboBox>(dialog, "Style");
         EXPECT_EQ(style->count(), 4);
         style->setFocus();
@@ -170,6 +157,7 @@ TEST_F(AddGlyphsWindow, TheSwatchOpensTheChoiceOfColours) {
         auto* const chooser = qobject_cast<QColorDialog*>(&colours);
         ASSERT_TRUE(chooser);
         EXPECT_EQ(QColorDialog::customColor(0), QColor(Qt::white));
+        EXPECT_EQ(chooser->currentColor(), QColor(9, 9, 9));
         chooser->setCurrentColor(QColor(1, 200, 3));
         chooser->accept();
     };

@@ -2,7 +2,6 @@
 
 #include "views/Fonts.h"
 
-#include <QGroupBox>
 #include <QListView>
 
 using Desktop::DialogId;
@@ -11,16 +10,11 @@ namespace {
 
 class GlyphEditor : public EditorWindowTest {
 protected:
-    // The preview, from the controls around it.
-    static QRect Preview(QWidget& dialog) {
-        const QRect list = Named<QListView>(dialog, "Glyphs")->geometry();
-        for (const auto* const box : dialog.findChildren<QGroupBox*>()) {
-            if (box->title() != "Glyph properties") continue;
-            return {QPoint(list.top(), list.top()),
-                    QPoint(list.left() - box->geometry().top() - 1, list.bottom())};
-        }
-        return {};
+    void SetUp() override {
+        EditorWindowTest::SetUp();
+        settings.BackgroundColour = {0, 255, 0};
     }
+    static QRect Preview(QWidget& dialog) { return Find(dialog, QColor(0, 255, 0)); }
 
     static QString Shown(QWidget& dialog) {
         return TextsOf(dialog, {"Character", "Unicode", "Resolution", "Spacing before", "Spacing after",
@@ -32,12 +26,13 @@ TEST_F(GlyphEditor, KeysAndMouseChangeTheFont) {
     AddBlock(u'A');
     AddBlock(u'B');
     font->Baseline = 9;
-    settings.BackgroundColour = {0, 255, 0};
     EXPECT_TRUE(RunAnd(DialogId::GlyphEditor, [&](QWidget& dialog) {
         EXPECT_EQ(Shown(dialog), "A|65|40 x 50|0|0|9|0|50");
         const QRect preview = Preview(dialog);
         const double scale = ScaleOf(preview);
-        EXPECT_EQ(Find(dialog, QColor(0, 255, 0)), preview);
+        const QRect list = Named<QListView>(dialog, "Glyphs")->geometry();
+        EXPECT_EQ(preview.topLeft(), QPoint(list.top(), list.top()));
+        EXPECT_TRUE(preview.bottom() == list.bottom() && preview.right() < list.left());
         const QWidget* const hint = GroundOf(dialog).childAt(preview.center());
         EXPECT_EQ(hint->cursor().shape(), Qt::SizeAllCursor);
         EXPECT_TRUE(hint->toolTip().contains("left") && hint->toolTip().contains("right"));
@@ -85,7 +80,8 @@ TEST_F(GlyphEditor, DeletingAndEscape) {
         EXPECT_EQ(list->currentIndex().row(), 0);
         EXPECT_EQ(Shown(dialog), "B|66|40 x 50|7|0|1|0|50");
         EXPECT_FALSE(Find(dialog, QColor(0, 0, 255)).isNull());
-        EXPECT_TRUE(PaintsAnew(dialog, Preview(dialog), [] { PressMnemonic(Qt::Key_D); }));
+        const QRect preview = Preview(dialog);
+        EXPECT_TRUE(PaintsAnew(dialog, preview, [] { PressMnemonic(Qt::Key_D); }));
         EXPECT_TRUE(Find(dialog, QColor(0, 0, 255)).isNull());
         QTest::keyClick(list, Qt::Key_Escape);
     }));
@@ -94,6 +90,9 @@ TEST_F(GlyphEditor, DeletingAndEscape) {
     RunAnd(DialogId::GlyphEditor, [&](QWidget& dialog) {
         EXPECT_EQ(Shown(dialog), "|||||||");
         Screenshot(dialog, "glyph-editor-empty");
+        Drag(dialog, Qt::LeftButton, {QPoint(200, 200)});
+        PressMnemonic(Qt::Key_D); // there is nothing to delete
+        QTest::keyClick(&dialog, Qt::Key_Escape);
     });
 }
 

@@ -11,12 +11,6 @@ namespace {
 
 class KerningEditor : public EditorWindowTest {
 protected:
-    static QRect Preview(QWidget& dialog) {
-        const QRect list = Named<QListView>(dialog, "Kerning pairs")->geometry();
-        const int top = Named<QLineEdit>(dialog, "Left character")->geometry().top();
-        return {QPoint(top, top), QPoint(list.left() - top - 1, list.bottom())};
-    }
-
     static QString Shown(QWidget& dialog) {
         return TextsOf(dialog, {"Left character", "Right character", "Kerning"});
     }
@@ -60,8 +54,10 @@ TEST_F(KerningEditor, ADragIsSeenWhenThePairIsShownAgain) {
     settings.BackgroundColour = {0, 255, 0};
     EXPECT_TRUE(RunAnd(DialogId::KerningEditor, [&](QWidget& dialog) {
         QTest::qWait(50); // all is painted
-        const QRect preview = Preview(dialog);
-        EXPECT_EQ(Find(dialog, QColor(0, 255, 0)), preview);
+        const QRect preview = Find(dialog, QColor(0, 255, 0));
+        const QRect list = Named<QListView>(dialog, "Kerning pairs")->geometry();
+        const int top = Named<QLineEdit>(dialog, "Left character")->geometry().top();
+        EXPECT_EQ(preview, QRect(QPoint(top, top), QPoint(list.left() - top - 1, list.bottom())));
         const QRect ink = Find(dialog, QColor(0, 0, 255));
         const double scale = ScaleOf(preview);
         // The middle is half the size of the preview, which itself starts further right.
@@ -80,13 +76,13 @@ TEST_F(KerningEditor, ADragIsSeenWhenThePairIsShownAgain) {
         EXPECT_EQ(font->Kerning.data[0].Amount, amount);
         QTest::qWait(50);
         EXPECT_EQ(Shown(dialog), "A|A|-1");
-        auto* const list = Named<QListView>(dialog, "Kerning pairs");
-        QTest::mouseClick(list->viewport(), Qt::LeftButton, {},
-                          list->visualRect(list->currentIndex()).center());
+        auto* const pairs = Named<QListView>(dialog, "Kerning pairs");
+        QTest::mouseClick(pairs->viewport(), Qt::LeftButton, {},
+                          pairs->visualRect(pairs->currentIndex()).center());
         EXPECT_EQ(Shown(dialog), QString("A|A|%1").arg(amount));
         EXPECT_GT(Find(dialog, QColor(0, 0, 255)).width(), ink.width());
         Screenshot(dialog, "kerning-editor-dragged");
-        QTest::keyClick(list, Qt::Key_Return);
+        QTest::keyClick(pairs, Qt::Key_Return);
     }));
 }
 

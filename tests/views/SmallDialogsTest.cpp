@@ -79,6 +79,11 @@ TEST_F(SmallDialogs, LetterCubeNames) {
         EXPECT_EQ(ok, step < 2);
         EXPECT_EQ(ToQt(settings.LetterCubesNames), step > 0 ? QString("Ann\u00a0a\r\nBob") : old);
     }
+    RunAnd(DialogId::LetterCubesNames, [](QWidget& dialog) {
+        Named<QPlainTextEdit>(dialog, "Names, one to a line")->setPlainText(QString("xy\n").repeated(400));
+        Click(dialog, "OK");
+    });
+    EXPECT_EQ(settings.LetterCubesNames.Length(), 1000) << "as many as the settings file has room for";
 }
 
 TEST_F(SmallDialogs, About) {

@@ -5,6 +5,7 @@ import { createServer } from 'node:http';
 import { tmpdir } from 'node:os';
 import { extname, join, normalize, resolve } from 'node:path';
 import { chromium } from 'playwright-core';
+import { decode, difference } from './pictures.mjs';
 
 const types = { '.html': 'text/html; charset=utf-8', '.js': 'text/javascript', '.css': 'text/css', '.png': 'image/png' };
 const jQuery = readFileSync(new URL('./node_modules/jquery/dist/jquery.min.js', import.meta.url));
@@ -79,69 +80,28 @@ export class Site {
         await page.goto(`http://127.0.0.1:${this.server.address().port}/${path}`);
         return page;
     }
+}
 
-    // Runs a function in a page of its own on the pixels of PNGs, each { data, width, height }, and on `more`.
-    async withPixels(pngs, work, more) {
-        const context = await this.browser.newContext();
-        const page = await context.newPage();
-        const pictures = pngs.map((png) => png.toString('base64'));
-        await page.evaluate(async (list) => {
-            window.pictures = await Promise.all(list.map(async (base64) => {
-                const image = new Image();
-                image.src = 'data:image/png;base64,' + base64;
-                await image.decode();
-                const canvas = new OffscreenCanvas(image.width, image.height);
-                const context2d = canvas.getContext('2d');
-                context2d.drawImage(image, 0, 0);
-                return context2d.getImageData(0, 0, image.width, image.height);
-            }));
-        }, pictures);
-        const result = await page.evaluate(work, more);
-        await context.close();
-        return result;
+// Around the ink of a picture on white.
+function inkOf({ data, width, height }) {
+    let left = width, right = -1, top = height, bottom = -1;
+    for (let y = 0; y < height; ++y) {
+        for (let x = 0; x < width; ++x) {
+            const i = (y * width + x) * 4;
+            if (data[i] + data[i + 1] + data[i + 2] > 3 * 250) continue;
+            left = Math.min(left, x); right = Math.max(right, x);
+            top = Math.min(top, y); bottom = Math.max(bottom, y);
+        }
     }
+    return { left, top, width: right - left + 1, height: bottom - top + 1 };
+}
 
-    // The colour of a PNG at a place, both coordinates between 0 and 1.
-    colour(png, u, v) {
-        return this.withPixels([png], ([x, y]) => {
-            const { data, width, height } = window.pictures[0];
-            const start = (Math.floor(y * height) * width + Math.floor(x * width)) * 4;
-            return [...data.slice(start, start + 3)];
-        }, [u, v]);
-    }
-
-    // Two PNGs, each cut to its ink on white, compared in the browser: sizes, mean difference of the channels in
-    // levels, and the share of pixels that are off by more than 32 levels.
-    compare(first, second) {
-        return this.withPixels([first, second], () => {
-            const [a, b] = window.pictures.map(({ data, width: fullWidth, height: fullHeight }) => {
-                let left = fullWidth, right = -1, top = fullHeight, bottom = -1;
-                for (let y = 0; y < fullHeight; ++y) {
-                    for (let x = 0; x < fullWidth; ++x) {
-                        const i = (y * fullWidth + x) * 4;
-                        if (data[i] + data[i + 1] + data[i + 2] > 3 * 250) continue;
-                        left = Math.min(left, x); right = Math.max(right, x);
-                        top = Math.min(top, y); bottom = Math.max(bottom, y);
-                    }
-                }
-                return { data, stride: fullWidth * 4, left, top, width: right - left + 1, height: bottom - top + 1 };
-            });
-            const width = Math.min(a.width, b.width);
-            const height = Math.min(a.height, b.height);
-            let sum = 0;
-            let off = 0;
-            for (let y = 0; y < height; ++y) {
-                for (let x = 0; x < width; ++x) {
-                    let most = 0;
-                    for (let c = 0; c < 3; ++c) {
-                        const d = Math.abs(a.data[(a.top + y) * a.stride + (a.left + x) * 4 + c] - b.data[(b.top + y) * b.stride + (b.left + x) * 4 + c]);
-                        sum += d;
-                        most = Math.max(most, d);
-                    }
-                    if (most > 32) ++off;
-                }
-            }
-            return { sizes: [[a.width, a.height], [b.width, b.height]], mean: sum / (width * height * 3), off: off / (width * height) };
-        });
-    }
+// Two PNGs, each cut to its ink: sizes, mean difference of the channels in levels, and the share of pixels that are off
+// by more than 32 levels.
+export function compare(first, second) {
+    const pictures = [decode(first), decode(second)];
+    const [a, b] = pictures.map(inkOf);
+    const places = [a, b].map(({ left, top }) => [left, top]);
+    return { sizes: [a, b].map((ink) => [ink.width, ink.height]),
+        ...difference(...pictures, Math.min(a.width, b.width), Math.min(a.height, b.height), ...places) };
 }

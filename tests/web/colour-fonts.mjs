@@ -1,7 +1,7 @@
 // Draws the same characters of the same colour fonts at the same size with colour_sheet and with headless Chromium,
 // and compares the pictures, character by character:
 //
-//     node colour-fonts.mjs COLOUR_SHEET PAINT_FONT OUTPUT_FOLDER [FONT]
+//     node colour-fonts.mjs COLOUR_SHEET PAINT_FONT OUTPUT_FOLDER
 //
 // A character agrees if, over the pixels that either of the two inked, the mean difference of a colour channel is at
 // most `mean` levels and the share of pixels with a channel more than 32 levels off at most `share`. Edges always
@@ -14,9 +14,10 @@ import fs from "node:fs";
 import path from "node:path";
 import { fileURLToPath } from "node:url";
 import { launch } from "./browser.mjs";
+import { decode } from "./pictures.mjs";
 
 const here = path.dirname(fileURLToPath(import.meta.url));
-const [sheet, paintFont, output, only] = process.argv.slice(2);
+const [sheet, paintFont, output] = process.argv.slice(2);
 const size = 100;
 const cell = 240;
 const perRow = 16;
@@ -26,12 +27,10 @@ const letters = [...range(65, 90), ...range(97, 104), ...range(48, 57)];
 const packaged = (scope, name, file) => path.join(here, "node_modules", scope, name, "files", file);
 const fonts = [
     { name: "bungee-tint", family: "Bungee Tint", file: "bungee-tint-latin-400-normal.woff2" },
-    { name: "cairo-play", family: "Cairo Play", file: "cairo-play-latin-400-normal.woff2" },
     { name: "honk", family: "Honk", file: "honk-latin-400-normal.woff" },
     { name: "foldit", family: "Foldit Thin", file: "foldit-latin-700-normal.woff2" },
     { name: "kalnia-glaze", family: "Kalnia Glaze Thin", file: "kalnia-glaze-latin-400-normal.woff2" },
     { name: "nabla", family: "Nabla", file: "nabla-latin-400-normal.woff", documents: true },
-    { name: "bungee-spice", family: "Bungee Spice", file: "bungee-spice-latin-400-normal.woff", documents: true },
     { name: "nabla-variable", scope: "@fontsource-variable", folder: "nabla", family: "Nabla",
       file: "nabla-latin-full-normal.woff2" },
     { name: "noto-emoji", family: "Noto Color Emoji", path: "/usr/share/fonts/truetype/noto/NotoColorEmoji.ttf",
@@ -50,64 +49,54 @@ fonts.push({ name: "every-paint", family: "Every Paint", path: everyPaint, codes
              // Chromium cuts the colours of a gradient whose radius begins below 0 a little off; all else is below 3.
              mean: 4 });
 
-// Runs in the page.
-async function compare({ ours, font, family, codes, size, cell, perRow, pen, documents }) {
-    const rows = Math.ceil(codes.length / perRow);
-    const theirs = new OffscreenCanvas(perRow * cell, rows * cell).getContext("2d", { willReadFrequently: true });
-    theirs.fillStyle = "rgb(128,128,128)";
-    theirs.fillRect(0, 0, perRow * cell, rows * cell);
-    const place = (i) => [(i % perRow) * cell, Math.floor(i / perRow) * cell];
-    const picture = async (url) => {
-        const image = new Image();
-        image.src = url;
-        await image.decode();
-        return image;
-    };
-    if (documents) {
-        for (const [i, text] of documents.entries()) {
-            const [left, top] = place(i);
-            theirs.drawImage(await picture("data:image/svg+xml;charset=utf-8," + encodeURIComponent(text)), left, top);
-        }
-    } else {
+const place = (i) => [(i % perRow) * cell, Math.floor(i / perRow) * cell];
+
+// Runs in the page, which is the sheet: draws it as colour_sheet does.
+async function draw({ font, codes, places, cell, size, pen, documents }) {
+    const canvas = document.querySelector("canvas");
+    const sheet = canvas.getContext("2d");
+    sheet.fillStyle = "rgb(128,128,128)";
+    sheet.fillRect(0, 0, canvas.width, canvas.height);
+    sheet.fillStyle = "white";
+    if (!documents) {
         const face = new FontFace("under test", `url(data:font/x;base64,${font})`);
-        await face.load();
-        document.fonts.add(face);
-        theirs.font = `${size}px "under test"`;
-        theirs.textRendering = "geometricPrecision";
-        theirs.fillStyle = "white";
-        for (const [i, code] of codes.entries()) {
-            const [left, top] = place(i);
-            theirs.save();
-            theirs.beginPath();
-            theirs.rect(left, top, cell, cell);
-            theirs.clip();
-            theirs.fillText(String.fromCharCode(code), left + pen.x, top + pen.y);
-            theirs.restore();
-        }
+        document.fonts.add(await face.load());
+        sheet.font = `${size}px "under test"`;
+        sheet.textRendering = "geometricPrecision";
     }
-    const own = new OffscreenCanvas(perRow * cell, rows * cell).getContext("2d", { willReadFrequently: true });
-    own.drawImage(await picture("data:image/png;base64," + ours), 0, 0);
-    const results = codes.map((code, i) => {
-        const [left, top] = place(i);
-        const a = own.getImageData(left, top, cell, cell).data;
-        const b = theirs.getImageData(left, top, cell, cell).data;
-        let inked = 0, sum = 0, far = 0, colourful = 0;
-        for (let p = 0; p < a.length; p += 4) {
-            const isInked = [0, 1, 2].some((c) => a[p + c] !== 128 || b[p + c] !== 128);
-            if (!isInked) continue;
+    for (const [i, [left, top]] of places.entries()) {
+        if (documents) {
+            const image = Object.assign(new Image(), { src: "data:image/svg+xml;charset=utf-8," + encodeURIComponent(documents[i]) });
+            await image.decode();
+            sheet.drawImage(image, left, top);
+            continue;
+        }
+        sheet.save();
+        sheet.beginPath();
+        sheet.rect(left, top, cell, cell);
+        sheet.clip();
+        sheet.fillText(String.fromCharCode(codes[i]), left + pen.x, top + pen.y);
+        sheet.restore();
+    }
+    return canvas.toDataURL().replace(/^.*,/, "");
+}
+
+// Of two sheets one character.
+function compare(ours, theirs, code, [left, top]) {
+    let inked = 0, sum = 0, far = 0, colourful = 0;
+    for (let y = top; y < top + cell; ++y) {
+        for (let x = left; x < left + cell; ++x) {
+            const at = (y * ours.width + x) * 4;
+            const [a, b] = [ours, theirs].map(({ data }) => [...data.subarray(at, at + 3)]);
+            if ([...a, ...b].every((value) => value === 128)) continue;
             ++inked;
-            const differences = [0, 1, 2].map((c) => Math.abs(a[p + c] - b[p + c]));
+            const differences = a.map((value, c) => Math.abs(value - b[c]));
             sum += differences[0] + differences[1] + differences[2];
             if (Math.max(...differences) > 32) ++far;
-            if (Math.max(a[p], a[p + 1], a[p + 2]) - Math.min(a[p], a[p + 1], a[p + 2]) > 16) ++colourful;
+            if (Math.max(...a) - Math.min(...a) > 16) ++colourful;
         }
-        return { code, inked, mean: inked ? sum / inked / 3 : 0, share: inked ? far / inked : 0, colourful };
-    });
-    const blob = await theirs.canvas.convertToBlob();
-    const bytes = new Uint8Array(await blob.arrayBuffer());
-    let binary = "";
-    for (const byte of bytes) binary += String.fromCharCode(byte);
-    return { results, theirs: btoa(binary) };
+    }
+    return { code, inked, mean: inked ? sum / inked / 3 : 0, share: inked ? far / inked : 0, colourful };
 }
 
 // Of a font file: the units of an em, and of each character the glyph and the document with it.
@@ -137,21 +126,21 @@ let failed = 0;
 try {
     const page = await (await browser.newContext()).newPage();
     for (const font of fonts) {
-        if (only && only !== font.name) continue;
         const file = font.path ?? packaged(font.scope ?? "@fontsource", font.folder ?? font.name, font.file);
         const codes = font.codes ?? letters;
         const png = path.join(output, `${font.name}.png`);
         const pen = JSON.parse(execFileSync(sheet, [file, font.family, size, cell, png, ...codes].map(String)));
-        const bytes = fs.readFileSync(file);
         let documents = null;
         if (font.documents) {
             const [units, found] = svgDocuments(file, codes);
             documents = found.map(([glyph, text]) => glyphAlone(text, glyph, units, pen));
         }
-        const { results, theirs } = await page.evaluate(compare, {
-            ours: fs.readFileSync(png).toString("base64"), font: bytes.toString("base64"), family: font.family, codes,
-            size, cell, perRow, pen, documents,
-        });
+        const ours = decode(fs.readFileSync(png));
+        await page.setContent(`<canvas width="${ours.width}" height="${ours.height}"></canvas>`);
+        const theirs = Buffer.from(await page.evaluate(draw, { font: fs.readFileSync(file, "base64"), codes, cell, size, pen, documents,
+            places: codes.map((_, i) => place(i)) }), "base64");
+        const picture = decode(theirs);
+        const results = codes.map((code, i) => compare(ours, picture, code, place(i)));
         const limits = { mean: font.mean ?? 3, share: font.share ?? 0.02 };
         const bad = results.filter((r) => r.mean > limits.mean || r.share > limits.share ||
             (r.inked === 0) !== (font.empty ?? []).includes(font.names?.[r.code - 0x100]));
@@ -160,7 +149,7 @@ try {
         console.log(`${font.name}: ${results.length} characters, ${coloured} colourful, worst mean difference ` +
             `${worst("mean").toFixed(2)} (at most ${limits.mean}), worst share beyond 32 levels ` +
             `${(worst("share") * 100).toFixed(2)} % (at most ${limits.share * 100} %)`);
-        fs.writeFileSync(path.join(output, `${font.name}-chromium.png`), Buffer.from(theirs, "base64"));
+        fs.writeFileSync(path.join(output, `${font.name}-chromium.png`), theirs);
         if (bad.length === 0) continue;
         ++failed;
         console.log("  disagree: " + bad.map((r) =>

@@ -1,25 +1,22 @@
 // Firefox without a window, driven by its own Marionette protocol: a TCP socket with messages [type, id, command,
 // parameters], each as its length, a colon and JSON.
 import { spawn } from 'node:child_process';
-import { mkdtempSync, rmSync, writeFileSync } from 'node:fs';
-import { createServer, connect } from 'node:net';
+import { once } from 'node:events';
+import { mkdtempSync, readFileSync, rmSync, writeFileSync } from 'node:fs';
+import { connect } from 'node:net';
 import { tmpdir } from 'node:os';
 import { join } from 'node:path';
 
-const freePort = () => new Promise((done) => {
-    const server = createServer().listen(0, '127.0.0.1', () => {
-        const { port } = server.address();
-        server.close(() => done(port));
-    });
-});
 const later = (milliseconds) => new Promise((done) => { setTimeout(done, milliseconds); });
 
-async function connected(port) {
+// Firefox chooses a port and writes it into its profile as soon as it listens there.
+async function connected(profile) {
     for (let tries = 0; ; ++tries) {
         try {
-            return await new Promise((done, fail) => {
-                const socket = connect(port, '127.0.0.1', () => done(socket)).on('error', fail);
-            });
+            const port = Number(readFileSync(join(profile, 'MarionetteActivePort'), 'utf8'));
+            const socket = connect(port, '127.0.0.1');
+            await once(socket, 'connect');
+            return socket;
         } catch (error) {
             if (tries === 300) throw error;
             await later(100);
@@ -34,13 +31,12 @@ export class Firefox {
     received = Buffer.alloc(0);
 
     async open() {
-        const port = await freePort();
-        const prefs = { 'marionette.port': port, 'gfx.color_management.mode': 0,
+        const prefs = { 'marionette.port': 0, 'gfx.color_management.mode': 0,
             'app.normandy.enabled': false, 'datareporting.policy.dataSubmissionEnabled': false, 'browser.shell.checkDefaultBrowser': false };
         writeFileSync(join(this.profile, 'user.js'), Object.entries(prefs).map(([key, value]) => `user_pref("${key}", ${JSON.stringify(value)});\n`).join(''));
         this.process = spawn(process.env.FIREFOX ?? 'firefox-esr', ['--headless', '--marionette', '-remote-allow-system-access', '--no-remote', '--profile', this.profile, '--width', '1200', '--height', '800'],
             { stdio: 'ignore', env: { ...process.env, HOME: this.profile, MOZ_HEADLESS_WIDTH: '1200', MOZ_HEADLESS_HEIGHT: '800' } });
-        this.socket = await connected(port);
+        this.socket = await connected(this.profile);
         this.socket.on('data', (bytes) => this.take(bytes));
         await this.send('WebDriver:NewSession', {});
         return this;

@@ -4,12 +4,12 @@ import assert from 'node:assert/strict';
 import { readFileSync, writeFileSync } from 'node:fs';
 import { join } from 'node:path';
 import { after, before, test } from 'node:test';
-import { keep, launch, Site } from './browser.mjs';
-import { Firefox } from './firefox.mjs';
-import { decode, drawPicture, pictureSteps } from './pictures.mjs';
+import { keep, launch } from './browser.mjs';
+import { decode, difference, drawPicture, pictureSteps } from './pictures.mjs';
+import { Tabs } from './tabs.mjs';
 
-const site = new Site();
-const firefox = new Firefox();
+const tabs = new Tabs();
+const { site } = tabs;
 const inFolder = (name) => join(site.folder, name);
 const ground = [32, 48, 64];
 
@@ -34,15 +34,14 @@ function makePictures() {
 
 before(async () => {
     makePictures();
-    await site.open();
+    await tabs.open();
     for (const [name, font] of Object.entries(fonts)) {
         site.cli(...font.make, '--save', `${name}.sm`, '--background', '203040', '--text', font.text, `${name}-line.png`, '--css-page', `${name}-page.html`);
         font.line = decode(readFileSync(inFolder(`${name}-line.png`)));
         font.height = font.line.height;
     }
-    await firefox.open();
 });
-after(() => Promise.all([site.close(), firefox.close(), dense?.close()]));
+after(() => Promise.all([tabs.close(), dense?.close()]));
 
 // A page with the line at 20, 20 and below it the picture of the same line, both at `size` of their own.
 function writePage(name, size) {
@@ -69,20 +68,14 @@ const browsers = {
         if (density === 1) return shotOf(await site.page(file, { viewport: { width: 1200, height: 760 } }));
         dense ??= await launch(`--force-device-scale-factor=${density}`, '--window-size=1200,760');
         const page = await (await dense.newContext({ viewport: null })).newPage();
-        await page.goto(`http://127.0.0.1:${site.server.address().port}/${file}`);
+        await page.goto(tabs.address('chromium', file));
         return shotOf(page);
     },
     firefox: async (file, density) => {
-        await firefox.setDensity(density);
-        await firefox.goto(`http://127.0.0.1:${site.server.address().port}/${file}`);
-        await firefox.run('return document.fonts.ready.then(() => document.fonts.size)');
-        // The pictures inside of glyphs come when they are decoded.
-        for (let last = await firefox.shot(); ;) {
-            await new Promise((done) => { setTimeout(done, 150); });
-            const shot = await firefox.shot();
-            if (shot.equals(last)) return shot;
-            last = shot;
-        }
+        const tab = await tabs.firefoxTab('firefox', { deviceScaleFactor: density });
+        await tab.goto(tabs.address('firefox', file));
+        await tab.run(() => document.fonts.ready.then(() => document.fonts.size));
+        return tab.shot();
     },
 };
 
@@ -90,22 +83,6 @@ async function drawn(browser, name, size, density) {
     const png = await browsers[browser](writePage(name, size), density);
     keep(png, `${name}-${browser}-${size}x${density}`, 'font-files');
     return decode(png);
-}
-
-// Of each channel of each pixel in the rectangle and in one of the same size elsewhere: the largest and the mean.
-function difference(a, b, width, height, [ax, ay], [bx, by]) {
-    let most = 0;
-    let sum = 0;
-    for (let y = 0; y < height; ++y) {
-        for (let x = 0; x < width; ++x) {
-            for (let c = 0; c < 3; ++c) {
-                const d = Math.abs(a.data[((ay + y) * a.width + ax + x) * 4 + c] - b.data[((by + y) * b.width + bx + x) * 4 + c]);
-                most = Math.max(most, d);
-                sum += d;
-            }
-        }
-    }
-    return { most, mean: sum / (width * height * 3) };
 }
 
 const exact = 2; // levels of a channel
@@ -118,7 +95,7 @@ for (const browser of Object.keys(browsers)) {
             const { line } = fonts[name];
             const picture = await drawn(browser, name, 1, 1);
             const height = Math.min(line.height, picture.height - 20);
-            const { most } = difference(picture, line, line.width, height, [20, 20], [0, 0]);
+            const { most } = difference(picture, line, line.width, height, [20, 20]);
             assert.ok(most <= exact, `off by ${most}`);
         });
     }
@@ -126,7 +103,7 @@ for (const browser of Object.keys(browsers)) {
         const { line } = fonts.plain;
         const picture = await drawn(browser, 'plain', 0.5, 2);
         // The baseline comes to a whole pixel of the page, which is two of the screen.
-        const most = Math.min(...[0, 1].map((dy) => difference(picture, line, line.width, line.height, [40, 40 + dy], [0, 0]).most));
+        const most = Math.min(...[0, 1].map((dy) => difference(picture, line, line.width, line.height, [40, 40 + dy]).most));
         assert.ok(most <= exact, `off by ${most}`);
     });
     // Beside the picture of the line, scaled by the same browser: on average within two levels, and nowhere near as close
@@ -154,63 +131,3 @@ async function single(name, text) {
     site.cli('--open', `${name}.sm`, '--background', '203040', '--text', text, `${name}-line.png`);
     return decode(readFileSync(inFolder(`${name}-line.png`)));
 }
-
-const words = 'The quick brown fox jumps over the lazy dog, and AVATARS wait. '.repeat(5).trim();
-
-function writeArticle() {
-    writeFileSync(inFolder('article.html'), `<!DOCTYPE html><meta charset="utf-8"><link rel="stylesheet" href="plain-page.css">
-<style>body { margin: 20px; width: 900px; background: #203040; color: #fff; font: 18px sans-serif; }
-p { margin: 0 0 20px; } .font-plain-page { font-size: 32px; } #justified { text-align: justify; }</style>
-<h1 class="font-plain-page" style="font-size: 64px">Headline</h1><p class="font-plain-page" id="left">${words}</p>
-<p class="font-plain-page" id="justified">${words}</p><p>Text beside it.</p>`);
-    return 'article.html';
-}
-
-// Runs in the page: lines of a paragraph, as the right edges of their last words; what is selected; what is found.
-const tryArticle = `
-const edges = (id) => {
-    const node = document.getElementById(id).firstChild;
-    const range = document.createRange();
-    const lines = new Map();
-    for (const match of node.data.matchAll(/\\S+/g)) {
-        range.setStart(node, match.index);
-        range.setEnd(node, match.index + match[0].length);
-        const { top, right } = range.getBoundingClientRect();
-        lines.set(top, Math.max(right, lines.get(top) ?? 0));
-    }
-    return [...lines.values()];
-};
-const found = [window.find('AVATARS'), String(getSelection())];
-const range = document.createRange();
-range.selectNodeContents(document.getElementById('left'));
-range.setEnd(range.startContainer.firstChild ?? range.startContainer, 40);
-getSelection().removeAllRanges();
-getSelection().addRange(range);
-return [edges('left'), edges('justified'), found, String(getSelection())];`;
-
-function assertArticle([left, justified, found, selected]) {
-    assert.ok(left.length >= 4, 'it wraps');
-    assert.equal(left.length, justified.length);
-    assert.ok(Math.max(...left.map((edge) => Math.abs(edge - 920))) > 5, 'ragged');
-    assert.ok(justified.slice(0, -1).every((edge) => Math.abs(edge - 920) < 1), `justified to ${justified}`);
-    assert.deepEqual(found, [true, 'AVATARS']);
-    assert.equal(selected, words.slice(0, 40));
-}
-
-test('chromium wraps, justifies, selects, copies and finds', async () => {
-    const page = await site.page(writeArticle());
-    await page.evaluate(() => document.fonts.ready);
-    assertArticle(await page.evaluate(`(() => {${tryArticle}})()`));
-    keep(await page.screenshot(), 'article-chromium', 'font-files');
-    await page.context().grantPermissions(['clipboard-read', 'clipboard-write']);
-    await page.keyboard.press('Control+C');
-    assert.equal(await page.evaluate(() => navigator.clipboard.readText()), words.slice(0, 40));
-    await page.context().close();
-});
-
-test('firefox wraps, justifies, selects and finds', async () => {
-    writeArticle();
-    await browsers.firefox('article.html', 1);
-    assertArticle(await firefox.run(tryArticle));
-    keep(await firefox.shot(), 'article-firefox', 'font-files');
-});

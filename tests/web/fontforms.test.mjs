@@ -1,8 +1,10 @@
 // Exported fonts that are not as the program makes most of them: without a cap height, and with another picture.
 import assert from 'node:assert/strict';
-import { readFileSync, writeFileSync } from 'node:fs';
+import { readFileSync } from 'node:fs';
 import { join } from 'node:path';
 import { after, before, test } from 'node:test';
+import { compare } from './browser.mjs';
+import { decode, drawPicture } from './pictures.mjs';
 import { Tabs, ways } from './tabs.mjs';
 
 const tabs = new Tabs();
@@ -18,24 +20,15 @@ before(async () => {
     size = JSON.parse(site.cli('--open', 'large.sm', '--info')).capHeight / 0.7;
     const picture = join(site.folder, 'large.png');
     large = site.lineOf('AVATAR', 'large.sm');
-    const twice = await site.withPixels([readFileSync(picture)], () => {
-        const [{ data, width, height }] = window.pictures;
-        const context = Object.assign(document.createElement('canvas'), { width: 2 * width, height: 2 * height }).getContext('2d');
-        const pixels = context.createImageData(2 * width, 2 * height);
-        for (let i = 0; i < pixels.data.length; ++i) {
-            const [x, y] = [(i >> 3) % width, Math.floor((i >> 3) / width / 2)];
-            pixels.data[i] = data[4 * (y * width + x) + i % 4];
-        }
-        context.putImageData(pixels, 0, 0);
-        return context.canvas.toDataURL('image/png').slice('data:image/png;base64,'.length);
-    });
-    writeFileSync(picture, Buffer.from(twice, 'base64'));
+    const { data, width, height } = decode(readFileSync(picture));
+    const at = (x, y) => 4 * ((y >> 1) * width + (x >> 1));
+    drawPicture(picture, 2 * width, 2 * height, (x, y) => data.subarray(at(x, y), at(x, y) + 4));
 });
 after(() => tabs.close());
 
 async function assertDrawn(way, text, font, fontSize, line) {
     const tab = await tabs.tab(way, tabs.write(`<p class="f">${text}</p>`, { font, size: fontSize }));
-    const { sizes: [[w1, h1], [w2, h2]], mean } = await site.compare(tabs.keep(await tab.shot(), `${font}-${way}`), line);
+    const { sizes: [[w1, h1], [w2, h2]], mean } = compare(tabs.keep(await tab.shot(), `${font}-${way}`), line);
     // What the browser makes smaller has soft edges.
     assert.ok(Math.abs(w1 - w2) <= 2 && Math.abs(h1 - h2) <= 2 && mean < 12, `${w1} x ${h1} and ${w2} x ${h2}, mean ${mean}`);
     await tab.close();

@@ -14,6 +14,22 @@ addEventListener('error', (e) => troubles.push(String(e.message)), true);
 addEventListener('unhandledrejection', (e) => troubles.push(String(e.reason)));
 console.error = console.warn = (...what) => troubles.push(what.join(' '));</script>`;
 
+// Runs in the page: the rectangle of each character of an element, in the order of the text.
+function rectsOf(selector) {
+    const walker = document.createTreeWalker(document.querySelector(selector), NodeFilter.SHOW_TEXT);
+    const range = document.createRange();
+    const rects = [];
+    for (let node = walker.nextNode(); node; node = walker.nextNode()) {
+        for (let i = 0; i < node.data.length; ++i) {
+            range.setStart(node, i);
+            range.setEnd(node, i + 1);
+            const { left, right, top, bottom } = range.getBoundingClientRect();
+            rects.push({ character: node.data[i], left, right, top, bottom });
+        }
+    }
+    return rects;
+}
+
 export class Tabs {
     site = new Site();
     firefox = new Firefox();
@@ -44,6 +60,7 @@ export class Tabs {
     // Opens a page and waits until its fonts are drawn (`fonts`: how many).
     async tab(way, name, { fonts = 1, ...options } = {}) {
         const tab = await (way.startsWith('chromium') ? this.chromiumTab(options) : this.firefoxTab(way, options));
+        tab.rects = (selector) => tab.run(rectsOf, selector);
         await tab.goto(this.address(way, name));
         for (let tries = 0; await tab.run(() => [...document.fonts].filter((face) => face.status === 'loaded').length) < fonts; ++tries) {
             if (tries === 100) throw new Error(`${way}: the font doesn't come: ${await tab.run(() => JSON.stringify(window.troubles))}`);

@@ -3,6 +3,7 @@ import assert from 'node:assert/strict';
 import { cpSync, mkdirSync, rmSync } from 'node:fs';
 import { join } from 'node:path';
 import { after, before, test } from 'node:test';
+import { colourAt } from './pictures.mjs';
 import { browsers, Tabs, ways } from './tabs.mjs';
 
 const tabs = new Tabs();
@@ -57,7 +58,7 @@ test('the background by the colour picker, which shows what it gives', async () 
         const box = await tab.page.locator('#picker').boundingBox();
         await tab.page.mouse.click(box.x + box.width * x, box.y + box.height * y);
         const chosen = (await background(tab)).match(/\d+/g).map(Number);
-        const shown = await site.colour(picture, x, y);
+        const shown = colourAt(picture, x, y);
         assert.ok(chosen.every((value, i) => Math.abs(value - shown[i]) <= 12), `${chosen} and ${shown}`);
     }
     await tab.close();
