@@ -74,22 +74,7 @@ std::string Sbix(const std::string& png) {
 
 std::string Cbdt(const std::string& png, int side) {
     Font font = AllGlyphs();
-    Bytes data;
-    data.U16(3).U16(0);
-    data.U8(side).U8(side).U8(10).U8(20).U8(40).U32(std::ssize(png)).Add(png);
-    const Bytes metrics = Bytes().U8(80).U8(-20).U8(100).Add(std::string(9, '\0'));
-    // Each glyph has a range of its own, and all of them the same place.
-    Bytes ranges;
-    Bytes tables;
-    for (int glyph = 1; glyph <= codes; ++glyph) {
-        ranges.U16(glyph).U16(glyph).U32(codes * 8 + (glyph - 1) * 16);
-        tables.U16(1).U16(17).U32(4).U32(0).U32(std::ssize(data) - 4);
-    }
-    Bytes index =
-        Bytes().U16s({3, 0}).U32(1).U32(56).U32(std::ssize(ranges) + std::ssize(tables)).U32(codes).U32(0);
-    index.Add(metrics).Add(metrics).U16s({1, codes}).U8(100).U8(100).U8(32).U8(1);
-    font.tables["CBDT"] = data;
-    font.tables["CBLC"] = index.Add(ranges).Add(tables);
+    fonts::AddCbdt(font, png, side, codes);
     return font.Build();
 }
 

@@ -38,13 +38,7 @@ void AddOwnFiles() {
     const std::string text = ToSystem(MTextFile::ReadWholeFile(folder.File("own.sm")));
     for (const char encoding : {'\0', '\1', '\2', '\3'})
         AddSeed("font_sm", BehindFirstLine(text) + encoding);
-    AddSeed("font_sm",
-            "TEX\t\"a b\"\t32\t16\r\nCHA\tA\t1\t1\t9\t9\t-1\t2\r\nCHA\t\"&#34;\"\t60\t30\t9\t9\t0\t0\r\n\3");
     AddSeed("font_js", BehindFirstLine(folder.Read("own.js")));
-    AddSeed("font_js",
-            "\r\nx['GlyphHeight']=[9];\nx['Baseline']=[1];\nx['CapHeight']=[3];\nx['SpaceWidth']=[5];\n"
-            "x['Resolution']=[32,16];\nx['Glyph']=[[65,1,2,3,4,-1,1],[66,0,0,9,9,0,0]];\n"
-            "x['Kerning']=[[65,66,-2]];\n");
     settings.Save();
     const std::string own = ToSystem(MTextFile::ReadWholeFile(MSettings::SettingsFilePath()));
     AddSeed("settings",

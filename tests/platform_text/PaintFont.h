@@ -59,6 +59,8 @@ struct PaintFont {
             Add("backward sweep" + how, Outline(box, Sweep(450, 350, 200, 80, ColourLine(extend, inside))));
         }
         Add("one stop", Outline(box, Linear({300, 400, 600, 400, 300, 700}, ColourLine(0, {{0.5, 1}}))));
+        Add("stops in any order", Outline(box, Linear({200, 0, 800, 0, 200, 800},
+                                                      ColourLine(0, {{0.9, 0}, {0.1, 1}, {0.5, 3, 0.5}}))));
         Add("hard stops", Outline(box, Linear({200, 0, 800, 0, 200, 800},
                                               ColourLine(0, {{0, 0}, {0.5, 0}, {0.5, 2}, {1, 2}}))));
         Add("gradient everywhere in a glyph",
@@ -88,6 +90,12 @@ struct PaintFont {
             Add("composite " + std::to_string(mode), Composite(mode, source, backdrop));
         Add("composite in a glyph",
             Outline(box, Composite(5, source, Composite(23, backdrop, Outline(box, Solid(3))))));
+
+        // As version 0 of the table has it.
+        Add("flat layers", {});
+        tables.glyphs.erase(std::prev(tables.glyphs.end()));
+        alone.pop_back();
+        tables.flat[static_cast<int>(font.glyphs.size()) - 1] = {{box, 5}, {circle, 1}, {small, foreground}};
 
         font.tables["COLR"] = tables.Colr();
         font.tables["CPAL"] = tables.Cpal();
