@@ -19,21 +19,10 @@ Font AllGlyphs() {
     return font;
 }
 
-// A document for each glyph, or one for all where `document` has them all.
+// A document for each glyph, or one for all where `documents` is it alone.
 std::string Svg(const std::vector<std::string>& documents) {
-    const bool one = documents.size() == 1;
-    Bytes table = Bytes().U16(0).U32(10).U32(0).U16(static_cast<int>(documents.size()));
-    std::size_t at = 2 + documents.size() * 12;
-    for (std::size_t i = 0; i < documents.size(); ++i) {
-        const auto glyph = static_cast<int>(i + 1);
-        table.U16(glyph).U16(one ? codes : glyph).U32(static_cast<std::int64_t>(at));
-        table.U32(static_cast<std::int64_t>(documents[i].size()));
-        at += documents[i].size();
-    }
-    for (const std::string& document : documents)
-        table.Add(document);
     Font font = AllGlyphs();
-    font.tables["SVG "] = table;
+    font.tables["SVG "] = fonts::SvgTable(documents, 1, codes);
     return font.Build();
 }
 

@@ -88,8 +88,8 @@ constexpr std::uint32_t blue = 0xFF0000FF;
 
 TEST(GlyphPainter, FirstFormThatHasTheGlyphWins) {
     fonts::Font font = OneBox();
-    font.tables["SVG "] = fonts::SvgTable("<svg xmlns='http://www.w3.org/2000/svg'><g id='glyph1'>"
-                                          "<rect y='-700' width='1000' height='700' fill='#f00'/></g></svg>",
+    font.tables["SVG "] = fonts::SvgTable({"<svg xmlns='http://www.w3.org/2000/svg'><g id='glyph1'>"
+                                           "<rect y='-700' width='1000' height='700' fill='#f00'/></g></svg>"},
                                           1, 1);
     EXPECT_EQ(Drawing(font, true).At(500, 300), red);
     EXPECT_EQ(Drawing(font, false, MColour(0, 255, 0)).At(500, 300), green) << "colours were not asked for";
@@ -176,16 +176,6 @@ TEST(GlyphPainter, RadiiBelow0) {
             EXPECT_NEAR(pixel >> 8 & 0xFF, 255 * (1 - toBlue), 4) << distance;
             EXPECT_NEAR(pixel & 0xFF, 255 * toBlue, 4) << distance;
         }
-    }
-}
-
-TEST(GlyphPainter, BeforeAHardFirstStopIsItsOwnColour) {
-    const fonts::Bytes line = fonts::ColourLine(0, {{0.5, 0}, {0.5, 1}, {1, 1}});
-    for (const fonts::Bytes& gradient :
-         {fonts::Linear({300, 0, 700, 0, 300, 500}, line), fonts::Sweep(500, 0, 180, 0, line)}) {
-        const Drawing drawing(PaintedBox(gradient), true);
-        EXPECT_EQ(drawing.At(400, 300), green) << int{gradient[0]};
-        EXPECT_EQ(drawing.At(600, 300), blue) << int{gradient[0]};
     }
 }
 

@@ -135,10 +135,18 @@ struct ColourTables {
     }
 };
 
-// The table "SVG " of one document, for the glyphs `first` to `last`.
-inline Bytes SvgTable(const std::string& document, int first, int last) {
-    Bytes table = Bytes().U16(0).U32(10).U32(0).U16s({1, first, last});
-    return table.U32(14).U32(static_cast<std::int64_t>(document.size())).Add(document);
+// The table "SVG " with a document for each glyph from `first` on, or one for all up to `last`.
+inline Bytes SvgTable(const std::vector<std::string>& documents, int first, int last) {
+    Bytes table = Bytes().U16(0).U32(10).U32(0).U16(std::ssize(documents));
+    std::int64_t at = 2 + std::ssize(documents) * 12;
+    for (const std::string& document : documents) {
+        table.U16(first).U16(documents.size() == 1 ? last : first).U32(at).U32(std::ssize(document));
+        ++first;
+        at += std::ssize(document);
+    }
+    for (const std::string& document : documents)
+        table.Add(document);
+    return table;
 }
 
 // One strike of bitmaps of 100 pixels an em, 10 right of the pen and on the baseline. The glyphs up to `last`

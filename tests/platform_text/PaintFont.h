@@ -61,6 +61,9 @@ struct PaintFont {
         Add("one stop", Outline(box, Linear({300, 400, 600, 400, 300, 700}, ColourLine(0, {{0.5, 1}}))));
         Add("stops in any order", Outline(box, Linear({200, 0, 800, 0, 200, 800},
                                                       ColourLine(0, {{0.9, 0}, {0.1, 1}, {0.5, 3, 0.5}}))));
+        const Bytes hardFirst = ColourLine(0, {{0.5, 0}, {0.5, 2}, {1, 2}});
+        Add("hard first stop", Outline(box, Linear({300, 0, 700, 0, 300, 500}, hardFirst)));
+        Add("hard first stop of a sweep", Outline(box, Sweep(500, 0, 180, 0, hardFirst)));
         Add("hard stops", Outline(box, Linear({200, 0, 800, 0, 200, 800},
                                               ColourLine(0, {{0, 0}, {0.5, 0}, {0.5, 2}, {1, 2}}))));
         Add("gradient everywhere in a glyph",
@@ -90,12 +93,6 @@ struct PaintFont {
             Add("composite " + std::to_string(mode), Composite(mode, source, backdrop));
         Add("composite in a glyph",
             Outline(box, Composite(5, source, Composite(23, backdrop, Outline(box, Solid(3))))));
-
-        // As version 0 of the table has it.
-        Add("flat layers", {});
-        tables.glyphs.erase(std::prev(tables.glyphs.end()));
-        alone.pop_back();
-        tables.flat[static_cast<int>(font.glyphs.size()) - 1] = {{box, 5}, {circle, 1}, {small, foreground}};
 
         font.tables["COLR"] = tables.Colr();
         font.tables["CPAL"] = tables.Cpal();
