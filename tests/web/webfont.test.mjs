@@ -3,7 +3,6 @@ import assert from 'node:assert/strict';
 import { readFileSync } from 'node:fs';
 import { join } from 'node:path';
 import { after, before, test } from 'node:test';
-import { compare } from './browser.mjs';
 import { count, decode, drawPicture } from './pictures.mjs';
 import { browsers, Tabs, ways } from './tabs.mjs';
 
@@ -23,11 +22,6 @@ after(() => tabs.close());
 
 const open = (way, body, { head, jQuery, ...options } = {}) => tabs.tab(way, tabs.write(body, { head, jQuery, size }), options);
 
-function assertSame({ sizes: [[w1, h1], [w2, h2]], mean, off }, what, most = { size: 1, mean: 0.5, off: 0.002 }) {
-    assert.ok(Math.abs(w1 - w2) <= most.size && Math.abs(h1 - h2) <= most.size, `${what}: ${w1} x ${h1} and ${w2} x ${h2}`);
-    assert.ok(mean <= most.mean && off <= most.off, `${what}: mean ${mean}, off ${off}`);
-}
-
 // The edges of each line of a paragraph, without its blanks.
 async function linesOf(tab) {
     const lines = {};
@@ -45,7 +39,7 @@ for (const way of ways) {
             'Hello AVATAR': 'Hello <b style="font-weight:400">AV<i style="font-style:normal">AT</i>A</b>R', 'AVATAR To': '<span style="text-transform:uppercase">Avatar</span> To' };
         for (const [text, body] of Object.entries(bodies)) {
             const tab = await open(way, `<p class="f">${body ?? text}</p>`);
-            assertSame(compare(tabs.keep(await tab.shot(), `line-${way}-${text}`), site.lineOf(text)), text);
+            await tabs.assertDrawn(tab, text, `line-${way}-${text}`);
             const { whole, troubles } = await tab.run(() => ({ whole: !document.querySelector('lt-c'), troubles: window.troubles }));
             assert.deepEqual(troubles, []);
             assert.equal(whole, browsers.includes(way), 'drawn in the way that is meant');
@@ -57,8 +51,8 @@ for (const way of ways) {
         // At half its size on a screen of two pixels to one, every pixel of the font is a pixel of the screen.
         const tab = await open(way, `<p class="f" style="font-size:${size / 2}px">Hello World</p>`, { deviceScaleFactor: 2 });
         // Cuttings stand on whole pixels of the page.
-        const most = way === 'chromium on a file' ? { size: 1, mean: 8, off: 0.1 } : undefined;
-        assertSame(compare(tabs.keep(await tab.shot(), `dense-${way}`), site.lineOf('Hello World')), 'dense', most);
+        const most = way === 'chromium on a file' ? { mean: 8, off: 0.1 } : undefined;
+        await tabs.assertDrawn(tab, 'Hello World', `dense-${way}`, most);
         await tab.close();
     });
 
@@ -77,7 +71,7 @@ for (const way of ways) {
         await tab.run(() => new Promise((done) => { setTimeout(done, 200); }));
         assert.equal(await tab.run(() => document.querySelector('textarea').value), 'text');
         await tab.run(() => { for (const other of document.querySelectorAll('.f,#o,textarea')) other.remove(); });
-        assertSame(compare(await tab.shot(), site.lineOf('AVATAR')), 'by hand');
+        await tabs.assertDrawn(tab, 'AVATAR', `by-hand-${way}`);
         const globals = await tab.run(() => {
             const frame = document.body.appendChild(document.createElement('iframe'));
             return Object.keys(window).filter((name) => !(name in frame.contentWindow) && !/^(\$|jQuery\d*|demo|troubles|0)$/.test(name));
@@ -99,7 +93,7 @@ for (const way of ways) {
         drawPicture(picture, 2 * width, 2 * height, (x, y) => data.subarray(at(x, y), at(x, y) + 4));
         for (const [font, text, px, line] of [['small', 'wavy', 100, site.lineOf('wavy', 'small.sm')], ['large', 'AVATAR', size, site.lineOf('AVATAR')]]) {
             const tab = await tabs.tab(way, tabs.write(`<p class="f">${text}</p>`, { font, size: px }));
-            assertSame(compare(tabs.keep(await tab.shot(), `${font}-${way}`), line), font, { size: 2, mean: 12, off: 1 }); // soft edges
+            await tabs.assertDrawn(tab, line, `${font}-${way}`, { size: 2, mean: 12, off: 1 }); // soft edges
             await tab.close();
         }
     });
@@ -112,14 +106,14 @@ for (const browser of browsers) {
             { textContent: 'p { display: none } body { margin: 20px; white-space: nowrap }' })));
         await tab.resize(1500, 300);
         const line = site.lineOf('Render Colour Fonts With Lettrino', 'whole.sm');
-        assertSame(compare(tabs.keep(await tab.shot(), `minimal-${browser}`), line), 'headline');
+        await tabs.assertDrawn(tab, line, `minimal-${browser}`);
         await tab.close();
     });
 
     for (const jQuery of ['jquery-1.9.js', 'jquery-4.js', '']) {
         test(`${browser}: with ${jQuery || 'no jQuery'}`, async () => {
             const tab = await open(browser, '<p class="f">AVATAR</p>', { jQuery });
-            assertSame(compare(await tab.shot(), site.lineOf('AVATAR')), 'line');
+            await tabs.assertDrawn(tab, 'AVATAR', `${jQuery || 'no-jquery'}-${browser}`);
             await tab.resize(900, 700);
             assert.deepEqual(await tab.run(() => window.troubles), []);
             await tab.close();
