@@ -49,6 +49,9 @@ std::string PackedRun(std::uint64_t count, char byte = 0);
 std::string FlatPng(std::uint32_t width, std::uint32_t height, int depth, int colourType, std::size_t total = 0,
                     bool interlaced = false);
 std::string Gzip(const std::string& text);
+// A Photofont of glyphs with boxes of this size, 222 if no more are asked for, and as many pictures of them as
+// fit.
+std::string Photofont(int width, int height, const std::string& png, int behind = 256);
 // In one line, which ends.
 std::string Base64(const std::string& bytes);
 // A DDS file; `dxgi` is 0 for those without the later header.

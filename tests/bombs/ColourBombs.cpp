@@ -19,21 +19,10 @@ Font AllGlyphs() {
     return font;
 }
 
-// A document for each glyph, or one for all where `document` has them all.
+// A document for each glyph, or one for all where `documents` is it alone.
 std::string Svg(const std::vector<std::string>& documents) {
-    const bool one = documents.size() == 1;
-    Bytes table = Bytes().U16(0).U32(10).U32(0).U16(static_cast<int>(documents.size()));
-    std::size_t at = 2 + documents.size() * 12;
-    for (std::size_t i = 0; i < documents.size(); ++i) {
-        const auto glyph = static_cast<int>(i + 1);
-        table.U16(glyph).U16(one ? codes : glyph).U32(static_cast<std::int64_t>(at));
-        table.U32(static_cast<std::int64_t>(documents[i].size()));
-        at += documents[i].size();
-    }
-    for (const std::string& document : documents)
-        table.Add(document);
     Font font = AllGlyphs();
-    font.tables["SVG "] = table;
+    font.tables["SVG "] = fonts::SvgTable(documents, 1, codes);
     return font.Build();
 }
 
@@ -74,22 +63,7 @@ std::string Sbix(const std::string& png) {
 
 std::string Cbdt(const std::string& png, int side) {
     Font font = AllGlyphs();
-    Bytes data;
-    data.U16(3).U16(0);
-    data.U8(side).U8(side).U8(10).U8(20).U8(40).U32(std::ssize(png)).Add(png);
-    const Bytes metrics = Bytes().U8(80).U8(-20).U8(100).Add(std::string(9, '\0'));
-    // Each glyph has a range of its own, and all of them the same place.
-    Bytes ranges;
-    Bytes tables;
-    for (int glyph = 1; glyph <= codes; ++glyph) {
-        ranges.U16(glyph).U16(glyph).U32(codes * 8 + (glyph - 1) * 16);
-        tables.U16(1).U16(17).U32(4).U32(0).U32(std::ssize(data) - 4);
-    }
-    Bytes index =
-        Bytes().U16s({3, 0}).U32(1).U32(56).U32(std::ssize(ranges) + std::ssize(tables)).U32(codes).U32(0);
-    index.Add(metrics).Add(metrics).U16s({1, codes}).U8(100).U8(100).U8(32).U8(1);
-    font.tables["CBDT"] = data;
-    font.tables["CBLC"] = index.Add(ranges).Add(tables);
+    fonts::AddCbdt(font, png, side, codes);
     return font.Build();
 }
 

@@ -37,13 +37,24 @@ std::string Pairs() {
     return text;
 }
 
-// Glyphs with boxes of this size, 222 if no more are asked for, and as many pictures of them as fit.
-std::string Photofont(int width, int height, const std::string& png, int behind = 256) {
+std::string Utf16(const std::string& text) {
+    std::string units = "\xFF\xFE";
+    for (const char c : text) {
+        units += c;
+        units += '\0';
+    }
+    return units;
+}
+
+} // namespace
+
+std::string Photofont(int width, int height, const std::string& png, int behind) {
     std::ostringstream text;
     text << "<unicode_mapping>\n";
     for (int code = 33; code < behind; ++code)
         text << "<map id=\"g" << code << "\" unc=\"" << code << "\"/>\n";
-    text << "</unicode_mapping>\n<glyphs>\n";
+    text
+        << "</unicode_mapping>\n<kerning>\n<pair left=\"g33\" right=\"g34\" x=\"-3\"/>\n</kerning>\n<glyphs>\n";
     for (int code = 33; code < behind; ++code)
         text << "<glyph id=\"g" << code << "\">\n<shape embedded=\"I" << code
              << "\" />\n<bbox x=\"0\" y=\"0\" width=\"" << width << "\" height=\"" << height
@@ -55,17 +66,6 @@ std::string Photofont(int width, int height, const std::string& png, int behind 
         all += "<image id=\"I" + std::to_string(code) + "\">\nbase64\n\n" + data + "</image>\n";
     return all;
 }
-
-std::string Utf16(const std::string& text) {
-    std::string units = "\xFF\xFE";
-    for (const char c : text) {
-        units += c;
-        units += '\0';
-    }
-    return units;
-}
-
-} // namespace
 
 std::vector<Bomb> DocumentBombs() {
     std::vector<Bomb> all;

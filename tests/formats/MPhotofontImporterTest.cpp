@@ -20,13 +20,6 @@ struct Glyph {
     int baseX, baseY, deltaX;
 };
 
-std::string Base64Of(const std::string& bytes) {
-    gchar* const encoded = g_base64_encode(reinterpret_cast<const guchar*>(bytes.data()), bytes.size());
-    const std::string text(encoded);
-    g_free(encoded);
-    return text;
-}
-
 class PhotofontTest : public FontFileTest {
 protected:
     MPixelFormat format = FormatRGBA8; // of the pictures
@@ -43,7 +36,10 @@ protected:
         }
         EXPECT_TRUE(picture.Save(folder.File("payload.png")));
         picture.Free();
-        std::string lines = Base64Of(folder.Read("payload.png")) + "\n";
+        const std::string bytes = folder.Read("payload.png");
+        gchar* const encoded = g_base64_encode(reinterpret_cast<const guchar*>(bytes.data()), bytes.size());
+        std::string lines = std::string(encoded) + "\n";
+        g_free(encoded);
         for (std::size_t at = 76; at < lines.size(); at += 77)
             lines.insert(at, 1, '\n');
         return lines;

@@ -38,30 +38,12 @@ void AddOwnFiles() {
     const std::string text = ToSystem(MTextFile::ReadWholeFile(folder.File("own.sm")));
     for (const char encoding : {'\0', '\1', '\2', '\3'})
         AddSeed("font_sm", BehindFirstLine(text) + encoding);
-    AddSeed("font_sm",
-            "TEX\t\"a b\"\t32\t16\r\nCHA\tA\t1\t1\t9\t9\t-1\t2\r\nCHA\t\"&#34;\"\t60\t30\t9\t9\t0\t0\r\n\3");
     AddSeed("font_js", BehindFirstLine(folder.Read("own.js")));
-    AddSeed("font_js",
-            "\r\nx['GlyphHeight']=[9];\nx['Baseline']=[1];\nx['CapHeight']=[3];\nx['SpaceWidth']=[5];\n"
-            "x['Resolution']=[32,16];\nx['Glyph']=[[65,1,2,3,4,-1,1],[66,0,0,9,9,0,0]];\n"
-            "x['Kerning']=[[65,66,-2]];\n");
     settings.Save();
     const std::string own = ToSystem(MTextFile::ReadWholeFile(MSettings::SettingsFilePath()));
     AddSeed("settings",
             own + "Keys\ta\tb\r\nOpticalKerning\tHam\t90\r\nGameFont\tpixi\txml\t2\tpot\t1024\t3\r\n");
     Settings = nullptr;
-}
-
-void AddPhotofonts() {
-    for (const bombs::Bomb& bomb : bombs::DocumentBombs())
-        if (bomb.reader == ".phf") AddSeed("font_phf", bomb.bytes.substr(0, 4000));
-    AddSeed(
-        "font_phf",
-        "<unicode_mapping>\n<map id=\"a\" unc=\"65\"/>\n<map id=\"b\" unc=\"66\"/>\n</unicode_mapping>\n"
-        "<kerning>\n<pair left=\"a\" right=\"b\" x=\"-3\"/>\n</kerning>\n<glyphs>\n<glyph id=\"a\">\n"
-        "<shape embedded=\"i\" />\n<bbox x=\"0\" y=\"0\" width=\"4\" height=\"4\"/>\n<base x=\"0\" y=\"3\"/>\n"
-        "<delta x=\"5\" y=\"0\"/>\n</glyph>\n</glyphs>\n<image id=\"i\">\nbase64\n\n" +
-            bombs::Base64(bombs::FlatPng(4, 4, 8, 6)) + "</image>\n");
 }
 
 // One table with the palette behind it, as the targets of tables take them.
@@ -88,8 +70,8 @@ void AddFaces() {
         AddTables("colr", one, cpal);
     const std::string document =
         "<svg xmlns='http://www.w3.org/2000/svg'><g id='glyph1' fill='var(--color0, red)'/></svg>";
-    AddTables("svg", fonts::SvgTable(document, 1, 1), cpal);
-    AddTables("svg", fonts::SvgTable(bombs::Gzip(document), 1, 3), cpal);
+    AddTables("svg", fonts::SvgTable({document}, 1, 1), cpal);
+    AddTables("svg", fonts::SvgTable({bombs::Gzip(document)}, 1, 3), cpal);
     AddSeed("cutter", std::string("\x20\x10\x06\x01\0\0\0\x3F\0\0\x80\x3F"
                                   "A\0\1\0\0\0\1\0\0\0\x18\0\0\0\x09\0\0\0\x09\0\0\0\0",
                                   36));
@@ -102,6 +84,6 @@ void AddFontSeeds() {
     AddSeed("picture_TIFF", bombs::Tiff(4, 4, 1, 5, 16, 4, bombs::Noise(4 * 4 * 8)));
     AddSeed("sniff", bombs::FlatPng(9000, 9000, 1, 0)); // more than is read
     AddOwnFiles();
-    AddPhotofonts();
+    AddSeed("font_phf", bombs::Photofont(4, 4, bombs::FlatPng(4, 4, 8, 6), 35));
     AddFaces();
 }

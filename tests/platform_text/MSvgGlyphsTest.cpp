@@ -15,7 +15,7 @@ constexpr int units = 1000;
 
 // A table with one document, for glyphs 3 to 5.
 std::vector<std::uint8_t> Table(const std::string& document) {
-    const fonts::Bytes table = fonts::SvgTable(document, 3, 5);
+    const fonts::Bytes table = fonts::SvgTable({document}, 3, 5);
     return {table.begin(), table.end()};
 }
 

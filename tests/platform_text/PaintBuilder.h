@@ -135,10 +135,37 @@ struct ColourTables {
     }
 };
 
-// The table "SVG " of one document, for the glyphs `first` to `last`.
-inline Bytes SvgTable(const std::string& document, int first, int last) {
-    Bytes table = Bytes().U16(0).U32(10).U32(0).U16s({1, first, last});
-    return table.U32(14).U32(static_cast<std::int64_t>(document.size())).Add(document);
+// The table "SVG " with a document for each glyph from `first` on, or one for all up to `last`.
+inline Bytes SvgTable(const std::vector<std::string>& documents, int first, int last) {
+    Bytes table = Bytes().U16(0).U32(10).U32(0).U16(std::ssize(documents));
+    std::int64_t at = 2 + std::ssize(documents) * 12;
+    for (const std::string& document : documents) {
+        table.U16(first).U16(documents.size() == 1 ? last : first).U32(at).U32(std::ssize(document));
+        ++first;
+        at += std::ssize(document);
+    }
+    for (const std::string& document : documents)
+        table.Add(document);
+    return table;
+}
+
+// One strike of bitmaps of 100 pixels an em, 10 right of the pen and on the baseline. The glyphs up to `last`
+// have each a range of its own, and all of them the same place.
+inline void AddCbdt(Font& font, const std::string& png, int side, int last) {
+    Bytes data;
+    data.U16s({3, 0}).U8(side).U8(side).U8(10).U8(20).U8(40).U32(std::ssize(png)).Add(png);
+    const Bytes metrics = Bytes().U8(80).U8(-20).U8(100).Add(std::string(9, '\0')); // of lines
+    Bytes ranges;
+    Bytes tables;
+    for (int glyph = 1; glyph <= last; ++glyph) {
+        ranges.U16(glyph).U16(glyph).U32(last * 8 + (glyph - 1) * 16);
+        tables.U16(1).U16(17).U32(4).U32(0).U32(std::ssize(data) - 4);
+    }
+    Bytes index =
+        Bytes().U16s({3, 0}).U32(1).U32(56).U32(std::ssize(ranges) + std::ssize(tables)).U32(last).U32(0);
+    index.Add(metrics).Add(metrics).U16s({1, last}).U8(100).U8(100).U8(32).U8(1);
+    font.tables["CBDT"] = data;
+    font.tables["CBLC"] = index.Add(ranges).Add(tables);
 }
 
 } // namespace fonts

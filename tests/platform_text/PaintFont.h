@@ -59,6 +59,11 @@ struct PaintFont {
             Add("backward sweep" + how, Outline(box, Sweep(450, 350, 200, 80, ColourLine(extend, inside))));
         }
         Add("one stop", Outline(box, Linear({300, 400, 600, 400, 300, 700}, ColourLine(0, {{0.5, 1}}))));
+        Add("stops in any order", Outline(box, Linear({200, 0, 800, 0, 200, 800},
+                                                      ColourLine(0, {{0.9, 0}, {0.1, 1}, {0.5, 3, 0.5}}))));
+        const Bytes hardFirst = ColourLine(0, {{0.5, 0}, {0.5, 2}, {1, 2}});
+        Add("hard first stop", Outline(box, Linear({300, 0, 700, 0, 300, 500}, hardFirst)));
+        Add("hard first stop of a sweep", Outline(box, Sweep(500, 0, 180, 0, hardFirst)));
         Add("hard stops", Outline(box, Linear({200, 0, 800, 0, 200, 800},
                                               ColourLine(0, {{0, 0}, {0.5, 0}, {0.5, 2}, {1, 2}}))));
         Add("gradient everywhere in a glyph",

@@ -32,13 +32,18 @@ function makePictures() {
     fonts.tiles.make = ['--trim', 'no', '--picture', 'x=tile.png'];
 }
 
+function setLine(name, text) {
+    site.cli('--open', `${name}.sm`, '--background', '203040', '--text', text, `${name}-line.png`);
+    const line = decode(readFileSync(inFolder(`${name}-line.png`)));
+    Object.assign(fonts[name], { text, line, height: line.height });
+}
+
 before(async () => {
     makePictures();
     await tabs.open();
     for (const [name, font] of Object.entries(fonts)) {
-        site.cli(...font.make, '--save', `${name}.sm`, '--background', '203040', '--text', font.text, `${name}-line.png`, '--css-page', `${name}-page.html`);
-        font.line = decode(readFileSync(inFolder(`${name}-line.png`)));
-        font.height = font.line.height;
+        site.cli(...font.make, '--save', `${name}.sm`, '--css-page', `${name}-page.html`);
+        setLine(name, font.text);
     }
 });
 after(() => Promise.all([tabs.close(), dense?.close()]));
@@ -91,7 +96,7 @@ for (const browser of Object.keys(browsers)) {
     for (const name of Object.keys(fonts)) {
         test(`${browser} draws the ${name} font as lettrino-cli sets it`, async () => {
             // On a screen of density 1 Chromium rounds advances to 1/64 of a size above 256.
-            if (browser === 'chromium' && name === 'huge') fonts.huge.line = await single('huge', 'V');
+            if (browser === 'chromium' && name === 'huge') setLine('huge', 'V');
             const { line } = fonts[name];
             const picture = await drawn(browser, name, 1, 1);
             const height = Math.min(line.height, picture.height - 20);
@@ -123,11 +128,4 @@ for (const browser of Object.keys(browsers)) {
             });
         }
     }
-}
-
-// One letter instead of the font's line.
-async function single(name, text) {
-    fonts[name].text = text;
-    site.cli('--open', `${name}.sm`, '--background', '203040', '--text', text, `${name}-line.png`);
-    return decode(readFileSync(inFolder(`${name}-line.png`)));
 }

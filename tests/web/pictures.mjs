@@ -7,12 +7,14 @@ export const decode = (bytes) => PNG.sync.read(bytes);
 export const encode = (picture) => PNG.sync.write(picture);
 
 // Of each channel of each pixel in a rectangle of one picture and in one of the same size in another: the largest and the
-// mean; and the share of pixels that are off by more than 32 levels.
-export function difference(a, b, width, height, [ax, ay] = [0, 0], [bx, by] = [0, 0]) {
-    let most = 0, sum = 0, off = 0;
+// mean; and the share of pixels that are off by more than 32 levels. Where both have the ground's grey nothing counts.
+export function difference(a, b, width, height, [ax, ay] = [0, 0], [bx, by] = [0, 0], ground = -1) {
+    let most = 0, sum = 0, off = 0, inked = 0;
     for (let y = 0; y < height; ++y) {
         for (let x = 0; x < width; ++x) {
             const [i, j] = [((ay + y) * a.width + ax + x) * 4, ((by + y) * b.width + bx + x) * 4];
+            if ([0, 1, 2].every((c) => a.data[i + c] === ground && b.data[j + c] === ground)) continue;
+            ++inked;
             const channels = [0, 1, 2].map((c) => Math.abs(a.data[i + c] - b.data[j + c]));
             const worst = Math.max(...channels);
             most = Math.max(most, worst);
@@ -20,7 +22,7 @@ export function difference(a, b, width, height, [ax, ay] = [0, 0], [bx, by] = [0
             if (worst > 32) ++off;
         }
     }
-    return { most, mean: sum / (width * height * 3), off: off / (width * height) };
+    return { most, mean: sum / (inked * 3 || 1), off: off / (inked || 1), inked };
 }
 
 // How many pixels have such a red, green and blue.

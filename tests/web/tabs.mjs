@@ -1,8 +1,9 @@
 // The same page in different ways: in Chromium and in Firefox, each also where a script may not read pixels. A tab
 // navigates, runs functions in the page and takes pictures of it.
+import assert from 'node:assert/strict';
 import { readFileSync, writeFileSync } from 'node:fs';
 import { join } from 'node:path';
-import { keep, Site } from './browser.mjs';
+import { compare, keep, Site } from './browser.mjs';
 import { Firefox } from './firefox.mjs';
 
 const jQueries = { '': 'jquery', '-1.9': 'jquery-1.9', '-4': 'jquery-4' };
@@ -115,6 +116,13 @@ export class Tabs {
             shortcut: (key) => firefox.type(key, true),
             close: async () => {},
         };
+    }
+
+    // A page shows a line, which is a picture or a text of the font f.sm, and nothing else.
+    async assertDrawn(tab, line, name, { size = 1, mean = 0.5, off = 0.002 } = {}) {
+        const found = compare(this.keep(await tab.shot(), name), typeof line === 'string' ? this.site.lineOf(line) : line);
+        const [[w1, h1], [w2, h2]] = found.sizes;
+        assert.ok(Math.abs(w1 - w2) <= size && Math.abs(h1 - h2) <= size && found.mean <= mean && found.off <= off, `${name}: ${JSON.stringify(found)}`);
     }
 
     keep(png, name) { return keep(png, name, 'web-page'); }

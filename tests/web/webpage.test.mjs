@@ -4,7 +4,6 @@ import assert from 'node:assert/strict';
 import { readFileSync, writeFileSync } from 'node:fs';
 import { join } from 'node:path';
 import { after, before, test } from 'node:test';
-import { compare } from './browser.mjs';
 import { count } from './pictures.mjs';
 import { browsers, Tabs, ways } from './tabs.mjs';
 
@@ -23,11 +22,6 @@ before(async () => {
 after(() => tabs.close());
 
 const open = (way, body, { head, ...options } = {}) => tabs.tab(way, tabs.write(body, { head, size }), options);
-
-async function assertDrawn(tab, text, name, most = { mean: 0.5, off: 0.002 }) {
-    const { sizes, mean, off } = compare(tabs.keep(await tab.shot(), name), site.lineOf(text));
-    assert.ok(mean <= most.mean && off <= most.off && Math.abs(sizes[0][0] - sizes[1][0]) <= 1, `${text}: ${JSON.stringify({ sizes, mean, off })}`);
-}
 
 // How many of a picture's pixels have the font's colour.
 const inkIn = (png) => count(png, (red, _, blue) => blue > 120 && red < 90 && blue - red > 60);
@@ -101,7 +95,7 @@ for (const way of ways) {
         assert.deepEqual(texts, expected);
         tabs.keep(await tab.shot(), `react-${way}`);
         await tab.run(() => { for (const one of document.querySelectorAll('button, #root p, ul, .f:not(h1)')) one.style.display = 'none'; });
-        await assertDrawn(tab, expected[0], `react-headline-${way}`);
+        await tabs.assertDrawn(tab, expected[0], `react-headline-${way}`);
         t.diagnostic(`${clicks} clicks in ${seconds} s, none with an error`);
         await tab.close();
     });
@@ -112,13 +106,13 @@ for (const way of ways) {
             document.querySelector('.f').remove();
             Object.assign(document.getElementById('late'), { className: 'f', style: '' });
         });
-        await assertDrawn(tab, 'AVATAR', `later-class-${way}`);
+        await tabs.assertDrawn(tab, 'AVATAR', `later-class-${way}`);
         await tab.run(() => { document.getElementById('late').firstChild.data = 'To Wa'; });
-        await assertDrawn(tab, 'To Wa', `later-text-${way}`);
+        await tabs.assertDrawn(tab, 'To Wa', `later-text-${way}`);
         await tab.run(() => { document.getElementById('late').firstChild.data = ''; });
         assert.equal(inkIn(await tab.shot()), 0, 'an emptied text is gone');
         await tab.run(() => { document.body.innerHTML = '<section><h2 class="f" style="margin:0">Quay</h2></section>'; });
-        await assertDrawn(tab, 'Quay', `later-element-${way}`);
+        await tabs.assertDrawn(tab, 'Quay', `later-element-${way}`);
         await tab.run(() => { document.querySelector('h2').className = ''; });
         assert.equal(inkIn(await tab.shot()), 0);
         await tab.close();
@@ -191,14 +185,14 @@ for (const browser of browsers) {
         await tab.run(() => { getSelection().selectAllChildren(document.querySelector('.f')); document.querySelector('.f').focus(); });
         await tab.type('AVATAR To');
         await tab.run(() => { getSelection().removeAllRanges(); document.activeElement.blur(); });
-        await assertDrawn(tab, 'AVATAR To', `typed-${browser}`);
+        await tabs.assertDrawn(tab, 'AVATAR To', `typed-${browser}`);
         await tab.close();
     });
 
     test(`${browser}: forced colours leave the pictures alone`, async () => {
         if (browser === 'firefox') await tabs.firefox.setPreference('browser.display.document_color_use', 2);
         const tab = await open(browser, '<p class="f">AVATAR</p>', { forcedColors: 'active' });
-        await assertDrawn(tab, 'AVATAR', `forced-${browser}`);
+        await tabs.assertDrawn(tab, 'AVATAR', `forced-${browser}`);
         await tab.close();
         if (browser === 'firefox') await tabs.firefox.setPreference('browser.display.document_color_use', 0);
     });
@@ -249,14 +243,14 @@ for (const browser of browsers) {
         const loose = { mean: 4, off: 0.1 };
         const tab = await open(browser, `<p class="f">x</p><svg width="700" height="100"><text class="f" x="0" y="70" style="font-size:${size}px">AVATAR</text></svg>`);
         await tab.run(() => { document.querySelector('p').remove(); });
-        await assertDrawn(tab, 'AVATAR', `svg-${browser}`, loose); // which Firefox scales
+        await tabs.assertDrawn(tab, 'AVATAR', `svg-${browser}`, loose); // which Firefox scales
         await tab.run((px) => {
             document.body.innerHTML = '<canvas width="700" height="120"></canvas>';
             const context = document.querySelector('canvas').getContext('2d');
             context.font = `${px}px demo`;
             context.fillText('AVATAR', 10, 80);
         }, size);
-        await assertDrawn(tab, 'AVATAR', `canvas-${browser}`, loose);
+        await tabs.assertDrawn(tab, 'AVATAR', `canvas-${browser}`, loose);
         await tab.run(() => { document.body.innerHTML = '<p class="f" style="writing-mode:vertical-rl;height:600px"><span>AVATAR To</span></p><p class="f"><span>AVATAR To</span></p>'; });
         const [upright, level] = await tab.run(() => [...document.querySelectorAll('span')].map((one) => one.getBoundingClientRect()).map(({ width, height }) => [width, height]));
         tabs.keep(await tab.shot(), `vertical-${browser}`);

@@ -74,14 +74,12 @@ TEST(AtlasPacking, OddBoxes) {
 
 // What the export promises: text glyphs fill nine tenths of their page.
 TEST(AtlasPacking, FillsThePage) {
-    std::mt19937 random(5);
-    std::vector<MAtlasBox> boxes;
+    std::vector<MAtlasBox> boxes = RandomBoxes(5, 20, 222);
     std::int64_t ink = 0;
-    for (int i = 0; i < 222; ++i) {
-        const std::int32_t width = 6 + static_cast<std::int32_t>(random() % 40);
-        const std::int32_t height = 30 + static_cast<std::int32_t>(random() % 18);
-        boxes.push_back({width, height, 0, 0, 0});
-        ink += std::int64_t{width} * height;
+    for (MAtlasBox& box : boxes) {
+        box.Width = 6 + 2 * box.Width;
+        box.Height += 30;
+        ink += std::int64_t{box.Width} * box.Height;
     }
     const auto page = PackBoxes(boxes, {MPageSize::Free, 1, 4096});
     ASSERT_TRUE(page);
