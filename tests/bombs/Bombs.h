@@ -4,7 +4,6 @@
 
 #include "platform_text/FontBuilder.h"
 
-#include <functional>
 #include <string>
 #include <string_view>
 #include <utility>

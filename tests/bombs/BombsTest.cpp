@@ -4,8 +4,6 @@
 
 #include <gtest/gtest.h>
 
-namespace {
-
 TEST(Bombs, TheSharpestStayWithinTimeAndMemory) {
     constexpr bombs::Limits limits{
         .seconds = 300, .cpu = 4, .memory = bombs::mostMemory + (std::uint64_t{512} << 20)};
@@ -17,5 +15,3 @@ TEST(Bombs, TheSharpestStayWithinTimeAndMemory) {
                                   << (cost.memory >> 20) << " MB: " << cost.error;
     }
 }
-
-} // namespace

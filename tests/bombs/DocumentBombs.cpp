@@ -2,7 +2,6 @@
 #include "formats/WebFont.h"
 #include "foundation/MUtf8.h"
 
-#include <array>
 #include <sstream>
 
 namespace bombs {

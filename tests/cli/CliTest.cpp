@@ -9,8 +9,6 @@
 #include <tuple>
 #include <vector>
 
-namespace {
-
 using testing::HasSubstr;
 
 // Every kind of face and every size comes back as it was written.
@@ -350,5 +348,3 @@ TEST_F(Cli, WholeFontEditsWebAndCubes) {
         EXPECT_EQ(Run(make + steps), 1) << steps;
     EXPECT_THAT(error, HasSubstr("letter 5"));
 }
-
-} // namespace

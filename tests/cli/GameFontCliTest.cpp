@@ -2,8 +2,6 @@
 
 #include "Cli.h"
 
-namespace {
-
 using testing::HasSubstr;
 using GameFontCli = Cli;
 
@@ -63,5 +61,3 @@ TEST_F(GameFontCli, FailuresAndWrongUsage) {
     EXPECT_EQ(error,
               "lettrino-cli: --open: note: 1 character is left out (U+11170): codes end at U+FFFF here\n");
 }
-
-} // namespace

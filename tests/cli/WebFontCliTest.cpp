@@ -2,8 +2,6 @@
 
 #include "Cli.h"
 
-namespace {
-
 using testing::HasSubstr;
 using WebFontCli = Cli;
 
@@ -53,5 +51,3 @@ TEST_F(WebFontCli, FailuresAndWrongUsage) {
     });
     EXPECT_FALSE(Has("f.ttf") || Has("f.woff2") || Has("f.html"));
 }
-
-} // namespace

@@ -80,8 +80,7 @@ TEST_F(AddPictureGlyphTest, LetterAIsMeasuredOnTheSource) {
 }
 
 TEST_F(AddPictureGlyphTest, WhatIsRefused) {
-    OwnedPicture picture = BlankPicture(10, 10, FormatRGBA8);
-    picture.Fill(MColour(1, 1, 1));
+    OwnedPicture picture = FilledPicture(10, 10, MColour(1, 1, 1));
     settings.PaddingTop = -1;
     EXPECT_FALSE(font.AddPictureGlyph(u'x', picture, 0, 0, false));
     settings.PaddingTop = 0;

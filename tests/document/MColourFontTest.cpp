@@ -4,7 +4,6 @@
 #include "document/MKerningTable.h"
 
 #include <random>
-#include <vector>
 
 namespace {
 

@@ -6,8 +6,6 @@
 #include <utility>
 #include <vector>
 
-namespace {
-
 constexpr MColour ink{9, 8, 7, 255};
 constexpr MColour transparent{0, 0, 0, 0};
 
@@ -49,5 +47,3 @@ TEST(Glyph, TrimKeepsOneEmptyColumnAtTheRight) {
         EXPECT_EQ(glyph.SpacingBefore, 4);
     }
 }
-
-} // namespace

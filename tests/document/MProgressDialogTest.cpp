@@ -8,8 +8,6 @@
 #include <cmath>
 #include <vector>
 
-namespace {
-
 using ProgressDialogTest = DocumentTest;
 
 TEST_F(ProgressDialogTest, TellsTheDesktopOfChangesOnly) {
@@ -51,5 +49,3 @@ TEST_F(ProgressDialogTest, OnlyLongWorkIsShownAndTheOuterOneAlone) {
     EXPECT_EQ(Headless::record.progressPercents, (std::vector<std::int32_t>{0, 25}));
     EXPECT_EQ(Headless::record.progressTexts.back(), MString("Outer"));
 }
-
-} // namespace

@@ -7,8 +7,6 @@
 #include <tuple>
 #include <utility>
 
-namespace {
-
 using SettingsTest = DocumentTest;
 
 TEST_F(SettingsTest, TheSpaceIsNoSelectedCharacter) {
@@ -92,5 +90,3 @@ TEST_F(SettingsTest, FileDialogsOfferWhatTheTableOfFileTypesHolds) {
               "Load Picture|Picture files (" + pictures + ";*.ZZZ)|" + pictures + ";*.ZZZ");
     FileTypes = {};
 }
-
-} // namespace

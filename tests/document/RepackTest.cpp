@@ -62,9 +62,8 @@ TEST_F(RepackTest, EveryPixelOfAnyListOfSizes) {
         const bool sameHeight = random() % 2 == 0;
         const std::int32_t height = 1 + pick(60);
         // Wide glyphs wrap around, some more than once; some have no area; heights that differ overlap.
-        for (std::int32_t n = pick(30); n > 0; --n) {
+        for (std::int32_t n = pick(30); n > 0; --n)
             sizes.emplace_back(pick(8) == 0 ? pick(900) : pick(60), sameHeight ? height : pick(60));
-        }
         Fill(sizes);
         ExpectAllPixels();
     }

@@ -6,6 +6,7 @@
 #include "Text.h"
 #include "foundation/MNumbers.h"
 #include "glyphs/Pixels.h"
+#include "imaging/Pictures.h"
 
 #include <limits>
 #include <optional>
@@ -16,10 +17,7 @@ inline constexpr std::int32_t Most = std::numeric_limits<std::int32_t>::max();
 // A picture of one colour in a file.
 inline MString WritePicture(const TemporaryFolder& folder, const char* name, std::uint32_t width,
                             std::uint32_t height, const MColour& colour) {
-    MPicture picture(width, height, FormatRGBA8);
-    picture.Fill(colour);
-    EXPECT_TRUE(picture.Save(folder.File(name)));
-    picture.Free();
+    EXPECT_TRUE(FilledPicture(width, height, colour).Save(folder.File(name)));
     return folder.File(name);
 }
 

@@ -4,8 +4,6 @@
 
 #include <tuple>
 
-namespace {
-
 // 610 by 500 pixels, its middle at (313, 258).
 constexpr Desktop::Rect area{8, 8, 618, 508};
 
@@ -76,5 +74,3 @@ TEST_F(GlyphPreviewTest, TheButtonAndTheHalfChooseTheGuide) {
         EXPECT_EQ(DragGuide(area, 8, glyph, font, {300, 100}, true).Value, Least);
     }
 }
-
-} // namespace

@@ -12,13 +12,12 @@ namespace {
 // Two lines of blocks, 20 wide and high: three above, two below, the last one under the third; each with a slit
 // a little right of its middle.
 OwnedPicture Drawn() {
-    MPicture picture(200, 100, FormatRGBA8);
-    picture.Fill(MColour(255, 255, 255));
+    OwnedPicture picture = FilledPicture(200, 100, MColour(255, 255, 255));
     for (const auto& [left, top] : {std::pair(10, 10), {60, 10}, {110, 10}, {10, 60}, {115, 60}})
         for (std::int32_t place = 0; place < 400; ++place)
             if (place < 20 || place % 20 != 13)
                 picture.SetPixel(left + place % 20, top + place / 20, MColour(0, 0, 0));
-    return {picture};
+    return picture;
 }
 
 MSheet Blocks() {

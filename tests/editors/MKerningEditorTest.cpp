@@ -3,7 +3,6 @@
 #include "EditorTest.h"
 
 #include <algorithm>
-#include <set>
 #include <string>
 #include <tuple>
 

@@ -3,10 +3,6 @@
 #include "DocumentFixture.h"
 #include "glyphs/Pixels.h"
 
-#include <cmath>
-
-namespace {
-
 using OpticalKerningEditorTest = DocumentTest;
 
 // A long line of a large font is set from letters that were shrunk before: they stand where the whole ones
@@ -46,5 +42,3 @@ TEST_F(OpticalKerningEditorTest, ALineThatIsDrawnMuchSmallerKeepsItsPlaces) {
     for (std::size_t i = 0; i < middles.size(); ++i)
         EXPECT_NEAR(middles[i], 8 + (static_cast<double>(i) + 0.5) * advance * scale, 1.0) << i;
 }
-
-} // namespace

@@ -7,7 +7,6 @@
 
 #include <string>
 #include <tuple>
-#include <vector>
 
 class FontFileTest : public DocumentTest {
 protected:

@@ -4,7 +4,6 @@
 #include "imaging/Pictures.h"
 
 #include <string>
-#include <vector>
 
 namespace {
 

@@ -10,7 +10,6 @@
 
 #include <array>
 #include <csignal>
-#include <string>
 
 namespace {
 

@@ -6,8 +6,6 @@
 
 #include <random>
 
-namespace {
-
 TEST(Utf8, EveryTextSurvivesTheSystem) {
     std::mt19937 random(1);
     for (int round = 0; round < 2000; ++round) {
@@ -33,5 +31,3 @@ TEST(Utf8, TextFilesReplaceWhatIsInvalid) {
         EXPECT_EQ(DecodeUtf8(bytes, MLoneSurrogates::Replace), units);
     EXPECT_EQ(EncodeUtf8(u"\U0001F600\xD83D", MLoneSurrogates::Replace), "\xF0\x9F\x98\x80\xEF\xBF\xBD");
 }
-
-} // namespace

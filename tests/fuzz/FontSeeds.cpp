@@ -4,6 +4,7 @@
 #include "document/MSettings.h"
 #include "formats/MTextFile.h"
 #include "fuzz/Seeds.h"
+#include "imaging/Pictures.h"
 #include "platform_text/PaintFont.h"
 
 #include <cstdlib>
@@ -25,12 +26,8 @@ void AddOwnFiles() {
     Settings = &settings;
     settings.GlyphHeight = 9;
     MColourFont font(nullptr);
-    for (const char16_t character : {u'A', u'"', u'\u20AC', u'v'}) {
-        MPicture picture(5, 9, FormatRGBA8);
-        picture.Fill(MColour(1, 2, 3, 255));
-        font.AddPictureGlyph(character, picture, 1, -1, false);
-        picture.Free();
-    }
+    for (const char16_t character : {u'A', u'"', u'\u20AC', u'v'})
+        font.AddPictureGlyph(character, FilledPicture(5, 9, MColour(1, 2, 3, 255)), 1, -1, false);
     font.SetKerning('A', 'v', -2);
     font.Repack();
     font.Save(folder.File("own.sm"));

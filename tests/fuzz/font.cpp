@@ -11,6 +11,7 @@
 #include "formats/game/MBmFont.h"
 #include "formats/game/MGameFontImport.h"
 #include "imaging/MPixelBudget.h"
+#include "imaging/Pictures.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -24,12 +25,7 @@ constexpr std::string_view form = LETTRINO_FORM;
 
 // Where the input is put.
 struct Place : TemporaryFolder {
-    Place() {
-        MPicture picture(64, 32, FormatRGBA8);
-        picture.Fill(MColour(10, 20, 30, 200));
-        picture.Save(File("f.png"));
-        picture.Free();
-    }
+    Place() { FilledPicture(64, 32, MColour(10, 20, 30, 200)).Save(File("f.png")); }
 };
 
 // What no reader goes on without stands before every input, so that the fuzzer need not find it.

@@ -23,12 +23,6 @@ Desktop::WindowHandle SomeWindow() {
     return reinterpret_cast<Desktop::WindowHandle>(&window);
 }
 
-OwnedPicture Filled(std::uint32_t width, std::uint32_t height, MColour colour) {
-    OwnedPicture picture = BlankPicture(width, height, FormatRGBA8);
-    picture.Fill(colour);
-    return picture;
-}
-
 struct Style {
     std::int32_t across = -1, down = -1; // alignment
     bool clip = false, wrap = true;
@@ -68,21 +62,13 @@ TEST_F(Direct2DSurface, CoversItsBitmap) {
     EXPECT_TRUE(Headless::record.paintings.empty()) << "no window to show it";
 }
 
-TEST_F(Direct2DSurface, CachesHoldUntilSomethingChanges) {
-    Text("A", all, 37.2F);
-    const auto* const format = surface.textFormat.get();
-    const auto* const brush = surface.brush;
-    ASSERT_TRUE(format && brush);
-    Text("B", {5, 5, 50, 50}, 37.9F);
-    EXPECT_EQ(surface.textFormat.get(), format) << "sizes are whole numbers";
-    surface.DrawRectangle({0, 0, 5, 5}, black, true, 0, false);
-    EXPECT_EQ(surface.brush, brush);
-}
-
-TEST_F(Direct2DSurface, DefaultsOfText) {
+TEST_F(Direct2DSurface, DefaultsOfTextAndWhatIsKeptWhileNothingChanges) {
     EXPECT_FALSE(InkOfText("A", all, 0, {.weight = 0, .name = MString()}).IsEmpty());
     EXPECT_TRUE(surface.textFormatKey.family.Equals(u"MS Shell Dlg"));
     EXPECT_EQ(std::pair(surface.textFormatKey.size, surface.textFormatKey.weight), std::pair(12, 400));
+    const auto kept = std::pair(surface.textFormat.get(), surface.brush);
+    Text("B", {5, 5, 50, 50}, 12.9F, {.name = MString()}); // sizes are whole numbers
+    EXPECT_EQ(std::pair(surface.textFormat.get(), surface.brush), kept);
     for (const float size : {-3.0F, std::nanf(""), HUGE_VALF, 1e30F, 0.4F})
         EXPECT_EQ(InkOfText("A", all, size).IsEmpty(), size > 0) << size;
     EXPECT_FALSE(InkOfText("A", all, 20).IsEmpty()) << "a bad size does no lasting harm";
@@ -162,7 +148,7 @@ TEST_F(Direct2DSurface, CoordinatesOfTheWindowAreMapped) {
     part.Clear(black);
     part.DrawRectangle({110, 60, 115, 62}, red, true, 0, true);
     part.DrawRectangle({20, 12, 25, 14}, red, true, 0, false);
-    part.DrawPictureFitted(Filled(4, 3, red), {130, 70, 134, 73}, true);
+    part.DrawPictureFitted(FilledPicture(4, 3, red), {130, 70, 134, 73}, true);
     part.End();
     const Headless::Painting& painting = Headless::record.paintings.at(0);
     EXPECT_TRUE(painting.window == SomeWindow() && painting.area == part.area);
@@ -185,7 +171,7 @@ TEST_F(Direct2DSurface, PicturesAreCentredAndNeverEnlarged) {
     };
     for (const auto& [width, height, rectangle, expected] : cases) {
         surface.Clear(nothing);
-        surface.DrawPictureFitted(Filled(width, height, red), rectangle, false);
+        surface.DrawPictureFitted(FilledPicture(width, height, red), rectangle, false);
         EXPECT_EQ(InkOf(bitmap), expected) << width << " by " << height;
     }
 }
@@ -213,7 +199,7 @@ TEST_F(Direct2DSurface, PicturesComeOutToThePixel) {
 
     // Over what is there already.
     surface.Clear(MColour(255, 255, 255));
-    surface.DrawPictureAt(Filled(10, 10, MColour(0, 0, 0, 128)), 0, 0, false);
+    surface.DrawPictureAt(FilledPicture(10, 10, MColour(0, 0, 0, 128)), 0, 0, false);
     EXPECT_EQ(PixelAt(bitmap, 5, 5), MColour(127, 127, 127));
     surface.DrawPictureAt(picture, INT32_MAX, INT32_MIN, true);
 }
@@ -227,7 +213,7 @@ TEST(Direct2DSurfaces, InvalidOnesDoNothing) {
     MDirect2DSurface onNoWindow(nullptr, {0, 0, 10, 10});
     EXPECT_FALSE(onNone.valid || onEmpty.valid || onHuge.valid);
     EXPECT_TRUE(onNoWindow.valid) << "without a window there is just nowhere to draw";
-    const OwnedPicture picture = Filled(2, 2, red);
+    const OwnedPicture picture = FilledPicture(2, 2, red);
     Headless::Reset();
     for (MDirect2DSurface* surface : {&onNone, &onEmpty, &onHuge, &onNoWindow}) {
         EXPECT_EQ(surface->Begin(), surface->valid);

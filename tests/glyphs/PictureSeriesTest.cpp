@@ -10,8 +10,6 @@
 #include <tuple>
 #include <utility>
 
-namespace {
-
 TEST(PictureSeries, CharactersFromFileNames) {
     const std::pair<const char*, const char*> cases[] = {
         {"/p/A.png", "A"},         {"font_B.png", "B"}, {"glyph65.png", "A"},
@@ -30,9 +28,8 @@ TEST(PictureSeries, CharactersFromFileNames) {
 TEST(PictureSeries, GoesOnWhileFilesExist) {
     const TemporaryFolder folder;
     for (const char* file :
-         {"A.png", "B.PNG", "c.png", "x99.Gif", "x100.gif", "x065.png", "x66.png", "y.png", "k_Z.tar.png"}) {
+         {"A.png", "B.PNG", "c.png", "x99.Gif", "x100.gif", "x065.png", "x66.png", "y.png", "k_Z.tar.png"})
         folder.Write(file, "x");
-    }
     std::filesystem::create_directory(folder.path / "D.png");
     const std::tuple<const char*, char16_t, std::string> cases[] = {
         // empty for the end
@@ -62,8 +59,7 @@ protected:
     ChosenPictures() {
         for (const auto& [name, height] :
              {std::pair{"b.png", 30U}, {"c.png", 60U}, {"d.png", 15U}, {"f.png", 5U}}) {
-            OwnedPicture picture = BlankPicture(20, height, FormatRGBA8);
-            picture.Fill(MColour(1, 2, 3));
+            OwnedPicture picture = FilledPicture(20, height, MColour(1, 2, 3));
             for (std::int32_t place = 0; place < 4 * static_cast<std::int32_t>(height); ++place)
                 picture.SetPixel(place % 4, place / 4, MColour(0, 0, 0, 0));
             picture.Save(folder.File(name));
@@ -124,5 +120,3 @@ TEST_F(ChosenPictures, AFileThatIsNoPictureIsPassedOver) {
     EXPECT_EQ(SlotsOf(font), "bcd") << "its series is not";
     EXPECT_EQ(Headless::record.messages.size(), 1U);
 }
-
-} // namespace

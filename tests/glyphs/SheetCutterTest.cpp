@@ -11,7 +11,6 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
-#include <string>
 
 namespace {
 
@@ -28,12 +27,6 @@ MColour Over(const MColour& ink, const MColour& paper) {
 
 double MeanDifference(const MColour& a, const MColour& b) {
     return (std::abs(a.r - b.r) + std::abs(a.g - b.g) + std::abs(a.b - b.b)) / 3.0;
-}
-
-OwnedPicture Blank(std::uint32_t width, std::uint32_t height, const MColour& colour) {
-    MPicture picture(width, height, FormatRGBA8);
-    picture.Fill(colour);
-    return {picture};
 }
 
 void Block(const MPicture& picture, std::int32_t x, std::int32_t y, std::int32_t width, std::int32_t height,
@@ -76,6 +69,10 @@ TEST(SheetCutter, GlyphsAreAsRenderedDirectly) {
     MColourFont cut(nullptr);
     ASSERT_EQ(AddSheetGlyphs(cut, true, sheet, made.picture, {}), "");
     EXPECT_EQ(cut.CapHeight, made.font.CapHeight);
+    const auto alpha = [](const MGlyph& glyph, std::int32_t x, std::int32_t aboveBase,
+                          const MColourFont& font) {
+        return int{glyph.GetPixel(x, glyph.Height - font.Baseline - aboveBase - 1).a};
+    };
     double sum = 0;
     double count = 0;
     for (const MadeLetter& letter : made.letters) {
@@ -87,13 +84,8 @@ TEST(SheetCutter, GlyphsAreAsRenderedDirectly) {
             << char(letter.character);
         for (std::int32_t y = -cut.Baseline; y < glyph.Height - cut.Baseline; ++y) {
             for (std::int32_t x = 0; x < glyph.Width; ++x) {
-                // Rows counted up from the base line.
-                const int a = glyph.GetPixel(x, glyph.Height - cut.Baseline - y - 1).a;
-                const int b = direct
-                                  .GetPixel(x + static_cast<std::int32_t>(left),
-                                            direct.Height - made.font.Baseline - y - 1)
-                                  .a;
-                sum += std::abs(a - b);
+                const auto there = x + static_cast<std::int32_t>(left);
+                sum += std::abs(alpha(glyph, x, y, cut) - alpha(direct, there, y, made.font));
                 ++count;
             }
         }
@@ -148,11 +140,11 @@ TEST(SheetCutter, PaperGoesAndCanComeBack) {
 }
 
 TEST(SheetCutter, WhatIsNoSheetIsTold) {
-    const OwnedPicture empty = Blank(300, 200, {255, 255, 255});
-    const OwnedPicture clear = Blank(300, 200, {0, 0, 0, 0});
-    const OwnedPicture block = Blank(300, 200, {250, 250, 240});
+    const OwnedPicture empty = FilledPicture(300, 200, {255, 255, 255});
+    const OwnedPicture clear = FilledPicture(300, 200, {0, 0, 0, 0});
+    const OwnedPicture block = FilledPicture(300, 200, {250, 250, 240});
     Block(block, 50, 40, 200, 120);
-    const OwnedPicture specks = Blank(1200, 1200, {255, 255, 255});
+    const OwnedPicture specks = FilledPicture(1200, 1200, {255, 255, 255});
     for (std::int32_t i = 0; i < 10000; ++i)
         Block(specks, i % 100 * 12, i / 100 * 12, 2, 2);
     const OwnedPicture noise = RandomPicture(256, 256, FormatRGB8, 1);
@@ -235,7 +227,7 @@ TEST(SheetCutter, ChangesByHand) {
 
 // 8 x 10 cells whose letters are pieces that no shape tells apart.
 TEST(SheetCutter, Grids) {
-    const OwnedPicture picture = Blank(64, 20, {255, 255, 255});
+    const OwnedPicture picture = FilledPicture(64, 20, {255, 255, 255});
     for (std::int32_t i = 0; i < 16; ++i) {
         if (i == 3) continue; // the space
         Block(picture, i % 8 * 8 + 1, i / 8 * 10 + 2, 2, 6);
@@ -245,7 +237,7 @@ TEST(SheetCutter, Grids) {
     Settings = &settings;
     MSheetWishes given;
     given.grid = {1, 1};
-    const OwnedPicture block = Blank(200, 100, {255, 255, 255});
+    const OwnedPicture block = FilledPicture(200, 100, {255, 255, 255});
     Block(block, 10, 10, 80, 80);
     EXPECT_THAT(FindSheetLetters(block, "", given).problem, HasSubstr("far more cells"));
     given.grid = {8, 10};

@@ -20,8 +20,7 @@ struct SheetLook {
     double degrees = 0; // clockwise
     std::int32_t height = 64;
     std::int32_t extraGap = 8; // beyond the face's own distances
-    std::int32_t wander =
-        0; // pixels by which lines wave, and half as far letters leave them and their distances
+    std::int32_t wander = 0; // pixels by which lines wave, and letters leave them and their places half as far
     std::vector<std::u16string> lines{u"ABCDEFGHIJKLMNOPQRSTUVWXYZ", u"abcdefghijklmnopqrstuvwxyz",
                                       u"0123456789", u".,:;!?'\"()[]-+=/&%@#"};
 };

@@ -31,9 +31,8 @@ TEST(CopyPixels, EveryPairOfFormats) {
             const OwnedPicture source = RandomPicture(5, 4, from, 2);
             OwnedPicture expected = DeepCopy(target);
             EXPECT_TRUE(target.CopyPixels(source));
-            if (Expected(to, from) == Outcome::Bits) {
+            if (Expected(to, from) == Outcome::Bits)
                 std::memcpy(expected.Pixels, source.Pixels, std::size_t{source.Stride} * source.Height);
-            }
             if (Expected(to, from) == Outcome::Converted) {
                 for (const auto& [x, y] : PlacesOf(source)) {
                     const MPixel bytes(source.GetPixel(x, y), FormatRGBA8), words(source.GetPixel16(x, y), to);

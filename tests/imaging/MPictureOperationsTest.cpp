@@ -52,8 +52,7 @@ TEST(Resample, MatchesThePlainFormForManySizesOfFormat7) {
 }
 
 TEST(Resample, WorstSumsOfTheLargestSquareAreExact) {
-    OwnedPicture source = BlankPicture(64, 64, FormatRGBA8);
-    source.Fill(MColour(255, 255, 255, 255));
+    OwnedPicture source = FilledPicture(64, 64, MColour(255, 255, 255, 255));
     for (int hidden = 0; hidden < 1024; hidden += 31) {
         source.SetPixel(hidden % 32, hidden / 32, MColour(255, 255, 255, 0));
         OwnedPicture expected = BlankPicture(2, 2, FormatRGBA8);

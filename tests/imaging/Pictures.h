@@ -7,8 +7,6 @@
 #include <array>
 #include <cstdlib>
 #include <cstring>
-#include <memory>
-#include <ostream>
 #include <random>
 #include <vector>
 
@@ -59,6 +57,12 @@ inline int Difference(const MColour& a, const MColour& b) {
 inline OwnedPicture BlankPicture(std::uint32_t width, std::uint32_t height, MPixelFormat format) {
     OwnedPicture picture(MPicture(width, height, format));
     std::memset(picture.Pixels, 0, std::size_t{picture.Stride} * height);
+    return picture;
+}
+
+inline OwnedPicture FilledPicture(std::uint32_t width, std::uint32_t height, const MColour& colour) {
+    OwnedPicture picture(MPicture(width, height, FormatRGBA8));
+    picture.Fill(colour);
     return picture;
 }
 

@@ -61,9 +61,7 @@ fonts::Font PaintedBox(const fonts::Bytes& paint) {
 // A PNG of 20 by 20 pixels.
 std::string Png(MColour colour) {
     const TemporaryFolder folder;
-    OwnedPicture picture = BlankPicture(20, 20, FormatRGBA8);
-    picture.Fill(colour);
-    EXPECT_TRUE(picture.Save(folder.File("bitmap.png")));
+    EXPECT_TRUE(FilledPicture(20, 20, colour).Save(folder.File("bitmap.png")));
     return folder.Read("bitmap.png");
 }
 

@@ -128,9 +128,7 @@ TEST(SvgGlyphs, PaletteStandsForVariables) {
 
 TEST(SvgGlyphs, NothingOutsideTheDocumentIsRead) {
     const TemporaryFolder folder;
-    OwnedPicture red = BlankPicture(100, 100, FormatRGBA8);
-    red.Fill(MColour(255, 0, 0));
-    ASSERT_TRUE(red.Save(folder.File("red.png")));
+    ASSERT_TRUE(FilledPicture(100, 100, MColour(255, 0, 0)).Save(folder.File("red.png")));
     const std::string path = ToSystem(folder.File("red.png"));
     const std::string shape = "<rect width='1000' height='1000' y='-1000' fill='#00ff00'/>";
     const auto image = [&](const std::string& reference) {

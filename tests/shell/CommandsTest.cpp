@@ -2,6 +2,7 @@
 
 #include "foundation/MString.h"
 #include "imaging/MFileTypes.h"
+#include "imaging/Pictures.h"
 #include "shell/OpenFontFile.h"
 #include "shell/ShellFixture.h"
 
@@ -310,10 +311,7 @@ TEST_F(Commands, AddPicture) {
     RunCommand(CommandId::AddPicture);
     EXPECT_EQ(CurrentFont->GlyphCount(), 0) << "cancelled";
     DestroyCurrentFont();
-    MPicture picture(20, 40, FormatRGBA8);
-    picture.Fill(MColour(1, 2, 3));
-    EXPECT_TRUE(picture.Save(Home().File("A.png")));
-    picture.Free();
+    EXPECT_TRUE(FilledPicture(20, 40, MColour(1, 2, 3)).Save(Home().File("A.png")));
     settings.Path(MPathKind::GlyphPicture) = Home().File("A.png");
     settings.Char = 'A';
     Headless::script.answers = {Answer::No};

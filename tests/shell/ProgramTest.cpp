@@ -3,6 +3,7 @@
 #include "foundation/MFolders.h"
 #include "glyphs/MFontList.h"
 #include "imaging/MFileTypes.h"
+#include "imaging/Pictures.h"
 #include "licensing/MLicense.h"
 #include "shell/Commands.h"
 #include "shell/ShellFixture.h"
@@ -107,22 +108,16 @@ TEST_F(Program, WithoutAWindowNothingIsWritten) {
 }
 
 TEST_F(Program, OpensTheTextureFontItIsGiven) {
-    MPicture picture(8, 8, FormatRGBA8);
-    picture.Fill(MColour(0, 0, 255));
-    EXPECT_TRUE(picture.Save(Home().File("some.png")));
-    picture.Free();
+    EXPECT_TRUE(FilledPicture(8, 8, MColour(0, 0, 255)).Save(Home().File("some.png")));
     Home().Write("some.sm", "Showmarquee TextureFont\nCHA\tA\t0\t0\t5\t100\n");
     Headless::script.dialogs[DialogId::About] = [] {
         EXPECT_EQ(CurrentFont, nullptr) << "the About box comes first";
         return true;
     };
     // The import of scripts is a command of its own.
-    for (const auto& [name, glyphs] : {std::pair("some.sm", 1),
-                                       {"SOME.SM", 1},
-                                       {"none.sm", 0},
-                                       {"some.png", -1},
-                                       {"some.js", -1},
-                                       {nullptr, -1}}) {
+    const std::pair<const char*, int> files[] = {{"some.sm", 1},   {"SOME.SM", 1},  {"none.sm", 0},
+                                                 {"some.png", -1}, {"some.js", -1}, {nullptr, -1}};
+    for (const auto& [name, glyphs] : files) {
         const MString file = name ? Home().File(name) : MString();
         for (const bool dropped : {false, true}) {
             Headless::script.messageLoop = [&, glyphs = glyphs] {

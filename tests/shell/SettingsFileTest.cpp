@@ -49,11 +49,11 @@ TEST_F(SavedSettings, EveryLine) {
     EXPECT_EQ(s.WindowRect.bottom, 502);
     EXPECT_EQ(Narrow(s.Keys[1]), "two");
     EXPECT_EQ(Narrow(s.Paths[8]), "/folder/8");
-    EXPECT_EQ(std::pair(Narrow(s.KerningText), s.KerningStrength), std::pair(std::string("Two words"), 80));
-    EXPECT_EQ(Narrow(s.Path(MPathKind::SaveGameFont)), "/games/a.fnt");
-    EXPECT_EQ(std::tuple(Narrow(s.GameFont.Engine), Narrow(s.GameFont.Form), s.GameFont.Gap,
-                         Narrow(s.GameFont.PageSize), s.GameFont.Largest, s.GameFont.Bleed),
-              std::tuple("love", "text", 3, "pot", 512, -1));
+    EXPECT_EQ(std::tuple(Narrow(s.KerningText), s.KerningStrength, Narrow(s.Path(MPathKind::SaveGameFont))),
+              std::tuple("Two words", 80, "/games/a.fnt"));
+    const MGameFontChoices& games = s.GameFont;
+    EXPECT_EQ(std::tuple(Narrow(games.Engine), games.Gap, Narrow(games.PageSize), games.Largest, games.Bleed),
+              std::tuple("love", 3, "pot", 512, -1));
     EXPECT_NE(Narrow(s.Paths[7]), "/folder/7") << "the temporary folder is always that of the defaults";
 
     s.Paths[7] = "/folder/7"; // but it is written

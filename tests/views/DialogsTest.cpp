@@ -4,8 +4,6 @@
 
 using Desktop::DialogId;
 
-namespace {
-
 using Dialogs = EditorWindowTest;
 
 TEST_F(Dialogs, LookAsAUserExpectsAndWorkByKeyboard) {
@@ -58,5 +56,3 @@ TEST_F(Dialogs, LookAsAUserExpectsAndWorkByKeyboard) {
     for (const DialogId editor : {DialogId::GlyphEditor, DialogId::KerningEditor, DialogId::ExportGameFont})
         EXPECT_FALSE(Desktop::RunDialog(nullptr, editor)) << "without a document";
 }
-
-} // namespace

@@ -7,8 +7,6 @@
 
 using Desktop::DialogId;
 
-namespace {
-
 using ExportGameFontWindow = EditorWindowTest;
 
 TEST_F(ExportGameFontWindow, TellsAtOnceWhatWillBeWrittenAndRemembersOnOk) {
@@ -54,5 +52,3 @@ TEST_F(ExportGameFontWindow, TellsAtOnceWhatWillBeWrittenAndRemembersOnOk) {
     }));
     EXPECT_EQ(settings.GameFont.Gap, 9) << "cancelled";
 }
-
-} // namespace

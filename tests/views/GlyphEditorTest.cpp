@@ -38,7 +38,6 @@ TEST_F(GlyphEditor, KeysAndMouseChangeTheFont) {
         EXPECT_TRUE(hint->toolTip().contains("left") && hint->toolTip().contains("right"));
         const QRect ink = Find(dialog, QColor(0, 0, 255));
         EXPECT_NEAR(ink.width(), 40 * scale, 3); // a guide lies on the edge at either side
-        EXPECT_NEAR(ink.height(), 50 * scale, 3);
         EXPECT_LE((ink.center() - preview.center()).manhattanLength(), 4);
 
         QTest::keyClicks(QApplication::focusWidget(), "B"); // goes to the line of that letter
@@ -89,7 +88,6 @@ TEST_F(GlyphEditor, DeletingAndEscape) {
     EXPECT_EQ(font->Baseline, 0);
     RunAnd(DialogId::GlyphEditor, [&](QWidget& dialog) {
         EXPECT_EQ(Shown(dialog), "|||||||");
-        Screenshot(dialog, "glyph-editor-empty");
         Drag(dialog, Qt::LeftButton, {QPoint(200, 200)});
         PressMnemonic(Qt::Key_D); // there is nothing to delete
         QTest::keyClick(&dialog, Qt::Key_Escape);

@@ -6,7 +6,6 @@
 #include <zlib.h>
 
 #include <array>
-#include <cstdlib>
 
 namespace {
 
