@@ -43,7 +43,7 @@ TEST(AtlasPacking, KeepsBoxesApartOnPagesAsAsked) {
         ASSERT_TRUE(pages);
         ExpectApart(boxes, *pages, gap);
         EXPECT_LE(std::max(pages->Width, pages->Height), largest);
-        if (size == MPageSize::Four) EXPECT_EQ((pages->Width | pages->Height) % 4, 0);
+        EXPECT_EQ(size == MPageSize::Four ? (pages->Width | pages->Height) % 4 : 0, 0);
         if (size == MPageSize::PowerOfTwo) {
             EXPECT_TRUE(std::has_single_bit(static_cast<unsigned>(pages->Width)) &&
                         std::has_single_bit(static_cast<unsigned>(pages->Height)));
