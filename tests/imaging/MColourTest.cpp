@@ -5,13 +5,6 @@
 #include <cmath>
 #include <utility>
 
-TEST(Colour, NumbersThatAreNoFormat) {
-    for (const MPixelFormat format : {-1, 0, 10}) {
-        EXPECT_STREQ(FormatName(format), "Unknown format");
-        EXPECT_EQ(BytesPerPixel(format), 0U);
-    }
-}
-
 TEST(Colour, BytesAndWordsOfHalves) {
     for (std::uint32_t bits = 0; bits <= 0xFFFF; ++bits) {
         const Imath::half value(Imath::half::FromBits, static_cast<std::uint16_t>(bits));

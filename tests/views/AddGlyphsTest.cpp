@@ -141,7 +141,6 @@ TEST_F(AddGlyphsWindow, TheGridWorksByKeyboard) {
             QTest::keyClick(grid, key, Qt::ShiftModifier);
         EXPECT_EQ(Selected(), "BORhxyz") << "also what is passed with Shift";
         EXPECT_TRUE(grid->hasFocus()) << "arrows stay in the grid";
-        Screenshot(dialog, "add-glyphs-keyboard");
         EXPECT_TRUE(GridPaintsAnew(dialog, [&] { QTest::keySequence(grid, QKeySequence::SelectAll); }));
         TypeInto(Named<QLineEdit>(dialog, "Glyph height"), "-a7b");
         QTest::keyClick(grid, Qt::Key_Return);

@@ -6,6 +6,7 @@
 #include "platform/qt/QtText.h"
 #include "views/Fonts.h"
 
+#include <QComboBox>
 #include <cmath>
 
 using Desktop::DialogId;
@@ -187,8 +188,13 @@ TEST_F(AddSheetWindow, TheMouseDrawsJoinsAndDragsAndNothingIsLostOnCancel) {
     Put(made, "two.png");
     AddBlock(u'A');
     EXPECT_FALSE(Open([&](QWidget& dialog) {
-        const QWidget* const sheet = Named<QWidget>(dialog, "Sheet");
+        QWidget* const sheet = Named<QWidget>(dialog, "Sheet");
         const QRect area = sheet->geometry();
+        const QImage whole = dialog.grab(area).toImage();
+        for (const Qt::Key key : {Qt::Key_Down, Qt::Key_Up}) { // another ground, and the first one again
+            QTest::keyClick(Named<QComboBox>(dialog, "Ground"), key);
+            EXPECT_EQ(dialog.grab(area).toImage() == whole, key == Qt::Key_Up);
+        }
         const double density = dialog.devicePixelRatio();
         const double fits = density * std::min(area.width() / double(made.picture.Width),
                                                area.height() / double(made.picture.Height));
@@ -205,6 +211,11 @@ TEST_F(AddSheetWindow, TheMouseDrawsJoinsAndDragsAndNothingIsLostOnCancel) {
         };
         const int width = widthTold();
         EXPECT_NEAR(width, a.width, 2);
+        QTest::keyClick(sheet, Qt::Key_Plus, Qt::ControlModifier);
+        QTest::keyClick(sheet, Qt::Key_Right, Qt::ShiftModifier);
+        QTest::keyClick(sheet, Qt::Key_Left, Qt::ControlModifier);
+        EXPECT_EQ(widthTold(), width + 1) << "its edge by a pixel, and all of it the other way";
+        QTest::keyClick(sheet, Qt::Key_0, Qt::ControlModifier);
         const QPoint edge = at(a.x + a.width / 2, a.y);
         EXPECT_TRUE(PaintsAnew(dialog, area, [&] {
             Drag(dialog, Qt::LeftButton, {edge, at(a.x + a.width / 2 + 9, a.y)});
@@ -215,7 +226,7 @@ TEST_F(AddSheetWindow, TheMouseDrawsJoinsAndDragsAndNothingIsLostOnCancel) {
         EXPECT_EQ(LabelWith(dialog, "Box ").section(",", 0, 0), "Box 1 of 3: no character");
         QTest::mouseClick(&dialog, Qt::LeftButton, Qt::ControlModifier, at(a.x, a.y));
         EXPECT_EQ(LabelWith(dialog, "Box ").section(":", 0, 0), "Box 1 of 2");
-        for (int i = 0; i < 3; ++i)
+        for (int i = 0; i < 5; ++i)
             Click(dialog, "Undo");
         EXPECT_EQ(widthTold(), width);
         Click(dialog, "Cancel");

@@ -75,7 +75,6 @@ TEST_F(OpticalKerningWindow, TheMouseChoosesAndTheSliderTellsHowMuch) {
 TEST_F(OpticalKerningWindow, AFontWithoutLettersSaysSo) {
     AddBlock(u'@');
     RunAnd(DialogId::OpticalKerning, [&](QWidget& dialog) {
-        Screenshot(dialog, "optical-kerning-none");
         for (const auto* const button : dialog.findChildren<QAbstractButton*>())
             EXPECT_EQ(button->isEnabled(), button->text() != "OK" && button->text() != "&Remove pair")
                 << button->text().toStdString();
