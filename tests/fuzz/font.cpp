@@ -24,8 +24,8 @@ namespace {
 constexpr std::string_view form = LETTRINO_FORM;
 
 // Where the input is put.
-struct Place : TemporaryFolder {
-    Place() { FilledPicture(64, 32, MColour(10, 20, 30, 200)).Save(File("f.png")); }
+struct InputFolder : TemporaryFolder {
+    InputFolder() { FilledPicture(64, 32, MColour(10, 20, 30, 200)).Save(File("f.png")); }
 };
 
 // What no reader goes on without stands before every input, so that the fuzzer need not find it.
@@ -121,7 +121,7 @@ void WriteInEachForm(std::string_view bytes) {
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    static const Place place;
+    static const InputFolder place;
     SetMemoryLimit(std::size_t{256} << 20); // beyond what is held now
     RestorePixelBudget();
     MSettings settings;

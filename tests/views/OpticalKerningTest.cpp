@@ -5,7 +5,6 @@
 #include "foundation/MString.h"
 #include "views/Fonts.h"
 
-#include <QCheckBox>
 #include <QListView>
 #include <QSlider>
 
