@@ -98,11 +98,13 @@ MSafeFile Renamed(const MString& textPath, const MString& picturePath) {
 }
 
 // Steps 3 to 5.
-bool PlaceUnderOwnNames(MSafeFile& picture, MSafeFile& text, const fs::path& second) {
+bool PlaceUnderOwnNames(MSafeFile& picture, MSafeFile& text) {
     const fs::path pictureFolder = picture.Target().parent_path();
     if (!picture.Rename() || !FlushFolder(pictureFolder)) return false;
     if (!text.Rename() || !FlushFolder(text.Target().parent_path())) return false;
-    RemoveFile(second);
+    // That of an interrupted save, whose text is replaced now, as well.
+    for (const char* mark : secondNames)
+        RemoveFile(SecondName(picture.Target(), mark));
     return true;
 }
 
@@ -131,7 +133,7 @@ bool PlaceFontPair(MSafeFile picture, MSafeFile text, const MWriteFontText& writ
         RemoveFile(second);
         return Fail(between, failures);
     }
-    if (FlushFolder(textFolder) && PlaceUnderOwnNames(picture, text, second)) return true;
+    if (FlushFolder(textFolder) && PlaceUnderOwnNames(picture, text)) return true;
     return Fail(picture.Ok() ? text : picture, failures);
 }
 
@@ -149,5 +151,5 @@ void FinishFontPair(const MString& textPath) {
     MSafeFile picture(picturePath);
     if (!CopyBytes(*second, picture) || !picture.Finish()) return;
     MSafeFile text = Renamed(textPath, FullPath(picturePath));
-    if (text.Finish()) PlaceUnderOwnNames(picture, text, *second);
+    if (text.Finish()) PlaceUnderOwnNames(picture, text);
 }

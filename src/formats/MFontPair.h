@@ -9,7 +9,7 @@
 //   2. a text that names it so replaces "demo.sm"; from here on the font is the new one
 //   3. the picture replaces "demo.png", which no text names at this moment
 //   4. a text that names "demo.png" replaces "demo.sm"
-//   5. the second name goes
+//   5. the second name goes, also that of a save that was interrupted
 //
 // Each step is on the disk before the next one. A reader that takes the picture which the text names needs to
 // know nothing of this. Ours takes "demo.png" whatever the text names, but for these names; and since it opens

@@ -179,16 +179,15 @@ bool MSafeFile::LookAtOldFile() {
 }
 
 bool MSafeFile::MakeBeside() {
-    constexpr int most = 100;
+    constexpr int most = 32; // programs that write one file at a time
     // What replaces a private file is private from the start.
     const mode_t permissions = replaces ? 0600 : 0666;
     for (int number = 0; number < most;) {
         beside = BesideName(target, number);
         handle = CreateLocked(beside, permissions);
         if (handle >= 0) {
-            // What several writers left that were killed together.
-            std::error_code error;
-            while (++number < most && fs::exists(BesideName(target, number), error))
+            // What several writers left that were killed together, whichever of them had been done before.
+            while (++number < most)
                 RemoveAbandoned(BesideName(target, number));
             return true;
         }

@@ -206,6 +206,7 @@ TEST_F(FontPairTest, KilledAgain) {
                            EXPECT_EQ(ByLoading("f.sm"), found) << step;
                        });
         EXPECT_EQ(ByText("f.sm"), which);
+        EXPECT_FALSE(HasLeftovers(folder.path)) << "of the interrupted save neither";
     }
 }
 

@@ -124,12 +124,15 @@ TEST(SafeFile, WhatAKilledWriterLeftIsRemovedAndThatOfALivingOneIsNot) {
     const std::string name(250, 'x'); // longer than what stands beside it may be
     const pid_t child = fork();
     if (child == 0) {
-        const MSafeFile first(folder.File(name.c_str())), second(folder.File(name.c_str()));
+        const MString file = folder.File(name.c_str());
+        MSafeFile first(file), second(file), third(file);
+        second.Discard();
         kill(getpid(), SIGKILL);
     }
     waitpid(child, nullptr, 0);
     ASSERT_EQ(Entries(folder.path), 2);
     MSafeFile living(folder.File(name.c_str()));
+    EXPECT_EQ(Entries(folder.path), 1) << "its own";
     EXPECT_TRUE(living.WriteAt(0, "living", 6));
     ASSERT_TRUE(Replace(folder.File(name.c_str()), "other"));
     ASSERT_TRUE(living.Place());
