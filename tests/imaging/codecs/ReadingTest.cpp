@@ -91,7 +91,7 @@ TEST(PngCodec, TrailingBytesDoNotMatterButAMissingEndDoes) {
     Bytes file = DataFile("png/rgb8.png");
     file.push_back(0);
     EXPECT_TRUE(Decoded("PNG", file).IsValid());
-    file.resize(file.size() - 2);
+    file.erase(file.end() - 2, file.end());
     EXPECT_FALSE(Decoded("PNG", file).IsValid());
 }
 
