@@ -160,7 +160,7 @@ TEST(SheetCutter, WhatIsNoSheetIsTold) {
         EXPECT_NE(sheet.problem, "");
         EXPECT_THAT(sheet.problem, HasSubstr(problem));
     }
-    EXPECT_THAT(FindSheetLetters(block, "ABA", {}).problem, HasSubstr("U+0041 twice"));
+    EXPECT_THAT(FindSheetLetters(block, "ABA", {}).problem, HasSubstr("'A' (U+0041) twice"));
     EXPECT_NE(FindSheetLetters(MPicture(), "A", {}).problem, "");
 }
 
@@ -223,6 +223,16 @@ TEST(SheetCutter, ChangesByHand) {
     EXPECT_EQ(font.GetGlyph(u'B')->Height, font.GetGlyph(u'H')->Height);
     EXPECT_NEAR(inkHeight(u'B'), cap, 1);
     EXPECT_EQ(static_cast<std::int32_t>(bottom), font.Baseline);
+}
+
+TEST(SheetCutter, PartsSideBySideAreJoinedForACharacterThatHasThem) {
+    const OwnedPicture picture = FilledPicture(150, 60, {255, 255, 255});
+    for (const std::int32_t x : {10, 50, 90})
+        Block(picture, x, 10, x == 50 ? 14 : 20, 40);
+    Block(picture, 70, 10, 6, 40);
+    const MSheet sheet = FindSheetLetters(picture, u"\u0422\u042B\u0428", {});
+    ASSERT_EQ(sheet.problem, "");
+    EXPECT_EQ(sheet.boxes[1].box.Width(), 26);
 }
 
 // 8 x 10 cells whose letters are pieces that no shape tells apart.

@@ -55,6 +55,13 @@ bool IsFlatCapital(char16_t character) {
 }
 
 bool IsOfPartsSideBySide(char16_t character) {
-    return std::u16string_view(u"\"%\u201C\u201D\u201E\u00AB\u00BB\u2026\u00BC\u00BD\u00BE\u2030\u00A8")
-               .find(character) != std::u16string_view::npos;
+    constexpr std::u16string_view characters =
+        u"\"%\u201C\u201D\u201E\u201F\u00AB\u00BB\u2026\u2025\u00BC\u00BD\u00BE\u2030\u00A8\u2033\u203C\u2116"
+        u"\u042B\u044B\u04F8\u04F9"                         // yeru
+        u"\u010F\u013D\u013E\u013F\u0140\u0149\u0165"       // with a caron, dot or apostrophe beside them
+        u"\u0386\u0388\u0389\u038A\u038C\u038E\u038F"       // with a tonos before them
+        u"\u0132\u0133\u01C4\u01C5\u01C6\u01C7\u01C8\u01C9" // two letters in one
+        u"\u01CA\u01CB\u01CC\u01F1\u01F2\u01F3";
+    const bool polytonic = character >= 0x1F00 && character <= 0x1FFF; // capitals have their marks before them
+    return polytonic || characters.find(character) != characters.npos;
 }
