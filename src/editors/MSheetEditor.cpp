@@ -74,8 +74,10 @@ void MSheetEditor::StepLine(std::int32_t lines) {
 
 void MSheetEditor::StepToDoubt() {
     const auto count = static_cast<std::int32_t>(Sheet.boxes.size());
+    // Behind the last box it begins anew.
+    const std::int32_t from = SelectedBox() ? Selected : -1;
     for (std::int32_t i = 1; i <= count; ++i) {
-        const std::int32_t place = (Selected + i) % count;
+        const std::int32_t place = (from + i) % count;
         const MSheetBox& box = Sheet.boxes[static_cast<std::size_t>(place)];
         if (box.leftOut || (!box.doubtful && box.character != 0 && place != Sheet.doubtAt)) continue;
         return Select(place);

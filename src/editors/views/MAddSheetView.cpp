@@ -234,8 +234,9 @@ bool MAddSheetView::MoveKey(const QKeyEvent& event) {
 void MAddSheetView::ShowControls() {
     const MSheetEditor& editor = dialog.Editor;
     const MSheetBox* const selected = editor.SelectedBox();
-    for (QPushButton* const button : {&cut, &leaveOut, &doubt})
+    for (QPushButton* const button : {&cut, &leaveOut})
         button->setEnabled(selected);
+    doubt.setEnabled(!editor.Sheet.boxes.empty());
     join.setEnabled(selected && editor.Selected + 1 < static_cast<std::int32_t>(editor.Sheet.boxes.size()));
     undo.setEnabled(editor.CanUndo());
     keepCells.setEnabled(editor.Sheet.grid.has_value());
