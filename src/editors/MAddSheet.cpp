@@ -71,8 +71,8 @@ void MAddSheet::PathChanged(const MString& path) {
 void MAddSheet::TextChanged(const MString& text) {
     if (text.Equals(Text)) return;
     Text = text;
-    // What takes long enough to show its progress would do so at each key.
-    constexpr std::uint64_t slow = std::uint64_t{1} << 25;
+    // Half a megapixel takes some 40 ms, and keys that wait longer are felt.
+    constexpr std::uint64_t slow = std::uint64_t{1} << 19;
     if (Editor.Edited || std::uint64_t{picture.Width} * picture.Height >= slow) {
         Editor.UseText(Text);
         unsearched = true;

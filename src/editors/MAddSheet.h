@@ -50,7 +50,7 @@ public:
     bool Browse();
     void PathChanged(const MString& path);
     void TextChanged(const MString& text);
-    void TextDone();       // no key follows for now: large sheets are searched anew only here
+    void TextDone();       // no key follows for now: all but small sheets are searched anew only here
     void ChoicesChanged(); // cells or ground: searches anew, and drops what was done by hand
 
     // In pixels of the dialog.

@@ -83,6 +83,7 @@ TEST_F(AddSheetWindow, APhotoOfCrayonLettersBecomesAFont) {
     EXPECT_TRUE(Open([&](QWidget& dialog) {
         EXPECT_EQ(QApplication::focusWidget()->accessibleName(), "Characters");
         TypeInto(Named<QLineEdit>(dialog, "Characters"), "ABCDEFGH IJKLMNOP QRSTUVW XYZ!?.");
+        QTRY_VERIFY(!LabelWith(dialog, "Box 1 of 29").isEmpty()); // searched anew, without a doubt
         TypeInto(Named<QLineEdit>(dialog, "Spacing before"), "7");
         TypeInto(Named<QLineEdit>(dialog, "Spacing after"), "7");
         FocusSheet(dialog);

@@ -13,6 +13,8 @@ namespace {
 
 using Ground = MSheetWishes::Ground;
 
+constexpr int typingPause = 400; // milliseconds without a key, after which a text counts as typed
+
 // The local path of the first picture in what is dragged; empty if the first file is none.
 MString PictureIn(const QMimeData& data) {
     const MString file = DraggedFile(data);
@@ -120,12 +122,17 @@ void MAddSheetView::ConnectFields() {
     });
     connect(&text, &QLineEdit::textChanged, this, [this](const QString& typed) {
         dialog.TextChanged(FromQt(typed));
+        typing.start();
         ShowControls();
     });
-    connect(&text, &QLineEdit::editingFinished, this, [this] {
+    const auto done = [this] {
         dialog.TextDone();
         ShowControls();
-    });
+    };
+    connect(&text, &QLineEdit::editingFinished, this, done);
+    typing.setSingleShot(true);
+    typing.setInterval(typingPause);
+    typing.callOnTimeout(this, done);
     for (QLineEdit* const field : {&cellWidth, &cellHeight}) {
         connect(field, &QLineEdit::textChanged, this, [this] {
             dialog.CellWidth = FromQt(cellWidth.text());

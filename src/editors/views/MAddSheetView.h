@@ -7,6 +7,7 @@
 
 #include <QCheckBox>
 #include <QComboBox>
+#include <QTimer>
 
 class MAddSheetView : public MDialogView {
 public:
@@ -24,6 +25,7 @@ private:
     QLineEdit path;
     QPushButton browse{"&Browse"};
     QLineEdit text;
+    QTimer typing; // runs out when no key has come for a while
     MFocusArea sheet{"Sheet"};
     QPushButton join{"&Join with next"};
     QPushButton cut{"&Split"};
