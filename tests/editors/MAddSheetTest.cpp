@@ -38,20 +38,19 @@ TEST(MSheetEditor, GoesToTheNearestBox) {
         void (*go)(MSheetEditor&);
         std::int32_t to;
     } steps[] = {
-        {[](MSheetEditor& e) { e.Step(-1); }, 0},
-        {[](MSheetEditor& e) { e.StepLine(-1); }, 0},
-        {[](MSheetEditor& e) { e.Select(1); }, 1},
-        {[](MSheetEditor& e) { e.StepLine(1); }, 3},
-        {[](MSheetEditor& e) { e.Step(9); }, 4},
-        {[](MSheetEditor& e) { e.StepLine(-1); }, 2},
-        {[](MSheetEditor& e) { e.StepToDoubt(); }, 3},
-        {[](MSheetEditor& e) { e.Step(1), e.StepToDoubt(); }, 0},
-        {[](MSheetEditor& e) { e.Select(4), e.Type(u'x'), e.StepToDoubt(); }, 0},
+        {[](MSheetEditor& e) { e.Step(-1); }, 0},      {[](MSheetEditor& e) { e.StepLine(-1); }, 0},
+        {[](MSheetEditor& e) { e.Select(1); }, 1},     {[](MSheetEditor& e) { e.StepLine(1); }, 3},
+        {[](MSheetEditor& e) { e.Step(9); }, 4},       {[](MSheetEditor& e) { e.StepLine(-1); }, 2},
+        {[](MSheetEditor& e) { e.StepToDoubt(); }, 3}, {[](MSheetEditor& e) { e.Step(1), e.StepToDoubt(); }, 0},
     };
     for (const auto& [go, to] : steps) {
         go(editor);
         EXPECT_EQ(editor.Selected, to);
     }
+    editor.Select(4);
+    editor.Type(u'x');
+    editor.StepToDoubt();
+    EXPECT_EQ(editor.Selected, 0) << "behind the last box";
 }
 
 TEST(MSheetEditor, NamesFollowTheTextUntilOneIsTypedAndAllCanBeTakenBack) {
