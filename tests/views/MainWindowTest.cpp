@@ -178,6 +178,7 @@ TEST_F(MainWindowTest, TheMenuHoldsEveryItemInOrder) {
                       "SETTINGS\nSet background colour...\t\nEnter license keys...\t\n"
                       "HELP\nUser guide\tF1\nCommunity\t\n-\nOrdering information...\t\nAbout Lettrino\t");
             Screenshot(window, "main-window-empty");
+            EXPECT_TRUE(window.focusWidget()) << "to which the menu bar gives the keyboard back";
         })});
 }
 

@@ -75,6 +75,9 @@ void MPreviewWidget::resizeEvent(QResizeEvent*) {
 MMainWindow::MMainWindow(const QString& title, const QRect& frame) : wanted(frame) {
     setWindowTitle(title);
     setCentralWidget(&preview);
+    // The menu bar keeps the keyboard otherwise once it was used, and letters typed later would run commands.
+    preview.setFocusPolicy(Qt::StrongFocus);
+    preview.setFocus();
     setAcceptDrops(true);
     BuildMenus();
     setGeometry(frame);
