@@ -95,9 +95,8 @@ MString MExportGameFont::SummaryOf(const MGameFontPlan& plan) const {
 }
 
 void MExportGameFont::Update() {
-    // The name that the last font got may need a repair; the next one is not known yet.
-    const MString& last = Settings->Path(MPathKind::SaveGameFont);
-    MGameFontPlan plan = PlanGameFont(description, options, GameFontName(last));
+    // Without a name, which is chosen later: what it needs is told when the font is written.
+    MGameFontPlan plan = PlanGameFont(description, options, {});
     CanExport = plan.Reason.empty();
     Summary = CanExport ? SummaryOf(plan) : "Nothing can be written: " + FromSystem(plan.Reason);
     std::stable_partition(plan.Findings.begin(), plan.Findings.end(),
