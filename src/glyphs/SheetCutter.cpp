@@ -1,6 +1,5 @@
 #include "glyphs/SheetCutter.h"
 
-#include "foundation/MUtf8.h"
 #include "glyphs/sheet/SheetBoxes.h"
 #include "glyphs/sheet/SheetCuts.h"
 #include "glyphs/sheet/SheetGrid.h"
