@@ -53,13 +53,14 @@ TEST(TheDesktop, FileDialogsShowPatternsPlacesAndWholeColumns) {
     QFile(folder.filePath("a file of some length.sm")).open(QFile::WriteOnly);
     Desktop::FileDialog dialog;
     dialog.title = "Open Font";
-    dialog.folder = FromQt(folder.path());
+    dialog.folder = FromQt(folder.filePath("gone/too"));
     dialog.filters = {{"Colour fonts", "*.SM"}, {"PNG Files (*.PNG)", "*.PNG"}};
     dialog.places = {FromQt(folder.path()), "/no such folder"};
     const QList<QUrl> usual = QFileDialog().sidebarUrls();
     WhileOpen([&] { return Desktop::ShowFileDialog(nullptr, dialog, "sm"); },
               [&](QWidget& window) {
                   auto& chooser = dynamic_cast<QFileDialog&>(window);
+                  EXPECT_EQ(chooser.directory().path(), folder.path());
                   EXPECT_TRUE(chooser.nameFilters()[0].contains("*.SM")) << "told to the user";
                   EXPECT_EQ(chooser.nameFilters()[1].count("*.PNG"), 1);
                   EXPECT_TRUE(chooser.sidebarUrls().contains(QUrl::fromLocalFile(folder.path())));

@@ -60,6 +60,16 @@ QString FilterText(const Desktop::FileFilter& filter) {
     return ToQt(filter.name).section(" (", 0, 0) + " (" + patterns.join(' ') + ')';
 }
 
+// Where a dialog begins whose folder is gone, and would be taken for the name of a file.
+QString ExistingFolder(QString folder) {
+    while (!folder.isEmpty() && !QFileInfo(folder).isDir()) {
+        const QString parent = QFileInfo(folder).path();
+        if (parent == folder) return {}; // of a drive that is gone
+        folder = parent;
+    }
+    return folder;
+}
+
 void OfferPlaces(QFileDialog& chooser, const QList<QUrl>& usual, const std::vector<MString>& places) {
     QList<QUrl> urls = usual;
     for (const MString& place : places) {
@@ -111,7 +121,7 @@ Answer ShowMessage(WindowHandle owner, const MString& text, const MString& capti
 
 MString ShowFileDialog(WindowHandle owner, FileDialog& dialog, const MString& extension) {
     const MOwnCursors cursors;
-    QFileDialog chooser(WidgetOf(owner), ToQt(dialog.title), ToQt(dialog.folder));
+    QFileDialog chooser(WidgetOf(owner), ToQt(dialog.title), ExistingFolder(ToQt(dialog.folder)));
     chooser.setAcceptMode(dialog.save ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
     chooser.setFileMode(dialog.save ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
     QStringList filters;
