@@ -227,9 +227,8 @@ TEST(SheetCutter, ChangesByHand) {
 
 TEST(SheetCutter, PartsSideBySideAreJoinedForACharacterThatHasThem) {
     const OwnedPicture picture = FilledPicture(150, 60, {255, 255, 255});
-    for (const std::int32_t x : {10, 50, 90})
-        Block(picture, x, 10, x == 50 ? 14 : 20, 40);
-    Block(picture, 70, 10, 6, 40);
+    for (const auto& [x, width] : {std::pair(10, 20), {50, 14}, {70, 6}, {90, 20}})
+        Block(picture, x, 10, width, 40);
     const MSheet sheet = FindSheetLetters(picture, u"\u0422\u042B\u0428", {});
     ASSERT_EQ(sheet.problem, "");
     EXPECT_EQ(sheet.boxes[1].box.Width(), 26);
