@@ -23,8 +23,8 @@ protected:
 };
 
 TEST_F(GlyphEditor, KeysAndMouseChangeTheFont) {
-    AddBlock(u'A');
-    AddBlock(u'B');
+    for (const char16_t letter : {u'A', u'b', u'B'})
+        AddBlock(letter);
     font->Baseline = 9;
     EXPECT_TRUE(RunAnd(DialogId::GlyphEditor, [&](QWidget& dialog) {
         EXPECT_EQ(Shown(dialog), "A|65|40 x 50|0|0|9|0|50");
@@ -40,7 +40,7 @@ TEST_F(GlyphEditor, KeysAndMouseChangeTheFont) {
         EXPECT_NEAR(ink.width(), 40 * scale, 3); // a guide lies on the edge at either side
         EXPECT_LE((ink.center() - preview.center()).manhattanLength(), 4);
 
-        QTest::keyClicks(QApplication::focusWidget(), "B"); // goes to the line of that letter
+        QTest::keyClicks(QApplication::focusWidget(), "B"); // goes to the line of that very letter
         EXPECT_EQ(Shown(dialog), "B|66|40 x 50|0|0|9|0|50");
         TypeInto(Named<QLineEdit>(dialog, "Spacing before"), "-3");
         TypeInto(Named<QLineEdit>(dialog, "Cap height"), "30");

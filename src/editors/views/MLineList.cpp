@@ -2,6 +2,7 @@
 
 #include <QPainter>
 #include <QStyledItemDelegate>
+#include <algorithm>
 
 namespace {
 
@@ -63,6 +64,14 @@ MLineList::MLineList() {
     connect(this, &QListView::pressed, this, [this](const QModelIndex& index) {
         if (onSelection) onSelection(index.row());
     });
+}
+
+void MLineList::keyboardSearch(const QString& typed) {
+    const QModelIndex next = lines.index((currentIndex().row() + 1) % std::max(lines.rowCount({}), 1));
+    const auto found = lines.match(next, Qt::DisplayRole, typed, 1,
+                                   Qt::MatchStartsWith | Qt::MatchCaseSensitive | Qt::MatchWrap);
+    if (found.isEmpty()) return QListView::keyboardSearch(typed);
+    setCurrentIndex(found.first());
 }
 
 void MLineList::Select(int position) {

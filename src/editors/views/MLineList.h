@@ -33,4 +33,7 @@ public:
     // All lines are new, and none is selected.
     void Refill(int count) { lines.Refill(count); }
     void Select(int position); // -1 for none
+
+    // Goes by the case first, since a font has both.
+    void keyboardSearch(const QString& typed) override;
 };
