@@ -56,6 +56,7 @@ QVariant MLines::data(const QModelIndex& index, int role) const {
 MLineList::MLineList() {
     setModel(&lines);
     setUniformItemSizes(true);
+    setSpacing(1); // "_" would touch what stands below it
     setSelectionMode(SingleSelection);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     connect(selectionModel(), &QItemSelectionModel::currentChanged, this, [this](const QModelIndex& current) {
