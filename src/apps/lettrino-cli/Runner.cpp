@@ -1,5 +1,6 @@
 #include "apps/lettrino-cli/Runner.h"
 
+#include "apps/lettrino-cli/StepFiles.h"
 #include "foundation/MFolders.h"
 #include "foundation/MString.h"
 #include "platform/headless/Headless.h"
@@ -36,8 +37,21 @@ std::string Describe(const StepCall& call, const StepFailure& failure) {
 
 std::string DescribeUsage(const StepCall& call) {
     const Step& step = *call.step;
-    return Place(call) + " '" + call.arguments[0] + "': wrong usage; it is " + step.name + " " +
-           step.arguments + ": " + step.help;
+    std::string words;
+    for (const std::string& argument : call.arguments)
+        words += " '" + argument + "'";
+    return Place(call) + words + ": wrong usage; it is " + step.name + " " + step.arguments + ": " + step.help;
+}
+
+// Of a step whose last argument names a file or a folder: whether it can name one. "" and what ends in "/" are
+// what scripts give whose variables are empty; without this ".sm" would be written.
+bool NamesItsFile(const StepCall& call) {
+    const Step& step = *call.step;
+    if (!step.files || step.readsText) return true;
+    const fs::path path = ToSystemPath(FromSystem(call.arguments.back()));
+    const fs::path name = path.filename();
+    const bool isFolder = name.empty() || name == "." || name == "..";
+    return !path.empty() && (!isFolder || step.files == WritesSingleFiles);
 }
 
 // Files are named from the folder of their step.
@@ -62,7 +76,7 @@ std::optional<std::vector<StepAction>> Prepare(const std::vector<StepCall>& call
     std::vector<StepAction> actions;
     for (const StepCall& call : calls) {
         auto action = call.step->prepare(call.arguments);
-        if (!action) {
+        if (!action || !NamesItsFile(call)) {
             ReportError(DescribeUsage(call));
             return std::nullopt;
         }
@@ -84,7 +98,9 @@ std::vector<ListedFile> ListFiles(const std::vector<StepCall>& calls) {
         if (!call.step->files) continue;
         GoTo(call.folder);
         for (const StepFile& file : call.step->files(call.arguments)) {
-            const fs::path path = fs::absolute(file.path).lexically_normal();
+            std::error_code error;
+            const fs::path path = fs::absolute(file.path, error).lexically_normal();
+            if (error) continue; // it has no name
             const auto same = [&](const ListedFile& listed) {
                 return listed.path == path && (listed.written || !file.written);
             };
@@ -107,7 +123,9 @@ int RunSteps(const std::vector<StepCall>& calls) {
             return StatusFailed;
         }
     }
-    return 0;
+    if (run.choices.sheetReport.empty()) return 0;
+    ReportError("--sheet-report: " + run.choices.sheetReport + ": no sheet was cut");
+    return StatusFailed;
 }
 
 int PrintFiles(const std::vector<StepCall>& calls, const std::vector<fs::path>& recipeFiles) {

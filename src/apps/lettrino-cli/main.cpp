@@ -13,6 +13,8 @@
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
+#include <cstdio>
+#include <exception>
 #include <string>
 #include <unordered_map>
 #include <utility>
@@ -38,6 +40,7 @@ void AddStep(CLI::App& app, const Step& step, StepOptions& options) {
     } else {
         option = app.add_option(step.name, step.help)
                      ->option_text(step.arguments)
+                     ->type_name(step.arguments) // which messages name
                      ->type_size(step.argumentCount)
                      ->expected(1, CLI::detail::expected_max_vector_size)
                      ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)
@@ -93,7 +96,8 @@ std::pair<Recipe, std::string> Expand(const std::vector<StepCall>& calls) {
         }
         auto read = ReadRecipe(call.arguments[0]);
         if (const auto* const failure = std::get_if<std::string>(&read)) {
-            all.first.files.push_back(fs::absolute(call.arguments[0]));
+            std::error_code error; // an empty name has no full one
+            all.first.files.push_back(fs::absolute(call.arguments[0], error));
             if (all.second.empty()) all.second = *failure;
             continue;
         }
@@ -153,9 +157,7 @@ int Watch(const std::vector<StepCall>& calls, const Wishes& wishes, const std::v
     return 0;
 }
 
-} // namespace
-
-int main(int argc, char** argv) {
+int Work(int argc, char** argv) {
     CLI::App app("Makes and converts colour fonts: bitmap fonts whose glyphs are pictures.\n"
                  "Steps are done in the order given, on one font.",
                  "lettrino-cli");
@@ -189,4 +191,20 @@ int main(int argc, char** argv) {
         return StatusWrongUsage;
     }
     return wishes.dryRun ? PrintFiles(recipe.calls, recipe.files) : RunSteps(recipe.calls);
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    int status = StatusFailed;
+    try {
+        status = Work(argc, argv);
+    } catch (const std::exception& error) { // such as of the system, where the current folder is gone
+        ReportError(error.what());
+    }
+    if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0) {
+        ReportError("what was to be printed could not be written");
+        status = std::max(status, StatusFailed);
+    }
+    return status;
 }
