@@ -487,6 +487,11 @@ function apply(element) {
 
 const drawn = new WeakMap();   // text of the page: {text, box}
 const texts = new WeakMap();   // box: text of the page
+const LETTERS = /\P{M}\p{M}*|\p{M}+/gu;   // with their marks
+// Numbers as Unicode's bidirectional algorithm keeps them together (W4, W5) after letters that run from right to left,
+// which cuttings between the figures prevent.
+const NUMBERS = /([#$%\xA2-\xA5\xB0\xB1]*\d+(?:[.,:/+\xA0-]\d+)*[#$%\xA2-\xA5\xB0\xB1]*)/;
+const RIGHT_TO_LEFT = /[\u0590-\u08FF\uFB1D-\uFDFF\uFE70-\uFEFC]/;
 const PLAIN = /^(script|style|noscript|template|title|head|textarea|input|select|option|canvas)$/;
 
 function addCuttings(font) {
@@ -494,7 +499,9 @@ function addCuttings(font) {
     const em = (pixels) => pixels / face.size + 'em';
     const url = new URL(source.Bitmap, document.baseURI).href.replace(/"/g, '%22');
     // The font file has no ink for a hyphen at the end of a line; the page's own font gives one of another code.
-    const rules = ['lt-text{text-transform:none;text-rendering:geometricPrecision;font-kerning:none;hyphenate-character:"\\2010"}',
+    const rules = ['lt-text{text-transform:none;font-variant-caps:normal;text-rendering:geometricPrecision;font-kerning:none;' +
+        'hyphenate-character:"\\2010"}',
+        'lt-n>lt-n{direction:ltr;unicode-bidi:isolate}:not(lt-n)>lt-n::before,:not(lt-n)>lt-n::after{content:"\\200F"}',
         'lt-c{position:relative;white-space:nowrap}',
         `.${name} lt-c::before{content:"";position:absolute;top:0;pointer-events:none;background-image:url("${url}");` +
         `background-size:${em(source.Resolution[0])} ${em(source.Resolution[1])};` +
@@ -582,33 +589,44 @@ function characterBefore(node) {
     }
 }
 
+// Each character alone, or with the marks that it is one with.
+const lettersOf = (text) => (text.match(LETTERS) || []).flatMap((one) => (one.normalize('NFC').length === 1 ? [one] : [...one]));
+
 function drawText(node, font, css) {
     const box = document.createElement('lt-text');
     box.className = font.name;
     box.style.fontFamily = font.name + ', ' + css.fontFamily;
+    const text = transformed(node.data, css.textTransform);
+    let rightToLeft = css.direction === 'rtl' && !/override/.test(css.unicodeBidi);   // how the last letter runs
     let before = characterBefore(node).charCodeAt(0);
     let last = null;
-    for (const character of transformed(node.data, css.textTransform)) {
-        const code = character.charCodeAt(0);
-        if (character.length > 1 || !font.codes.has(code)) {
-            if (box.lastChild && box.lastChild.nodeType === Node.TEXT_NODE) box.lastChild.data += character;
-            else box.append(character);
-            before = 0;
-            last = null;
-            continue;
+    text.split(NUMBERS).forEach((piece, i) => {
+        const into = i % 2 && rightToLeft ? box.appendChild(document.createElement('lt-n')).appendChild(document.createElement('lt-n')) : box;
+        for (const character of lettersOf(piece)) {
+            const composed = character.normalize('NFC');
+            const code = composed.charCodeAt(0);
+            if (composed.length > 1 || !font.codes.has(code)) {
+                if (into.lastChild && into.lastChild.nodeType === Node.TEXT_NODE) into.lastChild.data += character;
+                else into.append(character);
+                before = 0;
+                last = null;
+                continue;
+            }
+            const letter = into.appendChild(document.createElement('lt-c'));
+            letter.className = 'g' + code;
+            letter.textContent = character;
+            // Browsers don't kern across elements. The room is taken at the end of a letter, as any other may begin a line.
+            const amount = font.face.amounts.get(pairOf(before, code));
+            if (amount && last) last.style.marginRight = amount / font.face.size + 'em';
+            else if (amount) letter.style.marginLeft = amount / font.face.size + 'em';
+            last = letter;
+            // Not every browser breaks after a hyphen across elements; none does before a digit.
+            if (before === 45 && !/\d/.test(character)) letter.before(document.createElement('wbr'));
+            before = code;
         }
-        const letter = box.appendChild(document.createElement('lt-c'));
-        letter.className = 'g' + code;
-        letter.textContent = character;
-        // Browsers don't kern across elements. The room is taken at the end of a letter, as any other may begin a line.
-        const amount = font.face.amounts.get(pairOf(before, code));
-        if (amount && last) last.style.marginRight = amount / font.face.size + 'em';
-        else if (amount) letter.style.marginLeft = amount / font.face.size + 'em';
-        last = letter;
-        // Not every browser breaks after a hyphen across elements; none does before a digit.
-        if (before === 45 && !/\d/.test(character)) letter.before(document.createElement('wbr'));
-        before = code;
-    }
+        const strong = piece.match(/\p{L}/gu);
+        if (strong) rightToLeft = RIGHT_TO_LEFT.test(strong.pop());
+    });
     drawn.set(node, {text: node.data, box, font, transform: css.textTransform});
     texts.set(box, node);
     node.after(box);
