@@ -527,6 +527,14 @@ const observer = new MutationObserver((records) => quietly(() => followUp(record
 function follow() {
     observer.observe(document, {subtree: true, childList: true, characterData: true, attributes: true,
         attributeFilter: ['class', 'style']});
+    document.addEventListener('load', ({target}) => { if (isStyleSheet(target)) quietly(() => applyBelow(document.documentElement)); }, true);
+}
+
+const isStyleSheet = (node) => /^(style|link)$/.test(node.localName);
+
+function applyBelow(element) {
+    apply(element);
+    element.querySelectorAll('*').forEach(apply);
 }
 
 // Does work that the observer is not to hear of, after all that the page did before it.
@@ -538,15 +546,15 @@ function quietly(work) {
 
 function followUp(records) {
     const changed = new Set();
-    for (const {type, target, removedNodes} of records) {
+    for (const {type, target, addedNodes, removedNodes} of records) {
         if (type === 'characterData') forget(target, false);   // what the page wrote is what counts, also if it is empty
         for (const node of removedNodes) forget(node, true);
         changed.add(type === 'characterData' ? target.parentElement : target);
+        if ([...addedNodes, ...removedNodes].some(isStyleSheet)) changed.add(document.documentElement);
     }
     for (const node of changed) {
         if (!node || !node.isConnected || node.nodeType !== Node.ELEMENT_NODE) continue;
-        apply(node);
-        node.querySelectorAll('*').forEach(apply);
+        applyBelow(node);
     }
 }
 

@@ -115,6 +115,8 @@ for (const way of ways) {
         await tabs.assertDrawn(tab, 'Quay', `later-element-${way}`);
         await tab.run(() => { document.querySelector('h2').className = ''; });
         assert.equal(inkIn(await tab.shot()), 0);
+        await tab.run((px) => { document.head.append(Object.assign(document.createElement('style'), { textContent: `h2{font:${px}px demo}` })); }, size);
+        await tabs.assertDrawn(tab, 'Quay', `later-style-${way}`);
         await tab.close();
     });
 }
