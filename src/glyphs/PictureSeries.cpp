@@ -57,15 +57,14 @@ bool NextSuccessivePicture(MString& path, char16_t& character) {
     return FileExists(path);
 }
 
-std::int32_t AddSuccessivePictures(MColourFont& font, MString path, char16_t character) {
-    std::int32_t added = 0;
+std::vector<MString> AddSuccessivePictures(MColourFont& font, MString path, char16_t character) {
+    std::vector<MString> leftOut;
     while (NextSuccessivePicture(path, character)) {
-        if (font.AddPictureGlyph(character, path, Settings->SpacingBefore, Settings->SpacingAfter,
-                                 Settings->Trim)) {
-            ++added;
-        }
+        if (!font.AddPictureGlyph(character, path, Settings->SpacingBefore, Settings->SpacingAfter,
+                                  Settings->Trim))
+            leftOut.push_back(path);
     }
-    return added;
+    return leftOut;
 }
 
 bool AddPicture(MColourFont& font, bool isNew, char16_t character, const MPicture& picture) {

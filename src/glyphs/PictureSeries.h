@@ -5,6 +5,8 @@
 #include "document/MColourFont.h"
 #include "foundation/MString.h"
 
+#include <vector>
+
 // The character that a file's name tells, as a one-character text: two or more digits at its end are a code, of
 // 33 to 65535; otherwise it is the last character. False if there is none. The name ends at its first dot.
 bool CharacterFromFileName(const MString& path, MString& character);
@@ -14,9 +16,9 @@ bool CharacterFromFileName(const MString& path, MString& character);
 // character, else one of numbers if it ends in the character's code.
 bool NextSuccessivePicture(MString& path, char16_t& character);
 
-// Adds the rest of a series, from the picture just used on, with the spacings and the trim of the settings. How
-// many pictures became glyphs; those that didn't don't end the walk.
-std::int32_t AddSuccessivePictures(MColourFont& font, MString path, char16_t character);
+// Adds the rest of a series, from the picture just used on, with the spacings and the trim of the settings. The
+// pictures that became no glyphs, which don't end the walk.
+std::vector<MString> AddSuccessivePictures(MColourFont& font, MString path, char16_t character);
 
 // Adds one picture with the spacings and the trim of the settings. The first picture of a font that is new
 // gives the glyphs their height, whatever it is. False if it became no glyph.

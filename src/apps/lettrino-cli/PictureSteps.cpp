@@ -6,12 +6,25 @@
 #include "glyphs/PictureSeries.h"
 #include "imaging/MPixelBudget.h"
 
+#include <iterator>
+
 namespace {
 
+constexpr const char* unreadable = "it is no picture that can be read";
+constexpr const char* noRoom = "the font has 223 glyphs already";
+
 // The refusal of a picture for its size, where that was the reason.
-std::string WhyNotRead(const char* otherwise) {
+std::string WhyNotRead() {
     const MString refusal = TakePixelRefusal();
-    return refusal.IsEmpty() ? otherwise : ToSystem(refusal);
+    return refusal.IsEmpty() ? unreadable : ToSystem(refusal);
+}
+
+// The rest of a series. A letter that is left out is not a success, as the last good font would be lost.
+StepResult AddRest(MColourFont& font, const MString& path, char16_t character) {
+    const std::vector<MString> leftOut = AddSuccessivePictures(font, path, character);
+    if (leftOut.empty()) return {};
+    const std::string file = FindExisting(leftOut[0]).value_or(std::filesystem::path()).string();
+    return StepFailure{file, font.GlyphCount() == std::ssize(font.Glyphs) ? noRoom : WhyNotRead()};
 }
 
 StepResult AddPictures(Run& run, const CharacterFile& wanted, bool series) {
@@ -20,16 +33,16 @@ StepResult AddPictures(Run& run, const CharacterFile& wanted, bool series) {
     const bool isNew = !run.font;
     MColourFont& font = run.FontOrNew();
     MPicture picture(path);
-    if (!picture.IsValid()) return StepFailure{wanted.file, WhyNotRead("it is no picture that can be read")};
+    if (!picture.IsValid()) return StepFailure{wanted.file, WhyNotRead()};
     const bool added = AddPicture(font, isNew, wanted.character, picture);
     picture.Free();
     if (!added) {
         const bool full = font.ClaimSlot(wanted.character) < 0;
-        return StepFailure{wanted.file, full ? "the font has 223 glyphs already" : "a padding is negative"};
+        return StepFailure{wanted.file, full ? noRoom : "a padding is negative"};
     }
-    if (series) AddSuccessivePictures(font, path, wanted.character);
-    if (const std::string refusal = WhyNotRead(""); !refusal.empty())
-        return StepFailure{wanted.file, "of the pictures that follow it, one was not read: " + refusal};
+    if (series) {
+        if (StepResult failure = AddRest(font, path, wanted.character)) return failure;
+    }
     font.SortGlyphs();
     if (font.Repack()) return {};
     return StepFailure{wanted.file, "the glyphs don't fit a picture that memory can hold"};
