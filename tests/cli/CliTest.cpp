@@ -162,6 +162,7 @@ TEST_F(Cli, FullDisks) {
     EXPECT_EQ(folder.Read("p.js"), script);
     EXPECT_FALSE(Has("line.png"));
     Do("--open f.sm");
+    EXPECT_EQ(Run("-c '\"$0\" --open f.sm --info >/dev/full' '" LETTRINO_CLI "'", {}, "bash"), 1);
 }
 
 // Files that can't be what they are named: told, and neither waited for nor died of.
@@ -221,15 +222,35 @@ TEST_F(Cli, PathsAreRelativeToTheWorkingFolder) {
 
 TEST_F(Cli, WrongUsageDoesNothing) {
     const std::string make = "--family 'DejaVu Sans' --select A --generate --save made.sm ";
-    for (const char* arguments :
-         {"--nonsense", "--height", "--height tall", "--colour red", "--colour 12345G", "--select A-",
-          "--select Z-A", "--select U+20AC", "--select A,,B", "--set-kerning A,B", "--remove AB",
-          "--generate=no", "stray", "--resize", "--resize-normalised big", "--weight 9999999999"}) {
+    for (const char* arguments : {"--nonsense",
+                                  "--height",
+                                  "--height tall",
+                                  "--colour red",
+                                  "--colour 12345G",
+                                  "--select A-",
+                                  "--select Z-A",
+                                  "--select U+20AC",
+                                  "--select A,,B",
+                                  "--set-kerning A,B",
+                                  "--remove AB",
+                                  "--generate=no",
+                                  "stray",
+                                  "--resize",
+                                  "--resize-normalised big",
+                                  "--weight 9999999999",
+                                  "--open ''",
+                                  "--save ''",
+                                  "--fnt ./",
+                                  "--css-page ..",
+                                  "--dry-run --names ''",
+                                  "--steps ''"}) {
         EXPECT_EQ(Run(make + arguments), 2) << arguments;
         EXPECT_FALSE(Has("made.sm")) << arguments;
         EXPECT_EQ(std::ranges::count(error, '\n'), 1) << error;
     }
     EXPECT_EQ(Run(""), 2);
+    EXPECT_EQ(Run("--text AAAA"), 2);
+    EXPECT_THAT(error, HasSubstr("2 required TEXT FILE.png missing"));
 }
 
 TEST_F(Cli, UnderstandsSelections) {

@@ -154,16 +154,20 @@ TEST_F(Watch, APictureTheRecipeAndABrokenPictureInBetween) {
                 HasSubstr("C.PNG is there"));
     EXPECT_EQ(glyphs().size(), 3U);
     // A picture that is none leaves the last good result.
-    const std::string broken = watching.After([&] { folder.Write("A.png", "no picture"); });
-    EXPECT_THAT(broken, HasSubstr("r.steps:1: --pictures: "));
+    const std::string broken = watching.After([&] { folder.Write("C.png", "no picture"); });
+    EXPECT_THAT(broken, HasSubstr("/C.png: it is no picture"));
     EXPECT_THAT(broken, HasSubstr("failed after"));
     EXPECT_EQ(glyphs().size(), 3U);
-    watching.After([&] { WritePicture(*this, "A.png", MColour(0, 0, 200), 20); });
+    watching.After([&] { WritePicture(*this, "C.png", MColour(0, 0, 200), 20); });
+    Do("--steps r.steps --dry-run");
+    EXPECT_EQ(out, "reads  r.steps\nreads  A.png\nreads  B.png\nreads  C.png\nwrites out.sm\nwrites out.png\n");
+    watching.After([&] { folder.Write("r.steps", "family @later.txt\n"); });
+    watching.After([&] { folder.Write("later.txt", "what was missing"); });
     EXPECT_THAT(watching.After([&] { folder.Write("r.steps", "pictures A=A.png\nbake\n"); }),
                 HasSubstr("r.steps:2: there is no step --bake"));
     watching.After([&] { folder.Write("r.steps", "pictures A=A.png\nremove B\nsave out.sm\n"); });
     EXPECT_EQ(glyphs().size(), 2U);
-    EXPECT_EQ(watching.Runs(), 7) << "one for each change, and none for what a run itself wrote";
+    EXPECT_EQ(watching.Runs(), 9) << "one for each change, and none for what a run itself wrote";
     EXPECT_EQ(watching.End(), 0);
     EXPECT_THAT(watching.Log(), HasSubstr("lettrino-cli: ended\n"));
 }

@@ -53,6 +53,7 @@ TEST_F(SheetCli, CutsAsItIsTold) {
 TEST_F(SheetCli, FailuresAndWrongUsage) {
     MakeSheet(*this);
     ExpectFailures({
+        {"--sheet-report r.png", 1, "r.png: no sheet was cut"},
         {"--sheet-text ABC --sheet-report r.png --sheet sheet.png --save f.sm", 1,
          "14 letters were found on the sheet, but the text has 3 characters"},
         {"--sheet-text @@x --sheet sheet.png", 1, "but the text has 2 characters"},

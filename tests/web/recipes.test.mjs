@@ -63,6 +63,7 @@ test('nothing outside of the folder is served, and nothing to a site of another 
         }).end();
     });
     assert.equal(await status('/demo.js'), 200);
+    assert.match(await (await fetch(address)).text(), /<a href="\/demo.html">demo.html</);
     assert.equal(await status('/../../../../etc/hostname'), 404);
     assert.equal(await status('/%2e%2e/%2e%2e/%2e%2e/%2e%2e/etc/hostname'), 404);
     assert.equal(await status('/demo.js', 'evil.example'), 403);

@@ -96,11 +96,11 @@ private:
         argument.erase(0, 1);
         if (argument.starts_with('@')) return std::nullopt;
         const fs::path file = folder / argument;
+        recipe.files.push_back(file);
         auto text = ReadSmallText(file);
         if (!text) return argument + " can't be read";
         while (text->ends_with('\n'))
             text->pop_back();
-        recipe.files.push_back(file);
         argument = std::move(*text);
         return std::nullopt;
     }
@@ -108,16 +108,20 @@ private:
 
 } // namespace
 
-std::variant<Recipe, std::string> ReadRecipe(const std::string& file) {
+std::variant<Recipe, NoRecipe> ReadRecipe(const std::string& file) {
     const auto text = ReadSmallText(file);
-    if (!text) return file + ": there is no such file of steps, or it is larger than 1 MB";
+    if (!text) {
+        std::error_code error; // an empty name has no full one
+        return NoRecipe{file + ": there is no such file of steps, or it is larger than 1 MB",
+                        {fs::absolute(file, error)}};
+    }
     Reader reader(file);
     std::size_t number = 0;
     for (std::size_t at = 0; at < text->size();) {
         const std::size_t end = std::min(text->find('\n', at), text->size());
         const std::string_view line = std::string_view(*text).substr(at, end - at);
         if (auto failure = reader.Take(line, ++number))
-            return file + ":" + std::to_string(number) + ": " + *failure;
+            return NoRecipe{file + ":" + std::to_string(number) + ": " + *failure, reader.recipe.files};
         at = end + 1;
     }
     return std::move(reader.recipe);

@@ -35,5 +35,9 @@ struct Recipe {
 // The step of the recipe's own name, which the caller replaces by what is in it.
 extern const Step StepsOfFile;
 
-// The recipe, or why it is none: with its line, where that is to blame.
-std::variant<Recipe, std::string> ReadRecipe(const std::string& file);
+struct NoRecipe {
+    std::string reason;                       // with its line, where that is to blame
+    std::vector<std::filesystem::path> files; // of which one may mend it
+};
+
+std::variant<Recipe, NoRecipe> ReadRecipe(const std::string& file);

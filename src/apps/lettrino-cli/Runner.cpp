@@ -99,8 +99,10 @@ std::vector<ListedFile> ListFiles(const std::vector<StepCall>& calls) {
         GoTo(call.folder);
         for (const StepFile& file : call.step->files(call.arguments)) {
             std::error_code error;
-            const fs::path path = fs::absolute(file.path, error).lexically_normal();
+            fs::path path = fs::absolute(file.path, error).lexically_normal();
             if (error) continue; // it has no name
+            // As it is spelled on the disk: "B.png", where the next of a series is "B.PNG".
+            if (!file.written) path = FindExisting(FromSystemPath(path)).value_or(path);
             const auto same = [&](const ListedFile& listed) {
                 return listed.path == path && (listed.written || !file.written);
             };

@@ -4,8 +4,11 @@
 
 #include <algorithm>
 #include <atomic>
+#include <cctype>
+#include <cstdio>
 #include <fstream>
 #include <iterator>
+#include <mutex>
 #include <string_view>
 #include <thread>
 
@@ -49,10 +52,29 @@ fs::path FileOf(const fs::path& folder, const std::string& address) {
     return file;
 }
 
+// A line of the list of pages.
+std::string LinkTo(const std::string& page) {
+    std::string address;
+    std::string text;
+    for (const char c : page) {
+        const auto byte = static_cast<unsigned char>(c);
+        const bool plain =
+            std::isalnum(byte) != 0 || std::string_view("/._-").find(c) != std::string_view::npos;
+        char code[8];
+        std::snprintf(code, sizeof code, "%%%02X", byte);
+        address += plain ? std::string(1, c) : code;
+        std::snprintf(code, sizeof code, "&#%d;", byte);
+        text += plain || byte >= 128 ? std::string(1, c) : code;
+    }
+    return "<p><a href=\"/" + address + "\">" + text + "</a></p>\n";
+}
+
 } // namespace
 
 struct PageServer::State {
     fs::path folder;
+    std::mutex listing;
+    std::string list; // a page of links
     httplib::Server server;
     std::thread thread;
     std::atomic<unsigned> version = 0;
@@ -65,15 +87,20 @@ struct PageServer::State {
         return host == "127.0.0.1" + end || host == "localhost" + end;
     }
 
-    void Answer(const httplib::Request& request, httplib::Response& response) const {
+    void Answer(const httplib::Request& request, httplib::Response& response) {
         response.set_header("Cache-Control", "no-store");
         if (!IsForUs(request)) {
             response.status = 403;
             return;
         }
         if (request.path == versionPath) return response.set_content(std::to_string(version), "text/plain");
-        const fs::path file = FileOf(folder, request.path);
+        const bool isRoot = request.path == "/";
+        const fs::path file = FileOf(folder, isRoot ? "/index.html" : request.path);
         std::ifstream stream(file, std::ios::binary);
+        if (isRoot && file.empty()) {
+            const std::lock_guard lock(listing);
+            return response.set_content(list, "text/html");
+        }
         if (file.empty() || !stream) {
             response.status = 404;
             return response.set_content("There is no such file.\n", "text/plain");
@@ -114,6 +141,18 @@ bool PageServer::Start(int port) {
 
 std::string PageServer::Address() const {
     return "http://127.0.0.1:" + std::to_string(state->port) + "/";
+}
+
+void PageServer::List(const std::vector<fs::path>& pages) {
+    std::string list = "<!DOCTYPE html><meta charset=\"utf-8\"><title>Lettrino</title>\n";
+    if (pages.empty()) list += "<p>No page is written here.</p>\n";
+    for (const fs::path& page : pages) {
+        std::error_code error;
+        list += LinkTo(fs::weakly_canonical(page, error).lexically_relative(state->folder).generic_string());
+    }
+    list += reloader;
+    const std::lock_guard lock(state->listing);
+    state->list = std::move(list);
 }
 
 void PageServer::Reload() {

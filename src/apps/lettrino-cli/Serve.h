@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace httplib {
 class Server;
@@ -20,6 +21,8 @@ public:
     // On the loopback address alone, in a thread of its own. False if the port is taken. 0 takes any.
     bool Start(int port);
     std::string Address() const; // "http://127.0.0.1:8000/"
+    // What "/" leads to, where the folder has no index.html.
+    void List(const std::vector<std::filesystem::path>& pages);
     // Pages that are open load themselves anew.
     void Reload();
 

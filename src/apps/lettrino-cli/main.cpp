@@ -95,10 +95,9 @@ std::pair<Recipe, std::string> Expand(const std::vector<StepCall>& calls) {
             continue;
         }
         auto read = ReadRecipe(call.arguments[0]);
-        if (const auto* const failure = std::get_if<std::string>(&read)) {
-            std::error_code error; // an empty name has no full one
-            all.first.files.push_back(fs::absolute(call.arguments[0], error));
-            if (all.second.empty()) all.second = *failure;
+        if (const auto* const failure = std::get_if<NoRecipe>(&read)) {
+            std::ranges::copy(failure->files, std::back_inserter(all.first.files));
+            if (all.second.empty()) all.second = failure->reason;
             continue;
         }
         Recipe& recipe = std::get<Recipe>(read);
@@ -137,14 +136,18 @@ fs::path FolderToServe(const std::vector<ListedFile>& files) {
 }
 
 int Watch(const std::vector<StepCall>& calls, const Wishes& wishes, const std::vector<std::string>& words) {
+    PageServer server(FolderToServe(ListFiles(Expand(calls).first.calls)));
     const auto files = [&] {
         const Recipe recipe = Expand(calls).first;
         WatchedFiles watched{recipe.files, {}};
-        for (const ListedFile& file : ListFiles(recipe.calls))
+        std::vector<fs::path> pages;
+        for (const ListedFile& file : ListFiles(recipe.calls)) {
             (file.written ? watched.written : watched.read).push_back(file.path);
+            if (file.written && file.path.extension() == ".html") pages.push_back(file.path);
+        }
+        server.List(pages);
         return watched;
     };
-    PageServer server(FolderToServe(ListFiles(Expand(calls).first.calls)));
     if (wishes.port >= 0) {
         if (!server.Start(wishes.port)) {
             ReportError("--serve: port " + std::to_string(wishes.port) + " can't be had");
