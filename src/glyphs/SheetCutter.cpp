@@ -48,11 +48,25 @@ std::string WhyNotText(const MSheet& sheet) {
     return {};
 }
 
-// Puts aside what is too small to be a part of a letter.
+// How far the ink of a letter is from the ground: the middle of all that are no small ones.
+std::uint8_t UsualStrength(const MSheet& sheet, double height) {
+    std::vector<std::uint8_t> strengths;
+    for (const MSheetPiece& piece : sheet.pieces)
+        if (piece.box.Height() > 0.5 * height) strengths.push_back(piece.strongest);
+    if (strengths.empty()) return 0;
+    const auto middle = strengths.begin() + static_cast<std::ptrdiff_t>(strengths.size() / 2);
+    std::ranges::nth_element(strengths, middle);
+    return *middle;
+}
+
+// Puts aside what is too small to be a part of a letter, and small pieces that are too faint: what JPEG leaves
+// around strokes.
 void DropSpecks(MSheet& sheet) {
     const double height = SheetLetterHeight(sheet.pieces);
     const double least = std::max(2.0, 0.045 * height);
+    const int faint = UsualStrength(sheet, height) / 5;
     const auto isPart = [&](const MSheetPiece& piece) {
+        if (piece.strongest < faint && piece.box.Height() < 0.5 * height) return false;
         return std::max(piece.box.Width(), piece.box.Height()) >= least &&
                static_cast<double>(piece.area) >= std::max(3.0, 0.0015 * height * height);
     };

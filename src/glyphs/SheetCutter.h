@@ -34,13 +34,15 @@ struct MSheetGround {
 struct MSheetRun {
     std::int32_t y;
     std::int32_t left;
-    std::int32_t right; // exclusive
+    std::int32_t right;         // exclusive
+    std::uint8_t strongest = 0; // how far its ink is from the ground at most
 };
 
 // Ink that hangs together, corners included.
 struct MSheetPiece {
     Desktop::Rect box;
     std::int64_t area = 0;       // pixels
+    std::uint8_t strongest = 0;  // of its runs
     std::vector<MSheetRun> runs; // by rows
 };
 
@@ -85,7 +87,7 @@ struct MSheet {
     std::int32_t height = 0;
     MSheetGround ground;
     std::vector<MSheetPiece> pieces;
-    std::vector<MSheetPiece> specks; // too small for parts of letters
+    std::vector<MSheetPiece> specks; // too small or too faint for parts of letters
     std::vector<MSheetLine> lines;
     std::vector<MSheetBox> boxes;       // in reading order
     MString text;                       // without blanks

@@ -180,7 +180,8 @@ TEST(SheetCutter, TellsWhereNumbersDiffer) {
 
 TEST(SheetCutter, ChangesByHand) {
     const MadeSheet made({.lines = {u"AH", u"xo"}});
-    Block(made.picture, 4, 8, 1, 2); // a speck
+    Block(made.picture, 4, 8, 1, 2);                   // a speck
+    Block(made.picture, 4, 30, 9, 9, {225, 225, 225}); // a faint one, as JPEG makes them
     MSheet sheet = FindSheetLetters(made.picture, "", {});
     ASSERT_EQ(sheet.boxes.size(), 4U);
     const Desktop::Rect h = sheet.boxes[1].box;

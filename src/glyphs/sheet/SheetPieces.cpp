@@ -18,6 +18,7 @@ void AddRuns(MSheetForest& forest, const std::uint8_t* strength, std::int32_t y,
     constexpr std::int32_t block = 32;
     forest.BeginRow();
     std::int32_t begin = -1;
+    std::uint8_t strongest = 0;
     for (std::int32_t x = left; x < right;) {
         if (begin < 0 && x + block <= right) {
             std::uint8_t most = 0;
@@ -32,12 +33,14 @@ void AddRuns(MSheetForest& forest, const std::uint8_t* strength, std::int32_t y,
         for (; x < end; ++x) {
             const bool ink = strength[x] > threshold;
             if (ink && begin < 0) begin = x;
+            if (ink) strongest = std::max(strongest, strength[x]);
             if (ink || begin < 0) continue;
-            forest.Add({y, begin, x});
+            forest.Add({y, begin, x, strongest});
             begin = -1;
+            strongest = 0;
         }
     }
-    if (begin >= 0) forest.Add({y, begin, right});
+    if (begin >= 0) forest.Add({y, begin, right, strongest});
 }
 
 } // namespace
@@ -52,9 +55,11 @@ Desktop::Rect Around(const Desktop::Rect& a, const Desktop::Rect& b) {
 void MeasureSheetPiece(MSheetPiece& piece) {
     piece.box = {};
     piece.area = 0;
+    piece.strongest = 0;
     for (const MSheetRun& run : piece.runs) {
         piece.box = Around(piece.box, {run.left, run.y, run.right, run.y + 1});
         piece.area += run.right - run.left;
+        piece.strongest = std::max(piece.strongest, run.strongest);
     }
 }
 
