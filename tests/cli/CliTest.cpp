@@ -25,7 +25,7 @@ TEST_F(Cli, RoundTrips) {
         SCOPED_TRACE(face);
         const auto made = Info(std::string(face) + " --height " + std::to_string(height) +
                                " --select all --generate --kern --save f.sm");
-        EXPECT_EQ(error, "");
+        EXPECT_EQ(error.empty(), !std::string_view(face).ends_with("Family'")) << error;
         EXPECT_GT(made["glyphs"].size(), 180U);
         for (const auto& glyph : made["glyphs"])
             ASSERT_EQ(glyph["height"], height);

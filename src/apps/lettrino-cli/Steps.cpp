@@ -14,6 +14,7 @@
 #include "foundation/MNumbers.h"
 #include "foundation/MString.h"
 #include "platform/headless/Headless.h"
+#include "platform/text/MSystemFonts.h"
 
 #include <algorithm>
 #include <array>
@@ -90,9 +91,17 @@ void PrintMessages(const char* step, std::size_t first) {
     }
 }
 
+// A name with a slip would give letters of another family without a word.
+void TellOfSubstitute(const MString& family) {
+    if (IsFamilyInstalled(family) || family.Equals(MSettings().FontName)) return;
+    std::fprintf(stderr, "lettrino-cli: --generate: note: there is no family '%s'; another one stands for it\n",
+                 ToSystem(family).c_str());
+}
+
 Prepared Generate(StepArguments) {
     return [](Run& run) -> StepResult {
         MColourFont& font = run.FontOrNew();
+        TellOfSubstitute(run.choices.settings.FontName);
         const std::size_t told = Headless::record.messages.size();
         if (!font.GenerateSelectedCharacters()) return StepFailure{{}, "no character is selected"};
         PrintMessages("--generate", told);

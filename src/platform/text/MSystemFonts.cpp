@@ -173,7 +173,7 @@ std::vector<MSystemFace> ListSystemFaces() {
 }
 
 bool AddFontFile(const MString& path, std::string* reason) {
-    if (reason) *reason = "it is no font";
+    if (reason) *reason = "it is no font that can be read";
     const auto file = FindExisting(path);
     if (!file || !std::filesystem::is_regular_file(*file)) return false;
     const std::string name = file->string();
