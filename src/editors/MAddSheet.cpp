@@ -3,6 +3,7 @@
 #include "document/ChooseFile.h"
 #include "editors/FieldText.h"
 #include "foundation/MFolders.h"
+#include "glyphs/sheet/SheetPhoto.h"
 #include "imaging/MPixelBudget.h"
 
 #include <algorithm>
@@ -93,9 +94,8 @@ void MAddSheet::Load(Desktop::WindowHandle progressOwner) {
     Forget();
     unread = MString();
     RestorePixelBudget(); // each choice counts alone
-    const MFontPictureScope largeOnesToo;
     if (FileExists(Path)) {
-        MPicture read(Path);
+        MPicture read = ReadSheetPicture(Path);
         picture = read.Format == FormatRGBA8
                       ? read
                       : MPicture(read, read.Width, read.Height, FormatRGBA8, false, false);

@@ -50,6 +50,37 @@ TEST_F(SheetCli, CutsAsItIsTold) {
     EXPECT_EQ(Info("--steps sub/a.steps")["glyphs"][2]["code"], '@') << error;
 }
 
+// Rows and columns as a camera keeps them that was held so, and the block that tells it, in either order of
+// bytes.
+TEST_F(SheetCli, PhotosAreTurnedAsTheirCamerasWereHeld) {
+    MakeSheet(*this);
+    const OwnedPicture sheet = Picture("sheet.png");
+    const auto width = static_cast<std::int32_t>(sheet.Width), height = static_cast<std::int32_t>(sheet.Height);
+    for (const int held : {3, 5, 6, 8}) {
+        const bool across = held >= 5;
+        OwnedPicture kept{
+            MPicture(across ? sheet.Height : sheet.Width, across ? sheet.Width : sheet.Height, FormatRGB8)};
+        for (std::int32_t y = 0; y < height; ++y) {
+            for (std::int32_t x = 0; x < width; ++x) {
+                const std::int32_t u = held == 3 ? width - 1 - x : held == 8 ? height - 1 - y : y;
+                const std::int32_t v = held == 3 ? height - 1 - y : held == 6 ? width - 1 - x : x;
+                kept.SetPixel(held == 6 ? y : u, v, sheet.GetPixel(x, y));
+            }
+        }
+        ASSERT_TRUE(kept.Save(FromSystemPath(folder.path / "photo.jpg")));
+        std::string bytes = folder.Read("photo.jpg");
+        const bool lowestFirst = held != 6;
+        std::string exif = lowestFirst ? std::string("II*\0\x08\0\0\0\x01\0\x12\x01\x03\0\x01\0\0\0", 18)
+                                       : std::string("MM\0*\0\0\0\x08\0\x01\x01\x12\0\x03\0\0\0\x01", 18);
+        exif += lowestFirst ? std::string{char(held), 0, 0, 0} : std::string{0, char(held), 0, 0};
+        bytes.insert(2, std::string("\xFF\xE1\0\x1E\x45xif\0\0", 10) + exif);
+        folder.Write("photo.jpg", bytes);
+        SCOPED_TRACE(held);
+        EXPECT_EQ(Info("--sheet-text @letters.txt --sheet photo.jpg")["glyphs"].size(), 14U);
+        EXPECT_EQ(error, "");
+    }
+}
+
 TEST_F(SheetCli, FailuresAndWrongUsage) {
     MakeSheet(*this);
     ExpectFailures({

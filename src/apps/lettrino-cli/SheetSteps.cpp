@@ -3,6 +3,7 @@
 #include "apps/lettrino-cli/Words.h"
 #include "foundation/MFolders.h"
 #include "foundation/MUtf8.h"
+#include "glyphs/sheet/SheetPhoto.h"
 #include "imaging/MPixelBudget.h"
 
 #include <algorithm>
@@ -29,11 +30,6 @@ StepResult WriteReport(const MSheet& sheet, const MPicture& picture, const std::
     report.Free();
     if (written) return {};
     return StepFailure{file, "it can't be written"};
-}
-
-MPicture ReadSheet(const std::string& file) {
-    const MFontPictureScope largeOnesToo;
-    return MPicture(FullPath(FromSystem(file)));
 }
 
 void TellDoubts(const MSheet& sheet) {
@@ -133,7 +129,7 @@ std::optional<StepAction> PrepareSheetReport(StepArguments arguments) {
             run.choices.sheetReport = file;
             return {};
         }
-        MPicture picture = ReadSheet(run.choices.sheetFile);
+        MPicture picture = ReadSheetPicture(FromSystem(run.choices.sheetFile));
         if (!picture.IsValid()) return StepFailure{file, "the sheet can't be read again"};
         StepResult result = WriteReport(*run.choices.sheet, picture, file);
         picture.Free();
@@ -144,7 +140,7 @@ std::optional<StepAction> PrepareSheetReport(StepArguments arguments) {
 std::optional<StepAction> PrepareSheet(StepArguments arguments) {
     return [file = arguments[0]](Run& run) -> StepResult {
         if (!FileExists(FullPath(FromSystem(file)))) return StepFailure{file, "no such file"};
-        MPicture picture = ReadSheet(file);
+        MPicture picture = ReadSheetPicture(FullPath(FromSystem(file)));
         if (!picture.IsValid()) {
             const MString refusal = TakePixelRefusal();
             return StepFailure{file,
