@@ -231,7 +231,8 @@ StepResult ReadNames(Run& run, const std::string& file) {
     constexpr std::int64_t most = 1 << 20;
     if (GetFileSize(path) > most) return StepFailure{file, "it is no list of names, but more than 1 MB"};
     run.choices.settings.LetterCubesNames = ReadUtf8Text(path);
-    if (run.choices.settings.LetterCubesNames.IsEmpty()) return StepFailure{file, "it is empty"};
+    if (run.choices.settings.LetterCubesNames.IsEmpty())
+        return StepFailure{file, "it is empty, or can't be read"};
     return {};
 }
 

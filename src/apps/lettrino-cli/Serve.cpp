@@ -144,12 +144,14 @@ std::string PageServer::Address() const {
 }
 
 void PageServer::List(const std::vector<fs::path>& pages) {
-    std::string list = "<!DOCTYPE html><meta charset=\"utf-8\"><title>Lettrino</title>\n";
-    if (pages.empty()) list += "<p>No page is written here.</p>\n";
+    std::string links;
     for (const fs::path& page : pages) {
         std::error_code error;
-        list += LinkTo(fs::weakly_canonical(page, error).lexically_relative(state->folder).generic_string());
+        const fs::path near = fs::weakly_canonical(page, error).lexically_relative(state->folder);
+        if (!near.empty() && *near.begin() != "..") links += LinkTo(near.generic_string());
     }
+    if (links.empty()) links = "<p>No page is written here.</p>\n";
+    std::string list = "<!DOCTYPE html><meta charset=\"utf-8\"><title>Lettrino</title>\n" + links;
     list += reloader;
     const std::lock_guard lock(state->listing);
     state->list = std::move(list);

@@ -119,19 +119,21 @@ std::vector<std::string> WordsOfARun(int argc, char** argv) {
     return words;
 }
 
-// The lowest folder that holds all that is written.
+// The lowest folder that holds all that is written; the first one where that would be the whole disk.
 fs::path FolderToServe(const std::vector<ListedFile>& files) {
+    fs::path first;
     fs::path common;
     for (const ListedFile& file : files) {
         if (!file.written) continue;
         const fs::path folder = file.path.parent_path();
-        if (common.empty()) common = folder;
+        if (first.empty()) common = first = folder;
         fs::path both;
         for (auto a = common.begin(), b = folder.begin(); a != common.end() && b != folder.end() && *a == *b;
              ++a, ++b)
             both /= *a;
         common = both;
     }
+    if (common == common.root_path()) common = first;
     return common.empty() ? fs::current_path() : common;
 }
 
