@@ -37,7 +37,7 @@ extern const Step StepsOfFile;
 
 struct NoRecipe {
     std::string reason;                       // with its line, where that is to blame
-    std::vector<std::filesystem::path> files; // of which one may mend it
+    std::vector<std::filesystem::path> files; // a change of one may mend it
 };
 
 std::variant<Recipe, NoRecipe> ReadRecipe(const std::string& file);
