@@ -206,14 +206,19 @@ TEST_F(AddSheetWindow, TheMouseDrawsJoinsAndDragsAndNothingIsLostOnCancel) {
         };
         const MadeLetter& a = made.letters[0];
         QTest::mouseClick(&dialog, Qt::LeftButton, {}, at(a.x, a.y));
-        const auto widthTold = [&] {
-            return LabelWith(dialog, "Box 1 of").section(", ", 1).section(' ', 0, 0).toInt();
+        const auto sizeTold = [&](int part) {
+            return LabelWith(dialog, "Box 1 of").section(", ", 1).section(' ', part, part).toInt();
         };
+        const auto widthTold = [&] { return sizeTold(0); };
         const int width = widthTold();
         EXPECT_NEAR(width, a.width, 2);
         QTest::keyClick(sheet, Qt::Key_Plus, Qt::ControlModifier);
         QTest::keyClick(sheet, Qt::Key_Right, Qt::ShiftModifier);
         QTest::keyClick(sheet, Qt::Key_Left, Qt::ControlModifier);
+        const int height = sizeTold(2);
+        QTest::keyClick(sheet, Qt::Key_Down, Qt::ShiftModifier);
+        EXPECT_EQ(sizeTold(2), height + 1);
+        QTest::keyClick(sheet, Qt::Key_Up, Qt::ShiftModifier);
         EXPECT_EQ(widthTold(), width + 1) << "its edge by a pixel, and all of it the other way";
         QTest::keyClick(sheet, Qt::Key_0, Qt::ControlModifier);
         const QPoint edge = at(a.x + a.width / 2, a.y);
@@ -226,7 +231,7 @@ TEST_F(AddSheetWindow, TheMouseDrawsJoinsAndDragsAndNothingIsLostOnCancel) {
         EXPECT_EQ(LabelWith(dialog, "Box ").section(",", 0, 0), "Box 1 of 3: no character");
         QTest::mouseClick(&dialog, Qt::LeftButton, Qt::ControlModifier, at(a.x, a.y));
         EXPECT_EQ(LabelWith(dialog, "Box ").section(":", 0, 0), "Box 1 of 2");
-        for (int i = 0; i < 5; ++i)
+        for (int i = 0; i < 7; ++i)
             Click(dialog, "Undo");
         EXPECT_EQ(widthTold(), width);
         Click(dialog, "Cancel");

@@ -93,18 +93,15 @@ public:
     bool Serve() {
         SvgWire::Request request;
         if (!SvgWire::Receive(STDIN_FILENO, &request, sizeof request)) return false;
-        if (request.documentLength > 0) {
-            std::string text(request.documentLength, '\0');
-            if (!SvgWire::Receive(STDIN_FILENO, text.data(), text.size())) return false;
-            LimitTime(request.limit);
-            began = ProcessorTime();
+        std::string text(request.documentLength, '\0'); // empty for a document that is here already
+        if (!SvgWire::Receive(STDIN_FILENO, text.data(), text.size())) return false;
+        LimitTime(request.limit);
+        began = ProcessorTime();
+        if (!text.empty()) {
             text = OnPage(std::move(text));
             // Without a base, no reference that leaves the document is followed.
             documents[request.document].handle =
                 rsvg_handle_new_from_data(reinterpret_cast<const guint8*>(text.data()), text.size(), nullptr);
-        } else {
-            LimitTime(request.limit);
-            began = ProcessorTime();
         }
         const bool sent = Answer(request);
         LimitTime(0);

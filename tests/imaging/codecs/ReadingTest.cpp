@@ -27,7 +27,7 @@ TEST(BmpCodec, ReadsEveryDepth) {
         EXPECT_EQ(picture.GetPixel(0, 1), Named(name[told + 3])) << name;
         ++files;
     }
-    EXPECT_EQ(files, 13);
+    EXPECT_EQ(files, 14);
     const OwnedPicture masks = Decoded("BMP", DataFile("alpha-by-masks.bmp"));
     EXPECT_EQ(masks.GetPixel(0, 0), MColour(255, 0, 0, 128));
     EXPECT_EQ(masks.GetPixel(1, 0), MColour(0, 0, 255, 0));
