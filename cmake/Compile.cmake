@@ -28,11 +28,6 @@ if(LETTRINO_FUZZ AND NOT LETTRINO_COVERAGE)
     add_compile_options(-fsanitize=fuzzer-no-link)
 endif()
 
-# lettrino_test_code(<target>): code whose own speed doesn't matter, and whose many checks take long to optimize.
-function(lettrino_test_code target)
-    target_compile_options(${target} PRIVATE -O0)
-endfunction()
-
 # lettrino_not_fuzzed(<target>): what no fuzz target runs, and is there compiled for the second compiler's warnings.
 function(lettrino_not_fuzzed target)
     if(LETTRINO_FUZZ)

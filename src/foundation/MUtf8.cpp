@@ -2,6 +2,7 @@
 
 #include <glib.h>
 
+#include <cstdio>
 #include <optional>
 
 namespace {
@@ -77,4 +78,10 @@ std::string EncodeUtf8(std::u16string_view units, MLoneSurrogates surrogates) {
         bytes.append(buffer, static_cast<std::size_t>(g_unichar_to_utf8(character, buffer)));
     }
     return bytes;
+}
+
+std::string CodePointText(std::uint32_t code) {
+    char text[16];
+    std::snprintf(text, sizeof text, "U+%04X", static_cast<unsigned>(code));
+    return text;
 }

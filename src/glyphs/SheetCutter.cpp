@@ -1,5 +1,6 @@
 #include "glyphs/SheetCutter.h"
 
+#include "foundation/MUtf8.h"
 #include "glyphs/sheet/SheetBoxes.h"
 #include "glyphs/sheet/SheetCuts.h"
 #include "glyphs/sheet/SheetGrid.h"
@@ -35,14 +36,8 @@ std::string WhyNotText(const MSheet& sheet) {
         if (unit >= 0xD800 && unit <= 0xDFFF)
             return "the text has a character beyond U+FFFF, which fonts can't have";
         if (!seen.insert(unit).second)
-            return "the text has the character '" + ToSystem(MString(std::u16string_view(&unit, 1))) + "' (U+" +
-                   [](char16_t code) {
-                       std::string hex;
-                       for (int shift = 12; shift >= 0; shift -= 4)
-                           hex += "0123456789ABCDEF"[code >> shift & 15];
-                       return hex;
-                   }(unit) +
-                   ") twice";
+            return "the text has the character '" + ToSystem(MString(std::u16string_view(&unit, 1))) + "' (" +
+                   CodePointText(unit) + ") twice";
     }
     if (seen.size() > MColourFont::SlotCount) return "the text has more characters than the 223 of a font";
     return {};

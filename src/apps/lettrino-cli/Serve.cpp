@@ -1,11 +1,11 @@
 #include "apps/lettrino-cli/Serve.h"
 
+#include "formats/Markup.h"
+
 #include <httplib.h>
 
 #include <algorithm>
 #include <atomic>
-#include <cctype>
-#include <cstdio>
 #include <fstream>
 #include <iterator>
 #include <mutex>
@@ -53,20 +53,11 @@ fs::path FileOf(const fs::path& folder, const std::string& address) {
 }
 
 // A line of the list of pages.
-std::string LinkTo(const std::string& page) {
+std::string LinkTo(const fs::path& page) {
     std::string address;
-    std::string text;
-    for (const char c : page) {
-        const auto byte = static_cast<unsigned char>(c);
-        const bool plain =
-            std::isalnum(byte) != 0 || std::string_view("/._-").find(c) != std::string_view::npos;
-        char code[8];
-        std::snprintf(code, sizeof code, "%%%02X", byte);
-        address += plain ? std::string(1, c) : code;
-        std::snprintf(code, sizeof code, "&#%d;", byte);
-        text += plain || byte >= 128 ? std::string(1, c) : code;
-    }
-    return "<p><a href=\"/" + address + "\">" + text + "</a></p>\n";
+    for (const fs::path& part : page)
+        address += "/" + Address(part.string());
+    return "<p><a href=\"" + address + "\">" + Markup(page.generic_string()) + "</a></p>\n";
 }
 
 } // namespace
@@ -148,7 +139,7 @@ void PageServer::List(const std::vector<fs::path>& pages) {
     for (const fs::path& page : pages) {
         std::error_code error;
         const fs::path near = fs::weakly_canonical(page, error).lexically_relative(state->folder);
-        if (!near.empty() && *near.begin() != "..") links += LinkTo(near.generic_string());
+        if (!near.empty() && *near.begin() != "..") links += LinkTo(near);
     }
     if (links.empty()) links = "<p>No page is written here.</p>\n";
     std::string list = "<!DOCTYPE html><meta charset=\"utf-8\"><title>Lettrino</title>\n" + links;

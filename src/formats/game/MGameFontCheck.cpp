@@ -1,8 +1,9 @@
 #include "formats/game/MGameFontCheck.h"
 
+#include "foundation/MUtf8.h"
+
 #include <algorithm>
 #include <array>
-#include <cstdio>
 
 const MGameRule ruleOnePage{"pages", "the engine reads one page alone", false,
                             "allow larger pages, or make the glyphs smaller"};
@@ -63,12 +64,6 @@ bool TouchesCell(const MGlyphDescription& glyph) {
 // Halves of surrogate pairs, and what controls a text instead of standing in it.
 bool IsUnusable(char16_t character) {
     return (character >= 0xD800 && character < 0xE000) || character < 32;
-}
-
-std::string CodeText(std::uint32_t character) {
-    char text[16];
-    std::snprintf(text, sizeof text, "U+%04X", static_cast<unsigned>(character));
-    return text;
 }
 
 class Checking {
@@ -158,7 +153,7 @@ std::vector<std::string> FindingLines(const std::vector<MGameFinding>& findings)
         for (auto at = first; at != end && at - first < shown; ++at) {
             std::string example;
             for (const std::uint32_t character : at->Characters)
-                example += (example.empty() ? "" : " ") + CodeText(character);
+                example += (example.empty() ? "" : " ") + CodePointText(character);
             if (!at->Detail.empty()) example += (example.empty() ? "" : " ") + at->Detail;
             if (!example.empty()) examples += (examples.empty() ? "" : ", ") + example;
         }

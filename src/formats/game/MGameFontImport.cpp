@@ -6,12 +6,12 @@
 #include "foundation/MFile.h"
 #include "foundation/MFolders.h"
 #include "foundation/MString.h"
+#include "foundation/MUtf8.h"
 #include "imaging/MPixelBudget.h"
 
 #include <algorithm>
 #include <array>
 #include <bitset>
-#include <cstdio>
 #include <cstring>
 #include <memory>
 #include <utility>
@@ -52,9 +52,7 @@ private:
 };
 
 std::string CodeText(std::int32_t code) {
-    char text[16];
-    std::snprintf(text, sizeof text, "U+%04X", static_cast<unsigned>(code));
-    return code < 0 ? std::to_string(code) : text;
+    return code < 0 ? std::to_string(code) : CodePointText(static_cast<std::uint32_t>(code));
 }
 
 std::string ReadBytes(const MString& path, std::string& reason) {

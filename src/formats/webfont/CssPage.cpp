@@ -1,5 +1,6 @@
 // The page that uses a font of pictures as any page uses a font, and its style sheet. Nothing on it needs a
 // script: sizes and wrapping are radio buttons that the style rules after them look at.
+#include "formats/Markup.h"
 #include "formats/webfont/MWebFontExport.h"
 #include "foundation/MUtf8.h"
 
@@ -15,35 +16,6 @@ using Lines = std::string;
 
 bool IsPlain(char c) {
     return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || c == '-' || c == '_';
-}
-
-// As a part of an address (RFC 3986, 2.1).
-std::string Address(std::string_view text) {
-    std::string address;
-    for (const char c : text) {
-        std::array<char, 4> escaped{};
-        std::snprintf(escaped.data(), escaped.size(), "%%%02X",
-                      static_cast<unsigned>(static_cast<unsigned char>(c)));
-        address += IsPlain(c) || c == '.' ? std::string(1, c) : escaped.data();
-    }
-    return address;
-}
-
-std::string Markup(std::string_view text) {
-    std::string markup;
-    for (const char c : text) {
-        if (c == '&')
-            markup += "&amp;";
-        else if (c == '<')
-            markup += "&lt;";
-        else if (c == '>')
-            markup += "&gt;";
-        else if (c == '"')
-            markup += "&quot;";
-        else
-            markup += c;
-    }
-    return markup;
 }
 
 // Between the quotation marks of a style sheet.
